@@ -1,0 +1,4 @@
+#pragma once
+
+/// Synchronises a process with others of its chain; a process that runs alone needs nothing of it.
+class CSynchronizer {};

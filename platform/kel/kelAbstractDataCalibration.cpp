@@ -1,0 +1,3 @@
+#include <kel/kelAbstractDataCalibration.h>
+
+kelAbstractDataCalibration::~kelAbstractDataCalibration() = default;

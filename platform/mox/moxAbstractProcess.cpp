@@ -1,0 +1,5 @@
+#include <mox/moxAbstractProcess.h>
+
+moxAbstractProcess::moxAbstractProcess(QObject* parent) : QObject(parent) {}
+
+moxAbstractProcess::~moxAbstractProcess() = default;

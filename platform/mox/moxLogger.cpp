@@ -1,0 +1,6 @@
+#include <mox/moxLogger.h>
+
+moxLogger& moxLogger::instance() {
+  static moxLogger logger;
+  return logger;
+}

@@ -1,0 +1,5 @@
+#include <mox/moxPlugin.h>
+
+moxPlugin::moxPlugin(QObject* parent) : QObject(parent) {}
+
+moxPlugin::~moxPlugin() = default;
