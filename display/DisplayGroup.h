@@ -1,0 +1,41 @@
+#pragma once
+
+#include <opencv2/core/types.hpp>
+
+#include <QColor>
+
+#include <list>
+#include <string>
+#include <utility>
+
+/// What is to be drawn of one group at one frame: the boxes of its mobiles in image pixels, its
+/// colour and a text. A plain record that owns all it holds.
+class DisplayGroup {
+ public:
+  DisplayGroup() = default;
+  DisplayGroup(unsigned int groupId, const QColor& groupColor, std::string groupText)
+      : id(groupId), color(groupColor), text(std::move(groupText)) {}
+  DisplayGroup(const DisplayGroup&) = default;
+  DisplayGroup(DisplayGroup&&) = default;
+  DisplayGroup& operator=(const DisplayGroup&) = default;
+  DisplayGroup& operator=(DisplayGroup&&) = default;
+  virtual ~DisplayGroup() = default;
+
+  unsigned int getId() const { return id; }
+  void setId(unsigned int groupId) { id = groupId; }
+  const QColor& getColor() const { return color; }
+  void setColor(const QColor& groupColor) { color = groupColor; }
+  const std::string& getText() const { return text; }
+  void setText(const std::string& groupText) { text = groupText; }
+
+  /// Adds the box of a mobile; boxes are drawn in the order in which they were added.
+  void addMobile(unsigned int ident, const cv::Rect& rect) { mobiles.emplace_back(ident, rect); }
+  /// Mobile ids with their boxes.
+  const std::list<std::pair<unsigned int, cv::Rect>>& getMobiles() const { return mobiles; }
+
+ private:
+  unsigned int id = 0;
+  std::list<std::pair<unsigned int, cv::Rect>> mobiles;
+  QColor color = QColor(Qt::red);
+  std::string text;
+};

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+/// What a mobile is: a person, a group of persons, noise or unknown, classified from the upstream
+/// tracker's free text by how the text begins. Texts that begin otherwise are unknown, no error.
+class ObjectType {
+ public:
+  /// An unknown type.
+  ObjectType() = default;
+  /// Classifies the text, case-sensitively: "PERSON_3" is a person, "A_PERSON" unknown.
+  explicit ObjectType(const std::string& type);
+  ObjectType(const ObjectType&) = default;
+  ObjectType& operator=(const ObjectType&) = default;
+  virtual ~ObjectType() = default;
+
+  /// "PERSON", "GROUP_OF_PERSONS", "NOISE" or "UNKNOWN".
+  std::string_view nameOf() const;
+
+  bool isGroup() const;
+  bool isPerson() const;
+  /// Never true: crowds are classified as unknown.
+  bool isCrowd() const;
+  bool isNoise() const;
+  /// True for noise and for unknown mobiles.
+  bool isNotPerson() const;
+
+ private:
+  static constexpr int unknownCode = 3;
+
+  int code = unknownCode;  ///< row in the table of names
+};
