@@ -34,5 +34,6 @@ class GroupColor {
   static unsigned int currentQtColorIndex;  ///< index of the next colour of the palette
 
  private:
+  static QColor unusedRandomColor();
   static QColor randomColor();
 };

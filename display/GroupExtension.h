@@ -14,6 +14,8 @@
 #include <string>
 #include <vector>
 
+class QPainter;
+
 /// Draws the groups of a frame on its image and saves it: every mobile's box with its ident, the
 /// boxes of each group in the group's colour with a box around them, and the frame number.
 ///
@@ -90,7 +92,16 @@ class GroupExtension {
   };
 
   static Bbox toBbox(const cv::Rect& r, unsigned int ident);
+  static std::string outputImageName(int i);
   int drawnFrame() const;
+
+  void drawFrameStamp(cv::Mat& pixels) const;
+  void drawMobiles(cv::Mat& pixels) const;
+  static void drawGroup(cv::Mat& pixels, const DisplayGroup& group);
+
+  static void paintMobiles(QPainter& painter, const std::list<Bbox>& boxes, Qt::PenStyle style);
+  void paintGroups(QPainter& painter) const;
+  void paintMarks(QPainter& painter) const;
 
   int frameNumber = 0;
   std::list<Bbox> bboxes;
@@ -99,5 +110,5 @@ class GroupExtension {
   int clusterCount = 0;
   std::vector<int> centers;
   std::vector<int> suddenPoints;
-  QSharedPointer<kelDataImage> currentImage;
+  QSharedPointer<kelDataImage> currentImage;  ///< shared with the host; null before the first
 };
