@@ -22,6 +22,6 @@ class kelAbstractProcessGroupTrackerPrivate : public kelAbstractProcessPrivate {
   std::string parameterFileName;
   bool initialised = false;
   bool parametersRead = false;
-  unsigned int frameCounter = 0;               ///< frames processed so far
+  unsigned int frameCounter = 0;  ///< frames processed so far
   QMap<QString, QVariant> specificParameters;
 };

@@ -16,7 +16,7 @@ class kelAbstractProcessPrivate : public moxAbstractObjectPrivate {
   using moxAbstractObjectPrivate::moxAbstractObjectPrivate;
 
   CSynchronizer synchronizer;
-  QMap<QString, QVariant> properties;  ///< the framework's own
+  QMap<QString, QVariant> properties;                      ///< the framework's own
   QSharedPointer<kelAbstractDataCalibration> calibration;  ///< set by the host; may be null
   QSharedPointer<kelDataContext> sceneContext;             ///< set by the host; may be null
 };

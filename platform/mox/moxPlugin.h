@@ -6,7 +6,8 @@
 #include <QString>
 #include <QStringList>
 
-/// A loadable extension of the framework; found through `QPluginLoader` by its interface identifier.
+/// A loadable extension of the framework; found through `QPluginLoader` by its interface
+/// identifier.
 class MOX_EXPORT moxPlugin : public QObject {
   Q_OBJECT
  public:

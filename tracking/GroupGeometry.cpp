@@ -1,0 +1,228 @@
+#include <opencv2/core.hpp>
+
+#include <algorithm>
+#include <cstdlib>
+#include <limits>
+#include <set>
+
+#include "Group.h"
+#include "GroupTracker.h"
+#include "MobileTypes.h"
+#include "Util.h"
+
+namespace {
+
+constexpr int latest = -1;                         // asks `computeBestMobile` for the latest frame
+constexpr double farthestRepresentative = 1000.0;  // metres; nobody beyond represents the group
+
+// A patch of the size of the box whose pixels nobody has touched yet: without an image none is
+// ever filled, and untouched pixels cost no memory.
+cv::Mat untouchedPatch(const cv::Rect& box) {
+  try {
+    return cv::Mat(box.height, box.width, CV_32FC3);
+  } catch (const cv::Exception&) {
+    return {};  // a box beyond all memory; nothing could be seen in it anyway
+  }
+}
+
+void fillPatch(cv::Mat& patch, const cv::Rect& box, const cv::Mat& image) {
+  const cv::Rect visible = box & cv::Rect(0, 0, image.cols, image.rows);
+  if (visible.area() > 0 && !patch.empty()) {
+    cv::Mat target = patch(visible - box.tl());
+    image(visible).convertTo(target, CV_32FC3);
+  }
+}
+
+}  // namespace
+
+std::vector<QSharedPointer<MetaLPO>> Group::membersAt(int frame) const {
+  std::vector<QSharedPointer<MetaLPO>> members;
+  for (const auto& [id, mobile] : m_mobiles) {
+    if (static_cast<int>(mobile->getFrame()) == frame) {
+      members.push_back(mobile);
+    }
+  }
+  return members;
+}
+
+int Group::latestFrame() const {
+  int frame = -1;
+  for (const auto& [id, mobile] : m_mobiles) {
+    frame = std::max(frame, static_cast<int>(mobile->getFrame()));
+  }
+  return frame;
+}
+
+cv::Rect_<int> Group::bbox2D(int frame) const {
+  const auto members = membersAt(frame);
+  if (members.empty()) {
+    return {0, 0, 0, 0};
+  }
+  int left = std::numeric_limits<int>::max();
+  int top = std::numeric_limits<int>::max();
+  // An edge left of or above the image counts as 0.
+  int right = 0;
+  int bottom = 0;
+  for (const auto& mobile : members) {
+    const cv::Rect& box = mobile->observation().getBoundingBox2D();
+    left = std::min(left, box.x);
+    top = std::min(top, box.y);
+    right = std::max(right, box.x + box.width);
+    bottom = std::max(bottom, box.y + box.height);
+  }
+  return {left, top, right - left, bottom - top};
+}
+
+BoundingBox3D Group::bbox3D(int frame) const {
+  const auto members = membersAt(frame);
+  if (members.empty()) {
+    return {};
+  }
+  constexpr float bound = 2147483648.0F;
+  BoundingBox3D box{-bound, -bound, -bound, bound, bound, bound};
+  for (const auto& mobile : members) {
+    const BoundingBox3D& member = mobile->observation().getBoundingBox3D();
+    box.b0 = std::max(box.b0, member.b0);
+    box.b1 = std::max(box.b1, member.b1);
+    box.b2 = std::max(box.b2, member.b2);
+    box.b3 = std::min(box.b3, member.b3);
+    box.b4 = std::min(box.b4, member.b4);
+    box.b5 = std::min(box.b5, member.b5);
+  }
+  return box;
+}
+
+cv::Point3_<float> Group::position(int frame) const {
+  const auto members = membersAt(frame);
+  if (members.empty()) {
+    return {0.0F, 0.0F, 0.0F};
+  }
+  cv::Point3f sum(0.0F, 0.0F, 0.0F);
+  for (const auto& mobile : members) {
+    sum += mobile->observation().getPosition();
+  }
+  const auto count = static_cast<float>(members.size());
+  return {sum.x / count, sum.y / count, sum.z / count};
+}
+
+// The frame asked for comes last: the members are where they were last seen before it.
+int Group::frameOfGravity(int frame) const {
+  int best = 0;
+  for (const auto& [id, mobile] : m_mobiles) {
+    const int memberFrame = static_cast<int>(mobile->getFrame());
+    if (memberFrame < frame) {
+      best = std::max(best, memberFrame);
+    }
+  }
+  return best > 0 ? best : frame;
+}
+
+cv::Point3_<float> Group::centerOfGravity(int frame) const {
+  const auto members = membersAt(frameOfGravity(frame));
+  if (members.empty()) {
+    return {0.0F, 0.0F, 0.0F};
+  }
+  cv::Point3f sum(0.0F, 0.0F, 0.0F);
+  for (const auto& mobile : members) {
+    sum += Util::getCenter3D(mobile->observation().getBoundingBox3D());
+  }
+  const auto count = static_cast<float>(members.size());
+  return {sum.x / count, sum.y / count, sum.z / count};
+}
+
+void Group::computeBestMobile(int frame) {
+  if (m_mobiles.empty()) {
+    return;
+  }
+  if (frame == latest) {
+    frame = latestFrame();
+  }
+  const cv::Point3f center = centerOfGravity(frame);
+  double nearest = farthestRepresentative;
+  for (const auto& mobile : membersAt(frame)) {
+    const double distance =
+        Util::distance3DPoints(Util::getCenter3D(mobile->observation().getBoundingBox3D()), center);
+    if (distance < nearest) {
+      nearest = distance;
+      m_bestMobileId = mobile->getIdent();
+    }
+  }
+}
+
+void Group::closeFrame(unsigned int frame, const std::map<int, QSharedPointer<MetaLPO>>& nodes,
+                       const QSharedPointer<kelDataImage>& image) {
+  m_isUpdated = false;
+  m_closedAvgIntraDist = m_avgIntraDist;
+  computeBestMobile(static_cast<int>(frame));
+  trim(static_cast<int>(frame - GroupTracker::maxFrames));
+  countLeavers(frame, nodes);
+  countAlone();
+  keepPatch(frame, image);
+}
+
+void Group::trim(int firstKeptFrame) {
+  std::erase_if(m_mobiles, [&](const auto& entry) {
+    return static_cast<int>(entry.second->getFrame()) < firstKeptFrame;
+  });
+}
+
+void Group::countLeavers(unsigned int frame, const std::map<int, QSharedPointer<MetaLPO>>& nodes) {
+  if (numMobilesAtFrame(frame - 1) <= numMobilesAtFrame(frame)) {
+    return;
+  }
+  std::set<int> leavers;
+  for (const auto& mobile : membersAt(static_cast<int>(frame - 1))) {
+    leavers.insert(mobile->getIdent());
+  }
+  for (const auto& mobile : membersAt(static_cast<int>(frame))) {
+    leavers.erase(mobile->getBestFatherId());
+  }
+  // Every leaver repeats the count of all continuations outside the group, so it grows with the
+  // square of how many left together.
+  const int repetitions = static_cast<int>(leavers.size());
+  std::set<int> continued;
+  for (const auto& [id, node] : nodes) {
+    if (!node || node->getFrame() != frame || m_mobiles.count(id) > 0 ||
+        leavers.count(node->getBestFatherId()) == 0) {
+      continue;
+    }
+    const int father = node->getBestFatherId();
+    m_mobilesLeft += repetitions * presence(typeOf(*m_mobiles.at(father)));
+    continued.insert(father);
+  }
+  for (const int id : leavers) {
+    if (continued.count(id) == 0) {
+      m_numMobiles -= headCount(typeOf(*m_mobiles.at(id)));
+    }
+  }
+}
+
+void Group::countAlone() {
+  if (m_numMobiles == 1) {
+    ++m_framesAlone;
+  } else if (m_numMobiles > 1) {
+    m_framesAlone = 0;
+  }
+}
+
+void Group::keepPatch(unsigned int frame, const QSharedPointer<kelDataImage>& image) {
+  const cv::Rect box = bbox2D(static_cast<int>(frame));
+  cv::Mat patch;
+  if (box != cv::Rect(0, 0, 0, 0)) {
+    patch = untouchedPatch(box);
+    if (!m_mask && image) {
+      fillPatch(patch, box, image->mat());
+    }
+  }
+  m_rois.insert_or_assign(static_cast<int>(frame), ROI(std::move(patch), box));
+  const auto firstKept = m_rois.lower_bound(static_cast<int>(frame - GroupTracker::maxFrames));
+  if (firstKept != m_rois.begin()) {
+    std::prev(firstKept)->second.release();
+  }
+}
+
+void Group::freeROIs() {
+  for (auto& [frame, roi] : m_rois) {
+    roi.release();
+  }
+}

@@ -1,0 +1,14 @@
+#include "MetaLPOLink.h"
+
+#include "MetaLPO.h"
+
+MetaLPOLink::MetaLPOLink(const QSharedPointer<MetaLPO>& father, const QSharedPointer<MetaLPO>& son,
+                         double reliability)
+    : m_father(father), m_son(son), m_reliability(reliability) {}
+
+MetaLPOLink::~MetaLPOLink() = default;
+
+bool MetaLPOLink::compare_links(const QSharedPointer<MetaLPOLink>& a,
+                                const QSharedPointer<MetaLPOLink>& b) {
+  return a->m_reliability < b->m_reliability;
+}

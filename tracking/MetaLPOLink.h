@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QSharedPointer>
+#include <QWeakPointer>
+
+class MetaLPO;
+
+/// A link from a history node of an earlier frame, the father, to a node of a later frame, the son,
+/// with the reliability that the upstream tracker gave it. Both ends are held weakly: the tracker
+/// owns the nodes, the son's node owns the link.
+class MetaLPOLink {
+ public:
+  MetaLPOLink() = default;
+  MetaLPOLink(const QSharedPointer<MetaLPO>& father, const QSharedPointer<MetaLPO>& son,
+              double reliability);
+  MetaLPOLink(const MetaLPOLink&) = delete;
+  MetaLPOLink& operator=(const MetaLPOLink&) = delete;
+  virtual ~MetaLPOLink();
+
+  /// The older node; null when it was never known or is gone.
+  QSharedPointer<MetaLPO> getFather() const { return m_father.toStrongRef(); }
+  /// The newer node; null when it is gone.
+  QSharedPointer<MetaLPO> getSon() const { return m_son.toStrongRef(); }
+  double getReliability() const { return m_reliability; }
+
+  /// Orders links from the least to the most reliable.
+  static bool compare_links(const QSharedPointer<MetaLPOLink>& a,
+                            const QSharedPointer<MetaLPOLink>& b);
+
+ private:
+  QWeakPointer<MetaLPO> m_father;
+  QWeakPointer<MetaLPO> m_son;
+  double m_reliability = 0.0;
+};
