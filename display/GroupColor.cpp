@@ -44,7 +44,7 @@ void GroupColor::resetColors() {
 
 QColor GroupColor::getNewColor() {
   if (currentQtColorIndex < stdColors.size()) {
-    const QColor color(stdColors.at(currentQtColorIndex));
+    const Qt::GlobalColor color = stdColors.at(currentQtColorIndex);
     // The index stays at a colour that somebody has, so that from there on all are random.
     if (!isUsed(color)) {
       use(color);
