@@ -14,28 +14,28 @@ class DisplayGroup {
  public:
   DisplayGroup() = default;
   DisplayGroup(unsigned int groupId, const QColor& groupColor, std::string groupText)
-      : id(groupId), color(groupColor), text(std::move(groupText)) {}
+      : m_id(groupId), m_color(groupColor), m_text(std::move(groupText)) {}
   DisplayGroup(const DisplayGroup&) = default;
   DisplayGroup(DisplayGroup&&) = default;
   DisplayGroup& operator=(const DisplayGroup&) = default;
   DisplayGroup& operator=(DisplayGroup&&) = default;
   virtual ~DisplayGroup() = default;
 
-  unsigned int getId() const { return id; }
-  void setId(unsigned int groupId) { id = groupId; }
-  const QColor& getColor() const { return color; }
-  void setColor(const QColor& groupColor) { color = groupColor; }
-  const std::string& getText() const { return text; }
-  void setText(const std::string& groupText) { text = groupText; }
+  unsigned int getId() const { return m_id; }
+  void setId(unsigned int groupId) { m_id = groupId; }
+  const QColor& getColor() const { return m_color; }
+  void setColor(const QColor& groupColor) { m_color = groupColor; }
+  const std::string& getText() const { return m_text; }
+  void setText(const std::string& groupText) { m_text = groupText; }
 
   /// Adds the box of a mobile; boxes are drawn in the order in which they were added.
-  void addMobile(unsigned int ident, const cv::Rect& rect) { mobiles.emplace_back(ident, rect); }
+  void addMobile(unsigned int ident, const cv::Rect& rect) { m_mobiles.emplace_back(ident, rect); }
   /// Mobile ids with their boxes.
-  const std::list<std::pair<unsigned int, cv::Rect>>& getMobiles() const { return mobiles; }
+  const std::list<std::pair<unsigned int, cv::Rect>>& getMobiles() const { return m_mobiles; }
 
  private:
-  unsigned int id = 0;
-  std::list<std::pair<unsigned int, cv::Rect>> mobiles;
-  QColor color = QColor(Qt::red);
-  std::string text;
+  unsigned int m_id = 0;
+  std::list<std::pair<unsigned int, cv::Rect>> m_mobiles;
+  QColor m_color = QColor(Qt::red);
+  std::string m_text;
 };

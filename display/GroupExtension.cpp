@@ -81,32 +81,32 @@ std::string GroupExtension::outputImageName(int i) {
 }
 
 void GroupExtension::setCenters(std::vector<int> pixels) {
-  centers = std::move(pixels);
+  m_centers = std::move(pixels);
 }
 
 void GroupExtension::setSuddenPoints(std::vector<int> pixels) {
-  suddenPoints = std::move(pixels);
+  m_suddenPoints = std::move(pixels);
 }
 
 void GroupExtension::resetBboxes() {
-  bboxes.clear();
-  inclBboxes.clear();
+  m_bboxes.clear();
+  m_inclBboxes.clear();
 }
 
 void GroupExtension::resetGroups() {
-  displayGroups.clear();
+  m_displayGroups.clear();
 }
 
 void GroupExtension::addBbox(const cv::Rect& r, unsigned int ident) {
-  bboxes.push_back(toBbox(r, ident));
+  m_bboxes.push_back(toBbox(r, ident));
 }
 
 void GroupExtension::addInclBbox(const cv::Rect& r, unsigned int ident) {
-  inclBboxes.push_back(toBbox(r, ident));
+  m_inclBboxes.push_back(toBbox(r, ident));
 }
 
 void GroupExtension::drawGroups(std::list<DisplayGroup> groups) {
-  displayGroups = std::move(groups);
+  m_displayGroups = std::move(groups);
 }
 
 GroupExtension::Bbox GroupExtension::toBbox(const cv::Rect& r, unsigned int ident) {
@@ -115,5 +115,5 @@ GroupExtension::Bbox GroupExtension::toBbox(const cv::Rect& r, unsigned int iden
 
 // Formed without sign, as every frame number of the delay is.
 int GroupExtension::drawnFrame() const {
-  return static_cast<int>(static_cast<unsigned int>(frameNumber) - Util::temporalWinSize);
+  return static_cast<int>(static_cast<unsigned int>(m_frameNumber) - Util::temporalWinSize);
 }

@@ -49,11 +49,11 @@ class GroupExtension {
   QString getOutputImageFileName(int i) const;
 
   /// The frame that has just been taken in; what is drawn lies `Util::temporalWinSize` frames back.
-  void setFrameNumber(int number) { frameNumber = number; }
+  void setFrameNumber(int number) { m_frameNumber = number; }
   /// The image to draw on; null when there is none yet.
-  void setCurrentImage(const QSharedPointer<kelDataImage>& image) { currentImage = image; }
+  void setCurrentImage(const QSharedPointer<kelDataImage>& image) { m_currentImage = image; }
   /// Number of clusters that the clustering mode found.
-  void setClusterCount(int count) { clusterCount = count; }
+  void setClusterCount(int count) { m_clusterCount = count; }
   /// Image points of the cluster centres: column, row, column, row, ...
   void setCenters(std::vector<int> pixels);
   /// Image points at which motion changed suddenly: column, row, column, row, ...
@@ -103,12 +103,12 @@ class GroupExtension {
   void paintGroups(QPainter& painter) const;
   void paintMarks(QPainter& painter) const;
 
-  int frameNumber = 0;
-  std::list<Bbox> bboxes;
-  std::list<Bbox> inclBboxes;
-  std::list<DisplayGroup> displayGroups;
-  int clusterCount = 0;
-  std::vector<int> centers;
-  std::vector<int> suddenPoints;
-  QSharedPointer<kelDataImage> currentImage;  ///< shared with the host; null before the first
+  int m_frameNumber = 0;
+  std::list<Bbox> m_bboxes;
+  std::list<Bbox> m_inclBboxes;
+  std::list<DisplayGroup> m_displayGroups;
+  int m_clusterCount = 0;
+  std::vector<int> m_centers;
+  std::vector<int> m_suddenPoints;
+  QSharedPointer<kelDataImage> m_currentImage;  ///< shared with the host; null before the first
 };

@@ -72,13 +72,13 @@ void GroupExtension::saveOutputWithOpenCV() {
   if (!saveOutput || drawnFrame() < 0) {
     return;
   }
-  if (currentImage.isNull() || currentImage->mat().empty()) {
+  if (m_currentImage.isNull() || m_currentImage->mat().empty()) {
     return;
   }
-  cv::Mat& pixels = currentImage->mat();
+  cv::Mat& pixels = m_currentImage->mat();
   drawFrameStamp(pixels);
   drawMobiles(pixels);
-  for (const DisplayGroup& group : displayGroups) {
+  for (const DisplayGroup& group : m_displayGroups) {
     drawGroup(pixels, group);
   }
   const std::string name = outputImageName(drawnFrame());
@@ -94,7 +94,7 @@ void GroupExtension::drawFrameStamp(cv::Mat& pixels) const {
 }
 
 void GroupExtension::drawMobiles(cv::Mat& pixels) const {
-  for (const Bbox& box : bboxes) {
+  for (const Bbox& box : m_bboxes) {
     drawLabeledBox(pixels, {box.left, box.top}, {box.right, box.bottom}, std::to_string(box.ident),
                    mobileColor);
   }

@@ -46,13 +46,13 @@ QImage GroupExtension::drawExtension() const {
   if (!extDisplayOn && !saveOutput) {
     return {};
   }
-  QImage canvas = toQt(currentImage);
+  QImage canvas = toQt(m_currentImage);
   if (canvas.isNull()) {
     return {};
   }
   QPainter painter(&canvas);
-  paintMobiles(painter, bboxes, Qt::SolidLine);
-  paintMobiles(painter, inclBboxes, Qt::DashDotLine);
+  paintMobiles(painter, m_bboxes, Qt::SolidLine);
+  paintMobiles(painter, m_inclBboxes, Qt::DashDotLine);
   paintGroups(painter);
   paintMarks(painter);
   setPen(painter, Qt::darkMagenta, Qt::SolidLine);
@@ -88,7 +88,7 @@ void GroupExtension::paintMobiles(QPainter& painter, const std::list<Bbox>& boxe
 }
 
 void GroupExtension::paintGroups(QPainter& painter) const {
-  for (const DisplayGroup& group : displayGroups) {
+  for (const DisplayGroup& group : m_displayGroups) {
     setPen(painter, group.getColor(), Qt::SolidLine);
     for (const auto& [ident, rect] : group.getMobiles()) {
       painter.drawRect(rect.x, rect.y, rect.width, rect.height);
@@ -98,10 +98,10 @@ void GroupExtension::paintGroups(QPainter& painter) const {
 
 void GroupExtension::paintMarks(QPainter& painter) const {
   setPen(painter, Qt::darkMagenta, Qt::SolidLine);
-  forEachPoint(centers, [&painter](const QPoint& center) {
+  forEachPoint(m_centers, [&painter](const QPoint& center) {
     painter.drawEllipse(center, markRadius, markRadius);
   });
-  forEachPoint(suddenPoints, [&painter](const QPoint& point) {
+  forEachPoint(m_suddenPoints, [&painter](const QPoint& point) {
     paintText(painter, point, "SUDDEN", frameFontSize);
   });
 }

@@ -14,23 +14,23 @@ bool isSoleOwner(const cv::Mat& pixels) {
 
 }  // namespace
 
-ROI::ROI(const cv::Mat& pixels, const cv::Rect& box) : rect(box) {
+ROI::ROI(const cv::Mat& pixels, const cv::Rect& box) : m_rect(box) {
   Diagnostics::print("here it goes bad\n");
-  image = pixels.clone();
+  m_image = pixels.clone();
   Diagnostics::print("here it went bad\n");
 }
 
-ROI::ROI(cv::Mat&& pixels, const cv::Rect& box) : rect(box) {
+ROI::ROI(cv::Mat&& pixels, const cv::Rect& box) : m_rect(box) {
   Diagnostics::print("here it goes bad\n");
-  image = isSoleOwner(pixels) ? std::move(pixels) : pixels.clone();
+  m_image = isSoleOwner(pixels) ? std::move(pixels) : pixels.clone();
   Diagnostics::print("here it went bad\n");
 }
 
 void ROI::releasePixels() {
-  image.release();
+  m_image.release();
 }
 
 void ROI::release() {
   releasePixels();
-  rect = cv::Rect();
+  m_rect = cv::Rect();
 }

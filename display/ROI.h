@@ -21,8 +21,8 @@ class ROI {
   ROI& operator=(ROI&&) = default;
   virtual ~ROI() = default;
 
-  const cv::Mat& getImage() const { return image; }
-  const cv::Rect& getRect() const { return rect; }
+  const cv::Mat& getImage() const { return m_image; }
+  const cv::Rect& getRect() const { return m_rect; }
 
   /// Frees the pixels and keeps the rectangle.
   void releasePixels();
@@ -30,6 +30,6 @@ class ROI {
   void release();
 
  private:
-  cv::Mat image;
-  cv::Rect rect;
+  cv::Mat m_image;
+  cv::Rect m_rect;
 };

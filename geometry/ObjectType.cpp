@@ -16,11 +16,11 @@ ObjectType::ObjectType(const std::string& type) {
   const auto known =
       std::find_if(typeNames.begin(), typeNames.begin() + unknownCode,
                    [&type](std::string_view name) { return type.starts_with(name); });
-  code = static_cast<int>(known - typeNames.begin());
+  m_code = static_cast<int>(known - typeNames.begin());
 }
 
 std::string_view ObjectType::nameOf() const {
-  return typeNames[static_cast<std::size_t>(code)];
+  return typeNames[static_cast<std::size_t>(m_code)];
 }
 
 bool ObjectType::isGroup() const {

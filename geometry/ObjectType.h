@@ -29,5 +29,5 @@ class ObjectType {
  private:
   static constexpr int unknownCode = 3;
 
-  int code = unknownCode;  ///< row in the table of names
+  int m_code = unknownCode;  ///< row in the table of names
 };
