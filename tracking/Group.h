@@ -30,6 +30,8 @@ class Group {
   using Event = std::pair<int, int>;          ///< the other group's id and the frame
   using Spreads = std::pair<double, double>;  ///< of the speeds and of the directions
 
+  static constexpr int noId = -1;
+
   static double coherenceThreshold;
   static unsigned int distWeight;
   static unsigned int speedSimWeight;

@@ -145,6 +145,20 @@ class GroupTracker {
   void addAncestor(Group& trial, const QSharedPointer<MetaLPO>& ancestor,
                    std::list<double>& coherences);
 
+  // Clustering
+  struct Clusters;
+  int countPersons();
+  Clusters clusterTrajectories(int persons);
+  static void showCenters(const Clusters& clusters,
+                          const QSharedPointer<GroupExtension>& extension);
+  void assignMobiles(Clusters& clusters);
+  int electGroup(const std::list<int>& mobileIds) const;
+  void associateWithGroups(Clusters& clusters) const;
+  static void printClusters(const Clusters& clusters);
+  void createClusterGroups(Clusters& clusters);
+  QSharedPointer<Group> createClusterGroup(const std::list<int>& mobileIds);
+  void placeGroupMobiles();
+
   // Maintenance
   bool updateGroupsOnce();
   Candidates findCandidates();
