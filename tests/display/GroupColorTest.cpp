@@ -4,6 +4,7 @@
 
 #include <QtGlobal>
 
+#include <algorithm>
 #include <vector>
 
 namespace {
@@ -32,13 +33,11 @@ class GroupColors : public testing::Test {
   }
 
   /// The first colours that the generator gives after the seed.
-  static std::vector<QColor> firstRandomColors(int count) {
+  static std::vector<QColor> firstRandomColors(std::size_t count) {
     exhaustPalette();
     qsrand(anySeed);
-    std::vector<QColor> colors;
-    for (int i = 0; i < count; ++i) {
-      colors.push_back(GroupColor::getNewColor());
-    }
+    std::vector<QColor> colors(count);
+    std::generate(colors.begin(), colors.end(), GroupColor::getNewColor);
     GroupColor::resetColors();
     return colors;
   }
