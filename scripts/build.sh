@@ -5,7 +5,7 @@ cd "$(dirname "$0")/.."
 preset=${1:-release}
 
 packages=(g++ cmake ninja-build qtbase5-dev libopencv-dev libfmt-dev libcli11-dev
-  nlohmann-json3-dev libeigen3-dev libgtest-dev libgmock-dev libbenchmark-dev)
+  nlohmann-json3-dev libsimdjson-dev libeigen3-dev libgtest-dev libgmock-dev libbenchmark-dev)
 missing=()
 for package in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'ok installed' || missing+=("$package")

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <kel/kelAbstractDataCalibration.h>
+
+#include <QSharedPointer>
+
+#include <string>
+
+/// Reads a camera from an OpenCV file (`*.yml`, `*.xml` or `*.json`), node order free. Either the
+/// full camera, world to camera in metres:
+///
+///     camera_matrix 3x3, rotation_vector 3x1, translation_vector 3x1,
+///     distortion_coefficients (optional: 4, 5 or 8 values)
+///
+/// or its view of the ground: `homography` 3x3, image (column, row, 1) to ground (x, y, 1), and
+/// `camera_position` 3x1. A file that is no such thing is an `InputError` that names the node.
+QSharedPointer<kelAbstractDataCalibration> readCalibration(const std::string& path);

@@ -1,0 +1,24 @@
+#include "GroundPlaneCalibration.h"
+
+#include "Homography.h"
+
+GroundPlaneCalibration::GroundPlaneCalibration(const cv::Matx33d& imageToGround,
+                                               const cv::Point3d& cameraPosition)
+    : m_imageToGround(imageToGround),
+      m_groundToImage(imageToGround.inv()),
+      m_position(cameraPosition) {}
+
+cv::Point3d GroundPlaneCalibration::imageToWorld(const cv::Point2d& imagePoint,
+                                                 double height) const {
+  const cv::Point2d ground = mapPoint(m_imageToGround, imagePoint);
+  const double share = height / m_position.z;  // of the way from the ground to the camera
+  return {ground.x + share * (m_position.x - ground.x),
+          ground.y + share * (m_position.y - ground.y), height};
+}
+
+cv::Point2d GroundPlaneCalibration::worldToImage(const cv::Point3d& scenePoint) const {
+  const double stretch = m_position.z / (m_position.z - scenePoint.z);
+  const cv::Point2d ground(m_position.x + stretch * (scenePoint.x - m_position.x),
+                           m_position.y + stretch * (scenePoint.y - m_position.y));
+  return mapPoint(m_groundToImage, ground);
+}

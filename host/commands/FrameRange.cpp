@@ -1,0 +1,27 @@
+#include "FrameRange.h"
+
+#include <charconv>
+#include <string_view>
+#include <system_error>
+
+namespace {
+
+/// Reads a number that fills the text; an empty text leaves the number as it is.
+bool readEnd(std::string_view text, std::int64_t& number) {
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  return text.empty() || (error == std::errc() && end == text.data() + text.size());
+}
+
+}  // namespace
+
+std::optional<FrameRange> FrameRange::parse(const std::string& text) {
+  const auto colon = text.find(':');
+  if (colon == std::string::npos) {
+    return std::nullopt;
+  }
+  FrameRange range;
+  const std::string_view view = text;
+  const bool isRange = readEnd(view.substr(0, colon), range.first) &&
+                       readEnd(view.substr(colon + 1), range.last) && range.first <= range.last;
+  return isRange ? std::optional(range) : std::nullopt;
+}

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "Command.h"
+#include "RunOptions.h"
+
+#include <string>
+
+/// `grouptracker run`: feeds an input to the process, frame by frame, and writes the groups.
+class RunCommand : public Command {
+ public:
+  CLI::App* declare(CLI::App& program) override;
+  int run() override;
+
+ private:
+  RunOptions m_options;
+};

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "FrameRange.h"
+#include "LinkOptions.h"
+
+#include <string>
+
+/// What the user asks of `grouptracker run`. Texts are empty when the option was not given.
+struct RunOptions {
+  std::string input;
+  std::string parameterFile;
+  std::string outputFile;
+  std::string calibrationFile;
+  std::string contextFile;
+  std::string imageFolder;
+  std::string pluginFile;
+  std::string diagnostics;  ///< a file, or "none"; standard output when empty
+  std::string mobileDump;   ///< a file, or "none"; the process's own choice when empty
+  FrameRange frames;
+  LinkOptions links;
+  bool skipsFailedFrames = false;
+  bool quiet = false;
+};
+
+/// The word that turns an output off where a file name could stand.
+inline constexpr const char* noOutput = "none";

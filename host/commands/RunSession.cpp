@@ -1,0 +1,181 @@
+#include "RunSession.h"
+
+#include "CalibrationReader.h"
+#include "DescriptorBuffer.h"
+#include "FileDescriptor.h"
+#include "FileIdentity.h"
+#include "GroupsWriter.h"
+#include "ImageFolder.h"
+#include "InputFormats.h"
+#include "OutputError.h"
+#include "PluginLoader.h"
+#include "SceneContextReader.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <utility>
+
+namespace {
+
+/// The file name of an option that may be "none" or not given; empty then.
+std::string fileOf(const std::string& option) {
+  return option == noOutput ? std::string() : option;
+}
+
+FileDescriptor openForWriting(const std::string& path, int flags) {
+  constexpr mode_t readableByAll = 0666;  // less what the user's mask takes away
+  FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | flags, readableByAll));
+  if (!file.isOpen()) {
+    throw OutputError(path, std::string("cannot be written: ") + std::strerror(errno));
+  }
+  return file;
+}
+
+}  // namespace
+
+RunSession::RunSession(const RunOptions& options)
+    : m_options(options), m_parameters(readParameterFile(options.parameterFile)) {
+  openInput();
+  auto tracker = loadGroupTracker(m_options.pluginFile);
+  openOutputs();
+  startProcess(std::move(tracker));
+}
+
+RunSummary RunSession::run() {
+  const bool showsProgress = !m_options.quiet && Progress::isPossible();
+  m_progress.emplace(showsProgress, showsProgress ? m_input.frames->totalFrames() : std::nullopt);
+  try {
+    runFrames();
+  } catch (const InputInterrupted&) {
+    // The wait for the next frame ended because a stop was asked for.
+  } catch (const ClosedPipe&) {
+    m_summary.pipeClosed = true;
+  }
+  m_progress->clear();
+  m_summary.frames = m_process->frame();
+  m_summary.seconds = m_progress->seconds();
+  m_summary.stoppedBy = m_signals.signalName();
+  return m_summary;
+}
+
+void RunSession::openInput() {
+  InputOptions options;
+  options.links = m_options.links;
+  options.wakeDescriptor = m_signals.wakeDescriptor();
+  if (!m_options.calibrationFile.empty()) {
+    options.calibration = readCalibration(m_options.calibrationFile);
+  }
+  if (!m_options.contextFile.empty()) {
+    m_context = readSceneContext(m_options.contextFile);
+  }
+  m_input = ::openInput(m_options.input, options);
+  if (!m_options.imageFolder.empty()) {
+    m_input.frames =
+        std::make_unique<ImageFolder>(std::move(m_input.frames), m_options.imageFolder);
+  }
+}
+
+void RunSession::openOutputs() {
+  const std::string dump = fileOf(m_options.mobileDump);
+  const std::string diagnostics = fileOf(m_options.diagnostics);
+  std::vector<std::string> inputs = m_input.files;
+  inputs.insert(inputs.end(),
+                {m_options.parameterFile, m_options.calibrationFile, m_options.contextFile});
+  refuseOverwriting({m_options.outputFile, diagnostics, dump}, inputs);
+  m_sinks.push_back(std::make_unique<GroupsWriter>(m_options.outputFile));
+  if (!dump.empty()) {
+    openForWriting(dump, O_APPEND);  // the process opens it anew and would not say that it cannot
+  }
+  if (!diagnostics.empty()) {
+    ::dup2(openForWriting(diagnostics, O_TRUNC).get(), STDOUT_FILENO);
+  }
+}
+
+void RunSession::startProcess(std::unique_ptr<kelAbstractProcessGroupTracker> tracker) {
+  if (m_parameters.problem) {
+    fmt::print(stderr, "{}\n", *m_parameters.problem);
+  }
+  ProcessOptions options;
+  options.parameterFile = m_options.parameterFile;
+  options.calibration = m_input.calibration;
+  options.sceneContext = m_context;
+  options.printsDiagnostics = m_options.diagnostics != noOutput;
+  options.dumpsMobiles = m_options.mobileDump != noOutput;
+  options.mobileDumpFile = fileOf(m_options.mobileDump);
+  m_process = std::make_unique<ProcessRunner>(std::move(tracker), options);
+  m_reporter = std::make_unique<FrameReporter>(m_parameters.delay);
+}
+
+void RunSession::runFrames() {
+  InputFrame frame;
+  while (!m_signals.stopRequested() && nextFrame(frame)) {
+    runFrame(frame);
+    checkStandardOutput();
+    m_progress->update(m_process->frame());
+  }
+}
+
+// Frames before the range are read all the same, since later ones may name their mobiles.
+bool RunSession::nextFrame(InputFrame& frame) {
+  while (m_input.frames->next(frame)) {
+    if (frame.number > m_options.frames.last) {
+      return false;
+    }
+    if (m_options.frames.contains(frame.number)) {
+      return true;
+    }
+  }
+  return false;
+}
+
+void RunSession::runFrame(InputFrame& frame) {
+  if (m_parameters.needsImages) {
+    loadImage(frame);
+  }
+  m_summary.mobiles += frame.observed.size();
+  m_reporter->note(frame);
+  try {
+    const auto groups = m_process->run(frame);
+    handOut(m_reporter->report(groups));
+  } catch (const ProcessError& failure) {
+    if (!m_options.skipsFailedFrames) {
+      throw;
+    }
+    if (++m_summary.skippedFrames == 1 && !m_options.quiet) {
+      m_progress->clear();
+      fmt::print(stderr, "{}; the frame is skipped, further ones are only counted\n",
+                 failure.what());
+    }
+  }
+}
+
+void RunSession::handOut(const FrameReport& report) {
+  for (const auto& sink : m_sinks) {
+    sink->write(report);
+  }
+  for (const GroupReport& group : report.groups) {
+    // Group ids are given in ascending order, so a higher one than ever is a new group.
+    if (group.actor->getIdent() > m_newestGroup) {
+      m_newestGroup = group.actor->getIdent();
+      ++m_summary.groups;
+    }
+  }
+}
+
+void RunSession::checkStandardOutput() {
+  errno = 0;
+  const bool isWritten = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+  if (m_signals.pipeClosed()) {
+    throw ClosedPipe();
+  }
+  if (!isWritten) {
+    throw OutputError("standard output",
+                      std::string("cannot be written: ") + std::strerror(errno != 0 ? errno : EIO));
+  }
+}

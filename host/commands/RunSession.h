@@ -1,0 +1,60 @@
+#pragma once
+
+#include "FrameReporter.h"
+#include "FrameSink.h"
+#include "OpenedInput.h"
+#include "ParameterFile.h"
+#include "ProcessRunner.h"
+#include "Progress.h"
+#include "RunOptions.h"
+#include "StopSignals.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+/// What a run did.
+struct RunSummary {
+  std::uint64_t frames = 0;
+  std::uint64_t mobiles = 0;
+  std::uint64_t groups = 0;  ///< different ones that were reported
+  std::uint64_t skippedFrames = 0;
+  double seconds = 0.0;
+  std::string stoppedBy;    ///< the name of the signal; empty when the input ended
+  bool pipeClosed = false;  ///< ended because nobody reads what is written
+};
+
+/// One run from the opened input to the closed output. All files are opened and checked before the
+/// first frame; whatever ends the run, the outputs hold whole lines. Errors are thrown as
+/// `InputError`, `OutputError` and `ProcessError`.
+class RunSession {
+ public:
+  explicit RunSession(const RunOptions& options);
+
+  /// Runs to the end of the input or until somebody asks for a stop.
+  RunSummary run();
+
+ private:
+  void openInput();
+  void openOutputs();
+  void startProcess(std::unique_ptr<kelAbstractProcessGroupTracker> tracker);
+  void runFrames();
+  bool nextFrame(InputFrame& frame);
+  void runFrame(InputFrame& frame);
+  void handOut(const FrameReport& report);
+  void checkStandardOutput();
+
+  RunOptions m_options;
+  StopSignals m_signals;
+  ParameterFile m_parameters;
+  QSharedPointer<kelDataContext> m_context;
+  OpenedInput m_input;
+  std::vector<std::unique_ptr<FrameSink>> m_sinks;
+  std::unique_ptr<ProcessRunner> m_process;
+  std::unique_ptr<FrameReporter> m_reporter;
+  std::optional<Progress> m_progress;
+  RunSummary m_summary;
+  std::int64_t m_newestGroup = -1;  ///< the highest group id reported so far
+};

@@ -1,0 +1,55 @@
+#include "ImageFolder.h"
+
+#include "InputError.h"
+
+#include <opencv2/imgcodecs.hpp>
+
+#include <algorithm>
+#include <system_error>
+#include <utility>
+
+ImageFolder::ImageFolder(std::unique_ptr<FrameSource> source, const std::string& folder)
+    : m_source(std::move(source)), m_folder(folder) {
+  std::error_code failure;
+  for (const auto& entry : std::filesystem::directory_iterator(folder, failure)) {
+    if (entry.is_regular_file()) {
+      m_images.push_back(entry.path());
+    }
+  }
+  if (failure) {
+    throw InputError(folder, "cannot be read: " + failure.message());
+  }
+  std::sort(m_images.begin(), m_images.end());
+}
+
+bool ImageFolder::next(InputFrame& frame) {
+  if (!m_source->next(frame)) {
+    return false;
+  }
+  if (frame.imageFile.empty()) {
+    if (m_next == m_images.size()) {
+      throw InputError(frame.place, m_folder + " has only " + std::to_string(m_images.size()) +
+                                        " images, none for frame " + std::to_string(m_next + 1));
+    }
+    frame.imageFile = m_images[m_next];
+  }
+  ++m_next;
+  return true;
+}
+
+void loadImage(InputFrame& frame) {
+  if (frame.image || frame.imageFile.empty()) {
+    return;
+  }
+  cv::Mat pixels;
+  try {
+    pixels = cv::imread(frame.imageFile.string(), cv::IMREAD_COLOR);
+  } catch (const cv::Exception&) {
+    pixels.release();  // the same as a file that is no image
+  }
+  if (pixels.empty()) {
+    throw InputError(frame.place,
+                     "the image " + frame.imageFile.string() + " is missing or not readable");
+  }
+  frame.image = QSharedPointer<kelDataImage>::create(pixels);
+}

@@ -1,0 +1,51 @@
+#include "MobileStore.h"
+
+#include <opencv2/core/types.hpp>
+
+void MobileStore::beginFrame() {
+  ++m_frame;
+  m_idsByFrame.emplace_back();
+  if (m_idsByFrame.size() > m_window) {
+    archiveOldest();
+  }
+}
+
+bool MobileStore::declare(const MobilePointer& mobile) {
+  if (isOfThisFrame(mobile->getIdent())) {
+    return false;
+  }
+  m_recent[mobile->getIdent()] = {mobile, m_frame};
+  m_idsByFrame.back().push_back(mobile->getIdent());
+  return true;
+}
+
+MobilePointer MobileStore::find(std::uint32_t id) const {
+  const auto recent = m_recent.find(id);
+  if (recent != m_recent.end()) {
+    return recent->second.mobile;
+  }
+  const auto archived = m_archive.load(id);
+  if (!archived) {
+    return {};
+  }
+  return MobilePointer::create(id, QSharedPointer<kelDataPhysicalObject>::create(
+                                       archived->type, cv::Rect(), archived->box3D, cv::Point3f()));
+}
+
+bool MobileStore::isOfThisFrame(std::uint32_t id) const {
+  const auto recent = m_recent.find(id);
+  return recent != m_recent.end() && recent->second.frame == m_frame;
+}
+
+void MobileStore::archiveOldest() {
+  const std::uint64_t oldestFrame = m_frame + 1 - m_idsByFrame.size();
+  for (const std::uint32_t id : m_idsByFrame.front()) {
+    const auto recent = m_recent.find(id);
+    if (recent->second.frame == oldestFrame) {  // else it was declared again since
+      const auto& object = recent->second.mobile->getPhysicalObject();
+      m_archive.store(id, {object->getType(), object->getBoundingBox3D()});
+      m_recent.erase(recent);
+    }
+  }
+  m_idsByFrame.pop_front();
+}

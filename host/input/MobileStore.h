@@ -1,0 +1,44 @@
+#pragma once
+
+#include "InputFrame.h"
+#include "MobileArchive.h"
+
+#include <cstdint>
+#include <deque>
+#include <unordered_map>
+#include <vector>
+
+/// Finds mobiles by id for an input whose later frames may name any mobile of earlier ones. An id
+/// names its latest observation. The observations of the last `window` frames are kept whole; of
+/// older ones only what can still be printed, on disk, so that memory does not grow with the number
+/// of ids. What the tracker still holds of an older observation is not touched by any of this.
+class MobileStore {
+ public:
+  static constexpr std::size_t defaultWindow = 128;  // frames
+
+  explicit MobileStore(std::size_t window = defaultWindow) : m_window(window) {}
+
+  /// Begins the next frame and archives what has grown too old.
+  void beginFrame();
+  /// Makes the id name this observation; false when the frame has declared it already.
+  bool declare(const MobilePointer& mobile);
+  /// The latest observation of an id, an archived one without image box and position; null for an
+  /// id that was never declared.
+  MobilePointer find(std::uint32_t id) const;
+  /// Whether the id was declared in the frame that began last.
+  bool isOfThisFrame(std::uint32_t id) const;
+
+ private:
+  struct Recent {
+    MobilePointer mobile;
+    std::uint64_t frame = 0;
+  };
+
+  void archiveOldest();
+
+  std::size_t m_window;
+  std::uint64_t m_frame = 0;  ///< frames begun so far
+  std::unordered_map<std::uint32_t, Recent> m_recent;
+  std::deque<std::vector<std::uint32_t>> m_idsByFrame;  ///< the last is the current frame's
+  MobileArchive m_archive;
+};

@@ -1,0 +1,153 @@
+#include "SceneReader.h"
+
+#include "BoxLifter.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <utility>
+#include <vector>
+
+namespace {
+
+std::invalid_argument undeclared(std::uint32_t id, const std::string& by) {
+  return std::invalid_argument(by + " names the mobile " + std::to_string(id) +
+                               ", which was not declared before");
+}
+
+}  // namespace
+
+SceneReader::SceneReader(std::istream& in, const std::string& name,
+                         std::filesystem::path imageFolder, Calibration calibration,
+                         std::size_t window)
+    : m_lines(in, name),
+      m_imageFolder(std::move(imageFolder)),
+      m_calibration(std::move(calibration)),
+      m_mobiles(window) {}
+
+SceneReader::SceneReader(const std::string& path, Calibration calibration, int wakeDescriptor)
+    : m_path(path),
+      m_file(std::make_unique<InputFile>(path, wakeDescriptor)),
+      m_lines(m_file->stream(), path == "-" ? "standard input" : path),
+      m_imageFolder(path == "-" ? std::filesystem::path()
+                                : std::filesystem::path(path).parent_path()),
+      m_calibration(std::move(calibration)) {}
+
+bool SceneReader::next(InputFrame& frame) {
+  frame = InputFrame();
+  if (!m_lines.nextFilled()) {
+    return false;
+  }
+  frame.number = ++m_frames;
+  frame.place = m_lines.place();
+  m_mobiles.beginFrame();
+  try {
+    m_parser.parse(m_lines.line(), m_scene);
+    for (const SceneMobile& mobile : m_scene.mobiles) {
+      observe(mobile, frame);
+    }
+    refuseRepeatedActors();
+    for (const SceneActor& actor : m_scene.actors) {
+      frame.actors.append(makeActor(actor));
+    }
+  } catch (const std::invalid_argument& problem) {
+    throw m_lines.error(problem.what());
+  }
+  if (!m_scene.image.empty()) {
+    frame.imageFile = m_imageFolder / m_scene.image;
+  }
+  return true;
+}
+
+std::optional<std::uint64_t> SceneReader::totalFrames() {
+  if (m_path.empty() || !std::filesystem::is_regular_file(m_path)) {
+    return std::nullopt;
+  }
+  InputFile file(m_path);
+  LineReader lines(file.stream(), m_path);
+  std::uint64_t frames = 0;
+  while (lines.nextFilled()) {
+    ++frames;
+  }
+  return frames;
+}
+
+void SceneReader::observe(const SceneMobile& mobile, InputFrame& frame) {
+  const auto observed = MobilePointer::create(mobile.id, physicalObject(mobile));
+  frame.observed.push_back(observed);
+  linkFathers(mobile, frame);
+  if (!m_mobiles.declare(observed)) {
+    throw std::invalid_argument("mobile " + std::to_string(mobile.id) +
+                                " is declared twice in this frame");
+  }
+}
+
+QSharedPointer<kelDataPhysicalObject> SceneReader::physicalObject(const SceneMobile& mobile) const {
+  const auto fail = [&](const std::string& problem) {
+    return std::invalid_argument("mobile " + std::to_string(mobile.id) + ": " + problem);
+  };
+  if ((!mobile.box3D || !mobile.position) && !m_calibration) {
+    throw fail(std::string("\"") + (mobile.box3D ? "position" : "box3d") +
+               "\" is missing and there is no calibration to derive it");
+  }
+  const auto position = mobile.position ? mobile.position : liftFoot(*m_calibration, mobile.box2D);
+  if (!position) {
+    throw fail("the camera sees no ground under box2d, so the position cannot be derived");
+  }
+  const auto box3D = mobile.box3D ? mobile.box3D : liftBox(*m_calibration, mobile.box2D, *position);
+  if (!box3D) {
+    throw fail("the camera gives no finite box3d for box2d");
+  }
+  return QSharedPointer<kelDataPhysicalObject>::create(mobile.type, mobile.box2D, *box3D,
+                                                       *position);
+}
+
+void SceneReader::linkFathers(const SceneMobile& mobile, InputFrame& frame) {
+  for (const SceneFather& link : mobile.fathers) {
+    const MobilePointer father = m_mobiles.find(link.id);
+    if (!father) {
+      throw undeclared(link.id, "a father link of mobile " + std::to_string(mobile.id));
+    }
+    kelDataLinkedPhysicalObject::addFatherLink(father, frame.observed.back(), link.reliability);
+    frame.fathers.push_back(father);
+  }
+}
+
+QSharedPointer<kelDataActor> SceneReader::makeActor(const SceneActor& scene) {
+  const std::string name = "actor " + std::to_string(scene.id);
+  auto actor = QSharedPointer<kelDataActor>::create();
+  actor->setIdent(scene.id);
+  for (const std::uint32_t id : scene.mobiles) {
+    const MobilePointer mobile = m_mobiles.find(id);
+    if (!mobile) {
+      throw undeclared(id, name);
+    }
+    actor->addLinkedPhysicalObject(mobile);
+  }
+  if (!scene.mobiles.empty()) {
+    if (!m_mobiles.isOfThisFrame(scene.mobiles.back())) {
+      throw std::invalid_argument("the last mobile of " + name + ", " +
+                                  std::to_string(scene.mobiles.back()) + ", is not of this frame");
+    }
+    const auto& current = *actor->getLinkedPhysicalObjectList().back()->getPhysicalObject();
+    actor->setType(current.getType());
+    actor->setBoundingBox3D(current.getBoundingBox3D());
+    actor->setBoundingBox2D(current.getBoundingBox2D());
+    actor->setCurrentPosition(current.getPosition());
+  }
+  actor->setType(scene.type.value_or(actor->getType()));
+  actor->setBoundingBox3D(scene.box3D.value_or(actor->getBoundingBox3D()));
+  return actor;
+}
+
+void SceneReader::refuseRepeatedActors() const {
+  std::vector<std::uint32_t> ids;
+  for (const SceneActor& actor : m_scene.actors) {
+    ids.push_back(actor.id);
+  }
+  std::sort(ids.begin(), ids.end());
+  const auto repeated = std::adjacent_find(ids.begin(), ids.end());
+  if (repeated != ids.end()) {
+    throw std::invalid_argument("actor " + std::to_string(*repeated) +
+                                " stands twice in this frame");
+  }
+}

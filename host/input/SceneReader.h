@@ -1,0 +1,55 @@
+#pragma once
+
+#include "FrameSource.h"
+#include "InputFile.h"
+#include "LineReader.h"
+#include "MobileStore.h"
+#include "SceneLine.h"
+#include "SceneLineParser.h"
+
+#include <kel/kelAbstractDataCalibration.h>
+
+#include <QSharedPointer>
+
+#include <filesystem>
+#include <istream>
+#include <memory>
+#include <string>
+
+/// Reads a scene: one JSON object a line and frame, see `SceneLineParser`; blank lines are passed
+/// over. Lines are taken as they arrive, so that a live tracker can be piped in; memory does not
+/// grow with the number of frames or ids. Boxes and positions that a mobile leaves out are derived
+/// from its image box with the calibration. Beside the errors of the parser, an id declared twice
+/// in a frame, a name for an id that was never declared and an actor whose last mobile is not of
+/// its frame are an `InputError`.
+class SceneReader : public FrameSource {
+ public:
+  using Calibration = QSharedPointer<kelAbstractDataCalibration>;
+
+  /// `name` is the input's name in messages; image names are relative to `imageFolder`. The
+  /// calibration may be null. The stream must outlive the reader.
+  SceneReader(std::istream& in, const std::string& name, std::filesystem::path imageFolder,
+              Calibration calibration, std::size_t window = MobileStore::defaultWindow);
+  /// Opens a file, or standard input with the path "-".
+  SceneReader(const std::string& path, Calibration calibration, int wakeDescriptor);
+
+  bool next(InputFrame& frame) override;
+  std::optional<std::uint64_t> totalFrames() override;
+
+ private:
+  void observe(const SceneMobile& mobile, InputFrame& frame);
+  QSharedPointer<kelDataPhysicalObject> physicalObject(const SceneMobile& mobile) const;
+  void linkFathers(const SceneMobile& mobile, InputFrame& frame);
+  QSharedPointer<kelDataActor> makeActor(const SceneActor& actor);
+  void refuseRepeatedActors() const;
+
+  std::string m_path;                 ///< empty when reading from somebody else's stream
+  std::unique_ptr<InputFile> m_file;  ///< null when reading from somebody else's stream
+  LineReader m_lines;
+  SceneLineParser m_parser;
+  std::filesystem::path m_imageFolder;
+  Calibration m_calibration;
+  MobileStore m_mobiles;
+  SceneLine m_scene;  ///< the current line, kept for its buffers
+  std::int64_t m_frames = 0;
+};

@@ -1,0 +1,80 @@
+#include "Command.h"
+#include "InputError.h"
+#include "OutputError.h"
+#include "ProcessRunner.h"
+#include "RunCommand.h"
+
+#include <fmt/format.h>
+#include <CLI/CLI.hpp>
+#include <QCoreApplication>
+
+#include <opencv2/core/utility.hpp>
+#include <opencv2/core/utils/logger.hpp>
+
+#include <clocale>
+#include <cstdio>
+#include <exception>
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace {
+
+/// Every command of the program; a new one is one more row.
+std::vector<std::unique_ptr<Command>> allCommands() {
+  std::vector<std::unique_ptr<Command>> commands;
+  commands.push_back(std::make_unique<RunCommand>());
+  return commands;
+}
+
+/// OpenCV reports errors on standard error by itself; the program says them in one line.
+void silenceOpenCv() {
+  cv::redirectError([](int, const char*, const char*, const char*, int, void*) { return 0; });
+  cv::utils::logging::setLogLevel(cv::utils::logging::LOG_LEVEL_SILENT);
+}
+
+int report(const std::exception& failure, ExitStatus status) {
+  std::fflush(stdout);
+  fmt::print(stderr, "{}\n", failure.what());
+  return status;
+}
+
+int runCommand(Command& command) {
+  try {
+    return command.run();
+  } catch (const InputError& failure) {
+    return report(failure, wrongInput);
+  } catch (const OutputError& failure) {
+    return report(failure, outputFailed);
+  } catch (const ProcessError& failure) {
+    return report(failure, processFailed);
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const QCoreApplication application(argc, argv);
+  std::setlocale(LC_NUMERIC, "C");  // Qt takes the user's; files have points in their numbers
+  silenceOpenCv();
+
+  CLI::App program("Turns the people whom a tracker sees into groups that live over time");
+  program.set_version_flag("--version", GROUPTRACKER_VERSION);
+  program.require_subcommand(1);
+  std::vector<std::pair<CLI::App*, std::unique_ptr<Command>>> commands;
+  for (auto& command : allCommands()) {
+    CLI::App* const choice = command->declare(program);
+    commands.emplace_back(choice, std::move(command));
+  }
+  try {
+    program.parse(argc, argv);
+  } catch (const CLI::ParseError& failure) {
+    return program.exit(failure) == 0 ? finished : wrongInput;
+  }
+  for (const auto& [choice, command] : commands) {
+    if (choice->parsed()) {
+      return runCommand(*command);
+    }
+  }
+  return wrongInput;
+}

@@ -1,0 +1,56 @@
+#include "PluginLoader.h"
+
+#include "InputError.h"
+
+#include <mox/moxAbstractProcessFactory.h>
+#include <mox/moxPlugin.h>
+
+#include <QCoreApplication>
+#include <QFileInfo>
+#include <QPluginLoader>
+#include <QStringList>
+
+namespace {
+
+const char* const processType = "GroupTrackerProcessGroupTracker";
+const char* const pluginName = "libGroupTrackerProcessGroupTrackerPlugin.so";
+
+/// The first existing default place, or the first of all when there is none.
+QString defaultPlugin() {
+  const QString prefix = QCoreApplication::applicationDirPath() + "/../";
+  const QStringList folders{"lib/grouptracker/plugins/",
+                            GROUPTRACKER_LIBDIR "/grouptracker/plugins/"};
+  for (const QString& folder : folders) {
+    if (QFileInfo::exists(prefix + folder + pluginName)) {
+      return prefix + folder + pluginName;
+    }
+  }
+  return prefix + folders.front() + pluginName;
+}
+
+}  // namespace
+
+std::unique_ptr<kelAbstractProcessGroupTracker> loadGroupTracker(const std::string& pluginFile) {
+  const QString file = pluginFile.empty() ? QFileInfo(defaultPlugin()).absoluteFilePath()
+                                          : QString::fromStdString(pluginFile);
+  const auto fail = [&](const QString& problem) {
+    return InputError(file.toStdString(), problem.toStdString());
+  };
+  if (!QFileInfo::exists(file)) {
+    throw fail("there is no such plugin");
+  }
+  QPluginLoader loader(file);
+  auto* const plugin = qobject_cast<moxPlugin*>(loader.instance());
+  if (plugin == nullptr) {
+    throw fail(loader.isLoaded() ? "not a plugin of this framework" : loader.errorString());
+  }
+  plugin->initialize();
+  std::unique_ptr<moxAbstractProcess> process(
+      moxAbstractProcessFactory::instance().create(processType));
+  auto* const tracker = qobject_cast<kelAbstractProcessGroupTracker*>(process.get());
+  if (tracker == nullptr) {
+    throw fail(QString("the plugin brings no %1").arg(processType));
+  }
+  process.release();
+  return std::unique_ptr<kelAbstractProcessGroupTracker>(tracker);
+}
