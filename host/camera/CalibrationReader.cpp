@@ -3,6 +3,7 @@
 #include "GroundPlaneCalibration.h"
 #include "InputError.h"
 #include "InputFile.h"
+#include "LineReader.h"
 #include "PinholeCalibration.h"
 
 #include <opencv2/core.hpp>
@@ -27,7 +28,8 @@ class CalibrationFile {
   std::vector<double> numbers(const char* node, const std::vector<std::size_t>& counts) const;
   cv::Matx33d matrix(const char* node) const { return cv::Matx33d(numbers(node, {9}).data()); }
   cv::Vec3d vector(const char* node) const { return cv::Vec3d(numbers(node, {3}).data()); }
-  InputError error(const std::string& problem) const { return {m_path, problem}; }
+  /// The error for a problem with a node, at the line that names it.
+  InputError error(const char* node, const std::string& problem) const;
 
  private:
   static cv::FileStorage open(const std::string& path);
@@ -38,13 +40,12 @@ class CalibrationFile {
 
 /// OpenCV's message carries the line in brackets behind the file's name.
 InputError storageError(const std::string& path, const cv::Exception& failure) {
-  const std::string problem = "not a readable OpenCV file";
-  std::smatch line;
-  const std::string& text = failure.err;
-  if (std::regex_search(text, line, std::regex(R"(\((\d+)\): (.*))"))) {
-    return {path, std::stoull(line[1]), problem + ": " + line[2].str()};
+  const std::string text = failure.what();
+  std::smatch found;
+  if (std::regex_search(text, found, std::regex(R"(\((\d+)\): ([^'\n]*))"))) {
+    return {path, std::stoull(found[1]), "not a readable OpenCV file: " + found[2].str()};
   }
-  return {path, 1, problem};
+  return {path, 1, "not a readable OpenCV file"};
 }
 
 cv::FileStorage CalibrationFile::open(const std::string& path) {
@@ -65,6 +66,17 @@ cv::FileStorage CalibrationFile::open(const std::string& path) {
   throw InputError(path, 1, "not a readable OpenCV file");
 }
 
+InputError CalibrationFile::error(const char* node, const std::string& problem) const {
+  InputFile file(m_path);
+  LineReader lines(file.stream(), m_path);
+  while (lines.next()) {
+    if (lines.line().find(node) != std::string::npos) {
+      return lines.error(node + problem);
+    }
+  }
+  return {m_path, 1, node + problem};
+}
+
 std::vector<double> CalibrationFile::numbers(const char* node,
                                              const std::vector<std::size_t>& counts) const {
   cv::Mat values;
@@ -72,14 +84,14 @@ std::vector<double> CalibrationFile::numbers(const char* node,
     m_storage[node] >> values;
     cv::Mat(values.reshape(1, 1)).convertTo(values, CV_64F);
   } catch (const cv::Exception&) {
-    throw error(std::string(node) + " is missing or no matrix");
+    throw error(node, " is missing or no matrix");
   }
   const std::vector<double> numbers(values.begin<double>(), values.end<double>());
   if (std::find(counts.begin(), counts.end(), numbers.size()) == counts.end()) {
-    throw error(std::string(node) + " has " + std::to_string(numbers.size()) + " values");
+    throw error(node, " has " + std::to_string(numbers.size()) + " values");
   }
   if (!std::all_of(numbers.begin(), numbers.end(), [](double x) { return std::isfinite(x); })) {
-    throw error(std::string(node) + " holds a number that is not finite");
+    throw error(node, " holds a number that is not finite");
   }
   return numbers;
 }
@@ -87,7 +99,7 @@ std::vector<double> CalibrationFile::numbers(const char* node,
 QSharedPointer<kelAbstractDataCalibration> readPinhole(const CalibrationFile& file) {
   const cv::Matx33d cameraMatrix = file.matrix("camera_matrix");
   if (cameraMatrix(0, 0) == 0.0 || cameraMatrix(1, 1) == 0.0) {
-    throw file.error("camera_matrix has no focal length");
+    throw file.error("camera_matrix", " has no focal length");
   }
   const auto distortion = file.has("distortion_coefficients")
                               ? file.numbers("distortion_coefficients", {4, 5, 8})
@@ -100,10 +112,10 @@ QSharedPointer<kelAbstractDataCalibration> readGroundPlane(const CalibrationFile
   const cv::Matx33d homography = file.matrix("homography");
   const cv::Vec3d position = file.vector("camera_position");
   if (cv::determinant(homography) == 0.0) {
-    throw file.error("homography cannot be inverted");
+    throw file.error("homography", " cannot be inverted");
   }
   if (position[2] == 0.0) {
-    throw file.error("camera_position lies on the ground");
+    throw file.error("camera_position", " lies on the ground");
   }
   return QSharedPointer<GroundPlaneCalibration>::create(homography, cv::Point3d(position));
 }
@@ -118,5 +130,5 @@ QSharedPointer<kelAbstractDataCalibration> readCalibration(const std::string& pa
   if (file.has("homography")) {
     return readGroundPlane(file);
   }
-  throw file.error("neither camera_matrix nor homography found");
+  throw InputError(path, 1, "neither camera_matrix nor homography found");
 }

@@ -140,8 +140,10 @@ void RunSession::runFrame(InputFrame& frame) {
   }
   m_summary.mobiles += frame.observed.size();
   m_reporter->note(frame);
+  errno = 0;
   try {
     const auto groups = m_process->run(frame);
+    m_processErrno = errno;  // should standard output turn out to have failed, the reason is here
     handOut(m_reporter->report(groups));
   } catch (const ProcessError& failure) {
     if (!m_options.skipsFailedFrames) {
@@ -169,13 +171,13 @@ void RunSession::handOut(const FrameReport& report) {
 }
 
 void RunSession::checkStandardOutput() {
-  errno = 0;
   const bool isWritten = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
   if (m_signals.pipeClosed()) {
     throw ClosedPipe();
   }
   if (!isWritten) {
     throw OutputError("standard output",
-                      std::string("cannot be written: ") + std::strerror(errno != 0 ? errno : EIO));
+                      std::string("cannot be written: ") +
+                          std::strerror(m_processErrno != 0 ? m_processErrno : EIO));
   }
 }

@@ -56,5 +56,6 @@ class RunSession {
   std::unique_ptr<FrameReporter> m_reporter;
   std::optional<Progress> m_progress;
   RunSummary m_summary;
+  int m_processErrno = 0;           ///< what the last frame left in errno
   std::int64_t m_newestGroup = -1;  ///< the highest group id reported so far
 };
