@@ -104,8 +104,10 @@ QSharedPointer<kelAbstractDataCalibration> readPinhole(const CalibrationFile& fi
   const auto distortion = file.has("distortion_coefficients")
                               ? file.numbers("distortion_coefficients", {4, 5, 8})
                               : std::vector<double>();
-  return QSharedPointer<PinholeCalibration>::create(
-      cameraMatrix, distortion, file.vector("rotation_vector"), file.vector("translation_vector"));
+  const cv::Vec3d rotation = file.vector("rotation_vector");
+  const cv::Vec3d translation = file.vector("translation_vector");
+  return QSharedPointer<PinholeCalibration>::create(cameraMatrix, distortion, rotation,
+                                                    translation);
 }
 
 QSharedPointer<kelAbstractDataCalibration> readGroundPlane(const CalibrationFile& file) {

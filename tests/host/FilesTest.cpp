@@ -1,0 +1,78 @@
+#include "Errors.h"
+#include "FileIdentity.h"
+#include "LineReader.h"
+#include "OutputError.h"
+#include "OutputFile.h"
+#include "TemporaryFolder.h"
+#include "TextNumbers.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <vector>
+
+namespace {
+
+std::vector<std::string> linesOf(const std::string& text) {
+  std::istringstream in(text);
+  LineReader lines(in, "text");
+  std::vector<std::string> result;
+  while (lines.next()) {
+    result.push_back(lines.line());
+  }
+  return result;
+}
+
+TEST(LineReader, TakesEveryKindOfLineEndAndDropsTheByteOrderMark) {
+  EXPECT_EQ(linesOf("\xEF\xBB\xBF"
+                    "a\r\n\nb\r\nc"),
+            (std::vector<std::string>{"a", "", "b", "c"}));
+  EXPECT_EQ(linesOf("a\n"), (std::vector<std::string>{"a"}));
+  EXPECT_EQ(linesOf(""), std::vector<std::string>());
+}
+
+// Lengths around the size of the chunks in which a line is read.
+TEST(LineReader, KeepsLongLinesWhole) {
+  for (std::size_t length = 16382; length <= 16386; ++length) {
+    const std::string line(length, 'x');
+    EXPECT_EQ(linesOf(line + "\n" + line), (std::vector<std::string>{line, line})) << length;
+  }
+}
+
+TEST(LineReader, RefusesLinesThatWouldFillTheMemory) {
+  std::istringstream in("short\n" + std::string(100000, 'x') + "\n");
+  LineReader lines(in, "scene.jsonl", 50000);
+  EXPECT_TRUE(lines.next());
+  EXPECT_EQ(errorOf([&] { lines.next(); }), "scene.jsonl:2: the line is longer than 50000 bytes");
+}
+
+TEST(TextNumbers, ReadsWhatNumericToolsWriteAndNothingElse) {
+  std::vector<double> numbers;
+  parseNumbers("  7.80e+02\t+1 -0.5  .25\r", numbers);
+  EXPECT_EQ(numbers, (std::vector<double>{780.0, 1.0, -0.5, 0.25}));
+  for (const char* const wrong : {"1 x", "1,5", "nan", "inf", "1e999", "+-1", "0x10", "1.5.2"}) {
+    EXPECT_NE(errorOf([&] { parseNumbers(wrong, numbers); }), "no error") << wrong;
+  }
+}
+
+TEST(OutputFile, HoldsWholeLinesOnlyWhenTheDiskIsFull) {
+  EXPECT_EQ(errorOf([] { OutputFile("/dev/full").writeLines("{}\n"); }),
+            "/dev/full: cannot be written: No space left on device");
+  EXPECT_EQ(errorOf([] { OutputFile("/no/such/folder/x"); }),
+            "/no/such/folder/x: cannot be written: No such file or directory");
+}
+
+TEST(FileIdentity, RecognisesAnInputUnderAnotherName) {
+  const TemporaryFolder folder;
+  const std::string input = folder.write("scene.jsonl", "");
+  std::filesystem::create_symlink(input, folder.path("link"));
+  const auto refusal = [&](const std::vector<std::string>& outputs) {
+    return errorOf([&] { refuseOverwriting(outputs, {input, ""}); });
+  };
+  EXPECT_EQ(refusal({folder.path("link")}), folder.path("link") + ": would overwrite " + input);
+  EXPECT_EQ(refusal({folder.path("new"), folder.path("x/../new")}),
+            folder.path("x/../new") + ": would overwrite " + folder.path("new"));
+  EXPECT_EQ(refusal({folder.path("groups.jsonl"), "", "/dev/null", "/dev/null"}), "no error");
+}
+
+}  // namespace
