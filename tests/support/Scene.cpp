@@ -1,7 +1,6 @@
 #include "Scene.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace {
 
@@ -9,58 +8,13 @@ constexpr std::size_t longestList = 30;  // mobiles of an actor, as the host han
 
 }  // namespace
 
-SceneMobile& SceneMobile::at(float x, float y) {
-  m_x = x;
-  m_y = y;
-  return *this;
-}
-
-SceneMobile& SceneMobile::type(const std::string& name) {
-  m_type = name;
-  return *this;
-}
-
-SceneMobile& SceneMobile::size(float width, float depth, float height) {
-  m_width = width;
-  m_depth = depth;
-  m_height = height;
-  return *this;
-}
-
-SceneMobile& SceneMobile::box2D(const cv::Rect& box) {
-  m_box2D = box;
-  return *this;
-}
-
-SceneMobile& SceneMobile::from(unsigned int father, double reliability) {
-  m_fathers.emplace_back(father, reliability);
-  return *this;
-}
-
-SceneMobile& SceneMobile::follows(unsigned int predecessor, double reliability) {
-  m_predecessor = predecessor;
-  return from(predecessor, reliability);
-}
-
-SceneMobile& SceneMobile::chain(std::vector<unsigned int> idents) {
-  m_chain = std::move(idents);
-  return *this;
-}
-
-SceneMobile& SceneMobile::actor(unsigned int ident) {
-  m_actor = ident;
-  return *this;
-}
-
 QSharedPointer<kelDataLinkedPhysicalObject> SceneMobile::make() const {
-  const float halfWidth = m_width / 2;
-  const float halfDepth = m_depth / 2;
-  const BoundingBox3D box3D{m_x + halfWidth, m_y + halfDepth, m_height,
-                            m_x - halfWidth, m_y - halfDepth, 0.0F};
-  const cv::Rect standing(100 + static_cast<int>(std::lround(40 * m_x)),
-                          100 + static_cast<int>(std::lround(20 * m_y)), 20, 60);
+  const cv::Point2f& place = m_place;
+  const BoundingBox3D box3D{place.x + m_size.x / 2, place.y + m_size.y / 2, m_size.z,
+                            place.x - m_size.x / 2, place.y - m_size.y / 2, 0.0F};
+  const cv::Rect standing(100 + cvRound(40 * place.x), 100 + cvRound(20 * place.y), 20, 60);
   const auto seen = QSharedPointer<kelDataPhysicalObject>::create(
-      m_type, m_box2D.value_or(standing), box3D, cv::Point3f(m_x, m_y, 0.0F));
+      m_type, m_box2D.value_or(standing), box3D, cv::Point3f(place.x, place.y, 0.0F));
   return QSharedPointer<kelDataLinkedPhysicalObject>::create(m_ident, seen);
 }
 

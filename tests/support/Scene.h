@@ -23,19 +23,43 @@ class SceneMobile {
   explicit SceneMobile(unsigned int ident) : m_ident(ident) {}
 
   /// Where the mobile stands, metres.
-  SceneMobile& at(float x, float y);
-  SceneMobile& type(const std::string& name);
+  SceneMobile& at(float x, float y) {
+    m_place = {x, y};
+    return *this;
+  }
+  SceneMobile& type(const std::string& name) {
+    m_type = name;
+    return *this;
+  }
   /// The extent of the 3D box, metres.
-  SceneMobile& size(float width, float depth, float height);
+  SceneMobile& size(float width, float depth, float height) {
+    m_size = {width, depth, height};
+    return *this;
+  }
   /// The box in the image, pixels.
-  SceneMobile& box2D(const cv::Rect& box);
+  SceneMobile& box2D(const cv::Rect& box) {
+    m_box2D = box;
+    return *this;
+  }
   /// Adds a father link to a mobile declared earlier, in this frame or another.
-  SceneMobile& from(unsigned int father, double reliability);
+  SceneMobile& from(unsigned int father, double reliability) {
+    m_fathers.emplace_back(father, reliability);
+    return *this;
+  }
   /// Continues an earlier mobile: a father link, and the actor and its list go on.
-  SceneMobile& follows(unsigned int predecessor, double reliability = 0.9);
+  SceneMobile& follows(unsigned int predecessor, double reliability = 0.9) {
+    m_predecessor = predecessor;
+    return from(predecessor, reliability);
+  }
   /// The mobiles before this one in its actor's list.
-  SceneMobile& chain(std::vector<unsigned int> idents);
-  SceneMobile& actor(unsigned int ident);
+  SceneMobile& chain(const std::vector<unsigned int>& idents) {
+    m_chain = idents;
+    return *this;
+  }
+  SceneMobile& actor(unsigned int ident) {
+    m_actor = ident;
+    return *this;
+  }
 
   /// The platform's record of the mobile, still without links.
   QSharedPointer<kelDataLinkedPhysicalObject> make() const;
@@ -46,11 +70,8 @@ class SceneMobile {
 
   unsigned int m_ident;
   std::string m_type = "PERSON";
-  float m_x = 0.0F;
-  float m_y = 0.0F;
-  float m_width = 0.5F;
-  float m_depth = 0.5F;
-  float m_height = 1.7F;
+  cv::Point2f m_place;
+  cv::Point3f m_size{0.5F, 0.5F, 1.7F};
   std::optional<cv::Rect> m_box2D;  ///< without one a box of 20 x 60 pixels that moves with x and y
   std::vector<std::pair<unsigned int, double>> m_fathers;
   std::optional<unsigned int> m_predecessor;
@@ -99,7 +120,6 @@ class Scene {
     return m_mobiles.at(ident).object;
   }
   bool knows(unsigned int ident) const { return m_mobiles.count(ident) > 0; }
-  unsigned int lastFrame() const { return m_frames.empty() ? 0 : m_frames.rbegin()->first; }
   /// Releases the mobiles of the frames before the one given, so that a scene can go on for ever.
   void forgetBefore(unsigned int frame);
 

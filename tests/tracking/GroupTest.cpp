@@ -199,27 +199,6 @@ TEST_F(GroupTest, CoherenceWeighsDistancesSpeedsAndDirections) {
   EXPECT_EQ(line.getDirSimilitude(), directions);
 }
 
-TEST_F(GroupTest, CoherenceWithAnObjectLeavesMostOfTheGroupAsItWas) {
-  const auto coherenceAt = [](Group& group, const SceneMobile& mobile) {
-    return group.groupCoherence(mobile.make(), 1);
-  };
-  Group group(person(1, 1));
-  close(group, 1, {});
-  EXPECT_EQ(coherenceAt(group, SceneMobile(2).at(3.5F, 0)), 1000.0);
-  EXPECT_FALSE(group.isUpdated());
-  EXPECT_EQ(coherenceAt(group, SceneMobile(2).at(3, 0)), 2 * 3.0 / 4);
-  EXPECT_TRUE(group.isUpdated());
-  EXPECT_EQ(group.getNumMobiles(), 1);
-  EXPECT_EQ(group.getBestMobileId(), 1);
-  EXPECT_EQ(group.groupCoherence(), 0.0);
-  // A member of that id is replaced and then gone.
-  coherenceAt(group, SceneMobile(1).at(1, 0));
-  EXPECT_EQ(group.getLPOs().size(), 0U);
-
-  Group ofMobileZero(person(0, 1));
-  EXPECT_EQ(coherenceAt(ofMobileZero, SceneMobile(2).at(10, 0)), 2 * 10.0 / 4);
-}
-
 TEST_F(GroupTest, CoherenceWithAHistoryLooksForward) {
   Group::speedSimWeight = Group::dirSimWeight = 0;
   const Node a = person(1, 1, 0, 0);

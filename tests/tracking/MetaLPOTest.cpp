@@ -130,18 +130,4 @@ TEST_F(MetaLPOTest, CachesOnlySpeedsAboveAStandstill) {
   EXPECT_EQ(walking->computeDirection(), cv::Point3f(0, 0, 0));
 }
 
-TEST_F(MetaLPOTest, ScoresTheAncestryOfAnObject) {
-  scene.frame(1).person(1);
-  scene.frame(2).person(2).from(1, 0.9);
-  scene.frame(3).person(3).from(2, 0.5).from(1, 0.7);
-  scene.actors(3);
-  const MetaLPO anybody;
-  const auto score = [&](unsigned int depth) {
-    return anybody.fatherScore(scene.mobile(3), depth);
-  };
-  EXPECT_EQ(score(0), 0.0);
-  EXPECT_EQ(score(1), 0.7 * 0.6);
-  EXPECT_EQ(score(2), 0.5 * 0.6 + 0.9 * 0.6 * (1 - 0.6));
-}
-
 }  // namespace
