@@ -6,7 +6,7 @@
 #include "Homography.h"
 #include "PinholeCalibration.h"
 #include "SceneContextReader.h"
-#include "TemporaryFolder.h"
+#include "TempFolder.h"
 
 #include <gtest/gtest.h>
 #include <opencv2/calib3d.hpp>
@@ -122,7 +122,7 @@ std::string node(const std::string& name, int rows, int columns, const std::stri
 }
 
 TEST(CalibrationReader, ReadsBothKindsOfCameras) {
-  const TemporaryFolder folder;
+  const TempFolder folder;
   const std::string turned =
       node("rotation_vector", 3, 1, "0, 0, 0") + node("translation_vector", 3, 1, "0, 0, 5");
   const auto pinhole = readCalibration(
@@ -137,7 +137,7 @@ TEST(CalibrationReader, ReadsBothKindsOfCameras) {
 }
 
 TEST(CalibrationReader, SaysInOneLineWhatIsWrong) {
-  const TemporaryFolder folder;
+  const TempFolder folder;
   const std::string identity = "1, 0, 0, 0, 1, 0, 0, 0, 1";
   const auto error = [&](const std::string& content) {
     const std::string path = folder.write("c.yml", content);

@@ -3,7 +3,7 @@
 #include "LineReader.h"
 #include "OutputError.h"
 #include "OutputFile.h"
-#include "TemporaryFolder.h"
+#include "TempFolder.h"
 #include "TextNumbers.h"
 
 #include <gtest/gtest.h>
@@ -13,7 +13,7 @@
 
 namespace {
 
-std::vector<std::string> linesOf(const std::string& text) {
+std::vector<std::string> linesRead(const std::string& text) {
   std::istringstream in(text);
   LineReader lines(in, "text");
   std::vector<std::string> result;
@@ -24,18 +24,18 @@ std::vector<std::string> linesOf(const std::string& text) {
 }
 
 TEST(LineReader, TakesEveryKindOfLineEndAndDropsTheByteOrderMark) {
-  EXPECT_EQ(linesOf("\xEF\xBB\xBF"
-                    "a\r\n\nb\r\nc"),
+  EXPECT_EQ(linesRead("\xEF\xBB\xBF"
+                      "a\r\n\nb\r\nc"),
             (std::vector<std::string>{"a", "", "b", "c"}));
-  EXPECT_EQ(linesOf("a\n"), (std::vector<std::string>{"a"}));
-  EXPECT_EQ(linesOf(""), std::vector<std::string>());
+  EXPECT_EQ(linesRead("a\n"), (std::vector<std::string>{"a"}));
+  EXPECT_EQ(linesRead(""), std::vector<std::string>());
 }
 
 // Lengths around the size of the chunks in which a line is read.
 TEST(LineReader, KeepsLongLinesWhole) {
   for (std::size_t length = 16382; length <= 16386; ++length) {
     const std::string line(length, 'x');
-    EXPECT_EQ(linesOf(line + "\n" + line), (std::vector<std::string>{line, line})) << length;
+    EXPECT_EQ(linesRead(line + "\n" + line), (std::vector<std::string>{line, line})) << length;
   }
 }
 
@@ -63,16 +63,17 @@ TEST(OutputFile, HoldsWholeLinesOnlyWhenTheDiskIsFull) {
 }
 
 TEST(FileIdentity, RecognisesAnInputUnderAnotherName) {
-  const TemporaryFolder folder;
+  const TempFolder folder;
+  const auto in = [&](const char* name) { return (folder.path() / name).string(); };
   const std::string input = folder.write("scene.jsonl", "");
-  std::filesystem::create_symlink(input, folder.path("link"));
+  std::filesystem::create_symlink(input, in("link"));
   const auto refusal = [&](const std::vector<std::string>& outputs) {
     return errorOf([&] { refuseOverwriting(outputs, {input, ""}); });
   };
-  EXPECT_EQ(refusal({folder.path("link")}), folder.path("link") + ": would overwrite " + input);
-  EXPECT_EQ(refusal({folder.path("new"), folder.path("x/../new")}),
-            folder.path("x/../new") + ": would overwrite " + folder.path("new"));
-  EXPECT_EQ(refusal({folder.path("groups.jsonl"), "", "/dev/null", "/dev/null"}), "no error");
+  EXPECT_EQ(refusal({in("link")}), in("link") + ": would overwrite " + input);
+  EXPECT_EQ(refusal({in("new"), in("x/../new")}),
+            in("x/../new") + ": would overwrite " + in("new"));
+  EXPECT_EQ(refusal({in("groups.jsonl"), "", "/dev/null", "/dev/null"}), "no error");
 }
 
 }  // namespace

@@ -1,7 +1,8 @@
 #include "FrameReporter.h"
 #include "GroupsWriter.h"
 #include "JsonText.h"
-#include "TemporaryFolder.h"
+#include "Lines.h"
+#include "TempFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -79,8 +80,8 @@ TEST(MobileOwners, ForgetsMobilesThatNobodyHoldsAnyMore) {
 }
 
 TEST(GroupsWriter, KeepsTypesAndExactNumbers) {
-  const TemporaryFolder folder;
-  GroupsWriter writer(folder.path("groups.jsonl"));
+  const TempFolder folder;
+  GroupsWriter writer((folder.path() / "groups.jsonl").string());
   FrameReport report;
   report.frame = 4294967295U;
   report.reportedFrame = -2;
@@ -100,7 +101,7 @@ TEST(GroupsWriter, KeepsTypesAndExactNumbers) {
   report.groups.push_back({makeActor(5, {}), {}});
   writer.write(report);
 
-  const auto lines = folder.lines("groups.jsonl");
+  const auto lines = linesOf(textOf(folder.path() / "groups.jsonl"));
   ASSERT_EQ(lines.size(), 2U) << "lines are there while the writer is still open";
   EXPECT_EQ(lines[0], R"({"frame": 4294967295, "reportedFrame": -2, "inputFrame": null, )"
                       R"("persons": [], "groups": []})");

@@ -1,6 +1,7 @@
+#include "Lines.h"
 #include "Program.h"
 #include "SampleParameters.h"
-#include "TemporaryFolder.h"
+#include "TempFolder.h"
 #include "WalkingScene.h"
 
 #include <gmock/gmock.h>
@@ -26,11 +27,13 @@ class Run : public testing::Test {
   static QStringList arguments(const QString& input, const QStringList& more = {}) {
     return QStringList{"run", input, "--parameters", "p.txt", "--output", "groups.jsonl"} + more;
   }
-  std::vector<std::string> groups() const { return folder.lines("groups.jsonl"); }
+  std::filesystem::path inFolder(const std::string& name) const { return folder.path() / name; }
+  std::string text(const std::string& name) const { return textOf(inFolder(name)); }
+  std::vector<std::string> groups() const { return linesOf(text("groups.jsonl")); }
 
   static constexpr int sceneLength = 12;
-  const TemporaryFolder folder;
-  Program program{folder.path("")};
+  const TempFolder folder;
+  Program program{inFolder("")};
 };
 
 TEST_F(Run, WritesTheGroupsOfAScene) {
@@ -43,31 +46,31 @@ TEST_F(Run, WritesTheGroupsOfAScene) {
                                        R"("mobiles": [101, 102], "persons": [1, 2], )"));
   EXPECT_THAT(program.output(), StartsWith("parameter file name: p.txt\n"));
   EXPECT_THAT(program.errors(), StartsWith("12 frames, 36 mobiles, 1 groups in "));
-  EXPECT_TRUE(std::filesystem::exists(folder.path("metasimages.txt")));
+  EXPECT_TRUE(std::filesystem::exists(inFolder("metasimages.txt")));
 }
 
 TEST_F(Run, SendsDiagnosticsAndDumpWhereTheUserWantsThem) {
   program.run(arguments("scene.jsonl"));
   const std::string diagnostics = program.output();
-  const std::string dump = folder.read("metasimages.txt");
+  const std::string dump = text("metasimages.txt");
   const auto expected = groups();
-  std::filesystem::remove(folder.path("metasimages.txt"));
+  std::filesystem::remove(inFolder("metasimages.txt"));
 
-  Program redirected(folder.path(""));
+  Program redirected(inFolder(""));
   EXPECT_EQ(redirected.run(arguments("scene.jsonl", {"--diagnostics", "lines.txt", "--mobile-dump",
                                                      "dump.txt", "--quiet"})),
             0);
   EXPECT_EQ(redirected.output() + redirected.errors(), "");
-  EXPECT_EQ(folder.read("lines.txt"), diagnostics);
-  EXPECT_EQ(folder.read("dump.txt"), dump);
+  EXPECT_EQ(text("lines.txt"), diagnostics);
+  EXPECT_EQ(text("dump.txt"), dump);
   EXPECT_EQ(groups(), expected);
 
-  Program silent(folder.path(""));
+  Program silent(inFolder(""));
   EXPECT_EQ(
       silent.run(arguments("scene.jsonl", {"--diagnostics", "none", "--mobile-dump", "none"})), 0);
   EXPECT_EQ(silent.output(), "");
   EXPECT_EQ(groups(), expected);
-  EXPECT_FALSE(std::filesystem::exists(folder.path("metasimages.txt")));
+  EXPECT_FALSE(std::filesystem::exists(inFolder("metasimages.txt")));
 }
 
 TEST_F(Run, AnswersALiveTrackerFrameByFrame) {
@@ -83,8 +86,8 @@ TEST_F(Run, AnswersALiveTrackerFrameByFrame) {
 
 TEST_F(Run, StopsInOrderWhenAskedWhileWaitingForInput) {
   for (const int signal : {SIGINT, SIGTERM}) {
-    std::filesystem::remove(folder.path("groups.jsonl"));
-    Program live(folder.path(""));
+    std::filesystem::remove(inFolder("groups.jsonl"));
+    Program live(inFolder(""));
     live.start(arguments("-"));
     live.process().write(QByteArray::fromStdString(walkingLine(1) + R"({"mobiles": [{"id")"));
     live.process().waitForBytesWritten();
@@ -93,7 +96,7 @@ TEST_F(Run, StopsInOrderWhenAskedWhileWaitingForInput) {
     ASSERT_TRUE(live.process().waitForFinished());
     EXPECT_EQ(live.finish(), 0);
     EXPECT_THAT(live.errors(), HasSubstr(signal == SIGINT ? "stopped by SIGINT" : "SIGTERM"));
-    EXPECT_THAT(folder.read("groups.jsonl"), EndsWith("}\n"));
+    EXPECT_THAT(text("groups.jsonl"), EndsWith("}\n"));
   }
 }
 
@@ -108,7 +111,7 @@ TEST_F(Run, EndsQuietlyWhenNobodyReadsStandardOutput) {
   EXPECT_TRUE(program.process().waitForFinished());
   EXPECT_EQ(program.finish(), 0);
   EXPECT_EQ(program.errors(), "");
-  EXPECT_THAT(folder.read("groups.jsonl"), EndsWith("}\n"));
+  EXPECT_THAT(text("groups.jsonl"), EndsWith("}\n"));
 }
 
 TEST_F(Run, ReportsAFullDisk) {
@@ -117,7 +120,7 @@ TEST_F(Run, ReportsAFullDisk) {
   EXPECT_EQ(program.run(toFullDisk), 4);
   EXPECT_EQ(program.errors(), "/dev/full: cannot be written: No space left on device\n");
 
-  Program chatty(folder.path(""));
+  Program chatty(inFolder(""));
   chatty.process().setStandardOutputFile("/dev/full");
   EXPECT_EQ(chatty.run(arguments("scene.jsonl")), 4);
   EXPECT_EQ(chatty.errors(), "standard output: cannot be written: No space left on device\n");
@@ -128,7 +131,7 @@ TEST_F(Run, NamesTheLineOfDamagedInputAndKeepsWhatWasDone) {
   EXPECT_EQ(program.run(arguments("cut.jsonl")), 2);
   EXPECT_EQ(program.errors(), "cut.jsonl:4: not valid JSON\n");
   EXPECT_EQ(groups().size(), 3U);
-  EXPECT_THAT(folder.read("groups.jsonl"), EndsWith("}\n"));
+  EXPECT_THAT(text("groups.jsonl"), EndsWith("}\n"));
 }
 
 TEST_F(Run, ExplainsAWrongParameterFileBeforeTheProcessEndsTheProgram) {
@@ -136,7 +139,7 @@ TEST_F(Run, ExplainsAWrongParameterFileBeforeTheProcessEndsTheProgram) {
   EXPECT_EQ(program.run(arguments("scene.jsonl", {"--diagnostics", "none"})), 1);
   EXPECT_EQ(program.errors(), "p.txt:22: 0 or 1 is expected after \"useClustering:\"\n");
   EXPECT_THAT(program.output(), HasSubstr("Error reading parameter:  : tolerance:\nstr size: 0"));
-  EXPECT_EQ(folder.read("groups.jsonl"), "");
+  EXPECT_EQ(text("groups.jsonl"), "");
 }
 
 // The matrix of trajectories has no rows for displacements over a window of one frame.
@@ -147,20 +150,20 @@ TEST_F(Run, StopsAtOrSkipsFramesAtWhichTheProcessFails) {
   EXPECT_EQ(groups().size(), 1U);
   EXPECT_THAT(program.output(), HasSubstr("Frame 2"));
 
-  Program patient(folder.path(""));
+  Program patient(inFolder(""));
   EXPECT_EQ(patient.run(arguments("scene.jsonl", {"--on-error", "skip"})), 0);
   EXPECT_THAT(patient.errors(), HasSubstr(", 11 frames skipped"));
 }
 
 TEST_F(Run, RefusesToOverwriteItsInput) {
-  const std::string scene = folder.read("scene.jsonl");
+  const std::string scene = text("scene.jsonl");
   EXPECT_EQ(program.run(arguments("scene.jsonl", {"--diagnostics", "./scene.jsonl"})), 4);
   EXPECT_EQ(program.errors(), "./scene.jsonl: would overwrite scene.jsonl\n");
-  EXPECT_EQ(folder.read("scene.jsonl"), scene);
+  EXPECT_EQ(text("scene.jsonl"), scene);
 }
 
 TEST_F(Run, RunsOnPartOfATrajectoryFolder) {
-  std::filesystem::create_directory(folder.path("walk"));
+  std::filesystem::create_directory(inFolder("walk"));
   std::string rows;
   for (int frame = 100; frame <= 200; frame += 10) {
     for (int person = 1; person <= 2; ++person) {
@@ -174,8 +177,8 @@ TEST_F(Run, RunsOnPartOfATrajectoryFolder) {
   ASSERT_EQ(groups().size(), 6U);
   EXPECT_THAT(groups()[5], StartsWith(R"({"frame": 6, "reportedFrame": 4, "inputFrame": 150, )"
                                       R"("persons": [1, 2], "groups": [{"id": 0, )"));
-  std::filesystem::remove(folder.path("walk/H.txt"));
-  Program unseeing(folder.path(""));
+  std::filesystem::remove(inFolder("walk/H.txt"));
+  Program unseeing(inFolder(""));
   EXPECT_EQ(unseeing.run(arguments("walk")), 2);
   EXPECT_EQ(unseeing.errors(), "walk/H.txt: cannot be opened: No such file or directory\n");
 }
@@ -184,7 +187,7 @@ TEST_F(Run, NeedsImagesOnlyWhenTheParametersDrawOnThem) {
   folder.write("scene.jsonl", walkingLine(1, R"("image": "no.png", )"));
   EXPECT_EQ(program.run(arguments("scene.jsonl")), 0);
   folder.write("p.txt", sampleParameters({{"saveOutput:", "1"}}));
-  Program drawing(folder.path(""));
+  Program drawing(inFolder(""));
   EXPECT_EQ(drawing.run(arguments("scene.jsonl")), 2);
   EXPECT_EQ(drawing.errors(), "scene.jsonl:1: the image no.png is missing or not readable\n");
 }
@@ -192,10 +195,10 @@ TEST_F(Run, NeedsImagesOnlyWhenTheParametersDrawOnThem) {
 TEST_F(Run, AnswersAWrongCommandLineWithOneLineAndAHint) {
   EXPECT_EQ(program.run({"run", "scene.jsonl"}), 2);
   EXPECT_THAT(program.errors(), StartsWith("--"));
-  Program backwards(folder.path(""));
+  Program backwards(inFolder(""));
   EXPECT_EQ(backwards.run(arguments("scene.jsonl", {"--frames", "5:3"})), 2);
   EXPECT_THAT(backwards.errors(), StartsWith("--frames: A:B, A: or :B is expected"));
-  Program asking(folder.path(""));
+  Program asking(inFolder(""));
   EXPECT_EQ(asking.run({"run", "--help"}), 0);
   EXPECT_THAT(asking.output(), HasSubstr("Example:\n  grouptracker run "));
 }

@@ -3,6 +3,6 @@
 #include <map>
 #include <string>
 
-/// A parameter file that suits small test scenes, one pair a line; `changes` replaces values.
-std::string sampleParameters(const std::map<std::string, std::string>& changes = {},
-                             char lineEnd = '\n');
+/// The parameter file that the project ships as a sample, one pair a line, with a delay of 2
+/// frames; `changes` replaces values by label.
+std::string sampleParameters(std::map<std::string, std::string> changes = {}, char lineEnd = '\n');
