@@ -5,7 +5,7 @@ function(grouptracker_options target)
     CXX_STANDARD 20 CXX_STANDARD_REQUIRED ON CXX_EXTENSIONS OFF
     CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
   target_compile_options(${target} PRIVATE
-    -ffp-contract=off -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor
+    -ffp-contract=off -fno-math-errno -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor
     -Woverloaded-virtual $<$<BOOL:${GROUPTRACKER_WERROR}>:-Werror>)
 endfunction()
 

@@ -21,7 +21,7 @@ double width(const BoundingBox3D& box) {
 }
 
 void printSize(const BoundingBox3D& box) {
-  Diagnostics::print("   height: {:f},    width: {:f}\n", height(box), width(box));
+  Diagnostics::write("   height: ", height(box), ",    width: ", width(box), "\n");
 }
 
 // The image box that holds the boxes of a group's members. The smallest edges are looked for below
@@ -52,10 +52,7 @@ bool addMembers(kelDataActor& actor, const Group& group, int frame) {
   Extent extent;
   cv::Point3f sum(0.0F, 0.0F, 0.0F);
   int count = 0;
-  for (const auto& [id, mobile] : group.getMobiles()) {
-    if (static_cast<int>(mobile->getFrame()) != frame) {
-      continue;
-    }
+  for (const MetaLPO* mobile : group.membersAt(frame)) {
     actor.addLinkedPhysicalObject(mobile->getPhysicalObject());
     extent.widen(mobile->observation().getBoundingBox2D());
     sum += mobile->observation().getPosition();
@@ -131,8 +128,8 @@ void GroupTrackerProcessGroupTrackerPrivate::printActors() const {
     Diagnostics::print("   type: {}, ", actor->getType());
     printSize(actor->getBoundingBox3D());
     for (const auto& mobile : actor->getLinkedPhysicalObjectList()) {
-      Diagnostics::print("   id: {}, ", static_cast<int>(mobile->getIdent()));
-      Diagnostics::print("   type: {}, ", mobile->getPhysicalObject()->getType());
+      Diagnostics::write("   id: ", static_cast<int>(mobile->getIdent()),
+                         ",    type: ", mobile->getPhysicalObject()->getType(), ", ");
       printSize(mobile->getPhysicalObject()->getBoundingBox3D());
     }
   }

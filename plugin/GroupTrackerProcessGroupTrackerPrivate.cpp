@@ -59,10 +59,9 @@ void GroupTrackerProcessGroupTrackerPrivate::updateDisplay(
     Diagnostics::print("comment (updateDisplay): {}\n", group->getComment());
     DisplayGroup record(static_cast<unsigned int>(group->getId()), group->getColor(),
                         group->getComment());
-    for (const auto& [id, mobile] : group->getMobiles()) {
-      if (static_cast<int>(mobile->getFrame()) == frame) {
-        record.addMobile(static_cast<unsigned int>(id), mobile->observation().getBoundingBox2D());
-      }
+    for (const MetaLPO* mobile : group->membersAt(frame)) {
+      record.addMobile(static_cast<unsigned int>(mobile->getIdent()),
+                       mobile->observation().getBoundingBox2D());
     }
     displayed.push_back(record);
   }

@@ -1,7 +1,6 @@
 #include "Group.h"
 
 #include <algorithm>
-#include <set>
 
 #include "Diagnostics.h"
 #include "GroupColor.h"
@@ -64,17 +63,14 @@ Group::Group(const Group& other)
     : m_id(other.m_id),
       m_color(other.m_color),
       m_isUpdated(other.m_isUpdated),
-      m_mobiles(other.m_mobiles),
+      m_members(other.m_members),
       m_bestMobileId(other.m_bestMobileId),
       m_startFrame(other.m_startFrame),
       m_endFrame(other.m_endFrame),
       m_numMobiles(other.m_numMobiles),
       m_framesAlone(other.m_framesAlone),
       m_mobilesLeft(other.m_mobilesLeft),
-      m_avgIntraDist(other.m_avgIntraDist),
-      m_closedAvgIntraDist(other.m_closedAvgIntraDist),
-      m_speedSimilitude(other.m_speedSimilitude),
-      m_dirSimilitude(other.m_dirSimilitude) {}
+      m_cohesion(other.m_cohesion) {}
 
 Group::~Group() = default;
 
@@ -84,7 +80,7 @@ void Group::init() {
 }
 
 void Group::addMobile(const QSharedPointer<MetaLPO>& mobile) {
-  m_mobiles[mobile->getIdent()] = mobile;
+  m_members.add(mobile);
   m_isUpdated = true;
   updateProperties(mobile->getFrame());
   countNewMobile(*mobile);
@@ -95,9 +91,9 @@ void Group::addMobile(const QSharedPointer<kelDataLinkedPhysicalObject>& object,
 }
 
 void Group::countNewMobile(const MetaLPO& mobile) {
-  const int weight = headCount(typeOf(mobile));
+  const int weight = headCount(mobile.getType());
   const int fatherId = mobile.getBestFatherId();
-  if (fatherId == mobile.getIdent() || m_mobiles.count(fatherId) == 0) {
+  if (fatherId == mobile.getIdent() || !m_members.contains(fatherId)) {
     m_numMobiles += weight;
     return;
   }
@@ -115,52 +111,43 @@ void Group::countNewMobile(const MetaLPO& mobile) {
 }
 
 void Group::removeMobile(int id) {
-  if (m_mobiles.erase(id) > 0) {
+  if (m_members.remove(id)) {
     computeBestMobile(-1);
   }
 }
 
 bool Group::contains(const QSharedPointer<kelDataLinkedPhysicalObject>& object) const {
-  return m_mobiles.count(static_cast<int>(object->getIdent())) > 0;
+  return m_members.contains(static_cast<int>(object->getIdent()));
 }
 
 std::vector<QSharedPointer<kelDataLinkedPhysicalObject>> Group::getLPOs() const {
   std::vector<QSharedPointer<kelDataLinkedPhysicalObject>> objects;
-  objects.reserve(m_mobiles.size());
-  for (const auto& [id, mobile] : m_mobiles) {
+  objects.reserve(getMobiles().size());
+  for (const auto& [id, mobile] : getMobiles()) {
     objects.push_back(mobile->getPhysicalObject());
   }
   return objects;
 }
 
 int Group::numMobilesAtFrame(unsigned int frame) const {
-  int count = 0;
-  for (const auto& [id, mobile] : m_mobiles) {
-    if (mobile->getFrame() == frame) {
-      count += presence(typeOf(*mobile));
-    }
-  }
-  return count;
+  const FrameMembers* members = m_members.at(frame);
+  return members == nullptr ? 0 : members->presence();
 }
 
 int Group::countDistinctFrames() const {
-  std::set<unsigned int> frames;
-  for (const auto& [id, mobile] : m_mobiles) {
-    frames.insert(mobile->getFrame());
-  }
-  return static_cast<int>(frames.size());
+  return static_cast<int>(m_members.frames().size());
 }
 
 void Group::printMobiles() const {
   Diagnostics::print("Mobiles of group {}: ", m_id);
-  for (const auto& [id, mobile] : m_mobiles) {
+  for (const auto& [id, mobile] : getMobiles()) {
     Diagnostics::print("{}, ", id);
   }
   Diagnostics::print("\n");
 }
 
 void Group::doMerge(const QSharedPointer<Group>& other) {
-  for (const auto& [id, mobile] : other->m_mobiles) {
+  for (const auto& [id, mobile] : other->getMobiles()) {
     addMobile(mobile);
   }
 }

@@ -11,10 +11,14 @@
 
 #include <list>
 #include <map>
+#include <optional>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "Cohesion.h"
+#include "GroupMembers.h"
 #include "MetaLPO.h"
 #include "ROI.h"
 
@@ -26,9 +30,8 @@
 /// without members has empty boxes and zero positions.
 class Group {
  public:
-  using Members = std::map<int, QSharedPointer<MetaLPO>>;
-  using Event = std::pair<int, int>;          ///< the other group's id and the frame
-  using Spreads = std::pair<double, double>;  ///< of the speeds and of the directions
+  using Members = GroupMembers::ById;
+  using Event = std::pair<int, int>;  ///< the other group's id and the frame
 
   static constexpr int noId = -1;
 
@@ -77,7 +80,9 @@ class Group {
   void addMobile(const QSharedPointer<kelDataLinkedPhysicalObject>& object, int frame);
   void removeMobile(int id);
   bool contains(const QSharedPointer<kelDataLinkedPhysicalObject>& object) const;
-  const Members& getMobiles() const { return m_mobiles; }
+  const Members& getMobiles() const { return m_members.byId(); }
+  /// The members at a frame, in the order of their ids.
+  std::span<MetaLPO* const> membersAt(int frame) const;
   /// The platform objects of all members, in the order of their ids.
   std::vector<QSharedPointer<kelDataLinkedPhysicalObject>> getLPOs() const;
   /// The weighted head count at a frame: a group or crowd counts 2, anything else 1.
@@ -113,7 +118,7 @@ class Group {
   /// Elects the member nearest to the centre of gravity; -1 asks for the latest frame.
   void computeBestMobile(int frame);
   /// Ends a frame: elects, trims what is too old, counts who left, keeps the image patch.
-  /// `nodes` are all remembered mobiles by id; `image` may be null.
+  /// `nodes` are the remembered mobiles by id, at least those of the frame; `image` may be null.
   void closeFrame(unsigned int frame, const std::map<int, QSharedPointer<MetaLPO>>& nodes,
                   const QSharedPointer<kelDataImage>& image);
   const std::map<int, ROI>& getROIs() const { return m_rois; }
@@ -129,34 +134,33 @@ class Group {
   /// The coherence with a mobile and, by their best sons, its and the representative's future,
   /// weighted towards the mobile's own frame. The group is left as it is.
   double groupCoherence(const QSharedPointer<MetaLPO>& mobile) const;
+  /// The same where only a coherence below `limit` is of interest: from `limit` on any value that
+  /// is not below it may be returned.
+  double groupCoherence(const QSharedPointer<MetaLPO>& mobile, double limit) const;
   /// How much the members differ in speed and in direction, averaged over the frames.
-  Spreads computeSpeedDirSimilitude() const;
+  std::pair<double, double> computeSpeedDirSimilitude() const;
   /// Brings the properties behind the coherence up to date after a change at the frame.
   void updateProperties(unsigned int frame);
   /// The distance from a mobile to the group as it was one frame earlier.
   double distance(const QSharedPointer<MetaLPO>& mobile, int frame) const;
-  double getAvgIntraDist() const { return m_avgIntraDist; }
-  double getSpeedSimilitude() const { return m_speedSimilitude; }
-  double getDirSimilitude() const { return m_dirSimilitude; }
+  double getAvgIntraDist() const { return m_cohesion.avgIntraDist; }
+  double getSpeedSimilitude() const { return m_cohesion.spreads.speed; }
+  double getDirSimilitude() const { return m_cohesion.spreads.direction; }
 
  private:
-  std::vector<QSharedPointer<MetaLPO>> membersAt(int frame) const;
-  int latestFrame() const;
-  int frameOfGravity(int frame) const;
+  cv::Point3f centerAt(unsigned int frame) const;
+  int representative(std::span<MetaLPO* const> candidates, const cv::Point3f& center) const;
   void countNewMobile(const MetaLPO& mobile);
-  void trim(int firstKeptFrame);
   void countLeavers(unsigned int frame, const std::map<int, QSharedPointer<MetaLPO>>& nodes);
   void countAlone();
   void keepPatch(unsigned int frame, const QSharedPointer<kelDataImage>& image);
-  QSharedPointer<MetaLPO> memberOr(int id, const QSharedPointer<MetaLPO>& fallback) const;
-  static double walkForward(Group& trial, QSharedPointer<MetaLPO> a, QSharedPointer<MetaLPO> b,
-                            double firstCoherence);
-  void updateAvgIntraDist(unsigned int frame);
+  std::optional<double> coherenceByTrial(MetaLPO* mobile, double limit) const;
+  double coherenceByCopy(const QSharedPointer<MetaLPO>& mobile) const;
 
   int m_id = 0;
   QColor m_color;
   bool m_isUpdated = true;
-  Members m_mobiles;
+  GroupMembers m_members;
   int m_bestMobileId = 0;  ///< the representative; 0 also before there is one
   int m_startFrame = -1;
   int m_endFrame = -1;  ///< frame after which nobody joined; -1 while the group is open
@@ -164,10 +168,7 @@ class Group {
   int m_numMobiles = 0;
   int m_framesAlone = 0;  ///< closed frames in a row with a head count of exactly 1
   int m_mobilesLeft = 0;  ///< weight of those who left and may come back
-  double m_avgIntraDist = 0.0;
-  double m_closedAvgIntraDist = 0.0;  ///< `m_avgIntraDist` when the last frame was closed
-  double m_speedSimilitude = 0.0;
-  double m_dirSimilitude = 0.0;
+  Cohesion m_cohesion;
   std::list<Event> m_merges;
   std::list<Event> m_splits;
   std::map<int, ROI> m_rois;

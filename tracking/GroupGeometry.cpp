@@ -35,22 +35,9 @@ void fillPatch(cv::Mat& patch, const cv::Rect& box, const cv::Mat& image) {
 
 }  // namespace
 
-std::vector<QSharedPointer<MetaLPO>> Group::membersAt(int frame) const {
-  std::vector<QSharedPointer<MetaLPO>> members;
-  for (const auto& [id, mobile] : m_mobiles) {
-    if (static_cast<int>(mobile->getFrame()) == frame) {
-      members.push_back(mobile);
-    }
-  }
-  return members;
-}
-
-int Group::latestFrame() const {
-  int frame = -1;
-  for (const auto& [id, mobile] : m_mobiles) {
-    frame = std::max(frame, static_cast<int>(mobile->getFrame()));
-  }
-  return frame;
+std::span<MetaLPO* const> Group::membersAt(int frame) const {
+  const FrameMembers* members = m_members.at(static_cast<unsigned int>(frame));
+  return members == nullptr ? std::span<MetaLPO* const>() : members->members();
 }
 
 cv::Rect_<int> Group::bbox2D(int frame) const {
@@ -63,7 +50,7 @@ cv::Rect_<int> Group::bbox2D(int frame) const {
   // An edge left of or above the image counts as 0.
   int right = 0;
   int bottom = 0;
-  for (const auto& mobile : members) {
+  for (const MetaLPO* mobile : members) {
     const cv::Rect& box = mobile->observation().getBoundingBox2D();
     left = std::min(left, box.x);
     top = std::min(top, box.y);
@@ -80,7 +67,7 @@ BoundingBox3D Group::bbox3D(int frame) const {
   }
   constexpr float bound = 2147483648.0F;
   BoundingBox3D box{-bound, -bound, -bound, bound, bound, bound};
-  for (const auto& mobile : members) {
+  for (const MetaLPO* mobile : members) {
     const BoundingBox3D& member = mobile->observation().getBoundingBox3D();
     box.b0 = std::max(box.b0, member.b0);
     box.b1 = std::max(box.b1, member.b1);
@@ -98,72 +85,60 @@ cv::Point3_<float> Group::position(int frame) const {
     return {0.0F, 0.0F, 0.0F};
   }
   cv::Point3f sum(0.0F, 0.0F, 0.0F);
-  for (const auto& mobile : members) {
+  for (const MetaLPO* mobile : members) {
     sum += mobile->observation().getPosition();
   }
   const auto count = static_cast<float>(members.size());
   return {sum.x / count, sum.y / count, sum.z / count};
 }
 
-// The frame asked for comes last: the members are where they were last seen before it.
-int Group::frameOfGravity(int frame) const {
-  int best = 0;
-  for (const auto& [id, mobile] : m_mobiles) {
-    const int memberFrame = static_cast<int>(mobile->getFrame());
-    if (memberFrame < frame) {
-      best = std::max(best, memberFrame);
-    }
-  }
-  return best > 0 ? best : frame;
+cv::Point3f Group::centerAt(unsigned int frame) const {
+  const FrameMembers* members = m_members.at(frame);
+  return members == nullptr ? cv::Point3f(0.0F, 0.0F, 0.0F) : members->center();
 }
 
+// The frame asked for comes last: the members are where they were last seen before it.
 cv::Point3_<float> Group::centerOfGravity(int frame) const {
-  const auto members = membersAt(frameOfGravity(frame));
-  if (members.empty()) {
-    return {0.0F, 0.0F, 0.0F};
+  const std::size_t later = m_members.firstFrom(static_cast<unsigned int>(std::max(frame, 0)));
+  const bool hasEarlier = later > 0 && m_members.frames()[later - 1].frame() > 0;
+  return hasEarlier ? m_members.frames()[later - 1].center()
+                    : centerAt(static_cast<unsigned int>(frame));
+}
+
+// The one of some mobiles that is nearest to the centre; the representative so far when all are too
+// far off.
+int Group::representative(std::span<MetaLPO* const> candidates, const cv::Point3f& center) const {
+  int id = m_bestMobileId;
+  double nearest = farthestRepresentative;
+  for (const MetaLPO* mobile : candidates) {
+    const double distance = Util::distance3DPoints(mobile->getCenter(), center);
+    if (distance < nearest) {
+      nearest = distance;
+      id = mobile->getIdent();
+    }
   }
-  cv::Point3f sum(0.0F, 0.0F, 0.0F);
-  for (const auto& mobile : members) {
-    sum += Util::getCenter3D(mobile->observation().getBoundingBox3D());
-  }
-  const auto count = static_cast<float>(members.size());
-  return {sum.x / count, sum.y / count, sum.z / count};
+  return id;
 }
 
 void Group::computeBestMobile(int frame) {
-  if (m_mobiles.empty()) {
+  if (getMobiles().empty()) {
     return;
   }
   if (frame == latest) {
-    frame = latestFrame();
+    frame = static_cast<int>(m_members.frames().back().frame());
   }
-  const cv::Point3f center = centerOfGravity(frame);
-  double nearest = farthestRepresentative;
-  for (const auto& mobile : membersAt(frame)) {
-    const double distance =
-        Util::distance3DPoints(Util::getCenter3D(mobile->observation().getBoundingBox3D()), center);
-    if (distance < nearest) {
-      nearest = distance;
-      m_bestMobileId = mobile->getIdent();
-    }
-  }
+  m_bestMobileId = representative(membersAt(frame), centerOfGravity(frame));
 }
 
 void Group::closeFrame(unsigned int frame, const std::map<int, QSharedPointer<MetaLPO>>& nodes,
                        const QSharedPointer<kelDataImage>& image) {
   m_isUpdated = false;
-  m_closedAvgIntraDist = m_avgIntraDist;
+  m_cohesion.closedAvgIntraDist = m_cohesion.avgIntraDist;
   computeBestMobile(static_cast<int>(frame));
-  trim(static_cast<int>(frame - GroupTracker::maxFrames));
+  m_members.trim(static_cast<int>(frame - GroupTracker::maxFrames));
   countLeavers(frame, nodes);
   countAlone();
   keepPatch(frame, image);
-}
-
-void Group::trim(int firstKeptFrame) {
-  std::erase_if(m_mobiles, [&](const auto& entry) {
-    return static_cast<int>(entry.second->getFrame()) < firstKeptFrame;
-  });
 }
 
 void Group::countLeavers(unsigned int frame, const std::map<int, QSharedPointer<MetaLPO>>& nodes) {
@@ -171,10 +146,10 @@ void Group::countLeavers(unsigned int frame, const std::map<int, QSharedPointer<
     return;
   }
   std::set<int> leavers;
-  for (const auto& mobile : membersAt(static_cast<int>(frame - 1))) {
+  for (const MetaLPO* mobile : membersAt(static_cast<int>(frame - 1))) {
     leavers.insert(mobile->getIdent());
   }
-  for (const auto& mobile : membersAt(static_cast<int>(frame))) {
+  for (const MetaLPO* mobile : membersAt(static_cast<int>(frame))) {
     leavers.erase(mobile->getBestFatherId());
   }
   // Every leaver repeats the count of all continuations outside the group, so it grows with the
@@ -182,17 +157,17 @@ void Group::countLeavers(unsigned int frame, const std::map<int, QSharedPointer<
   const int repetitions = static_cast<int>(leavers.size());
   std::set<int> continued;
   for (const auto& [id, node] : nodes) {
-    if (!node || node->getFrame() != frame || m_mobiles.count(id) > 0 ||
+    if (!node || node->getFrame() != frame || m_members.contains(id) ||
         leavers.count(node->getBestFatherId()) == 0) {
       continue;
     }
     const int father = node->getBestFatherId();
-    m_mobilesLeft += repetitions * presence(typeOf(*m_mobiles.at(father)));
+    m_mobilesLeft += repetitions * presence(m_members.find(father)->getType());
     continued.insert(father);
   }
   for (const int id : leavers) {
     if (continued.count(id) == 0) {
-      m_numMobiles -= headCount(typeOf(*m_mobiles.at(id)));
+      m_numMobiles -= headCount(m_members.find(id)->getType());
     }
   }
 }

@@ -22,23 +22,25 @@ unsigned int GroupTracker::processedFrame() const {
   return m_currentFrame - Util::temporalWinSize;
 }
 
-QSharedPointer<MetaLPO> GroupTracker::node(int id) const {
-  const auto entry = m_mobiles.find(id);
-  return entry == m_mobiles.end() ? QSharedPointer<MetaLPO>() : entry->second;
-}
-
 unsigned int GroupTracker::groupId(
     const QSharedPointer<kelDataLinkedPhysicalObject>& object) const {
-  const auto mobile = node(static_cast<int>(object->getIdent()));
-  return mobile ? static_cast<unsigned int>(mobile->getGroupId()) : none;
+  const MetaLPO* mobile = m_mobiles.node(static_cast<int>(object->getIdent()));
+  return mobile == nullptr ? none : static_cast<unsigned int>(mobile->getGroupId());
 }
 
 unsigned int GroupTracker::groupId(int id) const {
   if (id == MetaLPO::noId) {
     return none;
   }
-  const auto mobile = node(id);
-  return mobile ? static_cast<unsigned int>(mobile->getGroupId()) : none;
+  const MetaLPO* mobile = m_mobiles.node(id);
+  return mobile == nullptr ? none : static_cast<unsigned int>(mobile->getGroupId());
+}
+
+// The group under the mobile id of a node: that of the node itself unless its id was declared
+// again.
+unsigned int GroupTracker::groupIdOf(const MetaLPO& mobile) const {
+  return mobile.isRemembered() ? static_cast<unsigned int>(mobile.getGroupId())
+                               : groupId(mobile.getPhysicalObject());
 }
 
 void GroupTracker::addGroup(const QSharedPointer<Group>& group) {
@@ -72,11 +74,7 @@ void GroupTracker::addMobileToGroup(int groupId, const QSharedPointer<MetaLPO>& 
 }
 
 void GroupTracker::removeGroup(unsigned int id) {
-  for (const auto& [ident, mobile] : m_mobiles) {
-    if (mobile && static_cast<unsigned int>(mobile->getGroupId()) == id) {
-      mobile->setGroupId(MetaLPO::noId);
-    }
-  }
+  moveToGroup({id}, MetaLPO::noId);
   Diagnostics::print("remove group {}\n", static_cast<int>(id));
   const auto removed = m_groups.take(static_cast<int>(id));
   if (removed) {

@@ -15,9 +15,11 @@
 #include <set>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "Group.h"
 #include "MetaLPO.h"
+#include "RememberedNodes.h"
 
 class GroupExtension;
 
@@ -73,7 +75,7 @@ class GroupTracker {
   /// The mobiles taken in at a frame, in intake order; an entry is made where there is none.
   const MobileList& mobilesAt(unsigned int frame) { return m_mobilesByFrame[frame]; }
   /// The remembered node of a mobile; null for an unknown id.
-  QSharedPointer<MetaLPO> node(int id) const;
+  QSharedPointer<MetaLPO> node(int id) const { return m_mobiles.find(id); }
   /// The group that the mobile most probably belongs to, by its best father or its strongest link.
   unsigned int probableGroupRaw(const QSharedPointer<MetaLPO>& mobile) const;
   /// The same, but only through ancestors that are reliable enough.
@@ -117,7 +119,10 @@ class GroupTracker {
       const QSharedPointer<kelDataLinkedPhysicalObject>& object, bool onlyReliable) const;
 
  private:
-  using Candidates = std::map<unsigned int, std::map<int, double>>;
+  struct Seeker;
+  struct Candidate;
+  struct PairMember;
+  class SplitSearch;
 
   /// The frame that decisions are about: "temporalWinSize:" frames back.
   unsigned int processedFrame() const;
@@ -127,10 +132,11 @@ class GroupTracker {
 
   // Intake
   QSharedPointer<MetaLPO> takeIn(const kelDataActor& actor);
-  void linkToFathers(const QSharedPointer<MetaLPO>& node) const;
-  void readChain(const kelDataActor& actor, MetaLPO& node) const;
-  void electBestFather(const QSharedPointer<MetaLPO>& node) const;
-  void preferPredecessor(const kelDataActor& actor, const QSharedPointer<MetaLPO>& node) const;
+  void linkToFathers(const QSharedPointer<MetaLPO>& mobile) const;
+  void readChain(const kelDataActor& actor, MetaLPO& mobile) const;
+  void electBestFather(const QSharedPointer<MetaLPO>& mobile) const;
+  void preferPredecessor(const kelDataActor& actor, const QSharedPointer<MetaLPO>& mobile) const;
+  int firstKeptFrame() const;
   void forgetOldMobiles();
   void forgetOldFrames();
   void refreshBestSons();
@@ -138,7 +144,7 @@ class GroupTracker {
   // Pairwise grouping
   void printProcessedMobiles();
   void pairFreeMobiles();
-  void pairWithFollowing(MobileList::const_iterator first, const MobileList& mobiles);
+  void pairWithFree(const PairMember& first, const std::vector<PairMember*>& free);
   void adopt(const QSharedPointer<Group>& group);
   bool joinAncestorGroup(const QSharedPointer<MetaLPO>& mobile);
   bool foundFromAncestry(const QSharedPointer<MetaLPO>& mobile);
@@ -160,10 +166,13 @@ class GroupTracker {
   void placeGroupMobiles();
 
   // Maintenance
-  bool updateGroupsOnce();
-  Candidates findCandidates();
+  bool updateGroupsOnce(std::vector<Seeker>& seekers);
+  static void forgetRefusals(std::vector<Seeker>& seekers, unsigned int groupId);
+  void ask(Seeker& seeker, std::map<unsigned int, Candidate>& candidates) const;
   void mergeGroups(const std::set<unsigned int>& ids);
-  void findSplit(Group& group, const QSharedPointer<MetaLPO>& member) const;
+  void moveToGroup(const std::set<unsigned int>& from, int to);
+  unsigned int groupIdOf(const MetaLPO& mobile) const;
+  std::map<int, QSharedPointer<MetaLPO>> rememberedAt(unsigned int frame) const;
 
   float m_minX = 0.0F;
   float m_maxX = 1.0F;
@@ -172,7 +181,7 @@ class GroupTracker {
   QMap<int, QSharedPointer<Group>> m_groups;
   std::list<QSharedPointer<kelDataLinkedPhysicalObject>> m_lpoList;  ///< searched by `getMobile`
   unsigned int m_currentFrame = 0;
-  std::map<int, QSharedPointer<MetaLPO>> m_mobiles;  ///< remembered nodes by mobile id
+  RememberedNodes m_mobiles;
   std::map<unsigned int, MobileList> m_mobilesByFrame;
   QSharedPointer<kelDataImage> m_currentImage;  ///< of the current frame; may be null
   std::string m_mobileDump;

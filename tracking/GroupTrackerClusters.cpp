@@ -35,7 +35,7 @@ constexpr float smallDepth = 0.2F;   // metres
 constexpr double farthestCenter = 2147483647.0;  // metres
 
 bool isPersonMobile(const MetaLPO& mobile) {
-  return !typeOf(mobile).isNotPerson();
+  return !mobile.getType().isNotPerson();
 }
 
 bool isSmall(const BoundingBox3D& box) {
@@ -83,7 +83,7 @@ int GroupTracker::countPersons() {
   int persons = 0;
   Diagnostics::print("mobiles at processed frame {}:\n", static_cast<int>(processedFrame()));
   for (const auto& mobile : mobilesAt(processedFrame())) {
-    Diagnostics::print("{} ({}), ", mobile->getIdent(), typeOf(*mobile).nameOf());
+    Diagnostics::print("{} ({}), ", mobile->getIdent(), mobile->getType().nameOf());
     if (isPersonMobile(*mobile) && !isSmall(mobile->observation().getBoundingBox3D())) {
       ++persons;
     }
@@ -247,7 +247,7 @@ QSharedPointer<Group> GroupTracker::createClusterGroup(const std::list<int>& mob
 
 void GroupTracker::placeGroupMobiles() {
   for (const auto& mobile : mobilesAt(processedFrame())) {
-    if (isGroupOrCrowd(typeOf(*mobile)) && groupId(mobile->getPhysicalObject()) == none) {
+    if (isGroupOrCrowd(mobile->getType()) && groupId(mobile->getPhysicalObject()) == none) {
       processGroupMobile(mobile);
     }
   }

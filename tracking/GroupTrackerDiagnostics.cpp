@@ -1,6 +1,8 @@
 #include <fmt/format.h>
 
 #include <fstream>
+#include <iterator>
+#include <string>
 
 #include "Diagnostics.h"
 #include "GroupTracker.h"
@@ -19,16 +21,19 @@ void printEvents(const char* what, const std::list<Group::Event>& events) {
   }
 }
 
-template <typename Out>
-void dumpNode(Out out, const MetaLPO& node) {
-  fmt::format_to(out,
+void writeHead(std::string& text, const MetaLPO& node) {
+  fmt::format_to(std::back_inserter(text),
                  "mobile {} @ frame {} has best father {} has best son {} and is in group {}\n",
                  node.getIdent(), node.getFrame(), node.getBestFatherId(), node.getBestSonId(),
                  node.getGroupId());
+}
+
+void writeTail(std::string& text, const MetaLPO& node) {
+  const auto out = std::back_inserter(text);
   for (const auto& link : node.getFatherLinks()) {
-    const auto father = link->getFather();
+    const MetaLPO* father = link->fatherNode();
     const auto son = link->getSon();
-    if (father && son) {
+    if (father != nullptr && son) {
       fmt::format_to(out, "\tlink from {} to {} with reliability {:g}\n", father->getIdent(),
                      son->getIdent(), link->getReliability());
     }
@@ -40,6 +45,18 @@ void dumpNode(Out out, const MetaLPO& node) {
   fmt::format_to(out, "\n");
 }
 
+void dumpNode(fmt::memory_buffer& out, const MetaLPO& node) {
+  auto& [head, tail] = node.dumpText();
+  if (head.empty()) {
+    writeHead(head, node);
+  }
+  if (tail.empty()) {
+    writeTail(tail, node);
+  }
+  out.append(head);
+  out.append(tail);
+}
+
 }  // namespace
 
 void GroupTracker::printGroups() const {
@@ -49,8 +66,8 @@ void GroupTracker::printGroups() const {
   Diagnostics::print("------------ Groups:\n");
   for (const auto& group : m_groups) {
     Diagnostics::print("- {}, mobiles: ", group->getId());
-    for (const auto& object : group->getLPOs()) {
-      Diagnostics::print("{} ", static_cast<int>(object->getIdent()));
+    for (const auto& [id, member] : group->getMobiles()) {
+      Diagnostics::write(id, " ");
     }
     Diagnostics::print("startFrame={}, endFrame={}, isUpdated={}", group->getStartFrame(),
                        group->getEndFrame(), group->isUpdated() ? "true" : "false");
@@ -65,11 +82,12 @@ void GroupTracker::printMetaMobiles() const {
   if (m_mobileDump.empty()) {
     return;
   }
-  fmt::memory_buffer text;
-  const auto out = std::back_inserter(text);
+  static fmt::memory_buffer text;  // kept for its room: the dump of a crowd has megabytes
+  text.clear();
+  const auto out = fmt::appender(text);
   fmt::format_to(out, "------------ Mobiles with Groups at frame {}\n", m_currentFrame);
-  for (const auto& [id, node] : m_mobiles) {
-    dumpNode(out, *node);
+  for (const auto& [id, node] : m_mobiles.byId()) {
+    dumpNode(text, *node);
   }
   fmt::format_to(out, "--------------------\n");
   std::ofstream file(m_mobileDump, std::ios::out | std::ios::app);

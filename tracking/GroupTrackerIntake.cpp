@@ -2,6 +2,7 @@
 #include <cmath>
 #include <iterator>
 #include <unordered_map>
+#include <vector>
 
 #include "Diagnostics.h"
 #include "GroupTracker.h"
@@ -11,14 +12,6 @@ namespace {
 
 constexpr double lostChain = 0.0001;  // a chain less reliable than this starts anew
 
-// The nodes of the recent past by mobile id, each with the best score of a son found so far. An id
-// declared again has several nodes.
-struct FatherScore {
-  QSharedPointer<MetaLPO> father;
-  double best = -1.0;
-};
-using FathersById = std::unordered_map<int, std::vector<FatherScore>>;
-
 // A node takes a mobile of the current frame for its son only when it is of the frame just before.
 bool mayBeSon(unsigned int fatherFrame, unsigned int sonFrame, unsigned int currentFrame) {
   if (sonFrame == currentFrame) {
@@ -27,10 +20,56 @@ bool mayBeSon(unsigned int fatherFrame, unsigned int sonFrame, unsigned int curr
   return fatherFrame < sonFrame;
 }
 
-double sonScore(const MetaLPOLink& link, const MetaLPO& father, const MetaLPO& son) {
-  const double gap = static_cast<int>(son.getFrame() - father.getFrame());
-  return link.getReliability() * (100 - gap * GroupTracker::sonDistanceWeight) / 100;
-}
+// Finds the best sons of the nodes of the last frames in one walk over the links of their sons:
+// each node keeps the best score so far.
+class BestSonSearch {
+ public:
+  BestSonSearch(unsigned int firstFatherFrame, unsigned int currentFrame)
+      : m_firstFatherFrame(firstFatherFrame), m_currentFrame(currentFrame) {}
+
+  void addFather(const QSharedPointer<MetaLPO>& father) {
+    father->setSonSearchScore(MetaLPO::noSonScore);
+    if (father->hasNamesake()) {
+      m_namesakes[father->getIdent()].push_back(father.data());
+    }
+  }
+
+  void addSon(const QSharedPointer<MetaLPO>& son) {
+    for (const auto& link : son->getFatherLinks()) {
+      MetaLPO* father = link->fatherNode();
+      if (father == nullptr) {
+        continue;
+      }
+      const double gap = static_cast<int>(son->getFrame() - father->getFrame());
+      const double score =
+          link->getReliability() * (100 - gap * GroupTracker::sonDistanceWeight) / 100;
+      if (!father->hasNamesake()) {
+        offer(son, score, *father);
+      } else if (const auto namesakes = m_namesakes.find(father->getIdent());
+                 namesakes != m_namesakes.end()) {
+        // A link counts for every node of the father's id.
+        for (MetaLPO* namesake : namesakes->second) {
+          offer(son, score, *namesake);
+        }
+      }
+    }
+  }
+
+ private:
+  void offer(const QSharedPointer<MetaLPO>& son, double score, MetaLPO& father) const {
+    if (score > father.getSonSearchScore() && father.getFrame() >= m_firstFatherFrame &&
+        mayBeSon(father.getFrame(), son->getFrame(), m_currentFrame)) {
+      father.setSonSearchScore(score);
+      father.setBestSon(son);
+      father.setBestSonId(son->getIdent());
+      father.setBestSonScore(score);
+    }
+  }
+
+  unsigned int m_firstFatherFrame;
+  unsigned int m_currentFrame;
+  std::unordered_map<int, std::vector<MetaLPO*>> m_namesakes;
+};
 
 }  // namespace
 
@@ -60,9 +99,10 @@ void GroupTracker::setTrackedMobiles(const QList<QSharedPointer<kelDataActor>>& 
 QSharedPointer<MetaLPO> GroupTracker::takeIn(const kelDataActor& actor) {
   const auto& objects = actor.getLinkedPhysicalObjectList();
   auto mobile = QSharedPointer<MetaLPO>::create(objects.back(), m_currentFrame);
-  m_mobiles[mobile->getIdent()] = mobile;
+  m_mobiles.add(mobile);
   mobile->setChainLength(static_cast<double>(objects.size()));
   linkToFathers(mobile);
+  m_mobiles.fileLinks(mobile);
   readChain(actor, *mobile);
   electBestFather(mobile);
   preferPredecessor(actor, mobile);
@@ -84,15 +124,19 @@ void GroupTracker::linkToFathers(const QSharedPointer<MetaLPO>& mobile) const {
 
 void GroupTracker::readChain(const kelDataActor& actor, MetaLPO& mobile) const {
   const auto& objects = actor.getLinkedPhysicalObjectList();
+  mobile.chain().reserve(objects.size() - 1);
   double running = 0.0;
-  for (auto current = objects.rbegin(); std::next(current) != objects.rend(); ++current) {
-    const int predecessorId = static_cast<int>((*std::next(current))->getIdent());
-    if (!node(predecessorId)) {
+  const MetaLPO* current = &mobile;
+  for (auto object = std::next(objects.rbegin()); object != objects.rend(); ++object) {
+    const int predecessorId = static_cast<int>((*object)->getIdent());
+    const MetaLPOLink* link = current == nullptr ? nullptr : current->linkTo(predecessorId);
+    const bool isLatest = link != nullptr && link->fatherNode()->isRemembered();
+    current = isLatest ? link->fatherNode() : m_mobiles.node(predecessorId);
+    if (current == nullptr) {
       running = 0.0;
       continue;
     }
-    const auto currentNode = node(static_cast<int>((*current)->getIdent()));
-    const double reliability = currentNode ? currentNode->linkReliability(predecessorId) : 0.0;
+    const double reliability = link == nullptr ? 0.0 : link->getReliability();
     running = running < lostChain ? reliability : reliability * running;
     mobile.chain().push_back({predecessorId, running});
   }
@@ -133,29 +177,37 @@ void GroupTracker::preferPredecessor(const kelDataActor& actor,
   }
 }
 
+int GroupTracker::firstKeptFrame() const {
+  return static_cast<int>(m_currentFrame - maxFrames);
+}
+
 void GroupTracker::forgetOldMobiles() {
-  const int firstKeptFrame = static_cast<int>(m_currentFrame - maxFrames);
-  for (auto entry = m_mobiles.begin(); entry != m_mobiles.end();) {
-    const auto& mobile = entry->second;
-    mobile->eraseOldLinks(firstKeptFrame);
-    if (static_cast<int>(mobile->getFrame()) >= firstKeptFrame) {
-      ++entry;
-      continue;
+  m_mobiles.eraseOldLinks(firstKeptFrame());
+  std::vector<QSharedPointer<MetaLPO>> old;
+  for (const auto& [frame, mobiles] : m_mobilesByFrame) {
+    if (static_cast<int>(frame) >= firstKeptFrame()) {
+      break;
     }
+    std::copy_if(mobiles.begin(), mobiles.end(), std::back_inserter(old),
+                 [](const auto& mobile) { return mobile->isRemembered(); });
+  }
+  // In the order of their ids: every departure lets the group elect its representative anew.
+  std::sort(old.begin(), old.end(),
+            [](const auto& a, const auto& b) { return a->getIdent() < b->getIdent(); });
+  for (const auto& mobile : old) {
     if (const auto home = m_groups.value(mobile->getGroupId())) {
-      home->removeMobile(entry->first);
+      home->removeMobile(mobile->getIdent());
     }
     mobile->resetLinks();
-    entry = m_mobiles.erase(entry);
+    m_mobiles.remove(mobile->getIdent());
   }
 }
 
 void GroupTracker::forgetOldFrames() {
-  const int firstKeptFrame = static_cast<int>(m_currentFrame - maxFrames);
-  if (firstKeptFrame < 1) {
+  if (firstKeptFrame() < 1) {
     return;
   }
-  const auto end = m_mobilesByFrame.lower_bound(static_cast<unsigned int>(firstKeptFrame));
+  const auto end = m_mobilesByFrame.lower_bound(static_cast<unsigned int>(firstKeptFrame()));
   for (auto entry = m_mobilesByFrame.begin(); entry != end;) {
     Diagnostics::print("erasing frame {}\n", entry->first);
     entry = m_mobilesByFrame.erase(entry);
@@ -167,31 +219,17 @@ void GroupTracker::refreshBestSons() {
   if (window == 0) {
     return;
   }
-  FathersById fathers;
   const unsigned int oldest = m_currentFrame - window;
+  const int firstFatherFrame = std::max(static_cast<int>(oldest), firstKeptFrame());
+  BestSonSearch search(static_cast<unsigned int>(firstFatherFrame), m_currentFrame);
   for (unsigned int frame = oldest; frame < m_currentFrame; ++frame) {
-    for (const auto& mobile : m_mobilesByFrame[frame]) {
-      fathers[mobile->getIdent()].push_back({mobile});
+    for (const auto& father : m_mobilesByFrame[frame]) {
+      search.addFather(father);
     }
   }
   for (unsigned int frame = oldest + 1; frame <= m_currentFrame; ++frame) {
     for (const auto& son : m_mobilesByFrame[frame]) {
-      for (const auto& link : son->getFatherLinks()) {
-        const auto linked = link->getFather();
-        const auto candidates = linked ? fathers.find(linked->getIdent()) : fathers.end();
-        if (candidates == fathers.end()) {
-          continue;
-        }
-        const double score = sonScore(*link, *linked, *son);
-        for (auto& [father, best] : candidates->second) {
-          if (score > best && mayBeSon(father->getFrame(), frame, m_currentFrame)) {
-            best = score;
-            father->setBestSon(son);
-            father->setBestSonId(son->getIdent());
-            father->setBestSonScore(score);
-          }
-        }
-      }
+      search.addSon(son);
     }
   }
 }

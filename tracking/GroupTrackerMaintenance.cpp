@@ -1,5 +1,8 @@
+#include <algorithm>
+#include <cmath>
 #include <limits>
 #include <set>
+#include <vector>
 
 #include "Diagnostics.h"
 #include "GroupTracker.h"
@@ -13,68 +16,104 @@ constexpr int splitGenerations = 5;        // how far back an ancestor in anothe
 
 }  // namespace
 
+/// A free mobile that looks for a group, and the group that it asked last, to no avail.
+struct GroupTracker::Seeker {
+  QSharedPointer<MetaLPO> mobile;
+  unsigned int refusedBy = none;
+};
+
+/// The best of those that may join a group in a pass.
+struct GroupTracker::Candidate {
+  double coherence = worstCandidate;
+  QSharedPointer<MetaLPO> mobile;
+};
+
+void GroupTracker::forgetRefusals(std::vector<Seeker>& seekers, unsigned int groupId) {
+  for (Seeker& seeker : seekers) {
+    if (seeker.refusedBy == groupId) {
+      seeker.refusedBy = none;
+    }
+  }
+}
+
 void GroupTracker::updateGroups() {
   if (static_cast<int>(processedFrame()) < 1) {
     return;
   }
+  std::vector<Seeker> seekers;
+  for (const auto& mobile : mobilesAt(processedFrame())) {
+    if (!mobile->getType().isNoise()) {
+      seekers.push_back({mobile});
+    }
+  }
   // One mobile per group and pass; the next pass sees the groups as they have become.
-  while (updateGroupsOnce()) {
+  while (updateGroupsOnce(seekers)) {
   }
 }
 
-bool GroupTracker::updateGroupsOnce() {
+bool GroupTracker::updateGroupsOnce(std::vector<Seeker>& seekers) {
+  std::erase_if(seekers,
+                [this](const Seeker& seeker) { return groupIdOf(*seeker.mobile) != none; });
+  std::map<unsigned int, Candidate> candidates;
+  for (Seeker& seeker : seekers) {
+    ask(seeker, candidates);
+  }
   bool added = false;
-  for (const auto& [home, coherences] : findCandidates()) {
-    double best = worstCandidate;
-    unsigned int bestId = none;
-    for (const auto& [id, coherence] : coherences) {
-      if (coherence < best) {
-        best = coherence;
-        bestId = static_cast<unsigned int>(id);
-      }
-    }
-    if (bestId != none && node(static_cast<int>(bestId))) {
-      addMobileToGroup(static_cast<int>(home), bestId);
+  for (const auto& [home, candidate] : candidates) {
+    if (candidate.mobile) {
+      addMobileToGroup(static_cast<int>(home), candidate.mobile);
       added = true;
+      forgetRefusals(seekers, home);
     }
   }
   return added;
 }
 
-GroupTracker::Candidates GroupTracker::findCandidates() {
-  Candidates candidates;
-  for (const auto& mobile : mobilesAt(processedFrame())) {
-    if (typeOf(*mobile).isNoise() || groupId(mobile->getPhysicalObject()) != none) {
-      continue;
-    }
-    const unsigned int home = probableGroup(mobile);
-    const auto target = group(home);
-    if (home == none || !target ||
-        target->distance(mobile, static_cast<int>(mobile->getFrame())) > maxDistGroupUpdate) {
-      continue;
-    }
-    const double coherence = target->groupCoherence(mobile);
-    if (Group::coherenceThreshold > coherence) {
-      candidates[home].try_emplace(mobile->getIdent(), coherence);
-    }
+// A group that refused a mobile is not asked again before it has taken somebody in.
+void GroupTracker::ask(Seeker& seeker, std::map<unsigned int, Candidate>& candidates) const {
+  const auto& mobile = seeker.mobile;
+  const unsigned int home = probableGroup(mobile);
+  const auto target = group(home);
+  if (home == none || !target || home == seeker.refusedBy) {
+    return;
   }
-  return candidates;
+  seeker.refusedBy = home;
+  if (target->distance(mobile, static_cast<int>(mobile->getFrame())) > maxDistGroupUpdate) {
+    return;
+  }
+  Candidate& best = candidates[home];
+  // Of equal coherences the smallest id wins, so only what is beyond the best may be left open.
+  const double limit =
+      std::min(Group::coherenceThreshold,
+               std::nextafter(best.coherence, std::numeric_limits<double>::infinity()));
+  const double coherence = target->groupCoherence(mobile, limit);
+  if (!(Group::coherenceThreshold > coherence)) {
+    return;
+  }
+  const bool wins = coherence < best.coherence || (best.mobile && coherence == best.coherence &&
+                                                   mobile->getIdent() < best.mobile->getIdent());
+  if (wins) {
+    best = {coherence, mobile};
+  }
 }
 
 void GroupTracker::detectMerge() {
-  // No best son is a key like any other: mobiles that all end here count as meeting.
-  std::map<unsigned int, std::set<int>> fathersBySon;
-  for (const auto& [id, mobile] : m_mobiles) {
-    if (static_cast<int>(mobile->getFrame()) >= static_cast<int>(processedFrame())) {
-      fathersBySon[static_cast<unsigned int>(mobile->getBestSonId())].insert(id);
+  // No best son is a key like any other: mobiles that all end here count as meeting. Only mobiles
+  // with a group can bring groups together.
+  std::map<unsigned int, std::vector<const MetaLPO*>> fathersBySon;
+  const auto first = m_mobilesByFrame.lower_bound(
+      static_cast<unsigned int>(std::max(static_cast<int>(processedFrame()), 0)));
+  for (auto entry = first; entry != m_mobilesByFrame.end(); ++entry) {
+    for (const auto& mobile : entry->second) {
+      if (mobile->getGroupId() != MetaLPO::noId && mobile->isRemembered()) {
+        fathersBySon[static_cast<unsigned int>(mobile->getBestSonId())].push_back(mobile.data());
+      }
     }
   }
   for (const auto& [son, fathers] : fathersBySon) {
     std::set<unsigned int> ids;
-    for (const int father : fathers) {
-      if (const unsigned int home = groupId(father); home != none) {
-        ids.insert(home);
-      }
+    for (const MetaLPO* father : fathers) {
+      ids.insert(static_cast<unsigned int>(father->getGroupId()));
     }
     if (ids.size() > 1) {
       mergeGroups(ids);
@@ -96,51 +135,112 @@ void GroupTracker::mergeGroups(const std::set<unsigned int>& ids) {
   if (!target) {
     return;
   }
+  moveToGroup(ids, target->getId());
   for (const unsigned int id : ids) {
     const auto absorbed = group(id);
     if (!absorbed || absorbed == target) {
       continue;
     }
     target->doMerge(absorbed);
-    for (const auto& [ident, mobile] : m_mobiles) {
-      if (static_cast<unsigned int>(mobile->getGroupId()) == id) {
-        mobile->setGroupId(target->getId());
-      }
-    }
     m_groups.remove(static_cast<int>(id));
     target->addMerge(static_cast<int>(id), static_cast<int>(processedFrame()));
   }
 }
 
-void GroupTracker::detectSplit() {
-  for (const auto& candidate : std::as_const(m_groups)) {
-    for (const auto& [id, member] : candidate->getMobiles()) {
-      findSplit(*candidate, member);
+void GroupTracker::moveToGroup(const std::set<unsigned int>& from, int to) {
+  for (const auto& [id, mobile] : m_mobiles.byId()) {
+    if (mobile->getGroupId() != MetaLPO::noId &&
+        from.contains(static_cast<unsigned int>(mobile->getGroupId()))) {
+      mobile->setGroupId(to);
     }
   }
 }
 
-void GroupTracker::findSplit(Group& group, const QSharedPointer<MetaLPO>& member) const {
-  auto ancestor = member->getBestFather();
-  for (int generation = 0; generation < splitGenerations && ancestor; ++generation) {
-    const unsigned int home = groupId(ancestor->getPhysicalObject());
-    if (home != none && static_cast<int>(home) != group.getId()) {
-      Diagnostics::print("Split between {} and {}\n", static_cast<int>(home), group.getId());
-      group.addSplit(static_cast<int>(home), static_cast<int>(m_currentFrame));
-      return;
+/// Looks among a member's ancestors for one that is in another group. Members of one group mostly
+/// descend from each other, so a search ends where that of an ancestor began.
+class GroupTracker::SplitSearch {
+ public:
+  SplitSearch(const GroupTracker& tracker, int groupId) : m_tracker(tracker), m_groupId(groupId) {}
+
+  /// The id of the other group; none when there is none within the generations.
+  int find(const MetaLPO& member) const {
+    MetaLPO::SplitWalk& walk = member.splitWalk();
+    walk = {m_tracker.m_currentFrame, m_groupId, MetaLPO::noId, 0};
+    const MetaLPO* ancestor = member.ancestorNode();
+    if (ancestor == nullptr && member.endsHistory()) {
+      ancestor = &member;  // the start of a history stands for its own ancestor
+      settle(walk, otherGroup(*ancestor), 1);
+      return walk.found;
     }
-    ancestor = ancestor->getBestFather();
+    for (int generation = 1; ancestor != nullptr && generation <= splitGenerations; ++generation) {
+      settle(walk, otherGroup(*ancestor), generation);
+      const MetaLPO::SplitWalk& earlier = ancestor->splitWalk();
+      const bool isKnown = earlier.frame == m_tracker.m_currentFrame &&
+                           earlier.askedFor == m_groupId && ancestor != &member;
+      if (walk.found == MetaLPO::noId && isKnown) {
+        if (generation + earlier.generations <= splitGenerations) {
+          settle(walk, earlier.found, generation + earlier.generations);
+        }
+        return walk.found;
+      }
+      if (walk.found != MetaLPO::noId) {
+        return walk.found;
+      }
+      ancestor = ancestor->ancestorNode();
+    }
+    return walk.found;
   }
+
+ private:
+  int otherGroup(const MetaLPO& ancestor) const {
+    const int home = static_cast<int>(m_tracker.groupIdOf(ancestor));
+    return home == m_groupId ? MetaLPO::noId : home;
+  }
+
+  static void settle(MetaLPO::SplitWalk& walk, int found, int generations) {
+    walk.found = found;
+    walk.generations = found == MetaLPO::noId ? 0 : generations;
+  }
+
+  const GroupTracker& m_tracker;
+  int m_groupId;
+};
+
+void GroupTracker::detectSplit() {
+  for (const auto& group : std::as_const(m_groups)) {
+    const SplitSearch search(*this, group->getId());
+    for (const auto& [id, member] : group->getMobiles()) {
+      const int other = search.find(*member);
+      if (other != MetaLPO::noId) {
+        Diagnostics::write("Split between ", other, " and ", group->getId(), "\n");
+        group->addSplit(other, static_cast<int>(m_currentFrame));
+      }
+    }
+  }
+}
+
+std::map<int, QSharedPointer<MetaLPO>> GroupTracker::rememberedAt(unsigned int frame) const {
+  std::map<int, QSharedPointer<MetaLPO>> remembered;
+  const auto mobiles = m_mobilesByFrame.find(frame);
+  if (mobiles != m_mobilesByFrame.end()) {
+    for (const auto& mobile : mobiles->second) {
+      if (mobile->isRemembered()) {
+        remembered.emplace(mobile->getIdent(), mobile);
+      }
+    }
+  }
+  return remembered;
 }
 
 void GroupTracker::closeFrame() {
   std::list<int> emptied;
+  const auto nodes = rememberedAt(processedFrame());
   for (const auto& closing : std::as_const(m_groups)) {
     closing->updateProperties(m_currentFrame);
     if (!closing->isUpdated() && closing->getEndFrame() == -1) {
       closing->setEndFrame(static_cast<int>(processedFrame()) - 1);
     }
-    closing->closeFrame(processedFrame(), m_mobiles, m_currentImage);
+    closing->closeFrame(processedFrame(), nodes, m_currentImage);
     if (closing->getMobiles().empty()) {
       emptied.push_back(closing->getId());
     }

@@ -1,10 +1,52 @@
+#include <fmt/format.h>
+
 #include <cmath>
-#include <limits>
+#include <string>
+#include <vector>
 
 #include "Diagnostics.h"
 #include "GroupTracker.h"
 #include "MobileTypes.h"
 #include "Util.h"
+
+namespace {
+
+bool isTooFarForPair(const cv::Point3f& a, const cv::Point3f& b) {
+  return Util::distance3D(a, b) > GroupTracker::maxDistGroupCreation;
+}
+
+// The lines that tell the distances between all mobiles of a frame. With n mobiles they are n * n,
+// so everything that depends on one mobile alone is made once.
+class DistanceLines {
+ public:
+  explicit DistanceLines(const GroupTracker::MobileList& mobiles) {
+    for (const auto& mobile : mobiles) {
+      m_mobiles.push_back({mobile->getIdent(), mobile->getBaseCenter(),
+                           fmt::format("distance between {} and ", mobile->getIdent()),
+                           fmt::format("{} = ", mobile->getIdent())});
+    }
+  }
+
+  void printFrom(std::size_t first) const {
+    const Mobile& a = m_mobiles[first];
+    for (const Mobile& b : m_mobiles) {
+      if (a.ident != b.ident) {
+        Diagnostics::write(a.asFirst, b.asSecond, Util::norm3D(b.center - a.center), "\n");
+      }
+    }
+  }
+
+ private:
+  struct Mobile {
+    int ident;
+    cv::Point3f center;
+    std::string asFirst;
+    std::string asSecond;
+  };
+  std::vector<Mobile> m_mobiles;
+};
+
+}  // namespace
 
 int GroupTracker::trackGroups() {
   if (static_cast<int>(processedFrame()) < 1) {
@@ -28,52 +70,80 @@ void GroupTracker::printProcessedMobiles() {
   const MobileList& mobiles = mobilesAt(processedFrame());
   Diagnostics::print("mobiles at processed frame {}:\n", static_cast<int>(processedFrame()));
   for (const auto& mobile : mobiles) {
-    Diagnostics::print("{} ({}), ", mobile->getIdent(), typeOf(*mobile).nameOf());
+    Diagnostics::write(mobile->getIdent(), " (", mobile->getType().nameOf(), "), ");
   }
   Diagnostics::print("\n");
-  for (const auto& a : mobiles) {
-    for (const auto& b : mobiles) {
-      if (a->getIdent() != b->getIdent()) {
-        Diagnostics::print("distance between {} and {} = {:f}\n", a->getIdent(), b->getIdent(),
-                           Util::distance3D(a->observation().getBoundingBox3D(),
-                                            b->observation().getBoundingBox3D()));
-      }
-    }
+  const DistanceLines lines(mobiles);
+  for (std::size_t a = 0; a < mobiles.size(); ++a) {
+    lines.printFrom(a);
   }
   Diagnostics::print("\n");
 }
+
+/// A mobile of the processed frame in the search for pairs. Its group is the one under its id, so
+/// that of a later node when the id was declared again.
+struct GroupTracker::PairMember {
+  PairMember(const QSharedPointer<MetaLPO>& mobile, const MetaLPO* latestNode)
+      : node(mobile),
+        latest(latestNode),
+        ident(mobile->getIdent()),
+        position(mobile->observation().getPosition()),
+        isNoise(mobile->getType().isNoise()),
+        isSeveral(isGroupOrCrowd(mobile->getType())) {}
+
+  int home() const { return latest == nullptr ? MetaLPO::noId : latest->getGroupId(); }
+  bool isFree() const { return home() == MetaLPO::noId; }
+  /// Whether a group can be made with or grown through this mobile.
+  bool mayPair() const { return isFree() || isSeveral; }
+
+  const QSharedPointer<MetaLPO>& node;
+  const MetaLPO* latest;
+  int ident;
+  cv::Point3f position;
+  bool isNoise;
+  bool isSeveral;
+};
 
 void GroupTracker::pairFreeMobiles() {
-  const MobileList& mobiles = mobilesAt(processedFrame());
-  for (auto i = mobiles.begin(); i != mobiles.end(); ++i) {
-    const ObjectType type = typeOf(**i);
-    if (type.isNoise()) {
+  std::vector<PairMember> members;
+  for (const auto& mobile : mobilesAt(processedFrame())) {
+    members.emplace_back(mobile, m_mobiles.node(mobile->getIdent()));
+  }
+  // Those still to be paired; whoever found a group leaves, so that a crowd of groups costs little.
+  std::vector<PairMember*> free;
+  for (auto& member : members) {
+    if (!member.isNoise && member.isFree()) {
+      free.push_back(&member);
+    }
+  }
+  for (const auto& member : members) {
+    if (member.isNoise) {
       continue;
     }
-    const unsigned int home = groupId((*i)->getPhysicalObject());
-    Diagnostics::print("i_id = {}, groupId(i_id) = {}\n", (*i)->getIdent(), static_cast<int>(home));
-    if (home == none) {
-      Diagnostics::print("i_id = {}\n", (*i)->getIdent());
-      if (isGroupOrCrowd(type)) {
-        processGroupMobile(*i);
+    Diagnostics::write("i_id = ", member.ident, ", groupId(i_id) = ", member.home(), "\n");
+    if (member.isFree()) {
+      Diagnostics::write("i_id = ", member.ident, "\n");
+      if (member.isSeveral) {
+        processGroupMobile(member.node);
       }
     }
-    pairWithFollowing(i, mobiles);
+    std::erase_if(free,
+                  [&](const PairMember* other) { return other < &member || !other->isFree(); });
+    pairWithFree(member, free);
   }
 }
 
-void GroupTracker::pairWithFollowing(MobileList::const_iterator first, const MobileList& mobiles) {
-  const auto& a = *first;
-  for (auto other = first; other != mobiles.end(); ++other) {
-    const auto& b = *other;
-    if (typeOf(*b).isNoise() || groupId(b->getPhysicalObject()) != none) {
+void GroupTracker::pairWithFree(const PairMember& first, const std::vector<PairMember*>& free) {
+  for (const PairMember* second : free) {
+    if (!second->isFree()) {
       continue;
     }
-    Diagnostics::print("i_id = {}, j_id = {}\n", a->getIdent(), b->getIdent());
-    if (a->getIdent() == b->getIdent()) {
+    Diagnostics::write("i_id = ", first.ident, ", j_id = ", second->ident, "\n");
+    if (first.ident == second->ident || !first.mayPair() ||
+        isTooFarForPair(first.position, second->position)) {
       continue;
     }
-    if (const auto created = tryPair(a, b)) {
+    if (const auto created = tryPair(first.node, second->node)) {
       adopt(created);
     }
   }
@@ -90,26 +160,24 @@ void GroupTracker::adopt(const QSharedPointer<Group>& group) {
 
 QSharedPointer<Group> GroupTracker::tryPair(const QSharedPointer<MetaLPO>& a,
                                             const QSharedPointer<MetaLPO>& b) {
-  const double distance =
-      Util::distance3D(a->observation().getPosition(), b->observation().getPosition());
-  if (distance > maxDistGroupCreation) {
+  if (isTooFarForPair(a->observation().getPosition(), b->observation().getPosition())) {
     return {};
   }
   const unsigned int homeA = groupId(a->getPhysicalObject());
   const unsigned int homeB = groupId(b->getPhysicalObject());
-  if ((homeA != none && !isGroupOrCrowd(typeOf(*a))) ||
-      (homeB != none && !isGroupOrCrowd(typeOf(*b)))) {
+  if ((homeA != none && !isGroupOrCrowd(a->getType())) ||
+      (homeB != none && !isGroupOrCrowd(b->getType()))) {
     return {};
   }
   if (homeA != none) {
     const auto home = group(homeA);
-    if (home && Group::coherenceThreshold > home->groupCoherence(b)) {
+    if (home && Group::coherenceThreshold > home->groupCoherence(b, Group::coherenceThreshold)) {
       addMobileToGroup(static_cast<int>(homeA), b);
     }
     return {};
   }
   auto pair = QSharedPointer<Group>::create(a);
-  const double coherence = pair->groupCoherence(b);
+  const double coherence = pair->groupCoherence(b, Group::coherenceThreshold);
   if (!(Group::coherenceThreshold > coherence)) {
     Group::forgetLastId();
     return {};
@@ -123,7 +191,7 @@ QSharedPointer<Group> GroupTracker::tryPair(const QSharedPointer<MetaLPO>& a,
 }
 
 bool GroupTracker::processGroupMobile(const QSharedPointer<MetaLPO>& mobile) {
-  if (!isGroupOrCrowd(typeOf(*mobile))) {
+  if (!isGroupOrCrowd(mobile->getType())) {
     return false;
   }
   return joinAncestorGroup(mobile) || foundFromAncestry(mobile);
@@ -205,7 +273,7 @@ bool GroupTracker::foundFromAncestry(const QSharedPointer<MetaLPO>& mobile) {
 
 void GroupTracker::addAncestor(Group& trial, const QSharedPointer<MetaLPO>& ancestor,
                                std::list<double>& coherences) {
-  const ObjectType type = typeOf(*ancestor);
+  const ObjectType type = ancestor->getType();
   if (isGroupOrCrowd(type)) {
     trial.addMobile(ancestor);
     trial.computeBestMobile(static_cast<int>(ancestor->getFrame()));
@@ -220,7 +288,7 @@ void GroupTracker::addAncestor(Group& trial, const QSharedPointer<MetaLPO>& ance
     if (other->getIdent() == ancestor->getIdent()) {
       continue;
     }
-    const double coherence = trial.groupCoherence(other);
+    const double coherence = trial.groupCoherence(other, Group::coherenceThreshold);
     if (Group::coherenceThreshold > coherence) {
       coherences.push_back(coherence);
     }
@@ -233,8 +301,8 @@ unsigned int GroupTracker::probableGroupRaw(const QSharedPointer<MetaLPO>& mobil
   }
   const auto& links = mobile->getFatherLinks();
   for (auto link = links.rbegin(); link != links.rend(); ++link) {
-    if (const auto father = (*link)->getFather()) {
-      if (const unsigned int home = groupId(father->getIdent()); home != none) {
+    if (const MetaLPO* father = (*link)->fatherNode()) {
+      if (const unsigned int home = groupIdOf(*father); home != none) {
         return home;
       }
     }
@@ -266,8 +334,8 @@ unsigned int GroupTracker::probableGroup(const QSharedPointer<MetaLPO>& mobile) 
     if (!((*link)->getReliability() > 0.5 * minReliabilityOthers)) {
       return none;
     }
-    if (const auto father = (*link)->getFather()) {
-      if (const unsigned int found = groupId(father->getIdent()); found != none) {
+    if (const MetaLPO* father = (*link)->fatherNode()) {
+      if (const unsigned int found = groupIdOf(*father); found != none) {
         return found;
       }
     }

@@ -1,18 +1,28 @@
 #include "MetaLPO.h"
 
 #include <algorithm>
-#include <functional>
-#include <map>
+#include <utility>
 
 #include "GroupTracker.h"
+#include "MotionChanges.h"
+#include "Util.h"
 
 double MetaLPO::recentLinkWeight = 0.0;
 
 MetaLPO::MetaLPO(const QSharedPointer<kelDataLinkedPhysicalObject>& lpo, unsigned int frame)
-    : m_lpo(lpo), m_frame(frame) {}
+    : m_lpo(lpo),
+      m_ident(static_cast<int>(lpo->getIdent())),
+      m_type(lpo->getPhysicalObject()->getType()),
+      m_center(Util::getCenter3D(lpo->getPhysicalObject()->getBoundingBox3D())),
+      m_baseCenter(Util::baseCenter3D(lpo->getPhysicalObject()->getBoundingBox3D())),
+      m_frame(frame) {}
 
 MetaLPO::MetaLPO(const MetaLPO& other)
     : m_lpo(other.m_lpo),
+      m_ident(other.m_ident),
+      m_type(other.m_type),
+      m_center(other.m_center),
+      m_baseCenter(other.m_baseCenter),
       m_groupId(other.m_groupId),
       m_frame(other.m_frame),
       m_speed(other.m_speed),
@@ -23,7 +33,30 @@ MetaLPO::MetaLPO(const MetaLPO& other)
       m_bestSonScore(other.m_bestSonScore),
       m_chainLength(other.m_chainLength) {}
 
-MetaLPO::~MetaLPO() = default;
+MetaLPO::~MetaLPO() {
+  for (const unsigned int frame : m_sonFrames) {
+    MotionChanges::note(frame);
+  }
+}
+
+void MetaLPO::setGroupId(int groupId) {
+  if (m_groupId != groupId) {
+    m_groupId = groupId;
+    m_dumpText.head.clear();
+  }
+}
+
+void MetaLPO::setBestSon(const QSharedPointer<MetaLPO>& son) {
+  m_bestSon = son;
+  m_bestSonNode = son.data();
+}
+
+void MetaLPO::setBestSonId(int id) {
+  if (m_bestSonId != id) {
+    m_bestSonId = id;
+    m_dumpText.head.clear();
+  }
+}
 
 void MetaLPO::sortLinks() {
   std::stable_sort(m_fatherLinks.begin(), m_fatherLinks.end(), MetaLPOLink::compare_links);
@@ -37,7 +70,7 @@ void MetaLPO::resetLinks() {
 }
 
 void MetaLPO::eraseOldLinks(int firstKeptFrame) {
-  std::erase_if(m_fatherLinks, [&](const QSharedPointer<MetaLPOLink>& link) {
+  const auto erased = std::erase_if(m_fatherLinks, [&](const QSharedPointer<MetaLPOLink>& link) {
     const auto father = link->getFather();
     if (!father) {
       return true;
@@ -45,36 +78,56 @@ void MetaLPO::eraseOldLinks(int firstKeptFrame) {
     if (static_cast<int>(father->m_frame) >= firstKeptFrame) {
       return false;
     }
-    if (father->getIdent() == m_bestFatherId) {
-      m_bestFatherId = noId;
-      m_bestFather.clear();
+    if (father->m_ident == m_bestFatherId) {
+      loseBestFather();
     }
     return true;
   });
+  if (erased > 0) {
+    m_dumpText.tail.clear();
+  }
+}
+
+void MetaLPO::loseBestFather() {
+  m_bestFatherId = noId;
+  m_bestFather.clear();
+  m_dumpText.head.clear();
+  MotionChanges::note(m_frame);
+}
+
+// The known fathers with the reliabilities of their links, the most recent fathers first and those
+// of one frame in the order of the links.
+std::vector<std::pair<QSharedPointer<MetaLPO>, double>> MetaLPO::linksByRecentFather() const {
+  std::vector<std::pair<QSharedPointer<MetaLPO>, double>> fathers;
+  fathers.reserve(m_fatherLinks.size());
+  for (const auto& link : m_fatherLinks) {
+    if (auto father = link->getFather()) {
+      fathers.emplace_back(std::move(father), link->getReliability());
+    }
+  }
+  std::stable_sort(fathers.begin(), fathers.end(), [](const auto& a, const auto& b) {
+    return a.first->m_frame > b.first->m_frame;
+  });
+  return fathers;
 }
 
 unsigned int MetaLPO::computeBestFather() {
   if (m_bestFatherId != noId) {
     return static_cast<unsigned int>(m_bestFatherId);
   }
-  std::map<unsigned int, std::vector<const MetaLPOLink*>, std::greater<>> linksByFatherFrame;
-  for (const auto& link : m_fatherLinks) {
-    if (const auto father = link->getFather()) {
-      linksByFatherFrame[father->m_frame].push_back(link.data());
+  QSharedPointer<MetaLPO> winner;
+  double bestReliability = -1.0;
+  for (const auto& [father, reliability] : linksByRecentFather()) {
+    const double gap = static_cast<int>(m_frame - father->m_frame);
+    const double score = reliability * (100.0 - gap * GroupTracker::fatherDistanceWeight) / 100.0;
+    // Compared with the winner's raw reliability, so an older father must beat it outright.
+    if (score > bestReliability) {
+      bestReliability = reliability;
+      winner = father;
     }
   }
-  double bestReliability = -1.0;
-  for (const auto& [fatherFrame, links] : linksByFatherFrame) {
-    for (const MetaLPOLink* link : links) {
-      const double gap = static_cast<int>(m_frame - fatherFrame);
-      const double score =
-          link->getReliability() * (100.0 - gap * GroupTracker::fatherDistanceWeight) / 100.0;
-      // Compared with the winner's raw reliability, so an older father must beat it outright.
-      if (score > bestReliability) {
-        bestReliability = link->getReliability();
-        overrideBestFather(link->getFather(), bestReliability);
-      }
-    }
+  if (winner) {
+    overrideBestFather(winner, bestReliability);
   }
   return static_cast<unsigned int>(m_bestFatherId);
 }
@@ -93,26 +146,32 @@ QSharedPointer<MetaLPO> MetaLPO::ancestor() const {
 
 void MetaLPO::overrideBestFather(const QSharedPointer<MetaLPO>& father, double reliability) {
   m_bestFather = father;
-  m_bestFatherId = father->getIdent();
+  m_bestFatherNode = father.data();
+  m_bestFatherId = father->m_ident;
   m_bestFatherReliability = reliability;
+  m_step = Util::motionVector3D(father->observation().getBoundingBox3D(),
+                                observation().getBoundingBox3D());
+  father->m_sonFrames.push_back(m_frame);
+  m_dumpText.head.clear();
+  MotionChanges::note(m_frame);
 }
 
 QSharedPointer<MetaLPO> MetaLPO::getFather(unsigned int id) const {
   for (const auto& link : m_fatherLinks) {
-    if (auto father = link->getFather(); father && father->m_lpo->getIdent() == id) {
+    if (auto father = link->getFather(); father && father->m_ident == static_cast<int>(id)) {
       return father;
     }
   }
   return {};
 }
 
-double MetaLPO::linkReliability(int fatherId) const {
+const MetaLPOLink* MetaLPO::linkTo(int fatherId) const {
   for (const auto& link : m_fatherLinks) {
-    if (const auto father = link->getFather(); father && father->getIdent() == fatherId) {
-      return link->getReliability();
+    if (link->leadsTo(fatherId)) {
+      return link.data();
     }
   }
-  return 0.0;
+  return nullptr;
 }
 
 double MetaLPO::fatherScore(const QSharedPointer<kelDataLinkedPhysicalObject>& object,
@@ -128,9 +187,4 @@ double MetaLPO::fatherScore(const QSharedPointer<kelDataLinkedPhysicalObject>& o
                     link->getReliability() * recentLinkWeight + ancestry * (1 - recentLinkWeight));
   }
   return best;
-}
-
-QSharedPointer<MetaLPO> MetaLPO::descendant() const {
-  auto son = m_bestSon.toStrongRef();
-  return son.data() == this ? QSharedPointer<MetaLPO>() : son;
 }

@@ -7,11 +7,12 @@
 #include <QSharedPointer>
 #include <QWeakPointer>
 
-#include <list>
+#include <string>
 #include <utility>
 #include <vector>
 
 #include "MetaLPOLink.h"
+#include "ObjectType.h"
 
 /// The history node of one mobile at one frame: the group it was put in, its links to the nodes it
 /// may descend from (its fathers), and the one best father it elected among them. The chain of best
@@ -21,6 +22,8 @@
 /// step between a node and its best father, directions in metres.
 class MetaLPO {
  public:
+  static constexpr double noSonScore = -1.0;  ///< below every score that makes a best son
+
   static constexpr int noId = -1;  ///< no group, father or son; 0xFFFFFFFF as an unsigned id
 
   static double recentLinkWeight;  ///< share of the most recent link in `fatherScore`
@@ -31,6 +34,12 @@ class MetaLPO {
     double reliability;
   };
 
+  /// The node's lines in the mobile dump, kept between frames because few of them change.
+  struct DumpText {
+    std::string head;  ///< the node itself; empty when best father, best son or group changed
+    std::string tail;  ///< its links and chain; empty when a link was dropped
+  };
+
   MetaLPO() = default;
   MetaLPO(const QSharedPointer<kelDataLinkedPhysicalObject>& lpo, unsigned int frame);
   /// Copies the scalar results of the history, none of its references.
@@ -39,14 +48,27 @@ class MetaLPO {
   virtual ~MetaLPO();
 
   /// The mobile id.
-  int getIdent() const { return static_cast<int>(m_lpo->getIdent()); }
+  int getIdent() const { return m_ident; }
   const QSharedPointer<kelDataLinkedPhysicalObject>& getPhysicalObject() const { return m_lpo; }
   /// What was seen of the mobile.
   const kelDataPhysicalObject& observation() const { return *m_lpo->getPhysicalObject(); }
+  const ObjectType& getType() const { return m_type; }
+  /// The centre of the mobile's box, metres.
+  const cv::Point3f& getCenter() const { return m_center; }
+  /// The centre of the box's foot, on the ground, metres.
+  const cv::Point3f& getBaseCenter() const { return m_baseCenter; }
   unsigned int getFrame() const { return m_frame; }
 
   int getGroupId() const { return m_groupId; }
-  void setGroupId(int groupId) { m_groupId = groupId; }
+  void setGroupId(int groupId);
+
+  /// Whether the tracker finds this node under its mobile id; no longer so when the id was declared
+  /// again or the node is too old.
+  bool isRemembered() const { return m_isRemembered; }
+  void setRemembered(bool remembered) { m_isRemembered = remembered; }
+  /// Whether another node of the same mobile id may be among those of the last frames.
+  bool hasNamesake() const { return m_hasNamesake; }
+  void setHasNamesake() { m_hasNamesake = true; }
 
   // Links and ancestry
 
@@ -67,14 +89,21 @@ class MetaLPO {
   /// The best father for a walk back in time; null when there is none, it is gone, or it is this
   /// very node, as happens to an id declared again with itself as father.
   QSharedPointer<MetaLPO> ancestor() const;
+  /// The same without a share in it.
+  const MetaLPO* ancestorNode() const {
+    return m_bestFather.isNull() || m_bestFatherNode == this ? nullptr : m_bestFatherNode;
+  }
+  /// Whether the history starts here: no best father was elected, or it is this very node. Not so
+  /// when the best father is gone.
+  bool endsHistory() const { return m_bestFatherId == noId || !m_bestFather.isNull(); }
   int getBestFatherId() const { return m_bestFatherId; }
   double getBestFatherReliability() const { return m_bestFatherReliability; }
   /// Makes `father` the best father, whatever was elected.
   void overrideBestFather(const QSharedPointer<MetaLPO>& father, double reliability);
   /// The father with the id among the links; null when there is none.
   QSharedPointer<MetaLPO> getFather(unsigned int id) const;
-  /// The reliability of the first link to the father with the id; 0 without one.
-  double linkReliability(int fatherId) const;
+  /// The first link to a father with the id that is still there; null without one.
+  const MetaLPOLink* linkTo(int fatherId) const;
   /// How reliable the ancestry of an object is, over the platform's own links, `depth` levels back.
   double fatherScore(const QSharedPointer<kelDataLinkedPhysicalObject>& object,
                      unsigned int depth) const;
@@ -82,12 +111,17 @@ class MetaLPO {
   /// The best son; null when unset or gone.
   QSharedPointer<MetaLPO> getBestSon() const { return m_bestSon.toStrongRef(); }
   /// The best son for a walk forward in time; null also when it is this very node.
-  QSharedPointer<MetaLPO> descendant() const;
+  MetaLPO* descendant() const {
+    return m_bestSon.isNull() || m_bestSonNode == this ? nullptr : m_bestSonNode;
+  }
   int getBestSonId() const { return m_bestSonId; }
   double getBestSonScore() const { return m_bestSonScore; }
-  void setBestSon(const QSharedPointer<MetaLPO>& son) { m_bestSon = son; }
-  void setBestSonId(int id) { m_bestSonId = id; }
+  void setBestSon(const QSharedPointer<MetaLPO>& son);
+  void setBestSonId(int id);
   void setBestSonScore(double score) { m_bestSonScore = score; }
+  /// The best score so far of the search for sons that is under way.
+  double getSonSearchScore() const { return m_sonSearchScore; }
+  void setSonSearchScore(double score) { m_sonSearchScore = score; }
 
   /// The length of the upstream tracker's list at this node.
   void setChainLength(double length) { m_chainLength = length; }
@@ -101,26 +135,52 @@ class MetaLPO {
   /// The length of the last step alone; stored as the speed.
   double computeSpeedRec();
   /// The displacement from the best father; zero without one.
-  cv::Point3f computeDirection() const;
+  cv::Point3f computeDirection() const { return hasStep() ? m_step : cv::Point3f(); }
 
   double getSpeed() const { return m_speed; }
   int getSpeedSamples() const { return m_speedSamples; }
 
+  DumpText& dumpText() const { return m_dumpText; }
+
+  /// What the search for splits found from this node on; see `GroupTracker::detectSplit`.
+  struct SplitWalk {
+    unsigned int frame = 0;  ///< current frame of the search; 0 before the first
+    int askedFor = noId;     ///< the group whose members search
+    int found = noId;        ///< the other group
+    int generations = 0;     ///< how far back it was
+  };
+  SplitWalk& splitWalk() const { return m_splitWalk; }
+
  private:
-  double stepLength(const MetaLPO& from) const;
+  bool hasStep() const { return !m_bestFather.isNull() && m_bestFatherId != m_ident; }
+  void loseBestFather();
+  std::vector<std::pair<QSharedPointer<MetaLPO>, double>> linksByRecentFather() const;
 
   QSharedPointer<kelDataLinkedPhysicalObject> m_lpo;
+  int m_ident = noId;
+  ObjectType m_type;
+  cv::Point3f m_center;
+  cv::Point3f m_baseCenter;
   int m_groupId = noId;
+  bool m_isRemembered = false;
+  bool m_hasNamesake = false;
   unsigned int m_frame = 0;
   double m_speed = -1.0;   ///< -1 until first computed
   int m_speedSamples = 0;  ///< steps averaged into the speed
   int m_bestFatherId = noId;
   int m_bestSonId = noId;
   QWeakPointer<MetaLPO> m_bestFather;
-  double m_bestFatherReliability = 0.0;  ///< kept when the father is lost
+  const MetaLPO* m_bestFatherNode = nullptr;  ///< the same; valid while that is not gone
+  cv::Point3f m_step;                         ///< displacement from the best father, metres
+  double m_bestFatherReliability = 0.0;       ///< kept when the father is lost
   double m_bestSonScore = 0.0;
+  double m_sonSearchScore = noSonScore;
   QWeakPointer<MetaLPO> m_bestSon;
+  MetaLPO* m_bestSonNode = nullptr;  ///< the same; valid while that is not gone
   double m_chainLength = 0.0;
   std::vector<QSharedPointer<MetaLPOLink>> m_fatherLinks;
-  std::vector<ChainEntry> m_chain;  ///< from the most recent predecessor back
+  std::vector<ChainEntry> m_chain;        ///< from the most recent predecessor back
+  std::vector<unsigned int> m_sonFrames;  ///< of the nodes that elected this one
+  mutable DumpText m_dumpText;
+  mutable SplitWalk m_splitWalk;
 };

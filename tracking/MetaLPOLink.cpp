@@ -4,7 +4,11 @@
 
 MetaLPOLink::MetaLPOLink(const QSharedPointer<MetaLPO>& father, const QSharedPointer<MetaLPO>& son,
                          double reliability)
-    : m_father(father), m_son(son), m_reliability(reliability) {}
+    : m_father(father),
+      m_fatherNode(father.data()),
+      m_fatherId(father ? father->getIdent() : MetaLPO::noId),
+      m_son(son),
+      m_reliability(reliability) {}
 
 MetaLPOLink::~MetaLPOLink() = default;
 

@@ -21,6 +21,10 @@ class MetaLPOLink {
   QSharedPointer<MetaLPO> getFather() const { return m_father.toStrongRef(); }
   /// The newer node; null when it is gone.
   QSharedPointer<MetaLPO> getSon() const { return m_son.toStrongRef(); }
+  /// The father without a share in it, for a walk during which nothing is released.
+  MetaLPO* fatherNode() const { return m_father.isNull() ? nullptr : m_fatherNode; }
+  /// Whether the father is still there and has the id.
+  bool leadsTo(int fatherId) const { return m_fatherId == fatherId && !m_father.isNull(); }
   double getReliability() const { return m_reliability; }
 
   /// Orders links from the least to the most reliable.
@@ -29,6 +33,8 @@ class MetaLPOLink {
 
  private:
   QWeakPointer<MetaLPO> m_father;
+  MetaLPO* m_fatherNode = nullptr;
+  int m_fatherId = -1;
   QWeakPointer<MetaLPO> m_son;
   double m_reliability = 0.0;
 };

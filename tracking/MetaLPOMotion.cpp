@@ -8,26 +8,20 @@ constexpr double notComputed = -1.0;
 
 }  // namespace
 
-double MetaLPO::stepLength(const MetaLPO& from) const {
-  return Util::norm3D(Util::motionVector3D(from.observation().getBoundingBox3D(),
-                                           observation().getBoundingBox3D()));
-}
-
 double MetaLPO::computeSpeed() {
   if (m_speed - standstill > 0) {
     return m_speed;
   }
-  const auto bestFather = m_bestFather.toStrongRef();
-  if (!bestFather || bestFather->getIdent() == getIdent()) {
+  if (!hasStep()) {
     m_speed = 0;
     m_speedSamples = 0;
     return m_speed;
   }
-  const auto father = getFather(static_cast<unsigned int>(bestFather->getIdent()));
+  const auto father = getFather(static_cast<unsigned int>(m_bestFatherId));
   if (!father || father->m_speed == notComputed) {
     return computeSpeedRec();
   }
-  const double step = stepLength(*bestFather);
+  const double step = Util::norm3D(m_step);
   if (father->m_speed - standstill < 0) {
     m_speedSamples = 1;
     m_speed = step;
@@ -41,18 +35,7 @@ double MetaLPO::computeSpeed() {
 
 double MetaLPO::computeSpeedRec() {
   // The best father is asked of this node at every step, so the walk never gets past the first one.
-  const auto bestFather = m_bestFather.toStrongRef();
-  const bool hasStep = bestFather && bestFather->getIdent() != getIdent();
-  m_speedSamples = hasStep ? 1 : 0;
-  m_speed = hasStep ? stepLength(*bestFather) : 0.0;
+  m_speedSamples = hasStep() ? 1 : 0;
+  m_speed = hasStep() ? Util::norm3D(m_step) : 0.0;
   return m_speed;
-}
-
-cv::Point3f MetaLPO::computeDirection() const {
-  const auto bestFather = m_bestFather.toStrongRef();
-  if (!bestFather || bestFather->getIdent() == getIdent()) {
-    return {0.0F, 0.0F, 0.0F};
-  }
-  return Util::motionVector3D(bestFather->observation().getBoundingBox3D(),
-                              observation().getBoundingBox3D());
 }

@@ -1,12 +1,6 @@
 #pragma once
 
-#include "MetaLPO.h"
 #include "ObjectType.h"
-
-/// The type of the mobile that a node wraps.
-inline ObjectType typeOf(const MetaLPO& node) {
-  return ObjectType(node.getPhysicalObject()->getPhysicalObject()->getType());
-}
 
 /// Whether the upstream tracker saw several people in the mobile.
 inline bool isGroupOrCrowd(const ObjectType& type) {

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+
+/// Tells whether the speeds and directions of the nodes of a frame may have changed. A node's
+/// motion is fixed when it is taken in; it changes only when the node loses its best father, which
+/// happens to few frames at a time. Whoever keeps something computed from a frame's motions keeps
+/// the version with it and computes anew when the version has moved on.
+///
+/// Frames share slots: a change may look like one of another frame, never the other way round.
+class MotionChanges {
+ public:
+  /// Notes that a node of the frame lost its best father.
+  static void note(unsigned int frame) { s_versions[frame % slotCount] = ++s_latest; }
+  /// Changes whenever something was noted for the frame.
+  static unsigned int version(unsigned int frame) { return s_versions[frame % slotCount]; }
+  /// Changes whenever something was noted for any frame.
+  static unsigned int latest() { return s_latest; }
+
+ private:
+  static constexpr std::size_t slotCount = 1024;
+
+  static inline std::array<unsigned int, slotCount> s_versions{};
+  static inline unsigned int s_latest = 0;
+};

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QSharedPointer>
+#include <QWeakPointer>
+
+#include <map>
+#include <unordered_map>
+#include <vector>
+
+#include "MetaLPO.h"
+
+/// The nodes that the tracker remembers: of every mobile id the latest one. Walks go in ascending
+/// order of the ids, look-ups take constant time, and what has become too old is found without
+/// asking every node.
+class RememberedNodes {
+ public:
+  using ById = std::map<int, QSharedPointer<MetaLPO>>;
+
+  const ById& byId() const { return m_byId; }
+  /// The node of a mobile; null for an unknown id.
+  QSharedPointer<MetaLPO> find(int id) const;
+  /// The same without a share in it.
+  MetaLPO* node(int id) const;
+
+  /// Takes a node in, in place of an older one with its id.
+  void add(const QSharedPointer<MetaLPO>& mobile);
+  void remove(int id);
+
+  /// Notes the frame from which on the node's oldest link is too old; asked for once the links are
+  /// complete.
+  void fileLinks(const QSharedPointer<MetaLPO>& mobile);
+  /// Drops all links to fathers that were observed before the frame or are gone.
+  void eraseOldLinks(int firstKeptFrame);
+
+ private:
+  ById m_byId;
+  std::unordered_map<int, MetaLPO*> m_index;
+  std::map<int, std::vector<QWeakPointer<MetaLPO>>> m_byOldestFather;  ///< by its frame
+};
