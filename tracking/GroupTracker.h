@@ -181,6 +181,7 @@ class GroupTracker {
   QMap<int, QSharedPointer<Group>> m_groups;
   std::list<QSharedPointer<kelDataLinkedPhysicalObject>> m_lpoList;  ///< searched by `getMobile`
   unsigned int m_currentFrame = 0;
+  bool m_intakeWasCutShort = false;  ///< by an actor without mobiles
   RememberedNodes m_mobiles;
   std::map<unsigned int, MobileList> m_mobilesByFrame;
   QSharedPointer<kelDataImage> m_currentImage;  ///< of the current frame; may be null

@@ -81,6 +81,7 @@ void GroupTracker::initFrame(const QList<QSharedPointer<kelDataActor>>& actors,
 }
 
 void GroupTracker::setTrackedMobiles(const QList<QSharedPointer<kelDataActor>>& actors) {
+  m_intakeWasCutShort = true;
   for (const auto& actor : actors) {
     Diagnostics::print("TPO {}\n", static_cast<int>(actor->getIdent()));
     if (actor->getLinkedPhysicalObjectList().empty()) {
@@ -90,6 +91,7 @@ void GroupTracker::setTrackedMobiles(const QList<QSharedPointer<kelDataActor>>& 
     }
     m_mobilesByFrame[m_currentFrame].push_back(takeIn(*actor));
   }
+  m_intakeWasCutShort = false;
   forgetOldMobiles();
   forgetOldFrames();
   refreshBestSons();

@@ -147,11 +147,26 @@ void GroupTracker::mergeGroups(const std::set<unsigned int>& ids) {
   }
 }
 
+// The mobiles of a group are its members. Only where an id was declared again, or old members left
+// while no frame was taken in, may a remembered mobile carry the id of a group that it is not in.
 void GroupTracker::moveToGroup(const std::set<unsigned int>& from, int to) {
-  for (const auto& [id, mobile] : m_mobiles.byId()) {
-    if (mobile->getGroupId() != MetaLPO::noId &&
-        from.contains(static_cast<unsigned int>(mobile->getGroupId()))) {
-      mobile->setGroupId(to);
+  const auto move = [&](MetaLPO& mobile) {
+    if (mobile.getGroupId() != MetaLPO::noId &&
+        from.contains(static_cast<unsigned int>(mobile.getGroupId()))) {
+      mobile.setGroupId(to);
+    }
+  };
+  if (m_mobiles.hasNamesakes() || m_intakeWasCutShort) {
+    for (const auto& [id, mobile] : m_mobiles.byId()) {
+      move(*mobile);
+    }
+    return;
+  }
+  for (const unsigned int id : from) {
+    if (const auto left = group(id)) {
+      for (const auto& [ident, mobile] : left->getMobiles()) {
+        move(*mobile);
+      }
     }
   }
 }

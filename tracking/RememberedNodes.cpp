@@ -16,6 +16,7 @@ MetaLPO* RememberedNodes::node(int id) const {
 void RememberedNodes::add(const QSharedPointer<MetaLPO>& mobile) {
   auto& place = m_byId.try_emplace(m_byId.end(), mobile->getIdent())->second;
   if (place) {
+    m_namesakes += place->hasNamesake() ? 0 : 1;
     place->setRemembered(false);
     place->setHasNamesake();
     mobile->setHasNamesake();
@@ -28,6 +29,7 @@ void RememberedNodes::add(const QSharedPointer<MetaLPO>& mobile) {
 void RememberedNodes::remove(int id) {
   const auto entry = m_byId.find(id);
   if (entry != m_byId.end()) {
+    m_namesakes -= entry->second->hasNamesake() ? 1 : 0;
     entry->second->setRemembered(false);
     m_index.erase(id);
     m_byId.erase(entry);

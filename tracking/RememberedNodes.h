@@ -22,6 +22,9 @@ class RememberedNodes {
   /// The same without a share in it.
   MetaLPO* node(int id) const;
 
+  /// Whether some remembered node has, or had, another one of its id beside it.
+  bool hasNamesakes() const { return m_namesakes > 0; }
+
   /// Takes a node in, in place of an older one with its id.
   void add(const QSharedPointer<MetaLPO>& mobile);
   void remove(int id);
@@ -35,5 +38,6 @@ class RememberedNodes {
  private:
   ById m_byId;
   std::unordered_map<int, MetaLPO*> m_index;
+  int m_namesakes = 0;
   std::map<int, std::vector<QWeakPointer<MetaLPO>>> m_byOldestFather;  ///< by its frame
 };
