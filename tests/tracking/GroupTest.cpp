@@ -179,7 +179,7 @@ TEST_F(GroupTest, CoherenceWeighsDistancesSpeedsAndDirections) {
   add(group, {a, b});
   const double directions = std::sqrt(0.125 / 3 / 2);
   EXPECT_EQ(group.getAvgIntraDist(), 1.25);
-  EXPECT_EQ(group.computeSpeedDirSimilitude(), (Group::Spreads{0.25, directions}));
+  EXPECT_EQ(group.computeSpeedDirSimilitude(), (std::pair<double, double>{0.25, directions}));
   EXPECT_EQ(group.groupCoherence(), (2 * 1.25 + 0.25 + directions) / 4);
 
   // The distance is a running mean over the closed frames; a single newcomer counts with the
