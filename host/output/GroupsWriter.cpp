@@ -1,30 +1,13 @@
 #include "GroupsWriter.h"
 
+#include "JsonLine.h"
 #include "JsonText.h"
-
-#include <iterator>
 
 namespace {
 
-using Line = fmt::memory_buffer;
-
-template <typename... Args>
-void append(Line& line, fmt::format_string<Args...> text, Args&&... args) {
-  fmt::format_to(std::back_inserter(line), text, std::forward<Args>(args)...);
-}
-
-/// A JSON array of the items, each written by `write`.
-template <typename Items, typename Write>
-void appendArray(Line& line, const Items& items, const Write& write) {
-  const char* separator = "";
-  line.push_back('[');
-  for (const auto& item : items) {
-    line.append(std::string_view(separator));
-    write(item);
-    separator = ", ";
-  }
-  line.push_back(']');
-}
+using json_line::append;
+using json_line::appendArray;
+using json_line::Line;
 
 void appendProperties(Line& line, const kelDataActor& actor) {
   const auto& properties = actor.getSpecificProperties();

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "InputFrame.h"
+#include "OutputFile.h"
+
+#include <fmt/format.h>
+
+#include <string>
+
+/// Writes frames as a scene file, one JSON object a line and frame:
+///
+///     {"image": "images/000001.jpg",
+///      "mobiles": [{"id": 101, "type": "PERSON", "box2d": [x, y, width, height],
+///                   "box3d": [b0, b1, b2, b3, b4, b5], "position": [x, y, z],
+///                   "fathers": [{"id": 95, "reliability": 0.9}]}],
+///      "actors": [{"id": 7, "type": "PERSON", "box3d": [...], "mobiles": [80, 95, 101]}]}
+///
+/// A run over the file gets the same numbers, to the last bit, as one over the frames. The fathers
+/// of a frame's mobiles must still be there when it is written. Image files are written as the
+/// frame names them; the format takes them as relative to the scene file's folder.
+class SceneWriter {
+ public:
+  explicit SceneWriter(const std::string& path) : m_file(path) {}
+
+  void write(const InputFrame& frame);
+
+ private:
+  OutputFile m_file;
+  fmt::memory_buffer m_line;  ///< kept from frame to frame
+};
