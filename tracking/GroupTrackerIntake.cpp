@@ -229,8 +229,13 @@ void GroupTracker::refreshBestSons() {
       search.addFather(father);
     }
   }
-  for (unsigned int frame = oldest + 1; frame <= m_currentFrame; ++frame) {
-    for (const auto& son : m_mobilesByFrame[frame]) {
+  if (!m_mobilesByFrame[m_currentFrame - 1].empty()) {
+    // Only somebody who looks for sons asks for the current frame, and asking makes the entry.
+    m_mobilesByFrame.try_emplace(m_currentFrame);
+  }
+  for (auto entry = m_mobilesByFrame.upper_bound(oldest);
+       entry != m_mobilesByFrame.end() && entry->first <= m_currentFrame; ++entry) {
+    for (const auto& son : entry->second) {
       search.addSon(son);
     }
   }
