@@ -109,7 +109,7 @@ class matrix {
 };
 
 template <typename T>
-T& matrix<T>::operator()(std::size_t r, std::size_t c) {
+inline T& matrix<T>::operator()(std::size_t r, std::size_t c) {
   if (r >= m->rows || c >= m->cols) {
     throwOutside();
   }
@@ -118,7 +118,7 @@ T& matrix<T>::operator()(std::size_t r, std::size_t c) {
 }
 
 template <typename T>
-const T& matrix<T>::operator()(std::size_t r, std::size_t c) const {
+inline const T& matrix<T>::operator()(std::size_t r, std::size_t c) const {
   if (r >= m->rows || c >= m->cols) {
     throwOutside();
   }
@@ -126,7 +126,7 @@ const T& matrix<T>::operator()(std::size_t r, std::size_t c) const {
 }
 
 template <typename T>
-T* matrix<T>::row(std::size_t r) {
+inline T* matrix<T>::row(std::size_t r) {
   detach();
   return m->val[r];
 }
