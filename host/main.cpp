@@ -3,6 +3,7 @@
 #include "OutputError.h"
 #include "ProcessRunner.h"
 #include "RunCommand.h"
+#include "SimulateCommand.h"
 
 #include <fmt/format.h>
 #include <CLI/CLI.hpp>
@@ -24,6 +25,7 @@ namespace {
 std::vector<std::unique_ptr<Command>> allCommands() {
   std::vector<std::unique_ptr<Command>> commands;
   commands.push_back(std::make_unique<RunCommand>());
+  commands.push_back(std::make_unique<SimulateCommand>());
   return commands;
 }
 

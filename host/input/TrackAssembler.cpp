@@ -2,6 +2,7 @@
 
 #include "BoxLifter.h"
 #include "InputError.h"
+#include "StandingBody.h"
 
 #include <cmath>
 #include <limits>
@@ -9,15 +10,8 @@
 
 namespace {
 
-constexpr float bodyWidth = 0.5F;    // m, also the depth
-constexpr float bodyHeight = 1.7F;   // m
 constexpr int fullReliability = 10;  // tenths, of a link over one step; one less per further step
 const char* const personType = "PERSON";
-
-BoundingBox3D standingBody(const cv::Point3f& foot) {
-  const float half = bodyWidth / 2.0F;
-  return {foot.x + half, foot.y + half, bodyHeight, foot.x - half, foot.y - half, 0.0F};
-}
 
 double distance(const MobilePointer& a, const MobilePointer& b) {
   const cv::Point3f& from = a->getPhysicalObject()->getPosition();

@@ -1,0 +1,76 @@
+#include "Crowd.h"
+
+#include "SocialForce.h"
+
+#include <cmath>
+
+namespace {
+
+constexpr double longestStep = 0.05;   // s
+constexpr double goalRadius = 3.0;     // m
+constexpr double fastestShare = 1.5;   // of the desired speed
+constexpr double shoulderWidth = 0.7;  // m between people who come side by side
+constexpr double scatter = 0.1;        // m, of the places at which they come
+
+double length(const cv::Point2d& v) {
+  return std::sqrt(v.dot(v));
+}
+
+void move(Walker& walker, const cv::Point2d& force, double seconds) {
+  walker.velocity += force * seconds;
+  const double fastest = fastestShare * walker.desiredSpeed;
+  const double speed = length(walker.velocity);
+  if (speed > fastest) {
+    walker.velocity *= fastest / speed;
+  }
+  walker.position += walker.velocity * seconds;
+}
+
+}  // namespace
+
+void Crowd::advanceTo(double time) {
+  const int steps = static_cast<int>(std::ceil((time - m_time) / longestStep));
+  const double begin = m_time;
+  for (int i = 1; i <= steps; ++i) {
+    const double next = begin + (time - begin) * i / steps;
+    step(next - m_time);
+    m_time = next;
+  }
+}
+
+void Crowd::step(double seconds) {
+  while (m_nextArrival < m_arrivals.size() && m_arrivals[m_nextArrival].time <= m_time) {
+    letIn(m_arrivals[m_nextArrival++]);
+  }
+  std::vector<cv::Point2d> forces;
+  forces.reserve(m_walkers.size());
+  for (const Walker& walker : m_walkers) {
+    forces.push_back(socialForce(walker, m_walkers));
+  }
+  for (std::size_t i = 0; i < m_walkers.size(); ++i) {
+    move(m_walkers[i], forces[i], seconds);
+  }
+  std::erase_if(m_walkers, [](const Walker& walker) {
+    return length(walker.goal - walker.position) < goalRadius;
+  });
+}
+
+void Crowd::letIn(const Arrival& arrival) {
+  const cv::Point2d way = arrival.to - arrival.from;
+  const cv::Point2d direction = way * (1.0 / length(way));
+  const cv::Point2d aside(-direction.y, direction.x);
+  const int company = newCompany();
+  const int group = arrival.size > 1 ? newGroup() : 0;
+  for (int i = 0; i < arrival.size; ++i) {
+    const double place = (i - (arrival.size - 1) / 2.0) * shoulderWidth + m_random.normal(scatter);
+    Walker walker;
+    walker.id = ++m_lastId;
+    walker.position = arrival.from + aside * place + direction * m_random.normal(scatter);
+    walker.velocity = direction * arrival.speed;
+    walker.goal = arrival.to;
+    walker.desiredSpeed = arrival.speed;
+    walker.company = company;
+    walker.group = group;
+    m_walkers.push_back(walker);
+  }
+}

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "Crowd.h"
+#include "GroupEvent.h"
+#include "RandomNumbers.h"
+#include "SimulatedView.h"
+#include "SimulationOptions.h"
+
+#include <cstdint>
+#include <deque>
+#include <utility>
+#include <vector>
+
+/// Lets people join and leave groups and groups merge and split, at times drawn beforehand, as soon
+/// as people in view are fit for it. A change begins when somebody heads for another company; the
+/// groups change once the distance shows it, and only then is the event told.
+class Encounters {
+ public:
+  Encounters(const SimulationOptions& options, const SimulatedView& view, RandomNumbers& random);
+
+  /// Begins what is due and ends what has come about; returns the events of this moment.
+  std::vector<GroupEvent> update(Crowd& crowd);
+
+ private:
+  struct Planned {
+    GroupEvent::Kind kind;
+    double time;
+  };
+  struct Change {
+    GroupEvent::Kind kind = GroupEvent::Kind::joined;
+    std::vector<std::uint32_t> movers;
+    int oldGroup = GroupEvent::none;  ///< of the movers
+    int newGroup = GroupEvent::none;  ///< of the movers
+  };
+
+  /// The walkers who change groups, and those of whom they part or to whom they come.
+  static std::pair<std::vector<Walker*>, std::vector<Walker*>> sidesOf(const Change& change,
+                                                                       Crowd& crowd);
+  static GroupEvent complete(const Change& change, const std::vector<Walker*>& movers);
+  bool begin(GroupEvent::Kind kind, Crowd& crowd);
+  bool beginApproach(GroupEvent::Kind kind, Crowd& crowd);
+  bool beginParting(GroupEvent::Kind kind, Crowd& crowd);
+  bool isChanging(int group) const;
+  bool staysInView(const std::vector<Walker*>& walkers) const;
+  std::vector<std::vector<Walker*>> fitCompanies(Crowd& crowd) const;
+
+  const SimulatedView& m_view;
+  RandomNumbers& m_random;
+  std::deque<Planned> m_planned;  ///< in the order of time
+  std::vector<Change> m_changes;  ///< begun, not yet to be seen
+};

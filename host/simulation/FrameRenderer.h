@@ -1,0 +1,26 @@
+#pragma once
+
+#include "SimulatedView.h"
+#include "Walker.h"
+
+#include <opencv2/core/mat.hpp>
+
+#include <vector>
+
+/// Draws simulated people as the camera sees them: upright figures on a paved square, each with
+/// clothes of its own colours and a shadow on the ground. 8-bit images, blue first.
+class FrameRenderer {
+ public:
+  explicit FrameRenderer(const SimulatedView& view);
+
+  cv::Mat render(const std::vector<Walker>& inView) const;
+
+ private:
+  void drawShadow(cv::Mat& shade, const Walker& walker) const;
+  void drawFigure(cv::Mat& image, const Walker& walker) const;
+  void drawPart(cv::Mat& image, const Walker& walker, double low, double high, double width,
+                const cv::Scalar& color) const;
+
+  const SimulatedView& m_view;
+  cv::Mat m_ground;
+};

@@ -1,0 +1,84 @@
+#include "SceneSimulation.h"
+
+#include "FrameRenderer.h"
+#include "OutputError.h"
+#include "OutputFile.h"
+#include "SceneWriter.h"
+#include "SimulatedSource.h"
+#include "SimulatedView.h"
+#include "TrackAssembler.h"
+#include "TruthRecorder.h"
+
+#include <fmt/format.h>
+
+#include <opencv2/imgcodecs.hpp>
+
+#include <filesystem>
+#include <memory>
+#include <system_error>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+void makeFolder(const fs::path& folder) {
+  std::error_code error;
+  fs::create_directories(folder, error);
+  if (error) {
+    throw OutputError(folder, "cannot be made: " + error.message());
+  }
+}
+
+std::string yamlMatrix(const char* name, const cv::Mat1d& matrix) {
+  return fmt::format("{}: !!opencv-matrix\n   rows: {}\n   cols: {}\n   dt: d\n   data: [ {} ]\n",
+                     name, matrix.rows, matrix.cols, fmt::join(matrix.begin(), matrix.end(), ", "));
+}
+
+void writeCalibration(const fs::path& path) {
+  OutputFile file(path);
+  file.writeLines("%YAML:1.0\n---\n" +
+                  yamlMatrix("camera_matrix", cv::Mat1d(SimulatedView::cameraMatrix)) +
+                  yamlMatrix("rotation_vector", cv::Mat1d(SimulatedView::rotation)) +
+                  yamlMatrix("translation_vector", cv::Mat1d(SimulatedView::translation)));
+}
+
+void writeContext(const fs::path& path) {
+  OutputFile file(path);
+  file.writeLines(R"({"elements": [{"kind": "zone", "shape": "polygon",)"
+                  R"( "vertices": [[-17, 3, 0], [17, 3, 0], [17, 46, 0], [-17, 46, 0]]}]})"
+                  "\n");
+}
+
+void writeImage(const fs::path& path, const cv::Mat& image) {
+  if (!cv::imwrite(path, image)) {
+    throw OutputError(path, "cannot be written");
+  }
+}
+
+}  // namespace
+
+SimulationSummary simulateScene(const SimulationOptions& options) {
+  const fs::path folder = options.outputFolder;
+  makeFolder(options.images ? folder / "images" : folder);
+  writeCalibration(folder / "calibration.yml");
+  writeContext(folder / "context.json");
+
+  const SimulatedView view;
+  const FrameRenderer renderer(view);
+  auto owned = std::make_unique<SimulatedSource>(options, view);
+  const SimulatedSource& source = *owned;
+  TrackAssembler assembler(std::move(owned), view.camera(), LinkOptions());
+  SceneWriter scene(folder / "scene.jsonl");
+  TruthRecorder truth(folder);
+  InputFrame frame;
+  while (assembler.next(frame)) {
+    if (options.images) {
+      frame.imageFile = fmt::format("images/{:06}.jpg", source.frame());
+      writeImage(folder / frame.imageFile, renderer.render(source.inView()));
+    }
+    scene.write(frame);
+    truth.write(source.frame(), source.inView(), source.events());
+  }
+  truth.finish();
+  return {options.frames, truth.persons(), truth.groups()};
+}

@@ -1,0 +1,157 @@
+#include "TruthRecorder.h"
+
+#include "JsonLine.h"
+
+#include <algorithm>
+#include <array>
+#include <functional>
+
+namespace {
+
+using json_line::append;
+using json_line::appendArray;
+using json_line::appendNumbers;
+using Kind = GroupEvent::Kind;
+
+const char* nameOf(Kind kind) {
+  constexpr std::array<const char*, 6> names{"created", "joined", "left",
+                                             "merged",  "split",  "ended"};
+  return names[static_cast<std::size_t>(kind)];
+}
+
+/// The persons in view by group, without those who are alone in view.
+std::map<int, std::vector<std::uint32_t>> groupsOf(const std::vector<Walker>& inView) {
+  std::map<int, std::vector<std::uint32_t>> groups;
+  for (const Walker& walker : inView) {
+    if (walker.group != GroupEvent::none) {
+      groups[walker.group].push_back(walker.id);
+    }
+  }
+  std::erase_if(groups, [](const auto& group) { return group.second.size() < 2; });
+  return groups;
+}
+
+std::vector<std::uint32_t> idsOf(const std::vector<Walker>& walkers) {
+  std::vector<std::uint32_t> ids;
+  for (const Walker& walker : walkers) {
+    ids.push_back(walker.id);
+  }
+  return ids;
+}
+
+}  // namespace
+
+TruthRecorder::TruthRecorder(const std::filesystem::path& folder)
+    : m_truth(folder / "truth.jsonl"),
+      m_eventFile(folder / "events.jsonl"),
+      m_groupFile(folder / "groups.txt") {}
+
+void TruthRecorder::write(std::int64_t frame, const std::vector<Walker>& inView,
+                          const std::vector<GroupEvent>& events) {
+  m_lastFrame = frame;
+  const Groups groups = groupsOf(inView);
+  writeTruth(frame, groups, inView);
+  countPairs(inView);
+  for (const Walker& walker : inView) {
+    m_persons.insert(walker.id);
+  }
+  for (const auto& [group, members] : groups) {
+    const auto [life, isNew] = m_lives.try_emplace(group, Life{frame, frame, members});
+    life->second.last = frame;
+  }
+  for (const GroupEvent& event : events) {
+    m_events.emplace_back(frame, event);
+  }
+}
+
+void TruthRecorder::finish() {
+  addCreatedAndEnded();
+  writeEvents();
+  writeGroups();
+}
+
+void TruthRecorder::writeTruth(std::int64_t frame, const Groups& groups,
+                               const std::vector<Walker>& inView) {
+  m_line.clear();
+  append(m_line, R"({{"frame": {}, "groups": )", frame);
+  appendArray(m_line, groups, [this](const auto& group) { appendNumbers(m_line, group.second); });
+  append(m_line, R"(, "ids": )");
+  appendArray(m_line, groups, [this](const auto& group) { append(m_line, "{}", group.first); });
+  append(m_line, R"(, "persons": )");
+  appendNumbers(m_line, idsOf(inView));
+  append(m_line, "}}\n");
+  m_truth.writeLines({m_line.data(), m_line.size()});
+}
+
+void TruthRecorder::countPairs(const std::vector<Walker>& inView) {
+  for (auto a = inView.begin(); a != inView.end(); ++a) {
+    for (auto b = std::next(a); b != inView.end(); ++b) {
+      Pair& pair = m_pairs[{a->id, b->id}];
+      ++pair.seen;
+      pair.together += a->group == b->group && a->group != GroupEvent::none ? 1 : 0;
+    }
+  }
+}
+
+// A group that splits off is told by its split, one that is absorbed by the merge.
+void TruthRecorder::addCreatedAndEnded() {
+  std::set<int> splitOff;
+  std::set<int> absorbed;
+  for (const auto& [frame, event] : m_events) {
+    if (event.kind == Kind::split) {
+      splitOff.insert(event.group);
+    } else if (event.kind == Kind::merged) {
+      absorbed.insert(event.other);
+    }
+  }
+  for (const auto& [group, life] : m_lives) {
+    if (!splitOff.contains(group)) {
+      m_events.push_back({life.first, {Kind::created, group, GroupEvent::none, life.founders}});
+    }
+    if (!absorbed.contains(group) && life.last < m_lastFrame) {
+      m_events.push_back({life.last + 1, {Kind::ended, group, GroupEvent::none, {}}});
+    }
+  }
+  std::stable_sort(m_events.begin(), m_events.end(), [](const auto& a, const auto& b) {
+    return std::tie(a.first, a.second.kind) < std::tie(b.first, b.second.kind);
+  });
+}
+
+void TruthRecorder::writeEvents() {
+  for (const auto& [frame, event] : m_events) {
+    m_line.clear();
+    append(m_line, R"({{"frame": {}, "event": "{}", "group": {}, )", frame, nameOf(event.kind),
+           event.group);
+    if (event.other != GroupEvent::none) {
+      append(m_line, R"("from": {}, )", event.other);
+    }
+    append(m_line, R"("persons": )");
+    appendNumbers(m_line, event.persons);
+    append(m_line, "}}\n");
+    m_eventFile.writeLines({m_line.data(), m_line.size()});
+  }
+}
+
+void TruthRecorder::writeGroups() {
+  std::map<std::uint32_t, std::uint32_t> parents;  // a forest; its trees are the groups
+  const std::function<std::uint32_t(std::uint32_t)> root = [&](std::uint32_t person) {
+    const auto parent = parents.find(person);
+    return parent == parents.end() || parent->second == person ? person : root(parent->second);
+  };
+  for (const auto& [pair, counts] : m_pairs) {
+    if (2 * counts.together > counts.seen) {
+      parents.try_emplace(pair.first, pair.first);
+      parents.try_emplace(pair.second, pair.second);
+      parents[root(pair.second)] = root(pair.first);
+    }
+  }
+  std::map<std::uint32_t, std::vector<std::uint32_t>> groups;
+  for (const auto& [person, parent] : parents) {
+    groups[root(person)].push_back(person);
+  }
+  for (const auto& [first, persons] : groups) {
+    m_line.clear();
+    append(m_line, "{}\n", fmt::join(persons, " "));
+    m_groupFile.writeLines({m_line.data(), m_line.size()});
+  }
+}
