@@ -1,10 +1,20 @@
 #!/usr/bin/env bash
-# Installs what is missing and builds: scripts/build.sh [PRESET [CMAKE_OPTION...]], release by
-# default. Programs are then in build/PRESET/bin.
+# Installs what is missing and builds: scripts/build.sh [PRESET [OPTION...]], release by default.
+# Options -D... go to the configuration, others, such as --target NAME, to the build. Programs are
+# then in build/PRESET/bin.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 preset=${1:-release}
 
+configuration=()
+build=()
+for option in "${@:2}"; do
+  case $option in
+    -D*) configuration+=("$option") ;;
+    *) build+=("$option") ;;
+  esac
+done
+
 scripts/install.sh
-cmake --preset "$preset" "${@:2}"
-cmake --build --preset "$preset"
+cmake --preset "$preset" "${configuration[@]}"
+cmake --build --preset "$preset" "${build[@]}"

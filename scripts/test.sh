@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds and runs all tests: scripts/test.sh [PRESET [CMAKE_OPTION...]],
+# Installs what is missing, builds and runs all tests: scripts/test.sh [PRESET [OPTION...]],
 # release by default.
 set -euo pipefail
 cd "$(dirname "$0")/.."

@@ -14,8 +14,8 @@ struct Side {
 
 // Most people cross the view from left to right or back; some come towards the camera or leave it.
 const std::array<Side, 4> sides{{
-    {{-17.0, 9.0}, {-17.0, 22.0}, 0.4},
-    {{17.0, 9.0}, {17.0, 22.0}, 0.4},
+    {{-17.0, 7.0}, {-17.0, 21.0}, 0.4},
+    {{17.0, 7.0}, {17.0, 21.0}, 0.4},
     {{-7.0, 46.0}, {7.0, 46.0}, 0.12},
     {{-3.0, 3.0}, {3.0, 3.0}, 0.08},
 }};

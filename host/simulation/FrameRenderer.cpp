@@ -49,8 +49,8 @@ void fill(cv::Mat& image, const std::vector<cv::Point>& outline, const cv::Scala
 
 FrameRenderer::FrameRenderer(const SimulatedView& view)
     : m_view(view), m_ground(SimulatedView::imageSize, CV_8UC3) {
-  const cv::Scalar light(188, 192, 194);
-  const cv::Scalar dark(172, 177, 180);
+  const cv::Scalar light(148, 152, 154);
+  const cv::Scalar dark(132, 136, 138);
   m_ground = light;
   constexpr int tilesAside = 24;
   constexpr int tilesDeep = 56;

@@ -73,7 +73,7 @@ SimulationSummary simulateScene(const SimulationOptions& options) {
   InputFrame frame;
   while (assembler.next(frame)) {
     if (options.images) {
-      frame.imageFile = fmt::format("images/{:06}.jpg", source.frame());
+      frame.imageFile = fmt::format("images/{:06}.png", source.frame());
       writeImage(folder / frame.imageFile, renderer.render(source.inView()));
     }
     scene.write(frame);

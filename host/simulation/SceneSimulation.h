@@ -13,6 +13,6 @@ struct SimulationSummary {
 
 /// Simulates a scene and writes it into the output folder, which is made when absent: the scene
 /// (`scene.jsonl`), its camera (`calibration.yml`), its ground (`context.json`), the truth (see
-/// `TruthRecorder`) and, when asked for, the frames (`images/000001.jpg` and so on). The same
+/// `TruthRecorder`) and, when asked for, the frames (`images/000001.png` and so on). The same
 /// options give the same bytes. What cannot be written is an `OutputError`.
 SimulationSummary simulateScene(const SimulationOptions& options);

@@ -1,0 +1,48 @@
+#!/usr/bin/env bash
+# Shows the main job: installs what is missing, builds, simulates a square with people alone and in
+# groups, tracks the groups by pairs and by clusters, and says where to look: scripts/demo.sh
+# [FOLDER], build/demo by default (no blanks in its name).
+set -euo pipefail
+cd "$(dirname "$0")/.."
+demo=${1:-build/demo}
+program=build/release/bin/grouptracker
+
+scripts/build.sh release --target grouptracker --target GroupTrackerProcessGroupTrackerPlugin
+
+# The parameters of a mode, with the output images turned on.
+writeParameters() {
+  sed -e "s|^\(imagesFolder:\s*\).*|\1$demo/scene/images/|" \
+    -e "s|^\(outputFolder:\s*\).*|\1$demo/$1/|" \
+    -e 's|^\(saveOutput:\s*\).*|\11|' -e 's|^\(openCVOutput:\s*\).*|\11|' \
+    "samples/parameters/$2" > "$demo/$1.txt"
+}
+
+rm -rf "$demo"
+mkdir -p "$demo/pairs" "$demo/clusters"
+echo "Simulating a square with people alone and in groups"
+"$program" simulate --seed 7 --people 45 --frames 250 --rate 10 --noise 0.02 --missed 0.01 \
+  --images --output "$demo/scene"
+
+for mode in pairs:video.txt clusters:clustering.txt; do
+  name=${mode%%:*}
+  writeParameters "$name" "${mode##*:}"
+  echo "Tracking groups by $name"
+  "$program" run "$demo/scene/scene.jsonl" --parameters "$demo/$name.txt" \
+    --calibration "$demo/scene/calibration.yml" --context "$demo/scene/context.json" \
+    --output "$demo/$name/groups.jsonl" --diagnostics "$demo/$name/diagnostics.txt" \
+    --mobile-dump none
+done
+
+cat <<END
+
+Look at
+  $demo/pairs/*.png              annotated images, groups found by pairs
+  $demo/clusters/*.png           the same, groups found by clusters
+  $demo/pairs/groups.jsonl       the groups of every frame, one line each
+  $demo/pairs/diagnostics.txt    what the tracker says about its decisions
+  $demo/scene/truth.jsonl        who really walks with whom
+
+On the images each person is in a box with the number of the observation; boxes of one colour are one
+group, labelled with the group's number, with a black box around them; the frame number stands in the
+upper right corner.
+END
