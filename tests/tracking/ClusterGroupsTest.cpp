@@ -92,6 +92,15 @@ TEST_F(ClusterGroups, AMissedFrameIsInterpolatedDownwards) {
   EXPECT_THAT(step(), HasSubstr("counter = 1\n")) << "both have the same features";
 }
 
+TEST_F(ClusterGroups, StepsCountHalfInMetres) {
+  // Over a tenth of the scene's unit apart by half the step, and hardly by the place.
+  GroupTracker::tolerance = 0.05;
+  scene.walk(1, 1, 3, {1, 1}, {0, 0});
+  scene.walk(2, 1, 3, {1, 1}, {0.2F, 0});
+  run(2);
+  EXPECT_THAT(step(), HasSubstr("counter = 2\n"));
+}
+
 TEST_F(ClusterGroups, ASmallPersonOrAWindowOfOneThrows) {
   scene.walk(1, 1, 3, {1, 1});
   scene.frame(1).person(2).at(1, 2).size(0.43F, 0.19F, 1.7F);

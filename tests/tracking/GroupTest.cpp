@@ -128,30 +128,6 @@ TEST_F(GroupTest, ClosingAFrameCountsItAndForgetsOldMembers) {
   EXPECT_EQ(printed([&] { group.printMobiles(); }), "Mobiles of group 0: 2, 3, \n");
 }
 
-TEST_F(GroupTest, MergesLeaveTheOtherGroupAndAreRecordedOnce) {
-  const auto other = QSharedPointer<Group>::create(person(2, 1));
-  Group group(person(1, 1));
-  group.doMerge(other);
-  EXPECT_EQ(group.getLPOs().size(), 2U);
-  EXPECT_EQ(other->getLPOs().size(), 1U);
-  group.addMerge(5, 10);
-  group.addMerge(6, 11);
-  group.addMerge(5, 12);
-  EXPECT_THAT(group.getMerges(), testing::ElementsAre(std::pair(5, 10), std::pair(6, 11)));
-}
-
-TEST_F(GroupTest, HasTheBoxesOfItsMembersAtAFrame) {
-  Group group;
-  group.addMobile(nodeOf(SceneMobile(1).at(1, 2).box2D({10, 20, 30, 40}), 3));
-  group.addMobile(nodeOf(SceneMobile(2).at(3, 1).size(1, 2, 2).box2D({50, 10, 20, 20}), 3));
-  group.addMobile(nodeOf(SceneMobile(3).box2D({-30, 5, 10, 10}), 4));
-  EXPECT_EQ(group.bbox2D(3), cv::Rect(10, 10, 60, 50));
-  EXPECT_EQ(group.bbox2D(4), cv::Rect(-30, 5, 30, 10)) << "no edge is left of the image";
-  EXPECT_EQ(group.bbox2D(5), cv::Rect());
-  EXPECT_EQ(group.bbox3D(3), (BoundingBox3D{3.5F, 2.25F, 2, 0.75F, 0, 0}));
-  EXPECT_EQ(group.position(3), cv::Point3f(2, 1.5F, 0));
-}
-
 TEST_F(GroupTest, IsRepresentedByWhoIsNearestToWhereItWasBefore) {
   Group group;
   EXPECT_EQ(group.centerOfGravity(5), cv::Point3f(0, 0, 0));

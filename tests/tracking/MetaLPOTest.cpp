@@ -122,6 +122,7 @@ TEST_F(MetaLPOTest, CachesOnlySpeedsAboveAStandstill) {
   const Node walking = follow(father);
   EXPECT_EQ(standing->computeSpeed(), 0.0);
   EXPECT_EQ(standing->getSpeedSamples(), 1);
+  EXPECT_EQ(follow(standing)->computeSpeed(), 5.0) << "a standstill does not slow down";
   walking->computeSpeed();
   father.clear();  // elected but gone
   EXPECT_EQ(standing->computeSpeed(), 0.0);

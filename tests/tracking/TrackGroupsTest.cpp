@@ -64,14 +64,17 @@ TEST_F(TrackGroups, AThirdPersonJoinsThroughALinkToANeighbour) {
   GroupTracker::minReliabilityBest = 0.35;
   scene.walk(1, 1, 5, {0, 0});
   scene.walk(2, 1, 5, {0, 1});
-  scene.frame(3).person(33).at(1, -1).from(202, 0.25);
+  Group::coherenceThreshold = 100.0;
+  scene.frame(3).person(33).at(0.5F, -2.5F).from(202, 0.21);  // 3 m away, as far as may be
   scene.frame(3).person(34).at(1, 2).from(202, 0.2);  // not above half of minReliabilityOthers
+  scene.frame(3).person(35).at(0.5F, -2.6F).from(202, 0.9);
   run(4);
   EXPECT_EQ(line(0), "mobiles: 101 102 201 202 startFrame=1, endFrame=-1, isUpdated=false");
   run(5);
   EXPECT_EQ(line(0),
             "mobiles: 33 101 102 201 202 301 302 startFrame=1, endFrame=-1, isUpdated=false");
   EXPECT_EQ(groupOf(34), -1);
+  EXPECT_EQ(groupOf(35), -1);
 }
 
 TEST_F(TrackGroups, TheOlderGroupAbsorbsTheYoungerWhenTheyShareASon) {
@@ -150,11 +153,13 @@ class GroupMobile : public TrackingTest {
   /// What the fifth step prints of the mobile alone.
   std::string considered() {
     run(4);
-    const std::string text = step();
+    text = step();
     const auto from = text.find("considering");
     const auto end = std::min(text.find("i_id = 30, j_id", from), text.find("-----", from));
     return text.substr(from, end - from);
   }
+
+  std::string text;  ///< the whole of it
 };
 
 TEST_F(GroupMobile, JoinsTheGroupOfItsFather) {
@@ -190,18 +195,11 @@ TEST_F(GroupMobile, TooIncoherentLeavesItsLineOpen) {
   EXPECT_THAT(considered(), HasSubstr("because of coherence 8.082173currentId group = 1\n"));
 }
 
-TEST_F(GroupMobile, WithoutAFatherIsLeftAlone) {
-  groupMobile().at(1, 10);
-  EXPECT_EQ(considered(),
-            "considering mobile labeled as group with id=30\n"
-            "this mobile has a best father with id=-1\n"
-            "and groupId=-1\n");
-}
-
 TEST_F(GroupMobile, FoundsAGroupThatAFreePersonJoins) {
   scene.frame(2).person(20).at(5, 10).type("GROUP_OF_PERSONS");
   groupMobile().at(5.5F, 10).from(20, 0.1);
   scene.frame(3).person(40).at(5.5F, 11);
+  scene.frame(3).person(50).at(5, 50).type("GROUP_OF_PERSONS");
   EXPECT_EQ(considered(),
             "considering mobile labeled as group with id=30\n"
             "this mobile has a best father with id=20\n"
@@ -211,6 +209,10 @@ TEST_F(GroupMobile, FoundsAGroupThatAFreePersonJoins) {
             "final coherence for creating group from group mobile 30 (n=2) = 0.985844\n"
             "currentId group = 1\n"
             "created new group with mobile 30 and id=1\n");
+  EXPECT_THAT(text, HasSubstr("considering mobile labeled as group with id=50\n"
+                              "this mobile has a best father with id=-1\n"
+                              "and groupId=-1\n"
+                              "i_id = 50, j_id = 50\n"));
   EXPECT_EQ(line(1), "mobiles: 30 40 startFrame=3, endFrame=-1, isUpdated=false");
 }
 
