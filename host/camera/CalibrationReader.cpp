@@ -17,7 +17,8 @@
 
 namespace {
 
-constexpr std::uintmax_t largestFile = 1024 * 1024;  // bytes; a camera takes less than one thousand
+constexpr std::uintmax_t largestFile =
+    std::uintmax_t{1024} * 1024;  // bytes; a camera takes less than one thousand
 
 /// One calibration file and its nodes, each checked for its size and for finite numbers.
 class CalibrationFile {
@@ -86,7 +87,7 @@ std::vector<double> CalibrationFile::numbers(const char* node,
   } catch (const cv::Exception&) {
     throw error(node, " is missing or no matrix");
   }
-  const std::vector<double> numbers(values.begin<double>(), values.end<double>());
+  std::vector<double> numbers(values.begin<double>(), values.end<double>());
   if (std::find(counts.begin(), counts.end(), numbers.size()) == counts.end()) {
     throw error(node, " has " + std::to_string(numbers.size()) + " values");
   }

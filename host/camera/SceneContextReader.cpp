@@ -15,7 +15,7 @@ namespace {
 
 using Json = nlohmann::json;
 
-constexpr std::streamsize largestFile = 16 * 1024 * 1024;  // bytes
+constexpr std::streamsize largestFile = std::streamsize{16} * 1024 * 1024;  // bytes
 constexpr std::size_t coordinates = 3;
 
 /// A value that is missing or of a wrong type, with its path in the document.

@@ -9,7 +9,8 @@
 
 namespace {
 
-constexpr std::size_t bufferSize = 256 * 1024;  // bytes; several frames of a crowded scene
+constexpr std::size_t bufferSize =
+    std::size_t{256} * 1024;  // bytes; several frames of a crowded scene
 
 [[noreturn]] void throwSystemError() {
   throw std::system_error(errno, std::generic_category());

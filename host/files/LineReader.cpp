@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr std::size_t chunkSize = 16 * 1024;  // bytes
+constexpr std::size_t chunkSize = std::size_t{16} * 1024;  // bytes
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
 }  // namespace

@@ -10,14 +10,25 @@
 #include <fstream>
 #include <string_view>
 #include <system_error>
+#include <variant>
 
 namespace {
 
-enum class Type { Number, Unsigned, Integer, Bool, Text };
+using Value = std::variant<double, std::uint32_t, int, bool, std::string>;
+
+const Value number = 0.0;
+const Value positive = std::uint32_t{0};
+const Value integer = 0;
+const Value flag = false;
+const Value text = std::string();
+
+/// What a user is told to write, by the type of the value.
+const std::array<const char*, std::variant_size_v<Value>> expectations{
+    "a number", "a whole number", "a whole number", "0 or 1", "a text without blanks"};
 
 struct Parameter {
   const char* label;
-  Type type;
+  Value value;  ///< shows the type
 };
 
 const char* const delayLabel = "temporalWinSize:";
@@ -26,53 +37,53 @@ const char* const displayLabel = "extDisplayOn:";
 
 /// All pairs, in the only order in which the tracker accepts them.
 const std::array<Parameter, 47> parameters{{
-    {"coherenceThreshold:", Type::Number},
-    {"distWeight:", Type::Unsigned},
-    {"speedSimWeight:", Type::Unsigned},
-    {"dirSimWeight:", Type::Unsigned},
-    {"distanceThreshold:", Type::Number},
-    {"speedSimThreshold:", Type::Number},
-    {"dirSimThreshold:", Type::Number},
-    {"reliabilityThreshold:", Type::Number},
-    {delayLabel, Type::Unsigned},
-    {"temporalWinForRemoval:", Type::Unsigned},
-    {"recentLinkWeight:", Type::Number},
-    {"maxDistGroupCreation:", Type::Number},
-    {"maxDistGroupMerge:", Type::Number},
-    {"maxDistGroupUpdate:", Type::Number},
-    {"imagesFolder:", Type::Text},
-    {"fileFormat:", Type::Text},
-    {"firstImage:", Type::Integer},
-    {saveLabel, Type::Bool},
-    {"outputFolder:", Type::Text},
-    {displayLabel, Type::Bool},
-    {"openCVOutput:", Type::Bool},
-    {"useClustering:", Type::Bool},
-    {"tolerance:", Type::Number},
-    {"sonDistanceWeight:", Type::Number},
-    {"fatherDistanceWeight:", Type::Number},
-    {"minReliabilityBest:", Type::Number},
-    {"minReliabilityOthers:", Type::Number},
-    {"minCrowdWidth:", Type::Number},
-    {"minCrowdHeight:", Type::Number},
-    {"histogramDepth:", Type::Integer},
-    {"mvtAreaTh:", Type::Number},
-    {"mvtSpeedTh:", Type::Number},
-    {"mvtSpeedNFrames:", Type::Integer},
-    {"mvtFrameGap:", Type::Integer},
-    {"mvtBrightnessTh:", Type::Integer},
-    {"mvtBlobsFilter:", Type::Integer},
-    {"personWidth:", Type::Number},
-    {"personDepth:", Type::Number},
-    {"personHeight:", Type::Number},
-    {"positionNormalization:", Type::Bool},
-    {"detectSuddenMvt:", Type::Bool},
-    {"trajectoryLength:", Type::Integer},
-    {"samplingStride:", Type::Number},
-    {"samplingStrideDetection:", Type::Integer},
-    {"gaussianGridFile:", Type::Text},
-    {"alpha:", Type::Number},
-    {"minNumCells:", Type::Integer},
+    {"coherenceThreshold:", number},
+    {"distWeight:", positive},
+    {"speedSimWeight:", positive},
+    {"dirSimWeight:", positive},
+    {"distanceThreshold:", number},
+    {"speedSimThreshold:", number},
+    {"dirSimThreshold:", number},
+    {"reliabilityThreshold:", number},
+    {delayLabel, positive},
+    {"temporalWinForRemoval:", positive},
+    {"recentLinkWeight:", number},
+    {"maxDistGroupCreation:", number},
+    {"maxDistGroupMerge:", number},
+    {"maxDistGroupUpdate:", number},
+    {"imagesFolder:", text},
+    {"fileFormat:", text},
+    {"firstImage:", integer},
+    {saveLabel, flag},
+    {"outputFolder:", text},
+    {displayLabel, flag},
+    {"openCVOutput:", flag},
+    {"useClustering:", flag},
+    {"tolerance:", number},
+    {"sonDistanceWeight:", number},
+    {"fatherDistanceWeight:", number},
+    {"minReliabilityBest:", number},
+    {"minReliabilityOthers:", number},
+    {"minCrowdWidth:", number},
+    {"minCrowdHeight:", number},
+    {"histogramDepth:", integer},
+    {"mvtAreaTh:", number},
+    {"mvtSpeedTh:", number},
+    {"mvtSpeedNFrames:", integer},
+    {"mvtFrameGap:", integer},
+    {"mvtBrightnessTh:", integer},
+    {"mvtBlobsFilter:", integer},
+    {"personWidth:", number},
+    {"personDepth:", number},
+    {"personHeight:", number},
+    {"positionNormalization:", flag},
+    {"detectSuddenMvt:", flag},
+    {"trajectoryLength:", integer},
+    {"samplingStride:", number},
+    {"samplingStrideDetection:", integer},
+    {"gaussianGridFile:", text},
+    {"alpha:", number},
+    {"minNumCells:", integer},
 }};
 
 /// Goes through the file like the tracker, with the formatted extraction of the standard streams,
@@ -82,12 +93,11 @@ class Walk {
   explicit Walk(std::istream& in) : m_in(in) {}
 
   /// Reads one token or value; false when there is none of that type.
-  template <typename Value>
-  bool read(Value& value) {
+  template <typename T>
+  bool read(T& value) {
     skipBlanks();
     return static_cast<bool>(m_in >> value);
   }
-  bool readValue(Type type, ParameterFile& file, const std::string& label);
   std::uint64_t line() const { return m_line; }
 
  private:
@@ -103,50 +113,12 @@ class Walk {
   std::uint64_t m_line = 1;
 };
 
-bool Walk::readValue(Type type, ParameterFile& file, const std::string& label) {
-  double number = 0.0;
-  std::uint32_t count = 0;
-  int integer = 0;
-  bool flag = false;
-  std::string text;
-  switch (type) {
-    case Type::Number:
-      return read(number);
-    case Type::Unsigned:
-      if (!read(count)) {
-        return false;
-      }
-      file.delay = label == delayLabel ? count : file.delay;
-      return true;
-    case Type::Integer:
-      return read(integer);
-    case Type::Bool:
-      if (!read(flag)) {
-        return false;
-      }
-      file.needsImages =
-          file.needsImages || (flag && (label == saveLabel || label == displayLabel));
-      return true;
-    case Type::Text:
-      return read(text);
+void keep(const std::string& label, const Value& value, ParameterFile& file) {
+  if (label == delayLabel) {
+    file.delay = std::get<std::uint32_t>(value);
+  } else if (label == saveLabel || label == displayLabel) {
+    file.needsImages = file.needsImages || std::get<bool>(value);
   }
-  return false;
-}
-
-const char* describe(Type type) {
-  switch (type) {
-    case Type::Number:
-      return "a number";
-    case Type::Unsigned:
-      return "a whole number";
-    case Type::Integer:
-      return "a whole number";
-    case Type::Bool:
-      return "0 or 1";
-    case Type::Text:
-      return "a text without blanks";
-  }
-  return "a value";
 }
 
 }  // namespace
@@ -169,9 +141,12 @@ ParameterFile readParameterFile(std::istream& in, const std::string& name) {
       return fail("the label \"" + label + "\" is expected instead of \"" +
                   token.substr(0, longestQuote) + "\"");
     }
-    if (!walk.readValue(parameter.type, file, label)) {
-      return fail(std::string(describe(parameter.type)) + " is expected after \"" + label + "\"");
+    Value value = parameter.value;
+    if (!std::visit([&](auto& v) { return walk.read(v); }, value)) {
+      return fail(std::string(expectations[value.index()]) + " is expected after \"" + label +
+                  "\"");
     }
+    keep(label, value, file);
   }
   return file;
 }

@@ -51,6 +51,6 @@ std::unique_ptr<kelAbstractProcessGroupTracker> loadGroupTracker(const std::stri
   if (tracker == nullptr) {
     throw fail(QString("the plugin brings no %1").arg(processType));
   }
-  process.release();
+  static_cast<void>(process.release());
   return std::unique_ptr<kelAbstractProcessGroupTracker>(tracker);
 }
