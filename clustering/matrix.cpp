@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <utility>
 
 namespace math {
 
@@ -36,8 +37,8 @@ void matrix<T>::destroy(base_mat* unused) {
 
 template <typename T>
 matrix<T>& matrix<T>::operator=(const matrix& other) {
-  ++other.m->refCount;  // before the release: other may be this matrix
-  replace(other.m);
+  matrix shared(other);
+  std::swap(m, shared.m);
   return *this;
 }
 

@@ -99,7 +99,7 @@ class matrix {
   void replace(base_mat* made) {
     release();
     m = made;
-  }
+  }  // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): it does not follow the count of owners
   [[noreturn]] static void throwOutside();
   /// Sets every element to `operation` of itself and its counterpart.
   template <typename Operation>

@@ -1,8 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <utility>
 
-#include "Clustering.h"
+#include "Matrices.h"
 
 namespace {
 

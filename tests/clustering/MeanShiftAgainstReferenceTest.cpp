@@ -1,9 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 #include <random>
 
 #include "Clustering.h"
+#include "Matrices.h"
 
 namespace {
 
