@@ -41,7 +41,7 @@ double median(std::vector<double> values) {
 int main(int argc, char** argv) {
   const int frames = argc > 1 ? std::atoi(argv[1]) : usualFrames;
   constexpr int stay = 400;
-  MeasuredProcess process({{20, SteadyScene::Grouping::mixed, stay}});
+  MeasuredProcess process(MeasuredProcess::Options{{20, SteadyScene::Grouping::mixed, stay}});
   fmt::print(stderr, "{:>10} {:>14} {:>18}\n", "frame", "resident MiB", "median ms a frame");
   const int block = std::max(frames / rows, 1);
   for (int done = 0; done < frames; done += block) {

@@ -27,7 +27,7 @@ void timeProcess(benchmark::State& state, const MeasuredProcess::Options& option
 // Standard output leads to nowhere while a text is written, as it does while the process runs.
 void timeWriting(benchmark::State& state, int people,
                  const std::function<void(const FormattedText&, const FormattedText&)>& write) {
-  MeasuredProcess process({{people, SteadyScene::Grouping::mixed}});
+  MeasuredProcess process(MeasuredProcess::Options{{people, SteadyScene::Grouping::mixed}});
   process.warmUp();
   const MeasuredProcess::Texts texts = process.record();
   const FormattedText printed(texts.printed);

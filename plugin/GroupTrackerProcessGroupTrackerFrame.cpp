@@ -124,8 +124,8 @@ void GroupTrackerProcessGroupTrackerPrivate::printActors() const {
   }
   Diagnostics::print("{} TPOs\n", actors.size());
   for (const auto& actor : actors) {
-    Diagnostics::print("TPO id: {}\n", static_cast<int>(actor->getIdent()));
-    Diagnostics::print("   type: {}, ", actor->getType());
+    Diagnostics::write("TPO id: ", static_cast<int>(actor->getIdent()), "\n");
+    Diagnostics::write("   type: ", actor->getType(), ", ");
     printSize(actor->getBoundingBox3D());
     for (const auto& mobile : actor->getLinkedPhysicalObjectList()) {
       Diagnostics::write("   id: ", static_cast<int>(mobile->getIdent()),

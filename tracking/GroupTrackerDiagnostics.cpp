@@ -1,8 +1,8 @@
 #include <fmt/format.h>
 
 #include <fstream>
-#include <iterator>
 #include <string>
+#include <string_view>
 
 #include "Diagnostics.h"
 #include "GroupTracker.h"
@@ -21,40 +21,65 @@ void printEvents(const char* what, const std::list<Group::Event>& events) {
   }
 }
 
-void writeHead(std::string& text, const MetaLPO& node) {
-  fmt::format_to(std::back_inserter(text),
-                 "mobile {} @ frame {} has best father {} has best son {} and is in group {}\n",
-                 node.getIdent(), node.getFrame(), node.getBestFatherId(), node.getBestSonId(),
-                 node.getGroupId());
+// Text and numbers one behind the other; a dump of a crowd is millions of them.
+class DumpWriter {
+ public:
+  DumpWriter& operator<<(std::string_view text) {
+    m_text.append(text);
+    return *this;
+  }
+  DumpWriter& operator<<(int id) {
+    char digits[NumberText::intSize];
+    return *this << std::string_view(digits, NumberText::writeInt(digits, id));
+  }
+  DumpWriter& operator<<(double reliability) {
+    char digits[NumberText::generalSize];
+    return *this << std::string_view(digits, NumberText::writeGeneral(digits, reliability));
+  }
+  const std::string& text() const { return m_text; }
+
+ private:
+  std::string m_text;
+};
+
+std::string headOf(const MetaLPO& node) {
+  DumpWriter out;
+  out << "mobile " << node.getIdent() << " @ frame " << static_cast<int>(node.getFrame())
+      << " has best father " << node.getBestFatherId() << " has best son " << node.getBestSonId()
+      << " and is in group " << node.getGroupId() << "\n";
+  return out.text();
 }
 
-void writeTail(std::string& text, const MetaLPO& node) {
-  const auto out = std::back_inserter(text);
+std::string tailOf(const MetaLPO& node) {
+  DumpWriter out;
   for (const auto& link : node.getFatherLinks()) {
     const MetaLPO* father = link->fatherNode();
     const auto son = link->getSon();
     if (father != nullptr && son) {
-      fmt::format_to(out, "\tlink from {} to {} with reliability {:g}\n", father->getIdent(),
-                     son->getIdent(), link->getReliability());
+      out << "\tlink from " << father->getIdent() << " to " << son->getIdent()
+          << " with reliability " << link->getReliability() << "\n";
     }
   }
-  fmt::format_to(out, "\tLTT chain: ");
+  out << "\tLTT chain: ";
   for (const auto& [ident, reliability] : node.chain()) {
-    fmt::format_to(out, "{} ({:g}) - ", ident, reliability);
+    out << ident << " (" << reliability << ") - ";
   }
-  fmt::format_to(out, "\n");
+  out << "\n";
+  return out.text();
 }
 
-void dumpNode(fmt::memory_buffer& out, const MetaLPO& node) {
-  auto& [head, tail] = node.dumpText();
-  if (head.empty()) {
-    writeHead(head, node);
+const std::string& dumpOf(const MetaLPO& node) {
+  auto& [text, headSize, hasTail] = node.dumpText();
+  if (headSize == 0) {
+    const std::string head = headOf(node);
+    text.insert(0, head);
+    headSize = head.size();
   }
-  if (tail.empty()) {
-    writeTail(tail, node);
+  if (!hasTail) {
+    text += tailOf(node);
+    hasTail = true;
   }
-  out.append(head);
-  out.append(tail);
+  return text;
 }
 
 }  // namespace
@@ -86,8 +111,8 @@ void GroupTracker::printMetaMobiles() const {
   text.clear();
   const auto out = fmt::appender(text);
   fmt::format_to(out, "------------ Mobiles with Groups at frame {}\n", m_currentFrame);
-  for (const auto& [id, node] : m_mobiles.byId()) {
-    dumpNode(text, *node);
+  for (const auto& [id, node] : m_mobiles.inOrder()) {
+    text.append(dumpOf(*node));
   }
   fmt::format_to(out, "--------------------\n");
   std::ofstream file(m_mobileDump, std::ios::out | std::ios::app);

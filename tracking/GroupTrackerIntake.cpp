@@ -83,7 +83,7 @@ void GroupTracker::initFrame(const QList<QSharedPointer<kelDataActor>>& actors,
 void GroupTracker::setTrackedMobiles(const QList<QSharedPointer<kelDataActor>>& actors) {
   m_intakeWasCutShort = true;
   for (const auto& actor : actors) {
-    Diagnostics::print("TPO {}\n", static_cast<int>(actor->getIdent()));
+    Diagnostics::write("TPO ", static_cast<int>(actor->getIdent()), "\n");
     if (actor->getLinkedPhysicalObjectList().empty()) {
       // An actor without mobiles tells that the upstream tracker is still starting: the frame is
       // not to be trusted, so nothing is forgotten or refreshed by it either.

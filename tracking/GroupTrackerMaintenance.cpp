@@ -157,7 +157,7 @@ void GroupTracker::moveToGroup(const std::set<unsigned int>& from, int to) {
     }
   };
   if (m_mobiles.hasNamesakes() || m_intakeWasCutShort) {
-    for (const auto& [id, mobile] : m_mobiles.byId()) {
+    for (const auto& [id, mobile] : m_mobiles.inOrder()) {
       move(*mobile);
     }
     return;

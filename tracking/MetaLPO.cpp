@@ -39,10 +39,15 @@ MetaLPO::~MetaLPO() {
   }
 }
 
+void MetaLPO::forgetDumpHead() {
+  m_dumpText.text.erase(0, m_dumpText.headSize);
+  m_dumpText.headSize = 0;
+}
+
 void MetaLPO::setGroupId(int groupId) {
   if (m_groupId != groupId) {
     m_groupId = groupId;
-    m_dumpText.head.clear();
+    forgetDumpHead();
   }
 }
 
@@ -54,7 +59,7 @@ void MetaLPO::setBestSon(const QSharedPointer<MetaLPO>& son) {
 void MetaLPO::setBestSonId(int id) {
   if (m_bestSonId != id) {
     m_bestSonId = id;
-    m_dumpText.head.clear();
+    forgetDumpHead();
   }
 }
 
@@ -84,14 +89,14 @@ void MetaLPO::eraseOldLinks(int firstKeptFrame) {
     return true;
   });
   if (erased > 0) {
-    m_dumpText.tail.clear();
+    m_dumpText = {};
   }
 }
 
 void MetaLPO::loseBestFather() {
   m_bestFatherId = noId;
   m_bestFather.clear();
-  m_dumpText.head.clear();
+  forgetDumpHead();
   MotionChanges::note(m_frame);
 }
 
@@ -152,7 +157,7 @@ void MetaLPO::overrideBestFather(const QSharedPointer<MetaLPO>& father, double r
   m_step = Util::motionVector3D(father->observation().getBoundingBox3D(),
                                 observation().getBoundingBox3D());
   father->m_sonFrames.push_back(m_frame);
-  m_dumpText.head.clear();
+  forgetDumpHead();
   MotionChanges::note(m_frame);
 }
 

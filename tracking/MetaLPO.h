@@ -36,8 +36,9 @@ class MetaLPO {
 
   /// The node's lines in the mobile dump, kept between frames because few of them change.
   struct DumpText {
-    std::string head;  ///< the node itself; empty when best father, best son or group changed
-    std::string tail;  ///< its links and chain; empty when a link was dropped
+    std::string text;          ///< the line of the node itself, then its links and chain
+    std::size_t headSize = 0;  ///< of the first line; 0 when best father, best son or group changed
+    bool hasTail = false;      ///< false when a link was dropped
   };
 
   MetaLPO() = default;
@@ -154,6 +155,7 @@ class MetaLPO {
  private:
   bool hasStep() const { return !m_bestFather.isNull() && m_bestFatherId != m_ident; }
   void loseBestFather();
+  void forgetDumpHead();
   std::vector<std::pair<QSharedPointer<MetaLPO>, double>> linksByRecentFather() const;
 
   QSharedPointer<kelDataLinkedPhysicalObject> m_lpo;

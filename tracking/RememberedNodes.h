@@ -14,9 +14,14 @@
 /// asking every node.
 class RememberedNodes {
  public:
-  using ById = std::map<int, QSharedPointer<MetaLPO>>;
+  /// A node with its id, so that walks that look for ids need not touch the nodes.
+  struct Entry {
+    int id;
+    MetaLPO* node;
+  };
 
-  const ById& byId() const { return m_byId; }
+  /// All nodes in ascending order of their ids.
+  const std::vector<Entry>& inOrder() const;
   /// The node of a mobile; null for an unknown id.
   QSharedPointer<MetaLPO> find(int id) const;
   /// The same without a share in it.
@@ -36,8 +41,12 @@ class RememberedNodes {
   void eraseOldLinks(int firstKeptFrame);
 
  private:
-  ById m_byId;
-  std::unordered_map<int, MetaLPO*> m_index;
+  void noteChange(int id);
+
+  std::unordered_map<int, QSharedPointer<MetaLPO>> m_nodes;
+  // The order is made up to date when somebody walks: in one pass for all that came and went since.
+  mutable std::vector<Entry> m_ordered;
+  mutable std::vector<int> m_changed;  ///< ids that came, went or changed their node
   int m_namesakes = 0;
   std::map<int, std::vector<QWeakPointer<MetaLPO>>> m_byOldestFather;  ///< by its frame
 };
