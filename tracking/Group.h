@@ -143,6 +143,7 @@ class Group {
   void updateProperties(unsigned int frame);
   /// The distance from a mobile to the group as it was one frame earlier.
   double distance(const QSharedPointer<MetaLPO>& mobile, int frame) const;
+  const Cohesion& getCohesion() const { return m_cohesion; }
   double getAvgIntraDist() const { return m_cohesion.avgIntraDist; }
   double getSpeedSimilitude() const { return m_cohesion.spreads.speed; }
   double getDirSimilitude() const { return m_cohesion.spreads.direction; }
