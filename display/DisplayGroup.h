@@ -16,9 +16,9 @@ class DisplayGroup {
   DisplayGroup(unsigned int groupId, const QColor& groupColor, std::string groupText)
       : m_id(groupId), m_color(groupColor), m_text(std::move(groupText)) {}
   DisplayGroup(const DisplayGroup&) = default;
-  DisplayGroup(DisplayGroup&&) = default;
+  DisplayGroup(DisplayGroup&&) noexcept = default;
   DisplayGroup& operator=(const DisplayGroup&) = default;
-  DisplayGroup& operator=(DisplayGroup&&) = default;
+  DisplayGroup& operator=(DisplayGroup&&) noexcept = default;
   virtual ~DisplayGroup() = default;
 
   unsigned int getId() const { return m_id; }

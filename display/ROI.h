@@ -16,9 +16,9 @@ class ROI {
   /// Takes the pixels over when nobody else has a part in them, else copies them.
   ROI(cv::Mat&& pixels, const cv::Rect& box);
   ROI(const ROI&) = default;
-  ROI(ROI&&) = default;
+  ROI(ROI&&) noexcept = default;
   ROI& operator=(const ROI&) = default;
-  ROI& operator=(ROI&&) = default;
+  ROI& operator=(ROI&&) noexcept = default;
   virtual ~ROI() = default;
 
   const cv::Mat& getImage() const { return m_image; }

@@ -11,6 +11,7 @@ function(platform_library name)
   set_target_properties(${name} PROPERTIES
     AUTOMOC ON CXX_STANDARD 20 CXX_STANDARD_REQUIRED ON CXX_EXTENSIONS OFF
     CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON
+    INSTALL_RPATH "$ORIGIN"
     VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
   target_compile_features(${name} PUBLIC cxx_std_20)
   target_compile_options(${name} PRIVATE -ffp-contract=off)

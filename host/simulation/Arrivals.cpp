@@ -73,6 +73,17 @@ std::vector<int> drawSizes(const SimulationOptions& options, RandomNumbers& rand
   return sizes;
 }
 
+/// Where a way from the border leads that crosses the middle of the scene.
+cv::Point2d drawGoal(const cv::Point2d& from, RandomNumbers& random) {
+  const cv::Rect2d middle(-6.0, 8.0, 12.0, 24.0);
+  for (;;) {
+    const cv::Point2d goal = placeElsewhere(from, random);
+    if (middle.contains((from + goal) * 0.5)) {
+      return goal;
+    }
+  }
+}
+
 double drawSpeed(int size, RandomNumbers& random) {
   constexpr double alone = 1.3;       // m/s
   constexpr double perPerson = 0.04;  // m/s by which a group is slower for each member
@@ -83,23 +94,23 @@ double drawSpeed(int size, RandomNumbers& random) {
 }  // namespace
 
 std::vector<Arrival> planArrivals(const SimulationOptions& options, RandomNumbers& random) {
-  constexpr double lastSeconds = 8.0;  // nobody new so shortly before the end, none would be seen
+  constexpr double lastSeconds = 14.0;  // nobody new so shortly before the end, none would be seen
   const double end = std::max(0.0, options.frames / options.rate - lastSeconds);
   std::vector<Arrival> arrivals;
   for (const int size : drawSizes(options, random)) {
     const double time = random.uniform(-warmUp, end);
     const cv::Point2d from = drawPlace(drawByShare(sides, random), random);
-    arrivals.push_back({time, size, from, placeAcross(from, random), drawSpeed(size, random)});
+    arrivals.push_back({time, size, from, drawGoal(from, random), drawSpeed(size, random)});
   }
   std::stable_sort(arrivals.begin(), arrivals.end(),
                    [](const Arrival& a, const Arrival& b) { return a.time < b.time; });
   return arrivals;
 }
 
-cv::Point2d placeAcross(const cv::Point2d& from, RandomNumbers& random) {
+cv::Point2d placeElsewhere(const cv::Point2d& place, RandomNumbers& random) {
   for (;;) {
     const Side& side = drawByShare(sides, random);
-    if (!liesOn(side, from)) {
+    if (!liesOn(side, place)) {
       return drawPlace(side, random);
     }
   }

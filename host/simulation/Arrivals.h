@@ -17,11 +17,11 @@ struct Arrival {
 };
 
 /// Seconds before the first frame from which people come, so that the scene is not empty at first.
-inline constexpr double warmUp = 20.0;
+inline constexpr double warmUp = 12.0;
 
 /// Who comes when and where, in the order of time.
 std::vector<Arrival> planArrivals(const SimulationOptions& options, RandomNumbers& random);
 
-/// A place out of the camera's sight where people come from and go to, other than the side of the
-/// scene on which `from` lies.
-cv::Point2d placeAcross(const cv::Point2d& from, RandomNumbers& random);
+/// A place at the border of the scene where people go to, other than the side on which `place`
+/// lies.
+cv::Point2d placeElsewhere(const cv::Point2d& place, RandomNumbers& random);

@@ -82,7 +82,10 @@ std::vector<GroupEvent> Encounters::update(Crowd& crowd) {
     if (joinsOthers(change.kind) ? distance > meetingDistance : distance < partingDistance) {
       return false;
     }
-    events.push_back(complete(change, movers));
+    const GroupEvent event = complete(change, movers);
+    if (isSeen(movers, others)) {
+      events.push_back(event);
+    }
     return true;
   });
   return events;
@@ -112,6 +115,12 @@ GroupEvent Encounters::complete(const Change& change, const Company& movers) {
     event.persons.push_back(walker->id);
   }
   return event;
+}
+
+bool Encounters::isSeen(const Company& movers, const Company& others) const {
+  const auto isInView = [this](const Walker* walker) { return m_view.sees(walker->position); };
+  return std::all_of(movers.begin(), movers.end(), isInView) &&
+         std::any_of(others.begin(), others.end(), isInView);
 }
 
 bool Encounters::begin(Kind kind, Crowd& crowd) {
@@ -171,7 +180,7 @@ bool Encounters::beginParting(Kind kind, Crowd& crowd) {
   const Walker& first = *members.front();
   Change change{kind, {}, first.group, isGroup ? crowd.newGroup() : GroupEvent::none};
   const int company = crowd.newCompany();
-  const cv::Point2d goal = placeAcross(first.goal, m_random);
+  const cv::Point2d goal = drawTurn(first);
   for (std::size_t i = 0; i < count; ++i) {
     members[i]->company = company;
     members[i]->goal = goal;
@@ -179,6 +188,22 @@ bool Encounters::beginParting(Kind kind, Crowd& crowd) {
   }
   m_changes.push_back(change);
   return true;
+}
+
+cv::Point2d Encounters::drawTurn(const Walker& walker) {
+  constexpr int attempts = 30;
+  constexpr double leastTurn = 0.85;  // as cosine: some 30 degrees
+  constexpr double mostTurn = -0.2;   // as cosine: some 100 degrees
+  cv::Point2d goal;
+  for (int i = 0; i < attempts; ++i) {
+    goal = placeElsewhere(walker.goal, m_random);
+    const cv::Point2d way = goal - walker.position;
+    const double cosine = way.dot(walker.velocity) / (length(way) * length(walker.velocity));
+    if (cosine > mostTurn && cosine < leastTurn) {
+      break;
+    }
+  }
+  return goal;
 }
 
 bool Encounters::isChanging(int group) const {

@@ -13,7 +13,7 @@
 
 /// Lets people join and leave groups and groups merge and split, at times drawn beforehand, as soon
 /// as people in view are fit for it. A change begins when somebody heads for another company; the
-/// groups change once the distance shows it, and only then is the event told.
+/// groups change once the distance shows it, and only then, and only in view, is the event told.
 class Encounters {
  public:
   Encounters(const SimulationOptions& options, const SimulatedView& view, RandomNumbers& random);
@@ -37,9 +37,13 @@ class Encounters {
   static std::pair<std::vector<Walker*>, std::vector<Walker*>> sidesOf(const Change& change,
                                                                        Crowd& crowd);
   static GroupEvent complete(const Change& change, const std::vector<Walker*>& movers);
+  /// Whether an onlooker notices the change.
+  bool isSeen(const std::vector<Walker*>& movers, const std::vector<Walker*>& others) const;
   bool begin(GroupEvent::Kind kind, Crowd& crowd);
   bool beginApproach(GroupEvent::Kind kind, Crowd& crowd);
   bool beginParting(GroupEvent::Kind kind, Crowd& crowd);
+  /// Where somebody goes who turns away from the others without turning back.
+  cv::Point2d drawTurn(const Walker& walker);
   bool isChanging(int group) const;
   bool staysInView(const std::vector<Walker*>& walkers) const;
   std::vector<std::vector<Walker*>> fitCompanies(Crowd& crowd) const;
