@@ -1,5 +1,6 @@
 #include "RunCommand.h"
 
+#include "LinkArguments.h"
 #include "RunSession.h"
 
 #include <fmt/format.h>
@@ -53,6 +54,20 @@ void declareTexts(CLI::App& command, RunOptions& options) {
   command.add_flag("--quiet", options.quiet, "no progress and no summary");
 }
 
+void declareLinks(CLI::App& command, LinkOptions& links) {
+  for (const LinkArgument& argument : linkArguments()) {
+    std::visit(
+        [&](auto member) {
+          command
+              .add_option(argument.name, links.*member,
+                          std::string("for inputs without links: ") + argument.meaning)
+              ->check(CLI::NonNegativeNumber)
+              ->capture_default_str();
+        },
+        argument.member);
+  }
+}
+
 void declareBehaviour(CLI::App& command, RunOptions& options) {
   command
       .add_option_function<std::string>(
@@ -73,17 +88,7 @@ void declareBehaviour(CLI::App& command, RunOptions& options) {
           "what to do when the process fails at a frame (default stop)")
       ->check(CLI::IsMember({skip, stop}))
       ->type_name("skip|stop");
-  command
-      .add_option("--neighbour-links", options.links.neighbourStrength,
-                  "for inputs without links: reliability of a link to a neighbour at distance 0")
-      ->check(CLI::NonNegativeNumber)
-      ->capture_default_str();
-  command
-      .add_option("--neighbour-radius", options.links.neighbourRadius,
-                  "for inputs without links: distance in metres at which neighbours are not "
-                  "linked any more")
-      ->check(CLI::NonNegativeNumber)
-      ->capture_default_str();
+  declareLinks(command, options.links);
 }
 
 void printSummary(const RunSummary& summary) {

@@ -4,6 +4,7 @@
 #include "InputError.h"
 #include "StandingBody.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <utility>
@@ -39,9 +40,9 @@ bool TrackAssembler::next(InputFrame& frame) {
     const MobilePointer mobile = makeMobile(observation, frame.place);
     Chain& chain = m_chains[observation.person];
     linkOwn(chain, mobile, frame);
-    linkNeighbours(observation.person, mobile, frame);
+    linkNeighbours(chain, observation.person, mobile, frame);
     chain.push_back({mobile, m_step});
-    if (chain.size() > m_options.chainLength) {
+    if (chain.size() > memory()) {
       chain.pop_front();
     }
     frame.observed.push_back(mobile);
@@ -101,17 +102,65 @@ void TrackAssembler::linkOwn(const Chain& chain, const MobilePointer& mobile,
   }
 }
 
-void TrackAssembler::linkNeighbours(std::uint32_t person, const MobilePointer& mobile,
-                                    InputFrame& frame) const {
+void TrackAssembler::linkNeighbours(const Chain& chain, std::uint32_t person,
+                                    const MobilePointer& mobile, InputFrame& frame) const {
+  const bool wasThere = !chain.empty() && chain.back().step + 1 == m_step;
+  // Where both are known at the same instant, their distance does not depend on who walks ahead.
+  const MobilePointer& origin = wasThere ? chain.back().mobile : mobile;
+  const auto motion = displacement(chain);
+  std::vector<std::pair<double, MobilePointer>> links;
   for (const auto& [neighbour, seen] : m_previous) {
-    const double apart = distance(seen, mobile);
-    if (neighbour != person && apart < m_options.neighbourRadius) {
-      const double closeness = 1.0 - apart / m_options.neighbourRadius;
-      kelDataLinkedPhysicalObject::addFatherLink(seen, mobile,
-                                                 m_options.neighbourStrength * closeness);
-      frame.fathers.push_back(seen);
+    const double apart = distance(seen, origin);
+    if (neighbour == person || !(apart < m_options.neighbourRadius)) {
+      continue;
+    }
+    const double closeness = 1.0 - apart / m_options.neighbourRadius;
+    const double likeness = motionLikeness(motion, displacement(m_chains.at(neighbour)));
+    if (closeness * likeness > 0.0) {
+      links.emplace_back(m_options.neighbourStrength * closeness * likeness, seen);
     }
   }
+  std::stable_sort(links.begin(), links.end(),
+                   [](const auto& a, const auto& b) { return a.first > b.first; });
+  links.resize(std::min(links.size(), m_options.neighbourLinks));
+  for (const auto& [reliability, seen] : links) {
+    kelDataLinkedPhysicalObject::addFatherLink(seen, mobile, reliability);
+    frame.fathers.push_back(seen);
+  }
+}
+
+// The way from `motionSteps` steps ago, or as much of it as is known, to the step before, extended
+// to the full number of steps.
+std::optional<cv::Point2d> TrackAssembler::displacement(const Chain& chain) const {
+  std::optional<Seen> last;
+  std::optional<Seen> first;
+  for (auto seen = chain.rbegin(); seen != chain.rend(); ++seen) {
+    if (seen->step >= m_step) {
+      continue;
+    }
+    last = last ? last : std::optional(*seen);
+    if (last->step + 1 < m_step || last->step - seen->step > m_options.motionSteps) {
+      break;
+    }
+    first = *seen;
+  }
+  if (!last || !first || first->step == last->step) {
+    return std::nullopt;
+  }
+  const auto& from = first->mobile->getPhysicalObject()->getPosition();
+  const auto& to = last->mobile->getPhysicalObject()->getPosition();
+  const double scale =
+      static_cast<double>(m_options.motionSteps) / static_cast<double>(last->step - first->step);
+  return cv::Point2d((to.x - from.x) * scale, (to.y - from.y) * scale);
+}
+
+double TrackAssembler::motionLikeness(const std::optional<cv::Point2d>& a,
+                                      const std::optional<cv::Point2d>& b) const {
+  if (m_options.motionDifference <= 0.0 || !a || !b) {
+    return 1.0;
+  }
+  const double difference = std::hypot(a->x - b->x, a->y - b->y);
+  return std::max(0.0, 1.0 - difference / m_options.motionDifference);
 }
 
 QSharedPointer<kelDataActor> TrackAssembler::makeActor(std::uint32_t person,
@@ -123,15 +172,20 @@ QSharedPointer<kelDataActor> TrackAssembler::makeActor(std::uint32_t person,
   actor->setCurrentPosition(current.getPosition());
   actor->setBoundingBox2D(current.getBoundingBox2D());
   actor->setBoundingBox3D(current.getBoundingBox3D());
-  for (const Seen& seen : chain) {
-    actor->addLinkedPhysicalObject(seen.mobile);
+  const std::size_t listed = std::min(chain.size(), m_options.chainLength);
+  for (auto seen = chain.end() - static_cast<std::ptrdiff_t>(listed); seen != chain.end(); ++seen) {
+    actor->addLinkedPhysicalObject(seen->mobile);
   }
   return actor;
 }
 
+std::size_t TrackAssembler::memory() const {
+  return std::max({m_options.chainLength, m_options.ownLinks + 1, m_options.motionSteps + 2});
+}
+
 void TrackAssembler::forgetTheGone() {
   for (auto chain = m_chains.begin(); chain != m_chains.end();) {
-    const bool isGone = m_step - chain->second.back().step > m_options.chainLength;
+    const bool isGone = m_step - chain->second.back().step > memory();
     chain = isGone ? m_chains.erase(chain) : std::next(chain);
   }
 }

@@ -42,8 +42,13 @@ class TrackAssembler : public FrameSource {
   MobilePointer makeMobile(const Observation& observation, const std::string& place);
   std::uint32_t nextId();
   void linkOwn(const Chain& chain, const MobilePointer& mobile, InputFrame& frame) const;
-  void linkNeighbours(std::uint32_t person, const MobilePointer& mobile, InputFrame& frame) const;
+  void linkNeighbours(const Chain& chain, std::uint32_t person, const MobilePointer& mobile,
+                      InputFrame& frame) const;
+  std::optional<cv::Point2d> displacement(const Chain& chain) const;
+  double motionLikeness(const std::optional<cv::Point2d>& a,
+                        const std::optional<cv::Point2d>& b) const;
   QSharedPointer<kelDataActor> makeActor(std::uint32_t person, const Chain& chain) const;
+  std::size_t memory() const;
   void forgetTheGone();
 
   std::unique_ptr<ObservationSource> m_source;

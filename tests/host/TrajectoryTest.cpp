@@ -74,7 +74,9 @@ TEST(Obsmat, SaysInWhichLineItIsWrong) {
 }
 
 TEST(TrackAssembler, MakesActorsOfPersonsWithStandingBodies) {
-  const auto frames = assemble(row(10, 3, 2, 5) + row(20, 3, 3, 5) + row(20, 1, 8, 8));
+  LinkOptions options;
+  options.chainLength = 30;
+  const auto frames = assemble(row(10, 3, 2, 5) + row(20, 3, 3, 5) + row(20, 1, 8, 8), options);
   ASSERT_EQ(frames.size(), 2U);
   EXPECT_EQ(frames[1].number, 20);
   ASSERT_EQ(frames[1].actors.size(), 2);
@@ -93,7 +95,9 @@ TEST(TrackAssembler, LinksAPersonToItsLatestObservationsLessTheFartherBack) {
     text += row(frame, 1, frame, 0);
   }
   text += row(9, 1, 9, 0);  // two steps missed
-  const auto frames = assemble(text);
+  LinkOptions options;
+  options.ownLinks = 5;
+  const auto frames = assemble(text, options);
   using Links = std::vector<std::pair<unsigned, double>>;
   EXPECT_EQ(linksOf(frames[6].observed[0]),
             (Links{{6, 1.0}, {5, 0.9}, {4, 0.8}, {3, 0.7}, {2, 0.6}}));
@@ -105,6 +109,7 @@ TEST(TrackAssembler, LinksNeighboursOfThePreviousStepWithinTheRadius) {
   LinkOptions options;
   options.neighbourStrength = 0.4;
   options.neighbourRadius = 2.0;
+  options.neighbourLinks = 5;
   const std::string first = row(1, 5, 1, 0) + row(1, 2, 0, 0.5) + row(1, 9, 2, 0);
   const auto frames = assemble(first + row(2, 7, 0, 0), options);
   // Ascending persons: 2 (mobile 1) at 0.5 m, 5 (mobile 2) at 1 m, 9 at exactly 2 m not.
@@ -115,9 +120,33 @@ TEST(TrackAssembler, LinksNeighboursOfThePreviousStepWithinTheRadius) {
       << "only the step before counts";
 }
 
+TEST(TrackAssembler, PrefersNeighboursWhoWalkTheSameWay) {
+  LinkOptions options;
+  options.neighbourStrength = 1.0;
+  options.neighbourRadius = 4.0;
+  options.motionSteps = 2;
+  options.motionDifference = 4.0;
+  options.neighbourLinks = 2;
+  std::string text;
+  for (int frame = 0; frame < 4; ++frame) {
+    text += row(frame, 1, frame, 0);        // mobile 1, 5, 9, 13
+    text += row(frame, 2, frame, 2);        // beside all the way
+    text += row(frame, 3, 2, 1);            // stands
+    text += row(frame, 4, 2 - frame, 0.5);  // comes the other way
+  }
+  const auto links = linksOf(assemble(text, options)[3].observed[0]);
+  ASSERT_EQ(links.size(), 3U) << "one own and two neighbours";
+  // At frame 2: 2 m away with the same way; 1 m away with 2 m difference over two steps; the one
+  // who comes differs by 4 m.
+  EXPECT_EQ(links[1], (std::pair<unsigned, double>{10, 1.0 * 0.5}));
+  EXPECT_EQ(links[2], (std::pair<unsigned, double>{11, 1.0 * 0.75 * 0.5}));
+}
+
 TEST(TrackAssembler, ListsTheLastObservationsAndForgetsThoseLongGone) {
   LinkOptions options;
   options.chainLength = 3;
+  options.ownLinks = 1;
+  options.motionSteps = 1;
   std::string text;
   for (int frame = 0; frame < 12; ++frame) {
     text += row(frame, 2, 50, frame);

@@ -1,0 +1,82 @@
+#include "EvaluateCommand.h"
+
+#include "ErrorList.h"
+#include "FileIdentity.h"
+#include "InputFormats.h"
+#include "OutputFile.h"
+#include "RunRecordReader.h"
+#include "TruthReader.h"
+
+#include <fmt/format.h>
+
+#include <filesystem>
+
+namespace {
+
+const char* const example = R"(Example:
+  grouptracker evaluate groups.jsonl --truth seq_eth/groups.txt --baselines)";
+
+void declareScores(CLI::App& command, EvaluationOptions& options) {
+  command
+      .add_option("--window", options.window.length,
+                  "time steps of a window; windows follow each other")
+      ->check(CLI::PositiveNumber)
+      ->capture_default_str();
+  command
+      .add_option("--together", options.window.together,
+                  "time steps of a window in one group that make two persons one group")
+      ->check(CLI::PositiveNumber)
+      ->capture_default_str();
+  command
+      .add_option("--event-tolerance", options.eventTolerance,
+                  "time steps between a found merge or split and the true one")
+      ->capture_default_str();
+}
+
+}  // namespace
+
+CLI::App* EvaluateCommand::declare(CLI::App& program) {
+  CLI::App* const command =
+      program.add_subcommand("evaluate", "Scores the groups of a run against annotated ones");
+  command->footer(example);
+  command->add_option("GROUPS", m_groupsFile, "the groups that a run wrote, JSON Lines")
+      ->required();
+  command
+      ->add_option("--truth", m_truthFile,
+                   "annotated groups: one a line for the whole sequence, or per frame in *.jsonl")
+      ->required()
+      ->type_name("FILE");
+  command->add_option("--output", m_outputFile, "all numbers as JSON")->type_name("FILE");
+  command->add_option("--errors", m_errorsFile, "who is in the wrong company at which frame, CSV")
+      ->type_name("FILE");
+  command->add_flag("--baselines", m_baselines,
+                    "also score everybody alone and a crude rule over the window");
+  command->add_option("--input", m_input,
+                      "the input of the run, for --baselines (default: the folder of the truth)");
+  declareScores(*command, m_options);
+  return command;
+}
+
+int EvaluateCommand::run() {
+  refuseOverwriting({m_outputFile, m_errorsFile}, {m_groupsFile, m_truthFile});
+  const RunRecord record = readRunRecord(m_groupsFile);
+  const GroupTruth truth = readTruth(m_truthFile);
+  EvaluationReport report = evaluate(record, truth, m_options);
+  if (m_baselines) {
+    const auto input = openInput(inputOfBaselines(), {});
+    report.baselines = scoreBaselines(placesOf(*input.frames), truth, m_options.window);
+  }
+  fmt::print("{}", tableOf(report));
+  if (!m_outputFile.empty()) {
+    OutputFile(m_outputFile).writeLines(jsonOf(report));
+  }
+  if (!m_errorsFile.empty()) {
+    writeErrorList(record, stepsOf(record, truth), m_errorsFile);
+  }
+  return finished;
+}
+
+std::string EvaluateCommand::inputOfBaselines() const {
+  const auto folder = std::filesystem::path(m_truthFile).parent_path();
+  return m_input.empty() ? (folder.empty() ? "." : folder.string()) : m_input;
+}

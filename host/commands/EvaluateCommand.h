@@ -1,0 +1,24 @@
+#pragma once
+
+#include "Command.h"
+#include "EvaluationReport.h"
+
+#include <string>
+
+/// `grouptracker evaluate`: scores the groups of a run against annotated ones.
+class EvaluateCommand : public Command {
+ public:
+  CLI::App* declare(CLI::App& program) override;
+  int run() override;
+
+ private:
+  std::string inputOfBaselines() const;
+
+  std::string m_groupsFile;
+  std::string m_truthFile;
+  std::string m_outputFile;  ///< empty when not wanted
+  std::string m_errorsFile;  ///< empty when not wanted
+  std::string m_input;       ///< empty when not given
+  bool m_baselines = false;
+  EvaluationOptions m_options;
+};

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "Command.h"
+#include "TuneSession.h"
+
+/// `grouptracker tune`: searches for the parameters and links that score best on annotated inputs.
+class TuneCommand : public Command {
+ public:
+  CLI::App* declare(CLI::App& program) override;
+  int run() override;
+
+ private:
+  TuneOptions m_options;
+};

@@ -1,0 +1,211 @@
+#include "TuneSession.h"
+
+#include "FileIdentity.h"
+#include "InputError.h"
+#include "InputFile.h"
+#include "InputFormats.h"
+#include "OutputError.h"
+#include "OutputFile.h"
+#include "TruthReader.h"
+#include "WorkerPool.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <limits>
+#include <map>
+#include <utility>
+
+namespace {
+
+const std::map<std::string, TunedScore> scores{{"windowed", TunedScore::windowed},
+                                               {"whole", TunedScore::whole},
+                                               {"groups", TunedScore::correctGroups},
+                                               {"pairs", TunedScore::pairs}};
+
+std::uint64_t countSteps(const std::string& path) {
+  const OpenedInput input = openInput(path, {});
+  std::uint64_t steps = 0;
+  for (InputFrame frame; input.frames->next(frame);) {
+    ++steps;
+  }
+  return steps;
+}
+
+TunedSequence openSequence(const std::string& text) {
+  const auto colon = text.rfind(':');
+  if (colon == std::string::npos) {
+    throw InputError(text, "INPUT:TRUTH is expected, an input and the file of its groups");
+  }
+  const std::string input = text.substr(0, colon);
+  const auto path = std::filesystem::path(input);
+  const auto name = path.filename().empty() ? path.parent_path().filename() : path.filename();
+  return {name, input, readTruth(text.substr(colon + 1)), countSteps(input)};
+}
+
+TuningSpace readSpace(const std::string& path) {
+  if (path.empty()) {
+    return TuningSpace::standard();
+  }
+  InputFile file(path);
+  return TuningSpace::read(file.stream(), path);
+}
+
+/// A folder for the parameter files of the trials that goes when the search does.
+class TrialFolder {
+ public:
+  TrialFolder() {
+    std::string name = std::filesystem::temp_directory_path() / "grouptracker-tune-XXXXXX";
+    if (::mkdtemp(name.data()) == nullptr) {
+      throw OutputError(name, "cannot be made");
+    }
+    m_path = name;
+  }
+  TrialFolder(const TrialFolder&) = delete;
+  TrialFolder& operator=(const TrialFolder&) = delete;
+  ~TrialFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(m_path, ignored);
+  }
+  std::string file(std::size_t number) const { return m_path / std::to_string(number); }
+
+ private:
+  std::filesystem::path m_path;
+};
+
+std::string scoresOf(const Trial& trial, const std::vector<const TunedSequence*>& sequences) {
+  std::string text;
+  double sum = 0.0;
+  for (std::size_t i = 0; i < sequences.size(); ++i) {
+    const double score = trial.scores[i].value_or(0.0);
+    text += fmt::format("{} {:.3f}, ", sequences[i]->name, score);
+    sum += score;
+  }
+  return text + fmt::format("mean {:.3f}", sum / static_cast<double>(sequences.size()));
+}
+
+}  // namespace
+
+TuneSession::TuneSession(const TuneOptions& options)
+    : m_options(options),
+      m_space(readSpace(options.spaceFile)),
+      m_base(ParameterText::read(options.baseFile)) {
+  refuseOverwriting({options.outputFile, options.logFile}, {options.baseFile, options.spaceFile});
+  for (const std::string& sequence : options.sequences) {
+    m_sequences.push_back(openSequence(sequence));
+  }
+}
+
+void TuneSession::run() {
+  Sequences all;
+  for (const TunedSequence& sequence : m_sequences) {
+    all.push_back(&sequence);
+  }
+  const Trial best = search(all, m_options.logFile, "all");
+  if (best.scores.empty()) {
+    throw InputError(m_options.baseFile, "all trials died, with these parameters, too");
+  }
+  writeBest(best);
+  fmt::print("best, trial {}: {}\nlinks:{}\n", best.number, scoresOf(best, all),
+             m_space.settingsOf(best.candidate, m_base).linkArguments);
+  if (m_options.leaveOneOut) {
+    leaveEachOut(best);
+  }
+}
+
+Trial TuneSession::search(const Sequences& sequences, const std::string& logFile,
+                          const char* purpose) {
+  std::vector<std::string> names;
+  for (const TunedSequence* sequence : sequences) {
+    names.push_back(sequence->name);
+  }
+  TrialLog log(logFile, names, m_space, m_options.resume);
+  TuningSearch search(m_space, m_space.baseOf(m_base), m_options.search);
+  m_bestWorth = -std::numeric_limits<double>::infinity();
+  return search.run(
+      [&](std::vector<Trial>& trials) { evaluate(trials, sequences, log, search, purpose); });
+}
+
+void TuneSession::evaluate(std::vector<Trial>& trials, const Sequences& sequences, TrialLog& log,
+                           const TuningSearch& search, const char* purpose) {
+  std::vector<std::size_t> open;
+  for (std::size_t i = 0; i < trials.size(); ++i) {
+    if (!log.recall(trials[i])) {
+      trials[i].scores.assign(sequences.size(), std::nullopt);
+      open.push_back(i);
+    }
+  }
+  compute(trials, open, sequences, log, purpose);
+  for (const Trial& trial : trials) {
+    if (trial.part == 1.0 && search.worth(trial) > m_bestWorth) {
+      m_bestWorth = search.worth(trial);
+      if (!m_options.quiet) {
+        fmt::print(stderr, "{}: trial {} of {}, best so far {}\n", purpose, trial.number,
+                   m_options.search.trials, scoresOf(trial, sequences));
+      }
+    }
+  }
+}
+
+void TuneSession::compute(std::vector<Trial>& trials, const std::vector<std::size_t>& open,
+                          const Sequences& sequences, TrialLog& log, const char* purpose) {
+  const TrialFolder folder;
+  const TunedScore score = scores.at(m_options.scoreName);
+  std::vector<WorkerPool::Task> tasks;
+  for (const std::size_t i : open) {
+    for (const TunedSequence* sequence : sequences) {
+      tasks.emplace_back([&, i, sequence, number = tasks.size()] {
+        return runTrial(*sequence, m_space.settingsOf(trials[i].candidate, m_base), trials[i].part,
+                        score, folder.file(number));
+      });
+    }
+  }
+  std::map<std::size_t, std::size_t> missing;
+  const WorkerPool pool(m_options.jobs, std::chrono::seconds(m_options.patience));
+  pool.run(tasks, [&](std::size_t task, std::optional<double> result) {
+    Trial& trial = trials[open[task / sequences.size()]];
+    trial.scores[task % sequences.size()] = result;
+    auto& finished = missing[trial.number];
+    if (++finished == sequences.size()) {
+      log.write(trial);
+      if (!m_options.quiet && !result) {
+        fmt::print(stderr, "{}: trial {} died\n", purpose, trial.number);
+      }
+    }
+  });
+}
+
+void TuneSession::leaveEachOut(const Trial& best) {
+  double carried = 0.0;
+  double fitted = 0.0;
+  for (std::size_t left = 0; left < m_sequences.size(); ++left) {
+    Sequences others;
+    for (std::size_t i = 0; i < m_sequences.size(); ++i) {
+      if (i != left) {
+        others.push_back(&m_sequences[i]);
+      }
+    }
+    const TunedSequence& one = m_sequences[left];
+    const std::string log =
+        m_options.logFile.empty() ? "" : m_options.logFile + ".without-" + one.name + ".csv";
+    const std::string purpose = "without " + one.name;
+    Trial trial = search(others, log, purpose.c_str());
+    std::vector<Trial> carriedOver{{1, 1.0, trial.candidate, {std::nullopt}}};
+    TrialLog none("", {one.name}, m_space, false);
+    compute(carriedOver, {0}, {&one}, none, purpose.c_str());
+    const double score = carriedOver[0].scores[0].value_or(0.0);
+    fmt::print("without {}: {:.3f} there, {:.3f} when it was tuned with\n", one.name, score,
+               best.scores[left].value_or(0.0));
+    carried += score;
+    fitted += best.scores[left].value_or(0.0);
+  }
+  const auto count = static_cast<double>(m_sequences.size());
+  fmt::print("leave one out: mean {:.3f}, against {:.3f}\n", carried / count, fitted / count);
+}
+
+void TuneSession::writeBest(const Trial& best) {
+  OutputFile(m_options.outputFile)
+      .writeLines(m_space.settingsOf(best.candidate, m_base).parameters);
+}

@@ -1,0 +1,29 @@
+#include "FrameScores.h"
+
+std::vector<PartitionPair> stepsOf(const RunRecord& run, const GroupTruth& truth) {
+  std::vector<PartitionPair> steps;
+  steps.reserve(run.size());
+  for (const FoundStep& step : run) {
+    steps.push_back({step.persons, restrictTo(truth.at(step.frame), step.persons),
+                     restrictTo(step.grouping(), step.persons)});
+  }
+  return steps;
+}
+
+FrameScores scoreFrames(const std::vector<PartitionPair>& steps) {
+  FrameScores scores;
+  int compared = 0;
+  for (const PartitionPair& step : steps) {
+    if (step.persons.size() < 2) {
+      continue;
+    }
+    ++compared;
+    for (std::size_t i = 0; i < FrameScores::tolerances.size(); ++i) {
+      scores.correctGroups[i] += correctGroups(step, FrameScores::tolerances[i]);
+    }
+    scores.pairs += pairCounts(step);
+    scores.adjustedRand += adjustedRandIndex(step);
+  }
+  scores.adjustedRand /= compared > 0 ? compared : 1;
+  return scores;
+}

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "Grouping.h"
+
+#include <cstdint>
+#include <map>
+#include <vector>
+
+/// The annotated groups of a sequence: the same for all of it, or for each frame its own.
+class GroupTruth {
+ public:
+  /// Groups that hold for the whole sequence.
+  explicit GroupTruth(Grouping always = {}) : m_always(std::move(always)) {}
+
+  void setAt(std::int64_t frame, Grouping groups) { m_byFrame[frame] = std::move(groups); }
+  bool isPerFrame() const { return !m_byFrame.empty(); }
+  /// The groups at a frame of the input; none at a frame that a truth per frame leaves out.
+  const Grouping& at(std::int64_t frame) const;
+  /// The groups of the persons over several frames: two are together when they are at more than
+  /// half of the frames, and so are those whom others connect.
+  Grouping over(const std::vector<std::int64_t>& frames) const;
+  /// All frames together: whoever was ever in one group is.
+  Grouping whole() const;
+
+ private:
+  Grouping m_always;
+  std::map<std::int64_t, Grouping> m_byFrame;
+};

@@ -1,0 +1,10 @@
+#include "RunRecord.h"
+
+Grouping FoundStep::grouping() const {
+  std::vector<PersonGroup> lists;
+  lists.reserve(groups.size());
+  for (const FoundGroup& group : groups) {
+    lists.push_back(group.persons);
+  }
+  return joinOverlapping(lists);
+}

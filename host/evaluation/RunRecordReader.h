@@ -1,0 +1,16 @@
+#pragma once
+
+#include "FrameReport.h"
+#include "RunRecord.h"
+
+#include <istream>
+#include <string>
+
+/// Reads the groups file of a run, the JSON Lines that `run` writes: of each line whose reported
+/// frame has begun the input's frame, the persons, and the visible groups with their persons. Bad
+/// input is an `InputError` with file and line.
+RunRecord readRunRecord(std::istream& in, const std::string& name);
+RunRecord readRunRecord(const std::string& path);
+
+/// The same from a report that has not been written.
+void appendReport(const FrameReport& report, RunRecord& run);

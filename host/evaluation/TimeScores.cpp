@@ -1,0 +1,144 @@
+#include "TimeScores.h"
+
+#include <algorithm>
+#include <map>
+#include <optional>
+#include <set>
+
+namespace {
+
+constexpr double correspondence = 0.5;  // of the larger group
+
+/// What is known of a true group so far.
+struct Following {
+  std::size_t firstSeen = 0;
+  std::optional<std::size_t> firstFound;
+  std::uint32_t lastId = 0;
+};
+
+const FoundGroup* correspondingTo(const PersonGroup& truth, const FoundStep& step) {
+  const FoundGroup* best = nullptr;
+  double bestOverlap = 0.0;
+  for (const FoundGroup& group : step.groups) {
+    const double common = overlap(truth, group.persons);
+    const bool isBetter =
+        common > bestOverlap || (best && common == bestOverlap && group.id < best->id);
+    if (group.persons.size() > 1 && reaches(common, correspondence) && isBetter) {
+      best = &group;
+      bestOverlap = common;
+    }
+  }
+  return best;
+}
+
+}  // namespace
+
+TimeScores scoreTime(const RunRecord& run, const GroupTruth& truth) {
+  TimeScores scores;
+  std::map<PersonGroup, Following> trueGroups;
+  std::set<std::uint32_t> found;
+  std::set<std::uint32_t> corresponding;
+  for (std::size_t i = 0; i < run.size(); ++i) {
+    const FoundStep& step = run[i];
+    for (const FoundGroup& group : step.groups) {
+      if (group.persons.size() > 1) {
+        found.insert(group.id);
+      }
+    }
+    for (const PersonGroup& group : truth.at(step.frame)) {
+      const Grouping present = restrictTo({group}, step.persons);
+      if (present.empty()) {
+        continue;
+      }
+      Following& following = trueGroups.try_emplace(group, Following{i, {}, 0}).first->second;
+      if (const FoundGroup* const now = correspondingTo(present.front(), step)) {
+        corresponding.insert(now->id);
+        scores.identityChanges += following.firstFound && now->id != following.lastId ? 1 : 0;
+        following.firstFound = following.firstFound ? following.firstFound : i;
+        following.lastId = now->id;
+      }
+    }
+  }
+  scores.foundGroups = static_cast<int>(found.size());
+  scores.falseGroups = static_cast<int>(found.size() - corresponding.size());
+  scores.trueGroups = static_cast<int>(trueGroups.size());
+  for (const auto& [group, following] : trueGroups) {
+    if (following.firstFound) {
+      scores.untilFound += static_cast<double>(*following.firstFound - following.firstSeen);
+    } else {
+      ++scores.neverFound;
+    }
+  }
+  scores.untilFound /= std::max(1, scores.trueGroups - scores.neverFound);
+  return scores;
+}
+
+namespace {
+
+/// Something that happened to some persons at a time step.
+struct Event {
+  std::size_t step = 0;
+  PersonGroup persons;
+};
+
+/// The groups of `now` whose members come from several groups of `before`.
+void addJoined(const Grouping& before, const Grouping& now, std::size_t step,
+               std::vector<Event>& events) {
+  for (const PersonGroup& group : now) {
+    const auto isSource = [&group](const PersonGroup& source) {
+      return overlap(source, group) > 0.0;
+    };
+    if (std::count_if(before.begin(), before.end(), isSource) > 1) {
+      events.push_back({step, group});
+    }
+  }
+}
+
+/// The steps at which a found group's record of an event appears or changes.
+std::vector<Event> recorded(const RunRecord& run, int FoundGroup::*other) {
+  std::vector<Event> events;
+  std::map<std::uint32_t, int> last;
+  for (std::size_t i = 0; i < run.size(); ++i) {
+    for (const FoundGroup& group : run[i].groups) {
+      int& before = last.try_emplace(group.id, -1).first->second;
+      if (group.*other != -1 && group.*other != before) {
+        events.push_back({i, group.persons});
+      }
+      before = group.*other == -1 ? before : group.*other;
+    }
+  }
+  return events;
+}
+
+Counts matchEvents(const std::vector<Event>& truth, const std::vector<Event>& found,
+                   std::size_t tolerance) {
+  Counts counts{0, std::ssize(found), std::ssize(truth)};
+  std::vector<bool> isUsed(found.size(), false);
+  for (const Event& event : truth) {
+    for (std::size_t i = 0; i < found.size(); ++i) {
+      const std::size_t apart =
+          std::max(event.step, found[i].step) - std::min(event.step, found[i].step);
+      if (!isUsed[i] && apart <= tolerance && overlap(event.persons, found[i].persons) > 0.0) {
+        isUsed[i] = true;
+        ++counts.matched;
+        break;
+      }
+    }
+  }
+  return counts;
+}
+
+}  // namespace
+
+EventScores scoreEvents(const RunRecord& run, const GroupTruth& truth, std::size_t tolerance) {
+  std::vector<Event> merges;
+  std::vector<Event> splits;
+  for (std::size_t i = 1; i < run.size(); ++i) {
+    const Grouping& before = truth.at(run[i - 1].frame);
+    const Grouping& now = truth.at(run[i].frame);
+    addJoined(before, now, i, merges);
+    addJoined(now, before, i, splits);
+  }
+  return {matchEvents(merges, recorded(run, &FoundGroup::merge), tolerance),
+          matchEvents(splits, recorded(run, &FoundGroup::split), tolerance)};
+}

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "GroupTruth.h"
+
+#include <istream>
+#include <string>
+
+/// Reads annotated groups. Files named *.jsonl hold the groups of each frame, one object a line:
+///
+///     {"frame": 780, "groups": [[3, 7], [4, 9, 12]]}
+///
+/// `frame` is the input's own number; a group may also be an object with the list under "persons".
+/// All other files hold groups for the whole sequence, the persons of one group a line, separated
+/// by blanks, tabulators, commas or semicolons. A first line that is no list of persons is a
+/// header; empty lines, persons on their own and repeated ones are allowed, and lines that share a
+/// person are one group. Bad input is an `InputError` with file and line.
+GroupTruth readTruth(const std::string& path);
+GroupTruth readGroupLists(std::istream& in, const std::string& name);
+GroupTruth readGroupsPerFrame(std::istream& in, const std::string& name);

@@ -1,0 +1,52 @@
+#include "TrialRunner.h"
+
+#include "FrameReporter.h"
+#include "FrameScores.h"
+#include "InputFormats.h"
+#include "OutputFile.h"
+#include "ParameterFile.h"
+#include "PluginLoader.h"
+#include "ProcessRunner.h"
+#include "RunRecordReader.h"
+
+namespace {
+
+double scoreOf(const RunRecord& run, const GroupTruth& truth, TunedScore score) {
+  constexpr std::size_t mostlyCorrect = 1;  // among the tolerances: two thirds
+  switch (score) {
+    case TunedScore::windowed:
+      return meanMitre(windowsOf(run, truth, {})).f1;
+    case TunedScore::whole:
+      return groupMitre(wholeSequence(run, truth, {})).f1;
+    case TunedScore::correctGroups:
+      return scoreFrames(stepsOf(run, truth)).correctGroups[mostlyCorrect].scores().f1;
+    case TunedScore::pairs:
+      return scoreFrames(stepsOf(run, truth)).pairs.scores().f1;
+  }
+  return 0.0;
+}
+
+}  // namespace
+
+double runTrial(const TunedSequence& sequence, const TrialSettings& settings, double part,
+                TunedScore score, const std::string& parameterFile) {
+  OutputFile(parameterFile).writeLines(settings.parameters);
+  InputOptions options;
+  options.links = settings.links;
+  const OpenedInput input = openInput(sequence.input, options);
+  ProcessOptions process;
+  process.parameterFile = parameterFile;
+  process.calibration = input.calibration;
+  process.printsDiagnostics = false;
+  process.dumpsMobiles = false;
+  ProcessRunner runner(loadGroupTracker(""), process);
+  FrameReporter reporter(readParameterFile(parameterFile).delay);
+  RunRecord run;
+  const double last = static_cast<double>(sequence.steps) * part;
+  InputFrame frame;
+  while (static_cast<double>(runner.frame()) < last && input.frames->next(frame)) {
+    reporter.note(frame);
+    appendReport(reporter.report(runner.run(frame)), run);
+  }
+  return scoreOf(run, sequence.truth, score);
+}

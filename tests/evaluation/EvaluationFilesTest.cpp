@@ -1,0 +1,62 @@
+#include "RunRecordReader.h"
+#include "TruthReader.h"
+
+#include <gmock/gmock.h>
+
+#include <sstream>
+
+namespace {
+
+Grouping listsOf(const std::string& text) {
+  std::istringstream in(text);
+  return readGroupLists(in, "groups.txt").whole();
+}
+
+template <typename Action>
+std::string errorOf(const Action& action) {
+  try {
+    action();
+  } catch (const std::exception& error) {
+    return error.what();
+  }
+  return "no error";
+}
+
+TEST(GroupLists, MayOverlapRepeatAndHoldHeadersBlankLinesAndSinglePersons) {
+  EXPECT_EQ(listsOf("group members\n\n 5 4\r\n7\n 8,9;10\n\n4 6 4\n11"),
+            (Grouping{{4, 5, 6}, {8, 9, 10}}));
+  EXPECT_EQ(listsOf("1 2\n"), (Grouping{{1, 2}})) << "a first line of persons is no header";
+}
+
+TEST(GroupLists, NameTheWrongLine) {
+  EXPECT_EQ(errorOf([] { listsOf("1 2\n3 x\n"); }),
+            "groups.txt:2: the persons of a group are expected, whole numbers from 0 on");
+  EXPECT_THAT(errorOf([] { listsOf("1 2\n3 -4\n"); }), testing::StartsWith("groups.txt:2: "));
+}
+
+TEST(GroupsPerFrame, AreListsOrObjects) {
+  std::istringstream in(R"({"frame": 7, "groups": [[1, 2], {"id": 3, "persons": [4, 5]}]})");
+  EXPECT_EQ(readGroupsPerFrame(in, "truth.jsonl").at(7), (Grouping{{1, 2}, {4, 5}}));
+  std::istringstream wrong("{\"frame\": 7, \"groups\": []}\n{\"groups\": [[1]]}");
+  EXPECT_EQ(errorOf([&] { readGroupsPerFrame(wrong, "truth.jsonl"); }),
+            "truth.jsonl:2: \"frame\" is missing");
+}
+
+TEST(GroupsOfARun, AreThoseThatAreVisibleAtFramesOfTheInput) {
+  std::istringstream lines(
+      R"({"frame": 1, "reportedFrame": 0, "inputFrame": null, "persons": [], "groups": []})"
+      "\n"
+      R"({"frame": 2, "reportedFrame": 1, "inputFrame": 780, "persons": [9, 3, 7], "groups": [)"
+      R"({"id": 4, "persons": [7, 3, null], "properties": {"Visible": true, "Merge": 2}},)"
+      R"({"id": 5, "persons": [9], "properties": {"Visible": "false"}},)"
+      R"({"id": 6, "persons": [], "properties": {}}]})");
+  const RunRecord run = readRunRecord(lines, "groups.jsonl");
+  ASSERT_EQ(run.size(), 1U);
+  EXPECT_EQ(run[0].frame, 780);
+  EXPECT_EQ(run[0].persons, (std::vector<Person>{3, 7, 9}));
+  ASSERT_EQ(run[0].groups.size(), 1U);
+  EXPECT_EQ(run[0].groups[0].persons, (PersonGroup{3, 7}));
+  EXPECT_EQ(run[0].groups[0].merge, 2);
+}
+
+}  // namespace
