@@ -1,9 +1,11 @@
 #include "Command.h"
+#include "EvaluateCommand.h"
 #include "InputError.h"
 #include "OutputError.h"
 #include "ProcessRunner.h"
 #include "RunCommand.h"
 #include "SimulateCommand.h"
+#include "TuneCommand.h"
 
 #include <fmt/format.h>
 #include <CLI/CLI.hpp>
@@ -26,6 +28,8 @@ std::vector<std::unique_ptr<Command>> allCommands() {
   std::vector<std::unique_ptr<Command>> commands;
   commands.push_back(std::make_unique<RunCommand>());
   commands.push_back(std::make_unique<SimulateCommand>());
+  commands.push_back(std::make_unique<EvaluateCommand>());
+  commands.push_back(std::make_unique<TuneCommand>());
   return commands;
 }
 
