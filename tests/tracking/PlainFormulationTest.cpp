@@ -110,6 +110,6 @@ INSTANTIATE_TEST_SUITE_P(Scenes, FastFormulation,
                          testing::Values(Case{"Plain", false, false}, Case{"Odd", true, false},
                                          Case{"ReusedIds", false, true},
                                          Case{"OddAndReused", true, true}),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return std::string(row.param.name); });
 
 }  // namespace
