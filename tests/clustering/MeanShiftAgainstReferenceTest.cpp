@@ -47,8 +47,14 @@ const Shape shapes[] = {
      [](Random& random, std::size_t, std::size_t) {
        return static_cast<double>(below(random, 3)) / 3.0;
      }},
-    {"tiny", [](Random& random, std::size_t, std::size_t) { return 1e-180 * normal(random); }},
-    {"huge", [](Random& random, std::size_t, std::size_t) { return 1e160 * normal(random); }},
+    {"squares at the lower end of single precision",
+     [](Random& random, std::size_t, std::size_t) { return 1e-20 * normal(random); }},
+    {"squares at the upper end of single precision",
+     [](Random& random, std::size_t, std::size_t) { return 1e19 * normal(random); }},
+    {"squares that underflow",
+     [](Random& random, std::size_t, std::size_t) { return 1e-180 * normal(random); }},
+    {"squares that overflow",
+     [](Random& random, std::size_t, std::size_t) { return 1e160 * normal(random); }},
     {"with values that are no numbers",
      [](Random& random, std::size_t, std::size_t) {
        const std::size_t kind = below(random, 60);
