@@ -18,6 +18,8 @@
 #include <cstdio>
 #include <exception>
 #include <memory>
+#include <stdexcept>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -54,6 +56,8 @@ int runCommand(Command& command) {
     return report(failure, outputFailed);
   } catch (const ProcessError& failure) {
     return report(failure, processFailed);
+  } catch (const std::exception& failure) {
+    return report(std::runtime_error(std::string("unexpected: ") + failure.what()), processFailed);
   }
 }
 

@@ -13,5 +13,8 @@ struct FrameRange {
   /// None for a text that is no range.
   static std::optional<FrameRange> parse(const std::string& text);
 
+  /// Whether nothing is left out.
+  bool isWhole() const { return *this == FrameRange(); }
   bool contains(std::int64_t frame) const { return frame >= first && frame <= last; }
+  bool operator==(const FrameRange&) const = default;
 };

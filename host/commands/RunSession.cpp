@@ -49,7 +49,8 @@ RunSession::RunSession(const RunOptions& options)
 
 RunSummary RunSession::run() {
   const bool showsProgress = !m_options.quiet && Progress::isPossible();
-  m_progress.emplace(showsProgress, showsProgress ? m_input.frames->totalFrames() : std::nullopt);
+  const bool countsFrames = showsProgress && m_options.frames.isWhole();
+  m_progress.emplace(showsProgress, countsFrames ? m_input.frames->totalFrames() : std::nullopt);
   try {
     runFrames();
   } catch (const InputInterrupted&) {

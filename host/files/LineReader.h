@@ -12,7 +12,7 @@
 /// end. A line above `maxLineLength` and a failing read are an `InputError`.
 class LineReader {
  public:
-  static constexpr std::size_t maxLineLength = std::size_t{64} * 1024 * 1024;  // bytes
+  static constexpr std::size_t maxLineLength = std::size_t{16} * 1024 * 1024;  // bytes
 
   /// `name` is the file's name in messages. The stream must outlive the reader.
   LineReader(std::istream& in, std::string name, std::size_t longest = maxLineLength);

@@ -48,7 +48,7 @@ const Shape shapes[] = {
        return static_cast<double>(below(random, 3)) / 3.0;
      }},
     {"squares at the lower end of single precision",
-     [](Random& random, std::size_t, std::size_t) { return 1e-20 * normal(random); }},
+     [](Random& random, std::size_t, std::size_t) { return 1e-22 * normal(random); }},
     {"squares at the upper end of single precision",
      [](Random& random, std::size_t, std::size_t) { return 1e19 * normal(random); }},
     {"squares that underflow",
