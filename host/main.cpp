@@ -1,5 +1,6 @@
 #include "Command.h"
 #include "EvaluateCommand.h"
+#include "EventsCommand.h"
 #include "InputError.h"
 #include "OutputError.h"
 #include "ProcessRunner.h"
@@ -32,6 +33,7 @@ std::vector<std::unique_ptr<Command>> allCommands() {
   commands.push_back(std::make_unique<SimulateCommand>());
   commands.push_back(std::make_unique<EvaluateCommand>());
   commands.push_back(std::make_unique<TuneCommand>());
+  commands.push_back(std::make_unique<EventsCommand>());
   return commands;
 }
 

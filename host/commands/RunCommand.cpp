@@ -111,6 +111,7 @@ CLI::App* RunCommand::declare(CLI::App& program) {
   command->footer(example);
   declareFiles(*command, m_options);
   declareTexts(*command, m_options);
+  declareStepOptions(*command, m_options.steps);
   declareBehaviour(*command, m_options);
   return command;
 }

@@ -2,6 +2,7 @@
 
 #include "FrameRange.h"
 #include "LinkOptions.h"
+#include "StepOptions.h"
 
 #include <string>
 
@@ -18,6 +19,7 @@ struct RunOptions {
   std::string mobileDump;   ///< a file, or "none"; the process's own choice when empty
   FrameRange frames;
   LinkOptions links;
+  StepOptions steps;
   bool skipsFailedFrames = false;
   bool quiet = false;
 };

@@ -52,9 +52,7 @@ RunSummary RunSession::run() {
   const bool countsFrames = showsProgress && m_options.frames.isWhole();
   m_progress.emplace(showsProgress, countsFrames ? m_input.frames->totalFrames() : std::nullopt);
   try {
-    runFrames();
-  } catch (const InputInterrupted&) {
-    // The wait for the next frame ended because a stop was asked for.
+    runToTheEnd();
   } catch (const ClosedPipe&) {
     m_summary.pipeClosed = true;
   }
@@ -88,10 +86,15 @@ void RunSession::openOutputs() {
   std::vector<std::string> inputs = m_input.files;
   inputs.insert(inputs.end(),
                 {m_options.parameterFile, m_options.calibrationFile, m_options.contextFile});
-  refuseOverwriting({m_options.outputFile, diagnostics, dump}, inputs);
+  std::vector<std::string> outputs = m_options.steps.files();
+  outputs.insert(outputs.end(), {m_options.outputFile, diagnostics, dump});
+  refuseOverwriting(outputs, inputs);
   m_sinks.push_back(std::make_unique<GroupsWriter>(m_options.outputFile));
   if (!dump.empty()) {
     openForWriting(dump, O_APPEND);  // the process opens it anew and would not say that it cannot
+  }
+  if (m_options.steps.wantsAnything()) {
+    m_steps = std::make_unique<StepOutputs>(m_options.steps, m_parameters);
   }
   if (!diagnostics.empty()) {
     ::dup2(openForWriting(diagnostics, O_TRUNC).get(), STDOUT_FILENO);
@@ -111,6 +114,22 @@ void RunSession::startProcess(std::unique_ptr<kelAbstractProcessGroupTracker> tr
   options.mobileDumpFile = fileOf(m_options.mobileDump);
   m_process = std::make_unique<ProcessRunner>(std::move(tracker), options);
   m_reporter = std::make_unique<FrameReporter>(m_parameters.delay);
+}
+
+void RunSession::runToTheEnd() {
+  try {
+    runFrames();
+  } catch (const InputInterrupted&) {
+    // The wait for the next frame ended because a stop was asked for.
+  } catch (...) {
+    if (m_steps) {
+      m_steps->finishAfterFailure();
+    }
+    throw;
+  }
+  if (m_steps) {
+    m_steps->finish();
+  }
 }
 
 void RunSession::runFrames() {
@@ -141,6 +160,9 @@ void RunSession::runFrame(InputFrame& frame) {
   }
   m_summary.mobiles += frame.observed.size();
   m_reporter->note(frame);
+  if (m_steps) {
+    m_steps->note(frame);
+  }
   errno = 0;
   try {
     const auto groups = m_process->run(frame);
@@ -161,6 +183,9 @@ void RunSession::runFrame(InputFrame& frame) {
 void RunSession::handOut(const FrameReport& report) {
   for (const auto& sink : m_sinks) {
     sink->write(report);
+  }
+  if (m_steps) {
+    m_steps->write(report);
   }
   for (const GroupReport& group : report.groups) {
     // Group ids are given in ascending order, so a higher one than ever is a new group.

@@ -7,6 +7,7 @@
 #include "ProcessRunner.h"
 #include "Progress.h"
 #include "RunOptions.h"
+#include "StepOutputs.h"
 #include "StopSignals.h"
 
 #include <cstdint>
@@ -41,6 +42,7 @@ class RunSession {
   void openOutputs();
   void startProcess(std::unique_ptr<kelAbstractProcessGroupTracker> tracker);
   void runFrames();
+  void runToTheEnd();
   bool nextFrame(InputFrame& frame);
   void runFrame(InputFrame& frame);
   void handOut(const FrameReport& report);
@@ -52,6 +54,7 @@ class RunSession {
   QSharedPointer<kelDataContext> m_context;
   OpenedInput m_input;
   std::vector<std::unique_ptr<FrameSink>> m_sinks;
+  std::unique_ptr<StepOutputs> m_steps;  ///< null when nothing of the kind was asked for
   std::unique_ptr<ProcessRunner> m_process;
   std::unique_ptr<FrameReporter> m_reporter;
   std::optional<Progress> m_progress;

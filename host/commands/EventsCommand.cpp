@@ -1,0 +1,81 @@
+#include "EventsCommand.h"
+
+#include "EventDetector.h"
+#include "EventWriter.h"
+#include "FileIdentity.h"
+#include "GroupsReader.h"
+#include "InputFile.h"
+#include "LineageGraph.h"
+#include "OutputError.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <vector>
+
+namespace {
+
+const char* const example = R"(Example:
+  grouptracker events groups.jsonl --graph lineage.dot)";
+
+/// Writes event lines to standard output.
+class EventPrinter : public StepSink {
+ public:
+  void write(const ReportedStep& step) override {
+    for (const GroupEvent& event : step.events) {
+      std::fputs(toJsonLine(event).c_str(), stdout);
+    }
+    if (!step.events.empty() && std::fflush(stdout) != 0) {
+      throw OutputError("standard output",
+                        std::string("cannot be written: ") + std::strerror(errno));
+    }
+  }
+};
+
+using Sinks = std::vector<std::unique_ptr<StepSink>>;
+
+void replay(const std::string& path, const Sinks& sinks) {
+  InputFile file(path);
+  GroupsReader reader(file.stream(), path);
+  EventDetector detector;
+  for (ReportedStep step; reader.next(step.groups);) {
+    step.events = detector.next(step.groups);
+    for (const auto& sink : sinks) {
+      sink->write(step);
+    }
+  }
+}
+
+}  // namespace
+
+CLI::App* EventsCommand::declare(CLI::App& program) {
+  CLI::App* const command =
+      program.add_subcommand("events", "Tells what happened to the groups of a run");
+  command->footer(example);
+  command->add_option("GROUPS", m_groupsFile, "the groups file of a run, - for standard input")
+      ->required();
+  command->add_option("--output", m_outputFile, "the events, JSON Lines, instead of standard output")
+      ->type_name("FILE");
+  command->add_option("--graph", m_graphFile, "the family tree of the groups, for Graphviz")
+      ->type_name("FILE");
+  return command;
+}
+
+int EventsCommand::run() {
+  refuseOverwriting({m_outputFile, m_graphFile}, {m_groupsFile});
+  Sinks sinks;
+  if (m_outputFile.empty()) {
+    sinks.push_back(std::make_unique<EventPrinter>());
+  } else {
+    sinks.push_back(std::make_unique<EventWriter>(m_outputFile));
+  }
+  if (!m_graphFile.empty()) {
+    sinks.push_back(std::make_unique<LineageGraph>(m_graphFile));
+  }
+  replay(m_groupsFile, sinks);
+  for (const auto& sink : sinks) {
+    sink->finish();
+  }
+  return finished;
+}

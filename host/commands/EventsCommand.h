@@ -1,0 +1,18 @@
+#pragma once
+
+#include "Command.h"
+
+#include <string>
+
+/// `grouptracker events`: finds in the groups file of a run what happened to the groups, the same
+/// events that the run itself writes.
+class EventsCommand : public Command {
+ public:
+  CLI::App* declare(CLI::App& program) override;
+  int run() override;
+
+ private:
+  std::string m_groupsFile;
+  std::string m_outputFile;  ///< standard output when empty
+  std::string m_graphFile;
+};

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include <string>
+#include <vector>
+
+/// What a run shall write about its reported frames beside the groups file. Texts are empty when
+/// the option was not given.
+struct StepOptions {
+  std::string eventFile;
+  std::string graphFile;
+  std::string motFile;
+  std::string csvFile;
+  std::string databaseFile;
+
+  bool wantsAnything() const;
+  /// The files that will be written.
+  std::vector<std::string> files() const;
+};
+
+/// Adds the options to a command; they outlive the parsing.
+void declareStepOptions(CLI::App& command, StepOptions& options);

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "OutputFile.h"
+#include "StepSink.h"
+
+#include <string>
+
+/// Writes the events of every frame, one JSON object a line and event, see `toJsonLine`. The lines
+/// of a frame are handed to the operating system before `write()` returns.
+class EventWriter : public StepSink {
+ public:
+  explicit EventWriter(const std::string& path) : m_file(path) {}
+
+  void write(const ReportedStep& step) override;
+
+ private:
+  OutputFile m_file;
+};
