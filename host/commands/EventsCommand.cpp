@@ -23,7 +23,7 @@ const char* const example = R"(Example:
 class EventPrinter : public StepSink {
  public:
   void write(const ReportedStep& step) override {
-    for (const GroupEvent& event : step.events) {
+    for (const TrackedEvent& event : step.events) {
       std::fputs(toJsonLine(event).c_str(), stdout);
     }
     if (!step.events.empty() && std::fflush(stdout) != 0) {
@@ -55,7 +55,8 @@ CLI::App* EventsCommand::declare(CLI::App& program) {
   command->footer(example);
   command->add_option("GROUPS", m_groupsFile, "the groups file of a run, - for standard input")
       ->required();
-  command->add_option("--output", m_outputFile, "the events, JSON Lines, instead of standard output")
+  command
+      ->add_option("--output", m_outputFile, "the events, JSON Lines, instead of standard output")
       ->type_name("FILE");
   command->add_option("--graph", m_graphFile, "the family tree of the groups, for Graphviz")
       ->type_name("FILE");

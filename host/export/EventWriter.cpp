@@ -1,7 +1,7 @@
 #include "EventWriter.h"
 
 void EventWriter::write(const ReportedStep& step) {
-  for (const GroupEvent& event : step.events) {
+  for (const TrackedEvent& event : step.events) {
     m_file.writeLines(toJsonLine(event));
   }
 }

@@ -14,7 +14,7 @@ void LineageGraph::write(const ReportedStep& step) {
     }
     life.last = group.isVisible ? frame : life.last;
   }
-  for (const GroupEvent& event : step.events) {
+  for (const TrackedEvent& event : step.events) {
     if (event.kind == EventKind::Merged) {
       m_lives.try_emplace(*event.other, Life{frame, frame, {}});  // one that was never listed
       m_ties.push_back({*event.other, event.group, event.kind, frame});

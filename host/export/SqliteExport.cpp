@@ -61,7 +61,7 @@ void SqliteExport::write(const ReportedStep& step) {
   m_frames.row(std::int64_t{frame.reportedFrame}, frame.inputFrame, std::int64_t{frame.frame},
                static_cast<std::int64_t>(frame.persons.size()));
   writeMembers(frame);
-  for (const GroupEvent& event : step.events) {
+  for (const TrackedEvent& event : step.events) {
     writeEvent(event);
   }
   if (++m_framesInPortion == portion) {
@@ -80,13 +80,14 @@ void SqliteExport::writeMembers(const GroupsFrame& frame) {
     for (const GroupMember& member : group.members) {
       const auto x = member.place ? std::optional<double>(member.place->x) : std::nullopt;
       const auto y = member.place ? std::optional<double>(member.place->y) : std::nullopt;
-      const auto person = member.person ? std::optional<std::int64_t>(*member.person) : std::nullopt;
+      const auto person =
+          member.person ? std::optional<std::int64_t>(*member.person) : std::nullopt;
       m_members.row(at, std::int64_t{group.id}, person, std::int64_t{member.mobile}, x, y);
     }
   }
 }
 
-void SqliteExport::writeEvent(const GroupEvent& event) {
+void SqliteExport::writeEvent(const TrackedEvent& event) {
   const std::int64_t at = event.reportedFrame;
   const auto other = event.other ? std::optional<std::int64_t>(*event.other) : std::nullopt;
   m_events.row(++m_lastEvent, at, std::int64_t{event.frame}, nameOf(event.kind),

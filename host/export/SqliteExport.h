@@ -30,7 +30,7 @@ class SqliteExport : public StepSink {
 
  private:
   void writeMembers(const GroupsFrame& frame);
-  void writeEvent(const GroupEvent& event);
+  void writeEvent(const TrackedEvent& event);
   void commit();
 
   Database m_database;

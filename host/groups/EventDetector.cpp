@@ -35,7 +35,7 @@ Persons personsOf(const GroupState& group) {
 
 }  // namespace
 
-std::vector<GroupEvent> EventDetector::next(const GroupsFrame& frame) {
+std::vector<TrackedEvent> EventDetector::next(const GroupsFrame& frame) {
   m_stamp.reportedFrame = frame.reportedFrame;
   m_stamp.inputFrame = frame.inputFrame;
   m_stamp.frame = frame.frame;
@@ -47,9 +47,10 @@ std::vector<GroupEvent> EventDetector::next(const GroupsFrame& frame) {
     compare(id, group);
   }
   m_known = std::move(now);
-  std::stable_sort(m_events.begin(), m_events.end(), [](const GroupEvent& a, const GroupEvent& b) {
-    return std::tie(a.kind, a.group) < std::tie(b.kind, b.group);
-  });
+  std::stable_sort(m_events.begin(), m_events.end(),
+                   [](const TrackedEvent& a, const TrackedEvent& b) {
+                     return std::tie(a.kind, a.group) < std::tie(b.kind, b.group);
+                   });
   return std::exchange(m_events, {});
 }
 
@@ -144,7 +145,7 @@ void EventDetector::compare(std::uint32_t id, const Known& now) {
 
 void EventDetector::add(EventKind kind, std::uint32_t group, const Persons& persons,
                         std::optional<std::uint32_t> other) {
-  GroupEvent event = m_stamp;
+  TrackedEvent event = m_stamp;
   event.kind = kind;
   event.group = group;
   event.persons.assign(persons.begin(), persons.end());

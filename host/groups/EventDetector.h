@@ -1,7 +1,7 @@
 #pragma once
 
-#include "GroupEvent.h"
 #include "GroupsFrame.h"
+#include "TrackedEvent.h"
 
 #include <cstdint>
 #include <map>
@@ -18,7 +18,7 @@
 class EventDetector {
  public:
   /// The events of the next frame, ordered by kind and then by group.
-  std::vector<GroupEvent> next(const GroupsFrame& frame);
+  std::vector<TrackedEvent> next(const GroupsFrame& frame);
 
  private:
   using Persons = std::set<std::uint32_t>;
@@ -42,6 +42,6 @@ class EventDetector {
 
   KnownGroups m_known;
   std::map<std::uint32_t, Persons> m_cameAlong;  ///< by group: whom this frame's merges brought
-  std::vector<GroupEvent> m_events;              ///< of the frame in work
-  GroupEvent m_stamp;                            ///< the frame numbers of the frame in work
+  std::vector<TrackedEvent> m_events;            ///< of the frame in work
+  TrackedEvent m_stamp;                          ///< the frame numbers of the frame in work
 };

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "GroupEvent.h"
 #include "GroupsFrame.h"
+#include "TrackedEvent.h"
 
 #include <kel/kelDataImage.h>
 
@@ -23,9 +23,9 @@ struct PersonPlace {
 /// Everything that the host can show or store about one reported frame.
 struct ReportedStep {
   GroupsFrame groups;
-  std::vector<GroupEvent> events;
-  std::vector<PersonPlace> people;      ///< everybody in view; only when somebody draws
-  std::filesystem::path imageFile;      ///< of the reported frame; empty when there is none
-  QSharedPointer<kelDataImage> image;   ///< of the reported frame, when it is in memory
-  std::string place;                    ///< where the frame stands in the input, for messages
+  std::vector<TrackedEvent> events;
+  std::vector<PersonPlace> people;     ///< everybody in view; only when somebody draws
+  std::filesystem::path imageFile;     ///< of the reported frame; empty when there is none
+  QSharedPointer<kelDataImage> image;  ///< of the reported frame, when it is in memory
+  std::string place;                   ///< where the frame stands in the input, for messages
 };

@@ -1,14 +1,16 @@
 #include "BackgroundSink.h"
+#include "Lines.h"
 #include "OutputError.h"
 #include "Program.h"
 #include "SampleParameters.h"
-#include "TemporaryFolder.h"
+#include "TempFolder.h"
 #include "WalkingScene.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <thread>
@@ -50,35 +52,41 @@ class Export : public testing::Test {
                        more);
   }
 
-  const TemporaryFolder folder;
-  Program program{folder.path("")};
+  std::string text(const std::string& name) const { return textOf(folder.path() / name); }
+  std::vector<std::string> lines(const std::string& name) const { return linesOf(text(name)); }
+
+  const TempFolder folder;
+  Program program{folder.path()};
 };
 
 TEST_F(Export, EventsOfARunAreThoseOfItsGroupsFile) {
   EXPECT_EQ(run(program, {"--events", "events.jsonl", "--graph", "tree.dot"}), 0);
-  const std::string events = folder.read("events.jsonl");
-  EXPECT_THAT(folder.lines("events.jsonl")[0],
-              HasSubstr(R"({"event": "created", "group": 0, "persons": [1, 2], "reportedFrame": )"));
-  Program replay(folder.path(""));
+  const std::string events = text("events.jsonl");
+  EXPECT_THAT(
+      lines("events.jsonl")[0],
+      HasSubstr(R"({"event": "created", "group": 0, "persons": [1, 2], "reportedFrame": )"));
+  Program replay(folder.path());
   EXPECT_EQ(replay.run({"events", "groups.jsonl", "--graph", "again.dot"}), 0);
   EXPECT_EQ(replay.output(), events);
-  EXPECT_EQ(folder.read("tree.dot"), folder.read("again.dot"));
-  EXPECT_THAT(folder.read("tree.dot"), HasSubstr("persons 1, 2\"];\n}\n"));
+  EXPECT_EQ(text("tree.dot"), text("again.dot"));
+  EXPECT_THAT(text("tree.dot"), HasSubstr("persons 1, 2\"];\n}\n"));
 }
 
 TEST_F(Export, TablesHoldTheVisibleMembers) {
   EXPECT_EQ(run(program, {"--csv", "m.csv", "--mot", "m.txt", "--sqlite", "run.sqlite"}), 0);
-  const auto csv = folder.lines("m.csv");
+  const auto csv = lines("m.csv");
   EXPECT_EQ(csv[0], "frame,group,person,x,y");
   EXPECT_EQ(csv.back(), "10,0,2,1,4");
-  EXPECT_EQ(folder.lines("m.txt").back(), "10,0,30,20,50,50,1,0.75,4,0");
-  const std::string database = folder.path("run.sqlite");
+  EXPECT_EQ(lines("m.txt").back(), "10,0,30,20,50,50,1,0.75,4,0");
+  const std::string database = folder.path() / "run.sqlite";
   EXPECT_EQ(query(database, "SELECT count(*), max(input_frame) FROM frames"), "10|10");
-  EXPECT_EQ(query(database, "SELECT frame, group_id, companion FROM companions WHERE person = 2 "
-                            "AND frame > 8"),
+  EXPECT_EQ(query(database,
+                  "SELECT frame, group_id, companion FROM companions WHERE person = 2 "
+                  "AND frame > 8"),
             "9|0|1 10|0|1");
-  EXPECT_EQ(query(database, "SELECT kind, person FROM events JOIN event_persons "
-                            "ON event_id = events.id"),
+  EXPECT_EQ(query(database,
+                  "SELECT kind, person FROM events JOIN event_persons "
+                  "ON event_id = events.id"),
             "created|1 created|2");
   EXPECT_THAT(query(database, "EXPLAIN QUERY PLAN SELECT * FROM companions WHERE person = 2"),
               testing::Not(HasSubstr("SCAN")));
@@ -90,20 +98,20 @@ TEST_F(Export, WhatIsWrittenIsWholeWhenTheInputIsNot) {
   EXPECT_EQ(run(program, {"--events", "e.jsonl", "--sqlite", "run.sqlite", "--graph", "tree.dot"}),
             2);
   EXPECT_EQ(program.errors(), "scene.jsonl:9: not valid JSON\n");
-  EXPECT_EQ(query(folder.path("run.sqlite"), "SELECT count(*) FROM frames"), "6");
-  EXPECT_THAT(folder.read("tree.dot"), testing::EndsWith("}\n"));
-  EXPECT_EQ(folder.lines("e.jsonl").size(), 1U);
+  EXPECT_EQ(query(folder.path() / "run.sqlite", "SELECT count(*) FROM frames"), "6");
+  EXPECT_THAT(text("tree.dot"), testing::EndsWith("}\n"));
+  EXPECT_EQ(lines("e.jsonl").size(), 1U);
 }
 
 TEST_F(Export, RefusesPlacesThatCannotBeWrittenBeforeTheFirstFrame) {
   for (const QString option : {"--events", "--graph", "--mot", "--csv", "--sqlite"}) {
-    std::filesystem::remove(folder.path("groups.jsonl"));
-    Program attempt(folder.path(""));
+    std::filesystem::remove(folder.path() / "groups.jsonl");
+    Program attempt(folder.path());
     EXPECT_EQ(run(attempt, {option, "no/such/folder"}), 4) << option.toStdString();
     const std::string errors = attempt.errors();
     EXPECT_THAT(errors, testing::StartsWith("no/such/folder: cannot be written: "));
     EXPECT_EQ(std::count(errors.begin(), errors.end(), '\n'), 1);
-    EXPECT_EQ(folder.read("groups.jsonl"), "");
+    EXPECT_EQ(text("groups.jsonl"), "");
   }
 }
 

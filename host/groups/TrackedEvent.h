@@ -20,7 +20,7 @@ inline constexpr int eventKinds = 7;
 
 /// Something that happened to a group at one frame. Members at any time are the first ones and
 /// those who came along or joined, less those who left; nobody once it has ended or is removed.
-struct GroupEvent {
+struct TrackedEvent {
   EventKind kind = EventKind::Created;
   std::uint32_t group = 0;
   std::optional<std::uint32_t> other;      ///< the second group of a merge or split
@@ -29,7 +29,7 @@ struct GroupEvent {
   std::optional<std::int64_t> inputFrame;  ///< the input's own number of that frame
   std::uint32_t frame = 0;                 ///< the frame at which it was decided
 
-  bool operator==(const GroupEvent&) const = default;
+  bool operator==(const TrackedEvent&) const = default;
 };
 
 /// The word for a kind: "created", "joined", ...
@@ -42,7 +42,7 @@ const char* nameOf(EventKind kind);
 ///
 /// Created and merged groups have "persons" instead of "person"; merged ones "from" and "into",
 /// split ones "from".
-std::string toJsonLine(const GroupEvent& event);
+std::string toJsonLine(const TrackedEvent& event);
 
 /// The event in a few words for a picture or a table: "group 4: 9 joined".
-std::string describe(const GroupEvent& event);
+std::string describe(const TrackedEvent& event);

@@ -1,4 +1,4 @@
-#include "GroupEvent.h"
+#include "TrackedEvent.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -11,7 +11,7 @@ namespace {
 constexpr std::array<const char*, eventKinds> names{"created", "split", "merged", "joined",
                                                     "left",    "ended", "removed"};
 
-std::string participants(const GroupEvent& event) {
+std::string participants(const TrackedEvent& event) {
   switch (event.kind) {
     case EventKind::Created:
       return fmt::format(R"(, "persons": [{}])", fmt::join(event.persons, ", "));
@@ -34,7 +34,7 @@ const char* nameOf(EventKind kind) {
   return names[static_cast<std::size_t>(kind)];
 }
 
-std::string toJsonLine(const GroupEvent& event) {
+std::string toJsonLine(const TrackedEvent& event) {
   const std::string inputFrame = event.inputFrame ? fmt::to_string(*event.inputFrame) : "null";
   return fmt::format(
       "{{\"event\": \"{}\", \"group\": {}{}, \"reportedFrame\": {}, \"inputFrame\": {}, "
@@ -43,7 +43,7 @@ std::string toJsonLine(const GroupEvent& event) {
       event.frame);
 }
 
-std::string describe(const GroupEvent& event) {
+std::string describe(const TrackedEvent& event) {
   switch (event.kind) {
     case EventKind::Created:
       return fmt::format("group {} created: {}", event.group, fmt::join(event.persons, ", "));
