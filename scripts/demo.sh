@@ -29,8 +29,10 @@ for mode in pairs:video.txt clusters:clustering.txt; do
   echo "Tracking groups by $name"
   "$program" run "$demo/scene/scene.jsonl" --parameters "$demo/$name.txt" \
     --calibration "$demo/scene/calibration.yml" --context "$demo/scene/context.json" \
-    --output "$demo/$name/groups.jsonl" --diagnostics "$demo/$name/diagnostics.txt" \
-    --mobile-dump none
+    --output "$demo/$name/groups.jsonl" --events "$demo/$name/events.jsonl" \
+    --diagnostics "$demo/$name/diagnostics.txt" --mobile-dump none
+  "$program" evaluate "$demo/$name/groups.jsonl" --truth "$demo/scene/truth.jsonl" \
+    > "$demo/$name/scores.txt"
 done
 
 cat <<END
@@ -39,8 +41,9 @@ Look at
   $demo/pairs/*.png              annotated images, groups found by pairs
   $demo/clusters/*.png           the same, groups found by clusters
   $demo/pairs/groups.jsonl       the groups of every frame, one line each
+  $demo/pairs/events.jsonl       when groups were created, joined, left, merged, split and ended
+  $demo/pairs/scores.txt         how good that is, measured against $demo/scene/truth.jsonl
   $demo/pairs/diagnostics.txt    what the tracker says about its decisions
-  $demo/scene/truth.jsonl        who really walks with whom
 
 On the images each person is in a box with the number of the observation; boxes of one colour are one
 group, labelled with the group's number, with a black box around them; the frame number stands in the
