@@ -28,7 +28,7 @@ for mode in pairs:video.txt clusters:clustering.txt; do
   writeParameters "$name" "${mode##*:}"
   echo "Tracking groups by $name"
   "$program" run "$demo/scene/scene.jsonl" --parameters "$demo/$name.txt" \
-    --calibration "$demo/scene/calibration.yml" --context "$demo/scene/context.json" \
+    --calibration "$demo/scene/calibration.yml" \
     --output "$demo/$name/groups.jsonl" --events "$demo/$name/events.jsonl" \
     --diagnostics "$demo/$name/diagnostics.txt" --mobile-dump none
   "$program" evaluate "$demo/$name/groups.jsonl" --truth "$demo/scene/truth.jsonl" \
