@@ -1,5 +1,6 @@
 #include "InputFormats.h"
 
+#include "CameraFromPeople.h"
 #include "CvmlReader.h"
 #include "InputError.h"
 #include "InputFile.h"
@@ -7,6 +8,8 @@
 #include "MotReader.h"
 #include "MotSequence.h"
 #include "ObservationInput.h"
+#include "PeopleBoxes.h"
+#include "SceneCalibration.h"
 #include "SceneReader.h"
 #include "TrajectoryFolder.h"
 
@@ -25,7 +28,15 @@ struct InputFormat {
   const char* description;
   bool (*recognises)(const std::string& path);
   OpenedInput (*open)(const std::string& path, const InputOptions& options);
+  /// Null for a format without image boxes.
+  PeopleView (*view)(const std::string& path, const InputOptions& options);
 };
+
+/// Whether the input can be read more than once.
+bool isFile(const std::string& path) {
+  std::error_code unreadable;
+  return fs::is_regular_file(path, unreadable);
+}
 
 /// The first filled lines of a file as far as they tell its format; none of a folder or pipe, from
 /// which nothing may be taken away.
@@ -33,8 +44,7 @@ std::vector<std::string> headOf(const std::string& path) {
   constexpr std::size_t lineCount = 10;
   constexpr std::size_t longestLine = 64 * 1024;  // bytes
   std::vector<std::string> head;
-  std::error_code unreadable;
-  if (!fs::is_regular_file(path, unreadable)) {
+  if (!isFile(path)) {
     return head;
   }
   try {
@@ -63,7 +73,13 @@ OpenedInput openScene(const std::string& path, const InputOptions& options) {
   input.imageSize = options.imageSize;
   input.calibration = options.calibration;
   if (!input.calibration && options.homography) {
-    input.calibration = cameraOf(*options.homography, options.imageSize, {});
+    input.calibration = cameraOf(*options.homography, options.imageSize,
+                                 isFile(path) ? farthestCorner(peopleBoxes(path)) : cv::Point2d());
+  } else if (!input.calibration && isFile(path)) {
+    input.calibration = readSceneCalibration(path);
+    if (!input.calibration && needsCamera(path)) {
+      estimateCamera(peopleBoxes(path), input);
+    }
   }
   input.frames = std::make_unique<SceneReader>(path, input.calibration, options.wakeDescriptor);
   return input;
@@ -77,19 +93,25 @@ bool isMot(const std::string& path) {
   return !head.empty() && isMotLine(head.front());
 }
 
-OpenedInput openMot(const std::string& path, const InputOptions& options) {
-  OpenedInput input;
+/// The people of a file or sequence folder; sets the files and the image size.
+std::unique_ptr<ObservationTable> readMotInput(const std::string& path, const InputOptions& options,
+                                               OpenedInput& input) {
   if (!fs::is_directory(path)) {
+    input.files = {path};
     auto people = readMot(path, options.mot, options.onProblem);
     people->finish();
-    input.files = {path};
-    assembleInput(std::move(people), options, input);
-    return input;
+    return people;
   }
   const MotSequence sequence(path);
   input.files = {sequence.trackFile(), sequence.infoFile()};
   input.imageSize = sequence.info().imageSize;
-  assembleInput(sequence.read(options.mot, options.onProblem), options, input);
+  return sequence.read(options.mot, options.onProblem);
+}
+
+OpenedInput openMot(const std::string& path, const InputOptions& options) {
+  OpenedInput input;
+  auto people = readMotInput(path, options, input);
+  assembleInput(std::move(people), options, input);
   return input;
 }
 
@@ -109,20 +131,48 @@ OpenedInput openCvml(const std::string& path, const InputOptions& options) {
   return input;
 }
 
+PeopleView viewScene(const std::string& path, const InputOptions&) {
+  if (!isFile(path)) {
+    throw InputError(path, "a camera can be estimated from a file only");
+  }
+  return {peopleBoxes(path), std::nullopt};
+}
+
+PeopleView viewMot(const std::string& path, const InputOptions& options) {
+  OpenedInput input;
+  const auto people = readMotInput(path, options, input);
+  return {peopleBoxes(*people), input.imageSize};
+}
+
+PeopleView viewCvml(const std::string& path, const InputOptions& options) {
+  return {peopleBoxes(*readCvml(path, options.onProblem)), std::nullopt};
+}
+
 const std::array<InputFormat, 4> formats{{
-    {"scene", "a scene file *.jsonl, or - for a scene on standard input", isScene, openScene},
-    {"obsmat", "a folder with obsmat.txt and H.txt", isTrajectoryFolder, openTrajectoryFolder},
-    {"mot", "a MOTChallenge file, or a sequence folder with seqinfo.ini", isMot, openMot},
-    {"cvml", "an XML file with boxes like that of the PETS recordings", isCvml, openCvml},
+    {"scene", "a scene file *.jsonl, or - for a scene on standard input", isScene, openScene,
+     viewScene},
+    {"obsmat", "a folder with obsmat.txt and H.txt", isTrajectoryFolder, openTrajectoryFolder,
+     nullptr},
+    {"mot", "a MOTChallenge file, or a sequence folder with seqinfo.ini", isMot, openMot, viewMot},
+    {"cvml", "an XML file with boxes like that of the PETS recordings", isCvml, openCvml, viewCvml},
 }};
 
-const InputFormat* findFormat(const std::string& path, const std::string& key) {
+/// The format that the user chose, or else the one that takes the input as its own.
+const InputFormat& formatOf(const std::string& path, const std::string& key) {
   for (const InputFormat& format : formats) {
     if (key.empty() ? format.recognises(path) : key == format.key) {
-      return &format;
+      return format;
     }
   }
-  return nullptr;
+  std::error_code unreadable;
+  if (!fs::exists(path, unreadable)) {
+    throw InputError(path, "there is no such file or folder");
+  }
+  std::string expected;
+  for (const InputFormat& format : formats) {
+    expected += std::string(expected.empty() ? "" : "; ") + format.description;
+  }
+  throw InputError(path, "not an input; expected is " + expected);
 }
 
 }  // namespace
@@ -136,16 +186,13 @@ std::vector<std::string> inputFormats() {
 }
 
 OpenedInput openInput(const std::string& path, const InputOptions& options) {
-  if (const InputFormat* const format = findFormat(path, options.format)) {
-    return format->open(path, options);
+  return formatOf(path, options.format).open(path, options);
+}
+
+PeopleView readPeopleView(const std::string& path, const InputOptions& options) {
+  const InputFormat& format = formatOf(path, options.format);
+  if (format.view == nullptr) {
+    throw InputError(path, "has no image boxes, from which a camera could be estimated");
   }
-  std::error_code unreadable;
-  if (!fs::exists(path, unreadable)) {
-    throw InputError(path, "there is no such file or folder");
-  }
-  std::string expected;
-  for (const InputFormat& format : formats) {
-    expected += std::string(expected.empty() ? "" : "; ") + format.description;
-  }
-  throw InputError(path, "not an input; expected is " + expected);
+  return format.view(path, options);
 }

@@ -1,8 +1,10 @@
 #include "ObservationInput.h"
 
 #include "CameraEstimate.h"
+#include "CameraFromPeople.h"
 #include "GroundPlaneCalibration.h"
 #include "InputError.h"
+#include "PeopleBoxes.h"
 #include "TrackAssembler.h"
 
 #include <algorithm>
@@ -52,8 +54,11 @@ void assembleInput(std::unique_ptr<ObservationTable> observations, const InputOp
     if (options.homography) {
       input.calibration = cameraOf(*options.homography, input.imageSize, view.farthest);
     } else if (view.hasBoxesOnly) {
-      throw InputError(input.files.front(),
-                       "the people have image boxes only; give a camera with --calibration");
+      if (view.hasPositions) {
+        throw InputError(input.files.front(),
+                         "some people have image boxes only, for which --calibration is needed");
+      }
+      estimateCamera(peopleBoxes(*observations), input);
     }
   }
   input.frames =

@@ -7,7 +7,7 @@
 
 /// Completes an input that consists of observations: chooses its camera and assembles its frames.
 /// The camera is the given one; else that of the given homography, with the camera's position
-/// estimated; else none, which is an `InputError` when observations have image boxes only.
+/// estimated; else, when people have image boxes only, the one that the boxes show.
 /// `input` holds the files and, when known, the image size.
 void assembleInput(std::unique_ptr<ObservationTable> observations, const InputOptions& options,
                    OpenedInput& input);

@@ -3,7 +3,7 @@
 #include "InputFormats.h"
 #include "MotReader.h"
 #include "MotSequence.h"
-#include "TemporaryFolder.h"
+#include "TempFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -127,19 +127,19 @@ TEST(Mot, SortsInBoundedMemoryLikeInMemory) {
 }
 
 TEST(MotSequence, HasAllFramesOfTheSequenceWithTheirImages) {
-  const TemporaryFolder folder;
-  std::filesystem::create_directories(folder.path("gt"));
-  std::filesystem::create_directories(folder.path("img1"));
+  const TempFolder folder;
+  std::filesystem::create_directories(folder.path() / "gt");
+  std::filesystem::create_directories(folder.path() / "img1");
   folder.write("gt/gt.txt", "3,1,0,0,5,9,1,1,1\n");
   folder.write("seqinfo.ini",
                "[Sequence]\r\nimDir = img1\r\nseqLength=4\r\nimWidth=64\r\nimHeight=48\r\n"
                "imExt=.png\r\n");
-  const MotSequence sequence(folder.path(""));
+  const MotSequence sequence(folder.path().string());
   EXPECT_EQ(sequence.info().imageSize, cv::Size(64, 48));
   const auto steps = stepsOf(*sequence.read({}, throwProblem));
   ASSERT_EQ(steps.size(), 4U);
   EXPECT_EQ(steps[0].frame, 1);
-  EXPECT_EQ(steps[0].imageFile, folder.path("img1/000001.png"));
+  EXPECT_EQ(steps[0].imageFile, folder.path() / "img1/000001.png");
   EXPECT_EQ(steps[2].observations.size(), 1U);
   std::istringstream wrong("[Sequence]\nseqLength=-4\n");
   EXPECT_EQ(errorOf([&] { readSequenceInfo(wrong, "seqinfo.ini"); }),
@@ -181,7 +181,7 @@ TEST(Cvml, SaysInWhichLineItIsWrong) {
 }
 
 TEST(InputFormats, AreRecognisedByContent) {
-  const TemporaryFolder folder;
+  const TempFolder folder;
   InputOptions options;
   options.homography = cv::Matx33d(0.1, 0, 0, 0, -0.1, 60, 0, 0.001, 1);
   const auto persons = [&](const std::string& file) {
