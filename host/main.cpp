@@ -1,4 +1,7 @@
+#include "CalibrateCommand.h"
+#include "CheckCommand.h"
 #include "Command.h"
+#include "ConvertCommand.h"
 #include "EvaluateCommand.h"
 #include "EventsCommand.h"
 #include "InputError.h"
@@ -34,6 +37,9 @@ std::vector<std::unique_ptr<Command>> allCommands() {
   commands.push_back(std::make_unique<EvaluateCommand>());
   commands.push_back(std::make_unique<TuneCommand>());
   commands.push_back(std::make_unique<EventsCommand>());
+  commands.push_back(std::make_unique<ConvertCommand>());
+  commands.push_back(std::make_unique<CalibrateCommand>());
+  commands.push_back(std::make_unique<CheckCommand>());
   return commands;
 }
 

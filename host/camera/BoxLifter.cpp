@@ -23,18 +23,18 @@ double sightedHeight(const kelAbstractDataCalibration& camera, const cv::Point2d
 
 }  // namespace
 
-std::optional<cv::Point3f> liftFoot(const kelAbstractDataCalibration& camera, const cv::Rect& box) {
-  const cv::Point2d foot(box.x + box.width / 2.0, static_cast<double>(box.y) + box.height);
+std::optional<cv::Point3f> liftFoot(const kelAbstractDataCalibration& camera,
+                                    const cv::Rect2d& box) {
+  const cv::Point2d foot(box.x + box.width / 2.0, box.y + box.height);
   const cv::Point3f ground(camera.imageToWorld(foot, 0.0));
   return isFinite(ground) ? std::optional(ground) : std::nullopt;
 }
 
-std::optional<BoundingBox3D> liftBox(const kelAbstractDataCalibration& camera, const cv::Rect& box,
-                                     const cv::Point3f& foot) {
-  const double bottom = static_cast<double>(box.y) + box.height;
+std::optional<BoundingBox3D> liftBox(const kelAbstractDataCalibration& camera,
+                                     const cv::Rect2d& box, const cv::Point3f& foot) {
+  const double bottom = box.y + box.height;
   const cv::Point3d left = camera.imageToWorld(cv::Point2d(box.x, bottom), 0.0);
-  const cv::Point3d right =
-      camera.imageToWorld(cv::Point2d(static_cast<double>(box.x) + box.width, bottom), 0.0);
+  const cv::Point3d right = camera.imageToWorld(cv::Point2d(box.x + box.width, bottom), 0.0);
   const auto half = static_cast<float>(std::hypot(right.x - left.x, right.y - left.y) / 2.0);
   const cv::Point2d head(box.x + box.width / 2.0, box.y);
   const auto top = static_cast<float>(sightedHeight(camera, head, foot));

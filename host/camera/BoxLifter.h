@@ -12,12 +12,13 @@
 
 /// Where the body stands: the ground under the middle of the box's lower edge. None when the camera
 /// sees no ground there.
-std::optional<cv::Point3f> liftFoot(const kelAbstractDataCalibration& camera, const cv::Rect& box);
+std::optional<cv::Point3f> liftFoot(const kelAbstractDataCalibration& camera,
+                                    const cv::Rect2d& box);
 
 /// The body that fills the box from its foot: as high as the box's upper edge demands above the
 /// foot, as wide and deep as its lower edge. None when the camera gives no finite body.
-std::optional<BoundingBox3D> liftBox(const kelAbstractDataCalibration& camera, const cv::Rect& box,
-                                     const cv::Point3f& foot);
+std::optional<BoundingBox3D> liftBox(const kelAbstractDataCalibration& camera,
+                                     const cv::Rect2d& box, const cv::Point3f& foot);
 
 /// The smallest image box that shows all eight corners of the body; empty when the camera cannot
 /// see one of them.

@@ -13,5 +13,6 @@
 ///     distortion_coefficients (optional: 4, 5 or 8 values)
 ///
 /// or its view of the ground: `homography` 3x3, image (column, row, 1) to ground (x, y, 1), and
-/// `camera_position` 3x1. A file that is no such thing is an `InputError` that names the node.
+/// `camera_position` 3x1. A camera of Tsai's model may also come as XML, see `readTsaiCamera`.
+/// A file that is no such thing is an `InputError` that names the node.
 QSharedPointer<kelAbstractDataCalibration> readCalibration(const std::string& path);

@@ -72,16 +72,9 @@ cv::Point3d estimateCameraPosition(const cv::Matx33d& imageToGround, const cv::S
   return {foot.x, foot.y, fallbackHeight};
 }
 
-cv::Size guessImageSize(const cv::Matx33d& imageToGround,
-                        const std::vector<cv::Point2d>& groundPoints) {
-  const cv::Matx33d groundToImage = imageToGround.inv();
-  double right = 1.0;
-  double bottom = 1.0;
-  for (const cv::Point2d& point : groundPoints) {
-    const cv::Point2d seen = mapPoint(groundToImage, point);
-    right = std::max(right, seen.x);
-    bottom = std::max(bottom, seen.y);
-  }
+cv::Size guessImageSize(const cv::Point2d& farthest) {
+  const double right = std::max(1.0, farthest.x);
+  const double bottom = std::max(1.0, farthest.y);
   const auto* const fitting =
       std::find_if(usualSizes.begin(), usualSizes.end(), [&](const cv::Size& size) {
         return right <= size.width + annotationSlack && bottom <= size.height + annotationSlack;

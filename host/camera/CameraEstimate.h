@@ -2,8 +2,6 @@
 
 #include <opencv2/core.hpp>
 
-#include <vector>
-
 /// Where the camera stands that sees the ground through a homography (image column and row to
 /// metres), estimated for square pixels and the principal point in the middle of the image.
 ///
@@ -12,7 +10,6 @@
 /// upwards in the image.
 cv::Point3d estimateCameraPosition(const cv::Matx33d& imageToGround, const cv::Size& imageSize);
 
-/// The smallest usual image size in which all ground points (metres) are seen, or just what they
-/// fill.
-cv::Size guessImageSize(const cv::Matx33d& imageToGround,
-                        const std::vector<cv::Point2d>& groundPoints);
+/// The smallest usual image size that holds the point with the largest column and row at which
+/// anything is seen (pixels), or just as large as that.
+cv::Size guessImageSize(const cv::Point2d& farthest);

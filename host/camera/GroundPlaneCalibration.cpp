@@ -22,3 +22,8 @@ cv::Point2d GroundPlaneCalibration::worldToImage(const cv::Point3d& scenePoint) 
                            m_position.y + stretch * (scenePoint.y - m_position.y));
   return mapPoint(m_groundToImage, ground);
 }
+
+std::vector<CalibrationNode> GroundPlaneCalibration::nodes() const {
+  return {{"homography", 3, 3, std::vector<double>(m_imageToGround.val, m_imageToGround.val + 9)},
+          {"camera_position", 3, 1, {m_position.x, m_position.y, m_position.z}}};
+}

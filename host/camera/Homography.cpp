@@ -12,6 +12,7 @@
 namespace {
 
 constexpr int size = 3;
+constexpr std::size_t longestLine = 64 * 1024;  // bytes
 
 void readRow(LineReader& lines, double* row) {
   if (!lines.nextFilled()) {
@@ -37,7 +38,7 @@ cv::Point2d mapPoint(const cv::Matx33d& homography, const cv::Point2d& point) {
 }
 
 cv::Matx33d readHomography(std::istream& in, const std::string& name, ImageOrder order) {
-  LineReader lines(in, name);
+  LineReader lines(in, name, longestLine);
   cv::Matx33d homography;
   for (int row = 0; row < size; ++row) {
     readRow(lines, &homography(row, 0));
@@ -57,4 +58,20 @@ cv::Matx33d readHomography(std::istream& in, const std::string& name, ImageOrder
 cv::Matx33d readHomography(const std::string& path, ImageOrder order) {
   InputFile file(path);
   return readHomography(file.stream(), path, order);
+}
+
+bool isHomographyFile(const std::string& path) {
+  InputFile file(path);
+  LineReader lines(file.stream(), path, longestLine);
+  std::vector<double> numbers;
+  try {
+    if (lines.nextFilled()) {
+      parseNumbers(lines.line(), numbers);
+    }
+  } catch (const std::invalid_argument&) {
+    return false;
+  } catch (const InputError&) {
+    return false;  // too long a line, at which the reader of another calibration stops in turn
+  }
+  return !numbers.empty();
 }

@@ -23,3 +23,5 @@ cv::Point2d mapPoint(const cv::Matx33d& homography, const cv::Point2d& point);
 cv::Matx33d readHomography(std::istream& in, const std::string& name, ImageOrder order);
 /// The same for a file.
 cv::Matx33d readHomography(const std::string& path, ImageOrder order);
+/// Whether the file's first filled line holds numbers only, as no other calibration's does.
+bool isHomographyFile(const std::string& path);

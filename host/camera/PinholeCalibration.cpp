@@ -46,3 +46,16 @@ cv::Point2d PinholeCalibration::worldToImage(const cv::Point3d& scenePoint) cons
   cv::projectPoints(scene, m_rotationVector, m_translation, m_cameraMatrix, m_distortion, image);
   return image[0];
 }
+
+std::vector<CalibrationNode> PinholeCalibration::nodes() const {
+  const auto column = [](const cv::Vec3d& v) { return std::vector<double>(v.val, v.val + 3); };
+  const int coefficients = static_cast<int>(m_distortion.size());
+  std::vector<CalibrationNode> nodes{
+      {"camera_matrix", 3, 3, std::vector<double>(m_cameraMatrix.val, m_cameraMatrix.val + 9)},
+      {"rotation_vector", 3, 1, column(m_rotationVector)},
+      {"translation_vector", 3, 1, column(m_translation)}};
+  if (coefficients > 0) {
+    nodes.push_back({"distortion_coefficients", 1, coefficients, m_distortion});
+  }
+  return nodes;
+}

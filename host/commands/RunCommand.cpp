@@ -1,6 +1,5 @@
 #include "RunCommand.h"
 
-#include "LinkArguments.h"
 #include "RunSession.h"
 
 #include <fmt/format.h>
@@ -17,26 +16,22 @@ const std::string skip = "skip";
 const std::string stop = "stop";
 
 void declareFiles(CLI::App& command, RunOptions& options) {
-  command
-      .add_option("INPUT", options.input,
-                  "scene file *.jsonl, - for a scene on standard input, or a folder with "
-                  "obsmat.txt and H.txt")
-      ->required();
+  declareInput(command, options);
   command.add_option("--parameters", options.parameterFile, "the tracker's 47 parameters")
       ->required()
       ->type_name("FILE");
   command.add_option("--output", options.outputFile, "groups of every frame, JSON Lines")
       ->required()
       ->type_name("FILE");
-  command.add_option("--calibration", options.calibrationFile, "camera, OpenCV yml, xml or json")
-      ->type_name("FILE");
+  declareCalibration(command, options);
+  declareImageSize(command, options);
   command.add_option("--context", options.contextFile, "description of the scene, JSON")
       ->type_name("FILE");
   command
       .add_option("--images", options.imageFolder,
-                  "images by sorted name, for inputs that name none; read only when the "
-                  "parameters ask for output images")
-      ->type_name("FOLDER");
+                  "folder with images by sorted name, or a video file, for inputs that name none; "
+                  "read only when the parameters ask for output images")
+      ->type_name("FOLDER|VIDEO");
   command.add_option("--plugin", options.pluginFile, "the plugin, if not beside the program")
       ->type_name("FILE");
 }
@@ -52,20 +47,6 @@ void declareTexts(CLI::App& command, RunOptions& options) {
                   "of metas*.txt in the working directory; none saves its cost")
       ->type_name("FILE|none");
   command.add_flag("--quiet", options.quiet, "no progress and no summary");
-}
-
-void declareLinks(CLI::App& command, LinkOptions& links) {
-  for (const LinkArgument& argument : linkArguments()) {
-    std::visit(
-        [&](auto member) {
-          command
-              .add_option(argument.name, links.*member,
-                          std::string("for inputs without links: ") + argument.meaning)
-              ->check(CLI::NonNegativeNumber)
-              ->capture_default_str();
-        },
-        argument.member);
-  }
 }
 
 void declareBehaviour(CLI::App& command, RunOptions& options) {
@@ -88,7 +69,7 @@ void declareBehaviour(CLI::App& command, RunOptions& options) {
           "what to do when the process fails at a frame (default stop)")
       ->check(CLI::IsMember({skip, stop}))
       ->type_name("skip|stop");
-  declareLinks(command, options.links);
+  declareLinks(command, options);
 }
 
 void printSummary(const RunSummary& summary) {

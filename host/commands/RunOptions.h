@@ -1,24 +1,21 @@
 #pragma once
 
 #include "FrameRange.h"
-#include "LinkOptions.h"
+#include "InputChoice.h"
 #include "StepOptions.h"
 
 #include <string>
 
 /// What the user asks of `grouptracker run`. Texts are empty when the option was not given.
-struct RunOptions {
-  std::string input;
+struct RunOptions : InputChoice {
   std::string parameterFile;
   std::string outputFile;
-  std::string calibrationFile;
   std::string contextFile;
-  std::string imageFolder;
+  std::string imageFolder;  ///< or a video file
   std::string pluginFile;
   std::string diagnostics;  ///< a file, or "none"; standard output when empty
   std::string mobileDump;   ///< a file, or "none"; the process's own choice when empty
   FrameRange frames;
-  LinkOptions links;
   StepOptions steps;
   bool skipsFailedFrames = false;
   bool quiet = false;

@@ -1,6 +1,5 @@
 #include "RunSession.h"
 
-#include "CalibrationReader.h"
 #include "DescriptorBuffer.h"
 #include "FileDescriptor.h"
 #include "FileIdentity.h"
@@ -10,6 +9,7 @@
 #include "OutputError.h"
 #include "PluginLoader.h"
 #include "SceneContextReader.h"
+#include "VideoImages.h"
 
 #include <fcntl.h>
 #include <fmt/format.h>
@@ -19,6 +19,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <utility>
 
 namespace {
@@ -64,19 +65,25 @@ RunSummary RunSession::run() {
 }
 
 void RunSession::openInput() {
-  InputOptions options;
-  options.links = m_options.links;
+  InputOptions options = inputOptions(m_options);
   options.wakeDescriptor = m_signals.wakeDescriptor();
-  if (!m_options.calibrationFile.empty()) {
-    options.calibration = readCalibration(m_options.calibrationFile);
-  }
   if (!m_options.contextFile.empty()) {
     m_context = readSceneContext(m_options.contextFile);
   }
   m_input = ::openInput(m_options.input, options);
-  if (!m_options.imageFolder.empty()) {
-    m_input.frames =
-        std::make_unique<ImageFolder>(std::move(m_input.frames), m_options.imageFolder);
+  if (!m_options.quiet) {
+    for (const std::string& note : m_input.notes) {
+      fmt::print(stderr, "{}\n", note);
+    }
+  }
+  const std::string& images = m_options.imageFolder;
+  if (!images.empty() && std::filesystem::is_regular_file(images)) {
+    // A video has to be decoded whether its frames are wanted or not, so only when they are.
+    m_input.frames = m_parameters.needsImages
+                         ? std::make_unique<VideoImages>(std::move(m_input.frames), images)
+                         : std::move(m_input.frames);
+  } else if (!images.empty()) {
+    m_input.frames = std::make_unique<ImageFolder>(std::move(m_input.frames), images);
   }
 }
 
@@ -156,7 +163,7 @@ bool RunSession::nextFrame(InputFrame& frame) {
 
 void RunSession::runFrame(InputFrame& frame) {
   if (m_parameters.needsImages) {
-    loadImage(frame);
+    m_images.load(frame);
   }
   m_summary.mobiles += frame.observed.size();
   m_reporter->note(frame);

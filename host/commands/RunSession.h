@@ -2,6 +2,7 @@
 
 #include "FrameReporter.h"
 #include "FrameSink.h"
+#include "ImageLoader.h"
 #include "OpenedInput.h"
 #include "ParameterFile.h"
 #include "ProcessRunner.h"
@@ -53,6 +54,7 @@ class RunSession {
   ParameterFile m_parameters;
   QSharedPointer<kelDataContext> m_context;
   OpenedInput m_input;
+  ImageLoader m_images;
   std::vector<std::unique_ptr<FrameSink>> m_sinks;
   std::unique_ptr<StepOutputs> m_steps;  ///< null when nothing of the kind was asked for
   std::unique_ptr<ProcessRunner> m_process;

@@ -13,3 +13,10 @@ class InputError : public std::runtime_error {
   InputError(const std::string& file, std::uint64_t line, const std::string& problem)
       : std::runtime_error(file + ":" + std::to_string(line) + ": " + problem) {}
 };
+
+/// A name for something that no earlier line declares: a consequence, often, of damage before.
+class UndeclaredMobile : public InputError {
+ public:
+  using InputError::InputError;
+  explicit UndeclaredMobile(const InputError& error) : InputError(error) {}
+};

@@ -2,8 +2,6 @@
 
 #include "InputError.h"
 
-#include <opencv2/imgcodecs.hpp>
-
 #include <algorithm>
 #include <system_error>
 #include <utility>
@@ -35,21 +33,4 @@ bool ImageFolder::next(InputFrame& frame) {
   }
   ++m_next;
   return true;
-}
-
-void loadImage(InputFrame& frame) {
-  if (frame.image || frame.imageFile.empty()) {
-    return;
-  }
-  cv::Mat pixels;
-  try {
-    pixels = cv::imread(frame.imageFile.string(), cv::IMREAD_COLOR);
-  } catch (const cv::Exception&) {
-    pixels.release();  // the same as a file that is no image
-  }
-  if (pixels.empty()) {
-    throw InputError(frame.place,
-                     "the image " + frame.imageFile.string() + " is missing or not readable");
-  }
-  frame.image = QSharedPointer<kelDataImage>::create(pixels);
 }

@@ -24,7 +24,3 @@ class ImageFolder : public FrameSource {
   std::vector<std::filesystem::path> m_images;  ///< sorted by name
   std::size_t m_next = 0;
 };
-
-/// Loads the frame's image from its image file, when it names one and holds none yet. A file that
-/// is no readable image is an `InputError` at the frame's place.
-void loadImage(InputFrame& frame);

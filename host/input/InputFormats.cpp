@@ -1,49 +1,198 @@
 #include "InputFormats.h"
 
+#include "CameraFromPeople.h"
+#include "CvmlReader.h"
 #include "InputError.h"
+#include "InputFile.h"
+#include "LineReader.h"
+#include "MotReader.h"
+#include "MotSequence.h"
+#include "ObservationInput.h"
+#include "PeopleBoxes.h"
+#include "SceneCalibration.h"
 #include "SceneReader.h"
 #include "TrajectoryFolder.h"
 
 #include <array>
 #include <filesystem>
+#include <system_error>
+#include <utility>
+#include <vector>
 
 namespace {
 
+namespace fs = std::filesystem;
+
 struct InputFormat {
-  const char* name;
+  const char* key;  ///< by which the user names it
+  const char* description;
   bool (*recognises)(const std::string& path);
   OpenedInput (*open)(const std::string& path, const InputOptions& options);
+  /// Null for a format without image boxes.
+  PeopleView (*view)(const std::string& path, const InputOptions& options);
 };
 
+/// Whether the input can be read more than once.
+bool isFile(const std::string& path) {
+  std::error_code unreadable;
+  return fs::is_regular_file(path, unreadable);
+}
+
+/// The first filled lines of a file as far as they tell its format; none of a folder or pipe, from
+/// which nothing may be taken away.
+std::vector<std::string> headOf(const std::string& path) {
+  constexpr std::size_t lineCount = 10;
+  constexpr std::size_t longestLine = 64 * 1024;  // bytes
+  std::vector<std::string> head;
+  if (!isFile(path)) {
+    return head;
+  }
+  try {
+    InputFile file(path);
+    LineReader lines(file.stream(), path, longestLine);
+    while (head.size() < lineCount && lines.nextFilled()) {
+      head.push_back(lines.line().substr(lines.line().find_first_not_of(" \t")));
+    }
+  } catch (const InputError&) {
+    // What is too long to tell a format or cannot be read is reported by the reader.
+  }
+  return head;
+}
+
 bool isScene(const std::string& path) {
-  return path == "-" || std::filesystem::path(path).extension() == ".jsonl";
+  if (path == "-" || fs::path(path).extension() == ".jsonl") {
+    return true;
+  }
+  const auto head = headOf(path);
+  return !head.empty() && head.front().starts_with('{');
 }
 
 OpenedInput openScene(const std::string& path, const InputOptions& options) {
-  return {std::make_unique<SceneReader>(path, options.calibration, options.wakeDescriptor),
-          options.calibration,
-          {path}};
-}
-
-const std::array<InputFormat, 2> formats{{
-    {"a scene file *.jsonl, or - for a scene on standard input", isScene, openScene},
-    {"a folder with obsmat.txt and H.txt", isTrajectoryFolder, openTrajectoryFolder},
-}};
-
-}  // namespace
-
-OpenedInput openInput(const std::string& path, const InputOptions& options) {
-  for (const InputFormat& format : formats) {
-    if (format.recognises(path)) {
-      return format.open(path, options);
+  OpenedInput input;
+  input.files = {path};
+  input.imageSize = options.imageSize;
+  input.calibration = options.calibration;
+  if (!input.calibration && options.homography) {
+    input.calibration = cameraOf(*options.homography, options.imageSize,
+                                 isFile(path) ? farthestCorner(peopleBoxes(path)) : cv::Point2d());
+  } else if (!input.calibration && isFile(path)) {
+    input.calibration = readSceneCalibration(path);
+    if (!input.calibration && needsCamera(path)) {
+      estimateCamera(peopleBoxes(path), input);
     }
   }
-  if (!std::filesystem::exists(path)) {
+  input.frames = std::make_unique<SceneReader>(path, input.calibration, options.wakeDescriptor);
+  return input;
+}
+
+bool isMot(const std::string& path) {
+  if (MotSequence::isOne(path)) {
+    return true;
+  }
+  const auto head = headOf(path);
+  return !head.empty() && isMotLine(head.front());
+}
+
+/// The people of a file or sequence folder; sets the files and the image size.
+std::unique_ptr<ObservationTable> readMotInput(const std::string& path, const InputOptions& options,
+                                               OpenedInput& input) {
+  if (!fs::is_directory(path)) {
+    input.files = {path};
+    auto people = readMot(path, options.mot, options.onProblem);
+    people->finish();
+    return people;
+  }
+  const MotSequence sequence(path);
+  input.files = {sequence.trackFile(), sequence.infoFile()};
+  input.imageSize = sequence.info().imageSize;
+  return sequence.read(options.mot, options.onProblem);
+}
+
+OpenedInput openMot(const std::string& path, const InputOptions& options) {
+  OpenedInput input;
+  auto people = readMotInput(path, options, input);
+  assembleInput(std::move(people), options, input);
+  return input;
+}
+
+bool isCvml(const std::string& path) {
+  for (const std::string& line : headOf(path)) {
+    if (line.find("<dataset") != std::string::npos) {
+      return true;
+    }
+  }
+  return false;
+}
+
+OpenedInput openCvml(const std::string& path, const InputOptions& options) {
+  OpenedInput input;
+  input.files = {path};
+  assembleInput(readCvml(path, options.onProblem), options, input);
+  return input;
+}
+
+PeopleView viewScene(const std::string& path, const InputOptions&) {
+  if (!isFile(path)) {
+    throw InputError(path, "a camera can be estimated from a file only");
+  }
+  return {peopleBoxes(path), std::nullopt};
+}
+
+PeopleView viewMot(const std::string& path, const InputOptions& options) {
+  OpenedInput input;
+  const auto people = readMotInput(path, options, input);
+  return {peopleBoxes(*people), input.imageSize};
+}
+
+PeopleView viewCvml(const std::string& path, const InputOptions& options) {
+  return {peopleBoxes(*readCvml(path, options.onProblem)), std::nullopt};
+}
+
+const std::array<InputFormat, 4> formats{{
+    {"scene", "a scene file *.jsonl, or - for a scene on standard input", isScene, openScene,
+     viewScene},
+    {"obsmat", "a folder with obsmat.txt and H.txt", isTrajectoryFolder, openTrajectoryFolder,
+     nullptr},
+    {"mot", "a MOTChallenge file, or a sequence folder with seqinfo.ini", isMot, openMot, viewMot},
+    {"cvml", "an XML file with boxes like that of the PETS recordings", isCvml, openCvml, viewCvml},
+}};
+
+/// The format that the user chose, or else the one that takes the input as its own.
+const InputFormat& formatOf(const std::string& path, const std::string& key) {
+  for (const InputFormat& format : formats) {
+    if (key.empty() ? format.recognises(path) : key == format.key) {
+      return format;
+    }
+  }
+  std::error_code unreadable;
+  if (!fs::exists(path, unreadable)) {
     throw InputError(path, "there is no such file or folder");
   }
   std::string expected;
   for (const InputFormat& format : formats) {
-    expected += std::string(expected.empty() ? "" : "; ") + format.name;
+    expected += std::string(expected.empty() ? "" : "; ") + format.description;
   }
   throw InputError(path, "not an input; expected is " + expected);
+}
+
+}  // namespace
+
+std::vector<std::string> inputFormats() {
+  std::vector<std::string> keys;
+  for (const InputFormat& format : formats) {
+    keys.emplace_back(format.key);
+  }
+  return keys;
+}
+
+OpenedInput openInput(const std::string& path, const InputOptions& options) {
+  return formatOf(path, options.format).open(path, options);
+}
+
+PeopleView readPeopleView(const std::string& path, const InputOptions& options) {
+  const InputFormat& format = formatOf(path, options.format);
+  if (format.view == nullptr) {
+    throw InputError(path, "has no image boxes, from which a camera could be estimated");
+  }
+  return format.view(path, options);
 }

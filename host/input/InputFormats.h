@@ -1,10 +1,26 @@
 #pragma once
 
 #include "OpenedInput.h"
+#include "PeopleCamera.h"
 
+#include <optional>
 #include <string>
+#include <vector>
 
-/// Opens an input whatever its format: asks each known format in turn whether the input is its own.
+/// The names by which a user may choose a format.
+std::vector<std::string> inputFormats();
+
+/// Opens an input in the chosen format, or else asks each known format in turn whether the input's
+/// content is its own.
 /// To add a format, write its reader and add a row to the table in the .cpp file.
 /// An input that cannot be opened or that no format takes is an `InputError`.
 OpenedInput openInput(const std::string& path, const InputOptions& options);
+
+/// What an input says about the camera that made it.
+struct PeopleView {
+  std::vector<PersonBox> boxes;
+  std::optional<cv::Size> imageSize;  ///< pixels; none when the input does not say
+};
+
+/// Reads the people's boxes of an input. One without image boxes is an `InputError`.
+PeopleView readPeopleView(const std::string& path, const InputOptions& options);

@@ -1,13 +1,13 @@
 #include "MobileArchive.h"
 
 #include "OutputError.h"
+#include "TemporaryFile.h"
 
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <limits>
 
@@ -76,14 +76,7 @@ void MobileArchive::open() {
   if (m_file.isOpen()) {
     return;
   }
-  const char* const folder = std::getenv("TMPDIR");
-  m_folder = folder != nullptr && *folder != '\0' ? folder : "/var/tmp";
-  std::string name = m_folder + "/grouptracker-XXXXXX";
-  m_file = FileDescriptor(::mkstemp(name.data()));
-  if (!m_file.isOpen()) {
-    fail("no temporary file can be made");
-  }
-  ::unlink(name.c_str());
+  m_file = openTemporaryFile(m_folder);
   m_textEnd = textBegin;
 }
 

@@ -14,7 +14,7 @@
 struct Observation {
   std::uint32_t person = 0;
   std::optional<cv::Point2d> position;  ///< of the feet on the ground, metres
-  std::optional<cv::Rect> box2D;        ///< pixels
+  std::optional<cv::Rect2d> box2D;      ///< pixels, as exact as the input gives it
 };
 
 /// Everybody seen at one time step, in ascending order of persons; each person once.

@@ -12,7 +12,10 @@
 ///     7.8000000e+02 1.0000000e+00 8.4568443e+00 0.0 3.5880664e+00 1.6717144e+00 0.0 1.7629183e-01
 ///
 /// Lines may come in any order; blank lines are passed over. Another count of numbers, text, and
-/// frames and persons that are no whole numbers are an `InputError`.
-std::unique_ptr<ObservationTable> readObsmat(std::istream& in, const std::string& name);
+/// frames and persons that are no whole numbers are an `InputError`; when `onProblem` does not
+/// throw it, the line is passed over.
+std::unique_ptr<ObservationTable> readObsmat(std::istream& in, const std::string& name,
+                                             const ProblemHandler& onProblem = throwProblem);
 /// The same for a file.
-std::unique_ptr<ObservationTable> readObsmat(const std::string& path);
+std::unique_ptr<ObservationTable> readObsmat(const std::string& path,
+                                             const ProblemHandler& onProblem = throwProblem);

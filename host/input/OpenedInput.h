@@ -2,19 +2,29 @@
 
 #include "FrameSource.h"
 #include "LinkOptions.h"
+#include "MotReader.h"
+#include "ProblemHandler.h"
 
 #include <kel/kelAbstractDataCalibration.h>
+
+#include <opencv2/core/matx.hpp>
 
 #include <QSharedPointer>
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 /// What the user says about an input beside its name.
 struct InputOptions {
+  std::string format;                                      ///< empty to recognise it by content
   QSharedPointer<kelAbstractDataCalibration> calibration;  ///< null when none was given
+  std::optional<cv::Matx33d> homography;  ///< from column and row to the ground, instead of it
+  std::optional<cv::Size> imageSize;      ///< pixels; asked for only when the input does not say
   LinkOptions links;
+  MotChoice mot;
+  ProblemHandler onProblem = throwProblem;
   int wakeDescriptor = -1;  ///< becomes readable when the program is asked to stop
 };
 
@@ -22,6 +32,8 @@ struct InputOptions {
 struct OpenedInput {
   std::unique_ptr<FrameSource> frames;
   QSharedPointer<kelAbstractDataCalibration>
-      calibration;                 ///< given or the input's own; may be null
-  std::vector<std::string> files;  ///< what the input consists of
+      calibration;                    ///< given or the input's own; may be null
+  std::vector<std::string> files;     ///< what the input consists of
+  std::vector<std::string> notes;     ///< what the user should know about how it is read
+  std::optional<cv::Size> imageSize;  ///< pixels; none when nobody said
 };

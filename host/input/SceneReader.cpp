@@ -9,9 +9,13 @@
 
 namespace {
 
-std::invalid_argument undeclared(std::uint32_t id, const std::string& by) {
-  return std::invalid_argument(by + " names the mobile " + std::to_string(id) +
-                               ", which was not declared before");
+struct Undeclared : std::invalid_argument {
+  using std::invalid_argument::invalid_argument;
+};
+
+Undeclared undeclared(std::uint32_t id, const std::string& by) {
+  return Undeclared(by + " names the mobile " + std::to_string(id) +
+                    ", which was not declared before");
 }
 
 }  // namespace
@@ -49,6 +53,8 @@ bool SceneReader::next(InputFrame& frame) {
     for (const SceneActor& actor : m_scene.actors) {
       frame.actors.append(makeActor(actor));
     }
+  } catch (const Undeclared& problem) {
+    throw UndeclaredMobile(m_lines.error(problem.what()));
   } catch (const std::invalid_argument& problem) {
     throw m_lines.error(problem.what());
   }

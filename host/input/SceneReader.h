@@ -21,7 +21,7 @@
 /// grow with the number of frames or ids. Boxes and positions that a mobile leaves out are derived
 /// from its image box with the calibration. Beside the errors of the parser, an id declared twice
 /// in a frame, a name for an id that was never declared and an actor whose last mobile is not of
-/// its frame are an `InputError`.
+/// its frame are an `InputError`, behind which the next line may be read all the same.
 class SceneReader : public FrameSource {
  public:
   using Calibration = QSharedPointer<kelAbstractDataCalibration>;

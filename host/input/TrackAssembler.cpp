@@ -14,6 +14,12 @@ namespace {
 constexpr int fullReliability = 10;  // tenths, of a link over one step; one less per further step
 const char* const personType = "PERSON";
 
+/// The box with its edges at the nearest pixels.
+cv::Rect wholePixels(const cv::Rect2d& box) {
+  return {cv::Point(cvRound(box.x), cvRound(box.y)),
+          cv::Point(cvRound(box.x + box.width), cvRound(box.y + box.height))};
+}
+
 double distance(const MobilePointer& a, const MobilePointer& b) {
   const cv::Point3f& from = a->getPhysicalObject()->getPosition();
   const cv::Point3f& to = b->getPhysicalObject()->getPosition();
@@ -60,15 +66,13 @@ MobilePointer TrackAssembler::makeMobile(const Observation& observation, const s
                                               static_cast<float>(observation.position->y), 0.0F))
                   : std::nullopt;
   std::optional<BoundingBox3D> body;
-  cv::Rect box2D;
+  cv::Rect box2D = observation.box2D ? wholePixels(*observation.box2D) : cv::Rect();
   if (observation.box2D && m_calibration) {
-    box2D = *observation.box2D;
-    foot = foot ? foot : liftFoot(*m_calibration, box2D);
-    body = foot ? liftBox(*m_calibration, box2D, *foot) : std::nullopt;
+    foot = foot ? foot : liftFoot(*m_calibration, *observation.box2D);
+    body = foot ? liftBox(*m_calibration, *observation.box2D, *foot) : std::nullopt;
   } else if (foot) {
     body = standingBody(*foot);
-    box2D =
-        observation.box2D.value_or(m_calibration ? projectBox(*m_calibration, *body) : cv::Rect());
+    box2D = m_calibration ? projectBox(*m_calibration, *body) : box2D;
   }
   if (!body) {
     throw InputError(place, "the place of person " + std::to_string(observation.person) +

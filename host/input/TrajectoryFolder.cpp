@@ -1,11 +1,11 @@
 #include "TrajectoryFolder.h"
 
-#include "CameraEstimate.h"
-#include "GroundPlaneCalibration.h"
 #include "Homography.h"
+#include "ObservationInput.h"
 #include "ObsmatReader.h"
 #include "TrackAssembler.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <utility>
 
@@ -15,12 +15,15 @@ std::string observationFile(const std::string& folder) {
   return std::filesystem::path(folder) / "obsmat.txt";
 }
 
-QSharedPointer<kelAbstractDataCalibration> estimateCamera(
-    const std::string& homographyFile, const std::vector<cv::Point2d>& seenPlaces) {
-  const cv::Matx33d homography = readHomography(homographyFile, ImageOrder::RowColumn);
-  const cv::Size imageSize = guessImageSize(homography, seenPlaces);
-  return QSharedPointer<GroundPlaneCalibration>::create(
-      homography, estimateCameraPosition(homography, imageSize));
+/// The largest column and row at which anybody is seen through the homography.
+cv::Point2d farthestSeen(ObservationTable& observations, const cv::Matx33d& homography) {
+  const cv::Matx33d groundToImage = homography.inv();
+  cv::Point2d farthest;
+  observations.visit([&](const ObservationRow& row) {
+    const cv::Point2d seen = mapPoint(groundToImage, *row.observation.position);
+    farthest = {std::max(farthest.x, seen.x), std::max(farthest.y, seen.y)};
+  });
+  return farthest;
 }
 
 }  // namespace
@@ -32,11 +35,17 @@ bool isTrajectoryFolder(const std::string& path) {
 OpenedInput openTrajectoryFolder(const std::string& path, const InputOptions& options) {
   OpenedInput input;
   input.files.push_back(observationFile(path));
-  auto observations = readObsmat(input.files.back());
+  auto observations = readObsmat(input.files.back(), options.onProblem);
   input.calibration = options.calibration;
+  input.imageSize = options.imageSize;
   if (!input.calibration) {
-    input.files.push_back(std::filesystem::path(path) / "H.txt");
-    input.calibration = estimateCamera(input.files.back(), observations->positions());
+    auto homography = options.homography;
+    if (!homography) {
+      input.files.push_back(std::filesystem::path(path) / "H.txt");
+      homography = readHomography(input.files.back(), ImageOrder::RowColumn);
+    }
+    input.calibration =
+        cameraOf(*homography, input.imageSize, farthestSeen(*observations, *homography));
   }
   input.frames =
       std::make_unique<TrackAssembler>(std::move(observations), input.calibration, options.links);

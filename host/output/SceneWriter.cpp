@@ -52,6 +52,10 @@ void appendActor(Line& line, const kelDataActor& actor) {
 void SceneWriter::write(const InputFrame& frame) {
   m_line.clear();
   append(m_line, "{{");
+  if (!m_calibration.empty()) {
+    append(m_line, R"("calibration": {}, )", m_calibration);
+    m_calibration.clear();
+  }
   if (!frame.imageFile.empty()) {
     append(m_line, R"("image": {}, )", jsonText(frame.imageFile.string()));
   }

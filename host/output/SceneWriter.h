@@ -22,9 +22,13 @@ class SceneWriter {
  public:
   explicit SceneWriter(const std::string& path) : m_file(path) {}
 
+  /// Lets the next line carry the camera, as `calibrationText` gives it, under the key
+  /// "calibration", so that the scene's reader needs no other file; nothing for an empty text.
+  void carryCalibration(const std::string& camera) { m_calibration = camera; }
   void write(const InputFrame& frame);
 
  private:
   OutputFile m_file;
+  std::string m_calibration;  ///< still to be written
   fmt::memory_buffer m_line;  ///< kept from frame to frame
 };

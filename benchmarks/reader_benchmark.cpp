@@ -1,0 +1,134 @@
+// How many frames of 50 people each reader yields a second, without any tracking: the time that a
+// run spends on its input.
+
+#include "CvmlReader.h"
+#include "GroundPlaneCalibration.h"
+#include "MotReader.h"
+#include "ObsmatReader.h"
+#include "SceneReader.h"
+#include "SceneWriter.h"
+#include "TrackAssembler.h"
+
+#include <benchmark/benchmark.h>
+#include <fmt/format.h>
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <utility>
+
+namespace {
+
+constexpr int frameCount = 200;
+constexpr int people = 50;
+
+QSharedPointer<kelAbstractDataCalibration> camera() {
+  return QSharedPointer<GroundPlaneCalibration>::create(
+      cv::Matx33d(0.02, 0, -7, 0, -0.03, 24, 0, -0.0005, 1), cv::Point3d(0, 0, 6));
+}
+
+/// One line for every person and frame, made by `row(frame, person, x, y)`; x and y in pixels.
+template <typename Row>
+std::string rows(const Row& row) {
+  std::string text;
+  for (int frame = 1; frame <= frameCount; ++frame) {
+    for (int person = 1; person <= people; ++person) {
+      text += row(frame, person, 20.0 + 13.0 * person + 0.5 * frame, 300.0 + 4.0 * person);
+    }
+  }
+  return text;
+}
+
+std::unique_ptr<ObservationTable> openObsmat(std::istream& in) {
+  return readObsmat(in, "obsmat");
+}
+
+std::unique_ptr<ObservationTable> openMot(std::istream& in) {
+  auto table = readMot(in, "mot", MotChoice());
+  table->finish();
+  return table;
+}
+
+std::unique_ptr<ObservationTable> openCvml(std::istream& in) {
+  return readCvml(in, "cvml");
+}
+
+std::string obsmatText() {
+  return rows([](int frame, int person, double x, double y) {
+    return fmt::format("{} {} {} 0 {} 0 0 0\n", frame, person, x / 20.0, y / 20.0);
+  });
+}
+
+std::string motText() {
+  return rows([](int frame, int person, double x, double y) {
+    return fmt::format("{},{},{:.2f},{:.2f},31.5,80.25,0.98,-1,-1,-1\n", frame, person, x, y);
+  });
+}
+
+std::string cvmlText() {
+  return "<dataset>" + rows([](int frame, int person, double x, double y) {
+           return fmt::format(
+               "{}<object id=\"{}\"><box h=\"80.25\" w=\"31.5\" xc=\"{}\" yc=\"{}\"/></object>{}\n",
+               person == 1 ? fmt::format("<frame number=\"{}\"><objectlist>", frame) : "", person,
+               x, y, person == people ? "</objectlist></frame>" : "");
+         }) +
+         "</dataset>";
+}
+
+void countFrames(benchmark::State& state, FrameSource& source) {
+  InputFrame frame;
+  while (source.next(frame)) {
+    benchmark::DoNotOptimize(frame.observed.size());
+  }
+  state.SetItemsProcessed(state.items_processed() + frameCount);
+}
+
+void readObservations(benchmark::State& state, const std::string& text,
+                      std::unique_ptr<ObservationTable> (*open)(std::istream&)) {
+  for ([[maybe_unused]] auto unused : state) {
+    std::istringstream in(text);
+    TrackAssembler frames(open(in), camera(), LinkOptions());
+    countFrames(state, frames);
+  }
+}
+
+/// The MOTChallenge file's frames as a scene.
+std::string sceneText() {
+  const std::string file =
+      std::filesystem::temp_directory_path() / fmt::format("reader-benchmark-{}.jsonl", ::getpid());
+  {
+    std::istringstream in(motText());
+    TrackAssembler frames(openMot(in), camera(), LinkOptions());
+    SceneWriter writer(file);
+    for (InputFrame frame; frames.next(frame);) {
+      writer.write(frame);
+    }
+  }
+  std::ostringstream text;
+  text << std::ifstream(file).rdbuf();
+  std::remove(file.c_str());
+  return text.str();
+}
+
+void readScene(benchmark::State& state) {
+  const std::string text = sceneText();
+  for ([[maybe_unused]] auto unused : state) {
+    std::istringstream in(text);
+    SceneReader scene(in, "scene", {}, nullptr);
+    countFrames(state, scene);
+  }
+}
+
+}  // namespace
+
+// Items per second are frames per second.
+BENCHMARK(readScene);
+BENCHMARK_CAPTURE(readObservations, obsmat, obsmatText(), openObsmat);
+BENCHMARK_CAPTURE(readObservations, mot, motText(), openMot);
+BENCHMARK_CAPTURE(readObservations, cvml, cvmlText(), openCvml);
+BENCHMARK_MAIN();

@@ -1,0 +1,7 @@
+#include "Homography.h"
+#include "FuzzedInput.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  return readFuzzed(
+      data, size, [](std::istream& in) { readHomography(in, fuzzedName, ImageOrder::RowColumn); });
+}

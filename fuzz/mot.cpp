@@ -1,0 +1,15 @@
+#include "FuzzedInput.h"
+#include "GroundPlaneCalibration.h"
+#include "MotReader.h"
+#include "TrackAssembler.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static const auto camera = QSharedPointer<GroundPlaneCalibration>::create(
+      cv::Matx33d(0.02, 0, -7, 0, -0.03, 14, 0, -0.0005, 1), cv::Point3d(0, 0, 6));
+  return readFuzzed(data, size, [](std::istream& in) {
+    auto people = readMot(in, fuzzedName, MotChoice());
+    people->finish();
+    TrackAssembler frames(std::move(people), camera, LinkOptions());
+    readAll(frames);
+  });
+}

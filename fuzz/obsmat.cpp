@@ -1,0 +1,10 @@
+#include "FuzzedInput.h"
+#include "ObsmatReader.h"
+#include "TrackAssembler.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  return readFuzzed(data, size, [](std::istream& in) {
+    TrackAssembler frames(readObsmat(in, fuzzedName), nullptr, LinkOptions());
+    readAll(frames);
+  });
+}

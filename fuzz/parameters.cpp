@@ -1,0 +1,6 @@
+#include "FuzzedInput.h"
+#include "ParameterFile.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  return readFuzzed(data, size, [](std::istream& in) { readParameterFile(in, fuzzedName); });
+}

@@ -1,0 +1,25 @@
+#include "CalibrationWriter.h"
+
+#include "OutputFile.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+void writeCalibration(const HostCalibration& camera, const std::string& path) {
+  std::string text = "%YAML:1.0\n---\n";
+  for (const CalibrationNode& node : camera.nodes()) {
+    text +=
+        fmt::format("{}: !!opencv-matrix\n   rows: {}\n   cols: {}\n   dt: d\n   data: [ {} ]\n",
+                    node.name, node.rows, node.columns, fmt::join(node.values, ", "));
+  }
+  OutputFile(path).writeLines(text);
+}
+
+std::string calibrationText(const HostCalibration& camera) {
+  std::string text;
+  for (const CalibrationNode& node : camera.nodes()) {
+    text += fmt::format(R"({}"{}": [{}])", text.empty() ? "{" : ", ", node.name,
+                        fmt::join(node.values, ", "));
+  }
+  return text + "}";
+}

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "HostCalibration.h"
+
+#include <string>
+
+/// Writes a camera as an OpenCV file that `readCalibration` reads to the same camera, to the last
+/// bit. A file that cannot be written is an `OutputError`.
+void writeCalibration(const HostCalibration& camera, const std::string& path);
+
+/// The camera as a JSON object on one line: each node's numbers, row after row, by its name:
+///
+///     {"homography": [0.1, 0, -3.2, 0, ...], "camera_position": [0, 0, 5.8]}
+std::string calibrationText(const HostCalibration& camera);

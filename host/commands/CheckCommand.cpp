@@ -1,0 +1,126 @@
+#include "CheckCommand.h"
+
+#include "FrameCheck.h"
+#include "InputError.h"
+#include "InputFormats.h"
+#include "ParameterCheck.h"
+#include "ParameterFile.h"
+#include "SceneContextReader.h"
+
+#include <fmt/format.h>
+
+#include <cstdio>
+#include <fstream>
+#include <optional>
+
+namespace {
+
+const char* const example = R"(Example:
+  grouptracker check tracks.txt --parameters samples/parameters/walking.txt --calibration camera.yml
+
+Exit status: 0 when all is well, 1 with warnings only, 2 with problems.)";
+
+enum CheckStatus : int { allIsWell = 0, onlyWarnings = 1, hasProblems = 2 };
+
+/// Does one step of the check; a problem that ends the step does not end the check.
+template <typename Step>
+bool isWell(CheckReport& report, const Step& step) {
+  try {
+    step();
+    return true;
+  } catch (const InputError& error) {
+    report.problem(error);
+    return false;
+  }
+}
+
+void checkFrames(const OpenedInput& input, CheckReport& report) {
+  FrameCheck frames(report, input.calibration, input.imageSize);
+  InputFrame frame;
+  bool hasMore = true;
+  bool hasDamage = false;
+  while (hasMore) {
+    try {
+      hasMore = input.frames->next(frame);
+      if (hasMore) {
+        frames.look(frame);
+      }
+    } catch (const UndeclaredMobile& error) {
+      // Behind a damaged frame nobody knows what it would have declared.
+      hasDamage ? void() : report.problem(error);
+    } catch (const InputError& error) {
+      report.problem(error);
+      hasDamage = true;
+    }
+  }
+}
+
+}  // namespace
+
+CLI::App* CheckCommand::declare(CLI::App& program) {
+  CLI::App* const command =
+      program.add_subcommand("check", "Looks through an input and its files without running");
+  command->footer(example);
+  declareInput(*command, m_choice);
+  declareCalibration(*command, m_choice);
+  declareImageSize(*command, m_choice);
+  command->add_option("--parameters", m_parameterFile, "the tracker's 47 parameters")
+      ->type_name("FILE");
+  command->add_option("--context", m_contextFile, "description of the scene, JSON")
+      ->type_name("FILE");
+  return command;
+}
+
+int CheckCommand::run() {
+  CheckReport report([](const std::string& line) { fmt::print("{}\n", line); });
+  try {
+    checkFiles(report);
+  } catch (const TooManyProblems&) {
+    fmt::print("stopped after {} problems\n", report.problems());
+  }
+  report.printWarnings();
+  fmt::print("{} problems, {} kinds of warnings\n", report.problems(), report.warnings());
+  if (report.problems() > 0) {
+    return hasProblems;
+  }
+  return report.warnings() > 0 ? onlyWarnings : allIsWell;
+}
+
+void CheckCommand::checkFiles(CheckReport& report) const {
+  if (!m_parameterFile.empty()) {
+    isWell(report, [&] { checkParameters(report); });
+  }
+  if (!m_contextFile.empty()) {
+    isWell(report, [&] { readSceneContext(m_contextFile); });
+  }
+  isWell(report, [&] { checkInput(report); });
+}
+
+void CheckCommand::checkParameters(CheckReport& report) const {
+  const ParameterFile parameters = readParameterFile(m_parameterFile);
+  if (parameters.problem) {
+    report.problem(*parameters.problem);
+    return;
+  }
+  std::ifstream file(m_parameterFile);
+  checkParameterValues(file, m_parameterFile, report);
+}
+
+void CheckCommand::checkInput(CheckReport& report) const {
+  InputOptions options;
+  const bool hasCamera = isWell(report, [&] { options = inputOptions(m_choice); });
+  if (!hasCamera) {
+    InputChoice withoutCamera = m_choice;
+    withoutCamera.calibrationFile.clear();
+    options = inputOptions(withoutCamera);
+  }
+  options.onProblem = [&](const InputError& error) { report.problem(error); };
+  OpenedInput input = openInput(m_choice.input, options);
+  for (const std::string& note : input.notes) {
+    report.warn("note", m_choice.input, note);
+  }
+  if (input.calibration && input.calibration->getPosition().z <= 0.0) {
+    report.warn("camera", m_choice.calibrationFile, "the camera stands below the ground");
+  }
+  checkFrames(input, report);
+}

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "CheckReport.h"
+#include "Command.h"
+#include "InputChoice.h"
+
+#include <string>
+
+/// `grouptracker check`: reads all files as a run would, without running, and says on standard
+/// output what is wrong and what is suspicious. The exit status is 0 when all is well, 1 with
+/// warnings only, 2 with problems.
+class CheckCommand : public Command {
+ public:
+  CLI::App* declare(CLI::App& program) override;
+  int run() override;
+
+ private:
+  void checkFiles(CheckReport& report) const;
+  void checkParameters(CheckReport& report) const;
+  void checkInput(CheckReport& report) const;
+
+  InputChoice m_choice;
+  std::string m_parameterFile;
+  std::string m_contextFile;
+};

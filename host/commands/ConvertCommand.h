@@ -1,0 +1,18 @@
+#pragma once
+
+#include "Command.h"
+#include "InputChoice.h"
+
+#include <string>
+
+/// `grouptracker convert`: writes any input as a scene file that a run takes as it would the input.
+class ConvertCommand : public Command {
+ public:
+  CLI::App* declare(CLI::App& program) override;
+  int run() override;
+
+ private:
+  InputChoice m_choice;
+  std::string m_outputFile;
+  std::string m_imageFolder;
+};

@@ -1,0 +1,110 @@
+#include "InputChoice.h"
+
+#include "CalibrationReader.h"
+#include "Homography.h"
+#include "InputError.h"
+#include "InputFormats.h"
+#include "LinkArguments.h"
+
+#include <charconv>
+#include <string_view>
+#include <variant>
+
+namespace {
+
+const char* const columnFirst = "colrow";
+const char* const rowFirst = "rowcol";
+
+bool readWhole(std::string_view text, int& number) {
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  return error == std::errc() && end == text.data() + text.size() && number > 0;
+}
+
+std::optional<cv::Size> parseSize(std::string_view text) {
+  const auto cross = text.find('x');
+  cv::Size size;
+  const bool isSize = cross != std::string_view::npos &&
+                      readWhole(text.substr(0, cross), size.width) &&
+                      readWhole(text.substr(cross + 1), size.height);
+  return isSize ? std::optional(size) : std::nullopt;
+}
+
+}  // namespace
+
+void declareInput(CLI::App& command, InputChoice& choice) {
+  command
+      .add_option("INPUT", choice.input,
+                  "scene file *.jsonl, - for a scene on standard input, folder with obsmat.txt and "
+                  "H.txt, MOTChallenge file or sequence folder, or XML file with boxes")
+      ->required();
+  command
+      .add_option("--format", choice.format,
+                  "the format of INPUT, if it is not to be recognised by its content")
+      ->check(CLI::IsMember(inputFormats()));
+  command.add_option("--min-confidence", choice.minConfidence,
+                     "for MOTChallenge files: boxes of a lower confidence are passed over");
+}
+
+void declareCalibration(CLI::App& command, InputChoice& choice) {
+  command
+      .add_option(
+          "--calibration", choice.calibrationFile,
+          "camera: OpenCV yml, xml or json; Tsai's model as XML; or a text of 3 x 3 numbers, "
+          "the homography from the image to the ground")
+      ->type_name("FILE");
+  command
+      .add_option("--homography-order", choice.homographyOrder,
+                  "what a homography in a text takes: column before row, or row before column "
+                  "(default colrow)")
+      ->check(CLI::IsMember({rowFirst, columnFirst}))
+      ->type_name("rowcol|colrow");
+}
+
+void declareLinks(CLI::App& command, InputChoice& choice) {
+  for (const LinkArgument& argument : linkArguments()) {
+    std::visit(
+        [&](auto member) {
+          command
+              .add_option(argument.name, choice.links.*member,
+                          std::string("for inputs without links: ") + argument.meaning)
+              ->check(CLI::NonNegativeNumber)
+              ->capture_default_str();
+        },
+        argument.member);
+  }
+}
+
+CLI::Option* declareImageSize(CLI::App& command, InputChoice& choice) {
+  return command
+      .add_option_function<std::string>(
+          "--image-size",
+          [&choice](const std::string& text) {
+            choice.imageSize = parseSize(text);
+            if (!choice.imageSize) {
+              throw CLI::ValidationError("--image-size", "WxH is expected, such as 768x576");
+            }
+          },
+          "width and height of the video's images in pixels, where the input does not say them")
+      ->type_name("WxH");
+}
+
+InputOptions inputOptions(const InputChoice& choice) {
+  InputOptions options;
+  options.format = choice.format;
+  options.imageSize = choice.imageSize;
+  options.links = choice.links;
+  options.mot.minConfidence = choice.minConfidence.value_or(options.mot.minConfidence);
+  if (choice.calibrationFile.empty()) {
+    return options;
+  }
+  if (isHomographyFile(choice.calibrationFile)) {
+    options.homography = readHomography(choice.calibrationFile, choice.homographyOrder == rowFirst
+                                                                    ? ImageOrder::RowColumn
+                                                                    : ImageOrder::ColumnRow);
+  } else if (!choice.homographyOrder.empty()) {
+    throw InputError(choice.calibrationFile, "is no homography, so it has no --homography-order");
+  } else {
+    options.calibration = readCalibration(choice.calibrationFile);
+  }
+  return options;
+}

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "OpenedInput.h"
+
+#include <CLI/CLI.hpp>
+#include <opencv2/core/types.hpp>
+
+#include <optional>
+#include <string>
+
+/// What the user says about an input on the command line, the same for every command that reads
+/// one. Texts are empty when the option was not given.
+struct InputChoice {
+  std::string input;
+  std::string format;
+  std::string calibrationFile;
+  std::string homographyOrder;        ///< "colrow" or "rowcol", of a calibration that is a text
+  std::optional<cv::Size> imageSize;  ///< pixels
+  std::optional<double> minConfidence;
+  LinkOptions links;
+};
+
+/// Adds INPUT and the options that say how to read it.
+void declareInput(CLI::App& command, InputChoice& choice);
+/// Adds `--calibration` and what belongs to it.
+void declareCalibration(CLI::App& command, InputChoice& choice);
+/// Adds the options for the links of inputs that have none.
+void declareLinks(CLI::App& command, InputChoice& choice);
+/// Adds `--image-size WxH`.
+CLI::Option* declareImageSize(CLI::App& command, InputChoice& choice);
+
+/// What the choice means for the reader; reads the calibration file. The file may be a camera, or
+/// three lines of three numbers: a homography from the image to the ground.
+InputOptions inputOptions(const InputChoice& choice);

@@ -1,0 +1,10 @@
+#pragma once
+
+#include "FileDescriptor.h"
+
+#include <string>
+
+/// Makes a file without a name, so that it vanishes with the program however that ends; in the
+/// folder of the environment variable TMPDIR, else in /var/tmp. `folder` is set to that place, for
+/// messages. A file that cannot be made is an `OutputError`.
+FileDescriptor openTemporaryFile(std::string& folder);

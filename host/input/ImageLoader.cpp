@@ -1,0 +1,40 @@
+#include "ImageLoader.h"
+
+#include "InputError.h"
+
+#include <fmt/format.h>
+#include <opencv2/imgcodecs.hpp>
+
+namespace {
+
+cv::Mat readImage(const InputFrame& frame) {
+  cv::Mat pixels;
+  try {
+    pixels = cv::imread(frame.imageFile.string(), cv::IMREAD_COLOR);
+  } catch (const cv::Exception&) {
+    pixels.release();  // the same as a file that is no image
+  }
+  if (pixels.empty()) {
+    throw InputError(frame.place,
+                     "the image " + frame.imageFile.string() + " is missing or not readable");
+  }
+  return pixels;
+}
+
+}  // namespace
+
+void ImageLoader::load(InputFrame& frame) {
+  if (!frame.image && !frame.imageFile.empty()) {
+    const cv::Mat pixels = readImage(frame);
+    if (m_size.empty()) {
+      m_size = pixels.size();
+    }
+    if (pixels.size() != m_size) {
+      throw InputError(frame.place,
+                       fmt::format("the image {} has {}x{} pixels, the first has {}x{}",
+                                   frame.imageFile.string(), pixels.cols, pixels.rows, m_size.width,
+                                   m_size.height));
+    }
+    frame.image = QSharedPointer<kelDataImage>::create(pixels);
+  }
+}

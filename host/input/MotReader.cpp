@@ -1,0 +1,129 @@
+#include "MotReader.h"
+
+#include "InputFile.h"
+#include "LineReader.h"
+#include "ObservationLimits.h"
+#include "TextNumbers.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <optional>
+#include <stdexcept>
+#include <vector>
+
+namespace {
+
+enum Column {
+  frameColumn,
+  personColumn,
+  leftColumn,
+  topColumn,
+  widthColumn,
+  heightColumn,
+  confidenceColumn,
+  classColumn,            ///< of 8 or 9 columns
+  xColumn = classColumn,  ///< of 10 columns
+  yColumn,
+  zColumn,
+};
+constexpr std::size_t fewestColumns = 6;
+constexpr std::size_t mostColumns = 10;
+constexpr double unset = -1.0;
+constexpr double pedestrian = 1.0;  // among the classes of a ground truth
+
+bool isGroundTruth(const std::vector<double>& row) {
+  return row.size() == classColumn + 1 || row.size() == classColumn + 2;
+}
+
+bool counts(const std::vector<double>& row, const MotChoice& choice) {
+  if (row.size() > confidenceColumn && row[confidenceColumn] < choice.minConfidence) {
+    return false;
+  }
+  const bool isPerson =
+      !isGroundTruth(row) || row[classColumn] == pedestrian || row[classColumn] == unset;
+  const bool isIgnored = isGroundTruth(row) && row[confidenceColumn] == 0.0;
+  return isPerson && !isIgnored;
+}
+
+cv::Rect2d boxOf(const std::vector<double>& row) {
+  const cv::Rect2d box(row[leftColumn], row[topColumn], row[widthColumn], row[heightColumn]);
+  if (box.width < 0.0 || box.height < 0.0) {
+    throw std::invalid_argument("the box has a negative width or height");
+  }
+  if (std::max({std::abs(box.x), std::abs(box.y), box.width, box.height}) > farthestBox) {
+    throw std::invalid_argument("the box lies too far away to be pixels");
+  }
+  return box;
+}
+
+std::optional<cv::Point2d> positionOf(const std::vector<double>& row) {
+  const bool holdsValues =
+      row.size() == mostColumns &&
+      !(row[xColumn] == unset && row[yColumn] == unset && row[zColumn] == unset);
+  if (!holdsValues) {
+    return std::nullopt;
+  }
+  const cv::Point2d position(row[xColumn], row[yColumn]);
+  if (std::max(std::abs(position.x), std::abs(position.y)) > farthestPosition) {
+    throw std::invalid_argument("the position lies too far away to be metres");
+  }
+  return position;
+}
+
+void addRow(const std::vector<double>& row, std::uint64_t line, const MotChoice& choice,
+            ObservationTable& table) {
+  if (row.size() < fewestColumns || row.size() > mostColumns) {
+    throw std::invalid_argument(std::to_string(fewestColumns) + " to " +
+                                std::to_string(mostColumns) + " numbers are expected, not " +
+                                std::to_string(row.size()));
+  }
+  if (row[personColumn] == unset) {
+    throw std::invalid_argument(
+        "the id is -1: these are detections that nobody has tracked; run a tracker on them first");
+  }
+  const std::int64_t frame = wholeNumber(row[frameColumn], largestFrame, "frame");
+  const std::int64_t person = wholeNumber(row[personColumn], largestPerson, "id");
+  const cv::Rect2d box = boxOf(row);
+  const auto position = positionOf(row);
+  if (counts(row, choice)) {
+    table.add(frame, {static_cast<std::uint32_t>(person), position, box}, line);
+  } else {
+    table.cover(frame);
+  }
+}
+
+}  // namespace
+
+std::unique_ptr<ObservationTable> readMot(std::istream& in, const std::string& name,
+                                          const MotChoice& choice,
+                                          const ProblemHandler& onProblem) {
+  auto table = std::make_unique<ObservationTable>(name, onProblem);
+  LineReader lines(in, name, longestRow);
+  std::vector<double> row;
+  while (lines.nextFilled()) {
+    try {
+      parseCommaNumbers(lines.line(), row);
+      addRow(row, lines.number(), choice, *table);
+    } catch (const std::invalid_argument& problem) {
+      onProblem(lines.error(problem.what()));
+    }
+  }
+  return table;
+}
+
+std::unique_ptr<ObservationTable> readMot(const std::string& path, const MotChoice& choice,
+                                          const ProblemHandler& onProblem) {
+  InputFile file(path);
+  return readMot(file.stream(), path, choice, onProblem);
+}
+
+bool isMotLine(const std::string& line) {
+  std::vector<double> row;
+  try {
+    parseCommaNumbers(line, row);
+  } catch (const std::invalid_argument&) {
+    return false;
+  }
+  return row.size() >= fewestColumns && row.size() <= mostColumns;
+}

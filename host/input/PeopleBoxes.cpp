@@ -1,0 +1,76 @@
+#include "PeopleBoxes.h"
+
+#include "InputFile.h"
+#include "LineReader.h"
+#include "SceneLineParser.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace {
+
+void appendPeople(const SceneLine& scene, std::int64_t step, std::vector<PersonBox>& boxes) {
+  for (const SceneActor& actor : scene.actors) {
+    const auto current =
+        std::find_if(scene.mobiles.begin(), scene.mobiles.end(), [&](const SceneMobile& mobile) {
+          return !actor.mobiles.empty() && mobile.id == actor.mobiles.back();
+        });
+    if (current != scene.mobiles.end()) {
+      boxes.push_back({step, actor.id, current->box2D});
+    }
+  }
+}
+
+}  // namespace
+
+std::vector<PersonBox> peopleBoxes(ObservationTable& observations) {
+  std::vector<PersonBox> boxes;
+  const std::int64_t frameStep = observations.frameStep();
+  observations.visit([&](const ObservationRow& row) {
+    if (row.observation.box2D && boxes.size() < mostPeopleBoxes) {
+      boxes.push_back({row.frame / frameStep, row.observation.person, *row.observation.box2D});
+    }
+  });
+  return boxes;
+}
+
+std::vector<PersonBox> peopleBoxes(const std::string& sceneFile) {
+  std::vector<PersonBox> boxes;
+  InputFile file(sceneFile);
+  LineReader lines(file.stream(), sceneFile);
+  SceneLineParser parser;
+  SceneLine scene;
+  try {
+    for (std::int64_t step = 0; boxes.size() < mostPeopleBoxes && lines.nextFilled(); ++step) {
+      parser.parse(lines.line(), scene);
+      appendPeople(scene, step, boxes);
+    }
+  } catch (const std::invalid_argument&) {
+    // The reader says what is wrong when it comes to that line.
+  }
+  return boxes;
+}
+
+bool needsCamera(const std::string& sceneFile) {
+  InputFile file(sceneFile);
+  LineReader lines(file.stream(), sceneFile);
+  SceneLineParser parser;
+  SceneLine scene;
+  try {
+    while (scene.mobiles.empty() && lines.nextFilled()) {
+      parser.parse(lines.line(), scene);
+    }
+  } catch (const std::invalid_argument&) {
+    return false;
+  }
+  return !scene.mobiles.empty() && !(scene.mobiles.front().box3D && scene.mobiles.front().position);
+}
+
+cv::Point2d farthestCorner(const std::vector<PersonBox>& boxes) {
+  cv::Point2d farthest;
+  for (const PersonBox& box : boxes) {
+    farthest.x = std::max(farthest.x, box.box.x + box.box.width);
+    farthest.y = std::max(farthest.y, box.box.y + box.box.height);
+  }
+  return farthest;
+}

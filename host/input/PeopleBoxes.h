@@ -1,0 +1,21 @@
+#pragma once
+
+#include "ObservationTable.h"
+#include "PeopleCamera.h"
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+/// People's boxes for estimating the camera: those of the input's first part, in order.
+
+constexpr std::size_t mostPeopleBoxes = 200'000;  // enough for any camera, and bounded memory
+
+/// Those of observations; to be called before the first step is read.
+std::vector<PersonBox> peopleBoxes(ObservationTable& observations);
+/// Those of a scene file's actors. Lines that are wrong are left to the scene's reader.
+std::vector<PersonBox> peopleBoxes(const std::string& sceneFile);
+/// Whether a scene's first mobile has an image box only, so that a camera is needed.
+bool needsCamera(const std::string& sceneFile);
+/// The largest column and row that a box reaches.
+cv::Point2d farthestCorner(const std::vector<PersonBox>& boxes);
