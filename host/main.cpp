@@ -1,9 +1,11 @@
 #include "Command.h"
 #include "EvaluateCommand.h"
 #include "EventsCommand.h"
+#include "ExplainCommand.h"
 #include "InputError.h"
 #include "OutputError.h"
 #include "ProcessRunner.h"
+#include "ReportCommand.h"
 #include "RunCommand.h"
 #include "SimulateCommand.h"
 #include "TuneCommand.h"
@@ -34,6 +36,8 @@ std::vector<std::unique_ptr<Command>> allCommands() {
   commands.push_back(std::make_unique<EvaluateCommand>());
   commands.push_back(std::make_unique<TuneCommand>());
   commands.push_back(std::make_unique<EventsCommand>());
+  commands.push_back(std::make_unique<ReportCommand>());
+  commands.push_back(std::make_unique<ExplainCommand>());
   return commands;
 }
 
