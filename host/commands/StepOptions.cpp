@@ -57,8 +57,7 @@ void declareStepOptions(CLI::App& command, StepOptions& options) {
       .add_flag("--top-view", options.pictures.showsTopView,
                 "draws the ground from above beside the images; without images it stands alone")
       ->group(heading);
-  command
-      .add_option("--video-rate", options.pictures.rate, "pictures per second of the film")
+  command.add_option("--video-rate", options.pictures.rate, "pictures per second of the film")
       ->check(CLI::Range(slowest, fastest))
       ->capture_default_str()
       ->group(heading);

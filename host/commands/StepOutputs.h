@@ -39,8 +39,8 @@ class StepOutputs {
   };
 
   bool m_draws;
-  bool m_imagesAreDrawnOn;  ///< by the tracker, in place
-  std::size_t m_delay;      ///< frames
+  bool m_imagesAreDrawnOn;    ///< by the tracker, in place
+  std::size_t m_delay;        ///< frames
   std::deque<Noted> m_noted;  ///< the last frames up to the delay, the latest last
   EventDetector m_detector;
   std::vector<std::unique_ptr<StepSink>> m_sinks;

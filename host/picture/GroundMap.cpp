@@ -5,8 +5,8 @@
 
 namespace {
 
-constexpr float room = 5.0F;    // metres by which the shown ground grows at a time
-constexpr float margin = 1.0F;  // metres between anybody and the rim
+constexpr float room = 5.0F;      // metres by which the shown ground grows at a time
+constexpr float margin = 1.0F;    // metres between anybody and the rim
 constexpr double farthest = 1e6;  // pixels; what lies beyond is not seen in any case
 
 float down(float coordinate) {

@@ -80,14 +80,15 @@ class Explanation : public testing::Test {
 TEST_F(Explanation, TellsTheLifeOfAGroupFromTheLines) {
   const DecisionLog log = read();
   const Explainer explainer(log, 4.0);
-  EXPECT_EQ(explainer.explainGroup(0),
-            "frame 1 (decided at 3): founded by the pair of person 1 (mobile 11) and person 2 "
-            "(mobile 12), coherence 3.900 below threshold 4 (distance 0.500, speed 0.100, direction "
-            "0.200)\n"
-            "frame 2 (decided at 4): group 1 went up in it\n"
-            "frame 2 (decided at 4): person 3 (mobile 23) joined\n"
-            "frame 2 (decided at 4): person 5 (mobile 25) joined\n"
-            "frame 2 (decided at 4): person 2 left\n");
+  EXPECT_EQ(
+      explainer.explainGroup(0),
+      "frame 1 (decided at 3): founded by the pair of person 1 (mobile 11) and person 2 "
+      "(mobile 12), coherence 3.900 below threshold 4 (distance 0.500, speed 0.100, direction "
+      "0.200)\n"
+      "frame 2 (decided at 4): group 1 went up in it\n"
+      "frame 2 (decided at 4): person 3 (mobile 23) joined\n"
+      "frame 2 (decided at 4): person 5 (mobile 25) joined\n"
+      "frame 2 (decided at 4): person 2 left\n");
   EXPECT_THAT(explainer.explainGroup(1), HasSubstr("frame 1 (decided at 3): split from group 0\n"));
   EXPECT_THAT(explainer.explainGroup(1), HasSubstr("went up in group 0"));
   EXPECT_THAT(explainer.explainGroup(0, 2), StartsWith("members at frame 2: 1, 3, 5\n"));
@@ -116,8 +117,9 @@ TEST(ExplainCommand, AnswersForARunAndRefusesWhatIsNoRun) {
   const TempFolder folder;
   folder.write("p.txt", sampleParameters());
   folder.write("scene.jsonl", walkingScene(12));
-  Program(folder.path()).run({"run", "scene.jsonl", "--parameters", "p.txt", "--output", "g.jsonl",
-                              "--diagnostics", "lines.txt", "--mobile-dump", "dump.txt"});
+  Program(folder.path())
+      .run({"run", "scene.jsonl", "--parameters", "p.txt", "--output", "g.jsonl", "--diagnostics",
+            "lines.txt", "--mobile-dump", "dump.txt"});
   Program asking(folder.path());
   EXPECT_EQ(asking.run({"explain", "lines.txt", "--group", "0", "--mobile-dump", "dump.txt"}), 0);
   EXPECT_THAT(asking.output(), HasSubstr("founded by the pair of person 1 (mobile "));
