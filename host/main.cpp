@@ -4,9 +4,11 @@
 #include "ConvertCommand.h"
 #include "EvaluateCommand.h"
 #include "EventsCommand.h"
+#include "ExplainCommand.h"
 #include "InputError.h"
 #include "OutputError.h"
 #include "ProcessRunner.h"
+#include "ReportCommand.h"
 #include "RunCommand.h"
 #include "SimulateCommand.h"
 #include "TuneCommand.h"
@@ -40,6 +42,8 @@ std::vector<std::unique_ptr<Command>> allCommands() {
   commands.push_back(std::make_unique<ConvertCommand>());
   commands.push_back(std::make_unique<CalibrateCommand>());
   commands.push_back(std::make_unique<CheckCommand>());
+  commands.push_back(std::make_unique<ReportCommand>());
+  commands.push_back(std::make_unique<ExplainCommand>());
   return commands;
 }
 

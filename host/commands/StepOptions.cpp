@@ -19,6 +19,10 @@ const std::array<FileOption, 5> fileOptions{{
     {"--sqlite", &StepOptions::databaseFile, "frames, groups, members and events as a database"},
 }};
 
+const char* const heading = "Results in other forms";
+constexpr double slowest = 0.1;  // pictures per second
+constexpr double fastest = 240.0;
+
 }  // namespace
 
 bool StepOptions::wantsAnything() const {
@@ -32,6 +36,9 @@ std::vector<std::string> StepOptions::files() const {
       files.push_back(this->*option.file);
     }
   }
+  if (wantsPictures()) {
+    files.push_back(pictures.path);
+  }
   return files;
 }
 
@@ -39,6 +46,19 @@ void declareStepOptions(CLI::App& command, StepOptions& options) {
   for (const FileOption& option : fileOptions) {
     command.add_option(option.name, options.*option.file, option.help)
         ->type_name("FILE")
-        ->group("Results in other forms");
+        ->group(heading);
   }
+  command
+      .add_option("--video", options.pictures.path,
+                  "draws every reported frame into a film (.mp4, .mkv, .avi) or a folder of images")
+      ->type_name("FILE|FOLDER")
+      ->group(heading);
+  command
+      .add_flag("--top-view", options.pictures.showsTopView,
+                "draws the ground from above beside the images; without images it stands alone")
+      ->group(heading);
+  command.add_option("--video-rate", options.pictures.rate, "pictures per second of the film")
+      ->check(CLI::Range(slowest, fastest))
+      ->capture_default_str()
+      ->group(heading);
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "PictureWriter.h"
+
 #include <CLI/CLI.hpp>
 
 #include <string>
@@ -13,8 +15,10 @@ struct StepOptions {
   std::string motFile;
   std::string csvFile;
   std::string databaseFile;
+  PictureOptions pictures;
 
   bool wantsAnything() const;
+  bool wantsPictures() const { return !pictures.path.empty(); }
   /// The files that will be written.
   std::vector<std::string> files() const;
 };

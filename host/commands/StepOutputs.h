@@ -7,7 +7,11 @@
 #include "StepOptions.h"
 #include "StepSink.h"
 
+#include <cstddef>
+#include <deque>
+#include <filesystem>
 #include <memory>
+#include <string>
 #include <vector>
 
 /// Writes what the user asked for beside the groups file. Events are written before `write()`
@@ -26,6 +30,18 @@ class StepOutputs {
   void finishAfterFailure();
 
  private:
+  /// What pictures need of a frame that is not reported yet.
+  struct Noted {
+    std::vector<PersonPlace> people;
+    std::filesystem::path imageFile;
+    QSharedPointer<kelDataImage> image;
+    std::string place;
+  };
+
+  bool m_draws;
+  bool m_imagesAreDrawnOn;    ///< by the tracker, in place
+  std::size_t m_delay;        ///< frames
+  std::deque<Noted> m_noted;  ///< the last frames up to the delay, the latest last
   EventDetector m_detector;
   std::vector<std::unique_ptr<StepSink>> m_sinks;
 };

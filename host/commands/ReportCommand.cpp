@@ -1,0 +1,141 @@
+#include "ReportCommand.h"
+
+#include "CalibrationReader.h"
+#include "EventDetector.h"
+#include "Explainer.h"
+#include "FileIdentity.h"
+#include "GroupTruth.h"
+#include "GroupsReader.h"
+#include "ImageFolder.h"
+#include "InputFile.h"
+#include "InputFormats.h"
+#include "PeopleInView.h"
+#include "ReportPage.h"
+#include "RunOptions.h"
+#include "TruthReader.h"
+#include "WholeFile.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace {
+
+const char* const example = R"(Example:
+  grouptracker report scene.jsonl groups.jsonl --output report.html)";
+
+/// Whether the visible groups are those of the truth, among everybody in view.
+bool isRight(const GroupsFrame& frame, const GroupTruth& truth) {
+  std::vector<Person> persons(frame.persons.begin(), frame.persons.end());
+  std::sort(persons.begin(), persons.end());
+  std::vector<PersonGroup> found;
+  for (const GroupState& group : frame.groups) {
+    PersonGroup& members = found.emplace_back();
+    for (const GroupMember& member : group.members) {
+      if (group.isVisible && member.person) {
+        members.push_back(*member.person);
+      }
+    }
+  }
+  return joinOverlapping(found) == restrictTo(truth.at(*frame.inputFrame), persons);
+}
+
+void readGroups(const std::string& path, const std::string& input,
+                const std::optional<GroupTruth>& truth, ReportData& data) {
+  InputFile file(path);
+  GroupsReader reader(file.stream(), path);
+  EventDetector detector;
+  for (GroupsFrame frame; reader.next(frame);) {
+    if (!data.addGroups(frame, detector.next(frame))) {
+      throw InputError(path, fmt::format("frame {} is not in {}", *frame.inputFrame, input));
+    }
+    if (truth && frame.inputFrame && !isRight(frame, *truth)) {
+      data.markWrong(*frame.inputFrame);
+    }
+  }
+}
+
+Explanations explain(const std::string& path, const std::string& parameterFile) {
+  if (path.empty()) {
+    return {};
+  }
+  InputFile file(path);
+  const DecisionLog log = DecisionLog::read(file.stream(), path, nullptr);
+  const double threshold =
+      readCoherenceThreshold(parameterFile.empty() ? log.parameterFile() : parameterFile);
+  return Explainer(log, threshold).explainAll();
+}
+
+std::string nameOf(const std::string& path) {
+  return std::filesystem::path(path).filename().string();
+}
+
+}  // namespace
+
+CLI::App* ReportCommand::declare(CLI::App& program) {
+  CLI::App* const command =
+      program.add_subcommand("report", "Makes one HTML file that shows a run");
+  command->footer(example);
+  command->add_option("INPUT", m_input, "what was given to run")->required();
+  command->add_option("GROUPS", m_groupsFile, "the groups file of the run")->required();
+  command->add_option("--output", m_outputFile, "the report")->required()->type_name("FILE");
+  command->add_option("--calibration", m_calibrationFile, "as it was given to run")
+      ->type_name("FILE");
+  command
+      ->add_option("--images", m_imageFolder,
+                   "images by sorted name, for inputs that name none; none leaves images out")
+      ->type_name("FOLDER|none");
+  command
+      ->add_option("--truth", m_truthFile,
+                   "the true groups, as evaluate takes them: frames that differ are marked")
+      ->type_name("FILE");
+  command
+      ->add_option("--diagnostics", m_diagnosticsFile,
+                   "the diagnostics of the run: the report then tells why")
+      ->type_name("FILE");
+  command
+      ->add_option("--parameters", m_parameterFile,
+                   "the parameters, if not at the place that the diagnostics name")
+      ->type_name("FILE");
+  command
+      ->add_option("--rate", m_framesPerSecond,
+                   "frames of the input per second: speeds are then per second")
+      ->check(CLI::PositiveNumber)
+      ->type_name("N");
+  return command;
+}
+
+int ReportCommand::run() {
+  refuseOverwriting({m_outputFile}, {m_input, m_groupsFile, m_diagnosticsFile});
+  InputOptions options;
+  if (!m_calibrationFile.empty()) {
+    options.calibration = readCalibration(m_calibrationFile);
+  }
+  OpenedInput input = openInput(m_input, options);
+  const bool leavesImagesOut = m_imageFolder == noOutput;
+  if (!m_imageFolder.empty() && !leavesImagesOut) {
+    input.frames = std::make_unique<ImageFolder>(std::move(input.frames), m_imageFolder);
+  }
+  WholeFile output(m_outputFile);
+  ReportData data;
+  ImageStrip images;
+  for (InputFrame frame; input.frames->next(frame);) {
+    data.addFrame(frame.number, peopleInView(frame));
+    images.addFrame(leavesImagesOut ? std::filesystem::path() : frame.imageFile, frame.place);
+  }
+  std::optional<GroupTruth> truth;
+  if (!m_truthFile.empty()) {
+    truth = readTruth(m_truthFile);
+    data.beginTruth();
+  }
+  readGroups(m_groupsFile, m_input, truth, data);
+  const QByteArray page = makeReportPage({nameOf(m_input), nameOf(m_groupsFile), m_framesPerSecond},
+                                         data, images, explain(m_diagnosticsFile, m_parameterFile));
+  output.write({page.data(), static_cast<std::size_t>(page.size())});
+  return finished;
+}

@@ -1,0 +1,151 @@
+#include "Explainer.h"
+
+#include "InputFile.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace {
+
+/// "person 3 (mobile 131) and person 6 (mobile 132)".
+std::string named(const Decision& decision) {
+  std::string text;
+  for (std::size_t i = 0; i < decision.mobiles.size(); ++i) {
+    text += i == 0 ? "" : " and ";
+    text += decision.persons.size() == decision.mobiles.size()
+                ? fmt::format("person {} (mobile {})", decision.persons[i], decision.mobiles[i])
+                : fmt::format("mobile {}", decision.mobiles[i]);
+  }
+  return text;
+}
+
+std::string sentence(const Decision& decision) {
+  switch (decision.kind) {
+    case DecisionKind::Founded:
+      return "founded by the pair of " + named(decision);
+    case DecisionKind::FoundedByAncestry:
+      return "founded by the ancestors of " + named(decision) + ", seen as a group";
+    case DecisionKind::FoundedByCluster:
+      return "founded by the cluster of " + named(decision);
+    case DecisionKind::NotFounded:
+      return "not founded: the ancestors of " + named(decision) + ", seen as a group";
+    case DecisionKind::AddedByAncestry:
+      return named(decision) + " was added because of an ancestor";
+    case DecisionKind::NotAddedByAncestry:
+      return named(decision) + " was not added in spite of an ancestor";
+    case DecisionKind::Joined:
+      return named(decision) + " joined";
+    case DecisionKind::Left:
+      return fmt::format("person {} left", decision.persons.front());
+    case DecisionKind::Merged:
+      return fmt::format("group {} went up in it", *decision.other);
+    case DecisionKind::Split:
+      return fmt::format("split from group {}", *decision.other);
+    case DecisionKind::Ended:
+      return "ended, nobody was found to continue it";
+    case DecisionKind::Removed:
+      return "removed, all its mobiles are forgotten";
+  }
+  return {};
+}
+
+}  // namespace
+
+std::string Explainer::explainGroup(int group, std::optional<std::int32_t> frame) const {
+  std::string text;
+  for (const Decision& decision : m_log.decisions()) {
+    const bool isHere = !frame || decision.processedFrame == *frame;
+    if (decision.group == group && isHere) {
+      text += lineOf(decision) + "\n";
+    } else if (decision.kind == DecisionKind::Merged && decision.other == group && isHere) {
+      text += fmt::format("frame {} (decided at {}): went up in group {}{}{}\n",
+                          decision.processedFrame, decision.frame, *decision.group,
+                          decision.reason.empty() ? "" : ": ", decision.reason);
+    }
+  }
+  if (frame) {
+    const auto members = m_log.membersAt(group, *frame);
+    text = members.empty()
+               ? text
+               : fmt::format("members at frame {}: {}\n{}", *frame, fmt::join(members, ", "), text);
+  }
+  return text;
+}
+
+std::string Explainer::listUncertain(std::size_t count) const {
+  std::vector<const Decision*> decisions;
+  for (const Decision& decision : m_log.decisions()) {
+    if (decision.coherence && std::isfinite(*decision.coherence)) {
+      decisions.push_back(&decision);
+    }
+  }
+  std::stable_sort(decisions.begin(), decisions.end(), [this](const auto* a, const auto* b) {
+    return std::abs(*a->coherence - m_threshold) < std::abs(*b->coherence - m_threshold);
+  });
+  std::string text;
+  for (std::size_t i = 0; i < std::min(count, decisions.size()); ++i) {
+    const auto& group = decisions[i]->group;
+    text += (group ? fmt::format("group {}, ", *group) : std::string("no group, ")) +
+            lineOf(*decisions[i]) + "\n";
+  }
+  return text;
+}
+
+std::map<std::uint32_t, std::string> Explainer::explainAll() const {
+  std::map<std::uint32_t, std::string> texts;
+  for (const Decision& decision : m_log.decisions()) {
+    for (const auto& group : {decision.group, decision.other}) {
+      if (group && !texts.contains(static_cast<std::uint32_t>(*group))) {
+        texts[static_cast<std::uint32_t>(*group)] = {};
+      }
+    }
+  }
+  for (const Decision& decision : m_log.decisions()) {
+    if (decision.group) {
+      texts[static_cast<std::uint32_t>(*decision.group)] += lineOf(decision) + "\n";
+    }
+    if (decision.kind == DecisionKind::Merged) {
+      texts[static_cast<std::uint32_t>(*decision.other)] +=
+          fmt::format("frame {} (decided at {}): went up in group {}\n", decision.processedFrame,
+                      decision.frame, *decision.group);
+    }
+  }
+  std::erase_if(texts, [](const auto& entry) { return entry.second.empty(); });
+  return texts;
+}
+
+std::string Explainer::lineOf(const Decision& decision) const {
+  return fmt::format("frame {} (decided at {}): {}{}{}{}", decision.processedFrame, decision.frame,
+                     sentence(decision), comparison(decision), decision.reason.empty() ? "" : ": ",
+                     decision.reason);
+}
+
+std::string Explainer::comparison(const Decision& decision) const {
+  if (!decision.coherence) {
+    return {};
+  }
+  std::string text =
+      fmt::format(", coherence {:.3f} {} threshold {:g}", *decision.coherence,
+                  m_threshold > *decision.coherence ? "below" : "not below", m_threshold);
+  if (decision.parts) {
+    text += fmt::format(" (distance {:.3f}, speed {:.3f}, direction {:.3f})",
+                        decision.parts->distance, decision.parts->speed, decision.parts->direction);
+  }
+  return text;
+}
+
+double readCoherenceThreshold(const std::string& parameterFile) {
+  InputFile file(parameterFile);
+  std::string label;
+  double threshold = 0.0;
+  while (file.stream() >> label) {
+    if (label == "coherenceThreshold:" && file.stream() >> threshold) {
+      return threshold;
+    }
+  }
+  throw InputError(parameterFile, "holds no coherenceThreshold:");
+}

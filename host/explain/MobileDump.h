@@ -1,0 +1,48 @@
+#pragma once
+
+#include "InputFile.h"
+#include "LineReader.h"
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+/// Reads the tracker's dump of all remembered mobiles, frame by frame:
+///
+///     ------------ Mobiles with Groups at frame 24
+///     mobile 51 @ frame 18 has best father 46 has best son 56 and is in group 3
+///     	link from 46 to 51 with reliability 0.9
+///
+/// Ids are signed, -1 for none. Lines of other kinds are passed over.
+class MobileDump {
+ public:
+  struct Link {
+    std::int64_t father = -1;
+    double reliability = 0.0;
+  };
+  struct Mobile {
+    std::int64_t bestFather = -1;
+    std::int64_t bestSon = -1;
+    int frame = 0;
+    int group = -1;  ///< before the frame's decisions
+    std::vector<Link> links;
+  };
+  using Mobiles = std::map<std::int64_t, Mobile>;
+
+  explicit MobileDump(const std::string& path) : m_file(path), m_lines(m_file.stream(), path) {}
+
+  /// The mobiles at a frame; frames are asked for in ascending order. Empty for a frame that the
+  /// dump does not hold.
+  const Mobiles& at(std::uint32_t frame);
+
+ private:
+  void readFrame();
+
+  InputFile m_file;
+  LineReader m_lines;
+  std::uint32_t m_frame = 0;      ///< of `m_mobiles`; 0 before the first
+  std::uint32_t m_nextFrame = 0;  ///< whose head line has been read
+  bool m_isAtEnd = false;
+  Mobiles m_mobiles;
+};

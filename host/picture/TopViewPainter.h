@@ -1,0 +1,24 @@
+#pragma once
+
+#include "GroundMap.h"
+#include "RecentPast.h"
+
+#include <opencv2/core.hpp>
+
+/// Draws the ground plane from above: a grid with a scale bar in metres, everybody with a trace,
+/// groups in their colours with hull and label.
+class TopViewPainter {
+ public:
+  explicit TopViewPainter(cv::Size size) : m_size(size), m_map(size) {}
+
+  cv::Mat paint(const ReportedStep& step, const RecentPast& past);
+
+ private:
+  void paintGrid(cv::Mat& picture) const;
+  void paintScaleBar(cv::Mat& picture) const;
+  void paintPeople(cv::Mat& picture, const ReportedStep& step, const RecentPast& past) const;
+  void paintGroups(cv::Mat& picture, const ReportedStep& step) const;
+
+  cv::Size m_size;
+  GroundMap m_map;
+};

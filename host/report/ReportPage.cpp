@@ -1,0 +1,55 @@
+#include "ReportPage.h"
+
+#include <nlohmann/json.hpp>
+
+#include <QFile>
+
+// Has to stand outside of any namespace: resources of a static library are not found without it.
+static void initializeResources() {
+  Q_INIT_RESOURCE(report);
+}
+
+namespace {
+
+QByteArray pageTemplate() {
+  initializeResources();
+  QFile file(":/report/report.html");
+  file.open(QIODevice::ReadOnly);
+  return file.readAll();
+}
+
+/// JSON that cannot end the script element in which it stands; damaged UTF-8 is replaced.
+QByteArray toScript(const nlohmann::json& value) {
+  const std::string text = value.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+  return QByteArray::fromStdString(text).replace('<', "\\u003c");
+}
+
+QByteArray element(const QByteArray& id, const QByteArray& type, const QByteArray& content) {
+  return "<script id=\"" + id + "\" type=\"" + type + "\">" + content + "</script>\n";
+}
+
+}  // namespace
+
+QByteArray makeReportPage(const ReportTitle& title, ReportData& data, const ImageStrip& images,
+                          const Explanations& explanations) {
+  ReportBody body;
+  data.fill(body);
+  nlohmann::json head{{"input", title.input},
+                      {"groups", title.groups},
+                      {"frames", data.frames()},
+                      {"fps", title.framesPerSecond},
+                      {"arrays", body.list()}};
+  for (const auto& [group, text] : explanations) {
+    head["explanations"][std::to_string(group)] = text;
+  }
+  if (images.every() > 0) {
+    head["images"] = {{"every", images.every()}};
+  }
+  QByteArray elements = element("head", "application/json", toScript(head)) +
+                        element("body", "text/plain", body.packed());
+  int number = 0;
+  for (const QByteArray& image : images.load()) {
+    elements += element("image-" + QByteArray::number(number++), "text/plain", image);
+  }
+  return pageTemplate().replace("<!--DATA-->", elements);
+}

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "ImageStrip.h"
+#include "ReportData.h"
+
+#include <cstdint>
+#include <map>
+#include <string>
+
+/// What a report says about itself.
+struct ReportTitle {
+  std::string input;
+  std::string groups;
+  double framesPerSecond = 0.0;  ///< of the input; 0 when nobody knows
+};
+
+/// The explanation of each group, in plain text.
+using Explanations = std::map<std::uint32_t, std::string>;
+
+/// The whole page: one file that needs nothing else.
+QByteArray makeReportPage(const ReportTitle& title, ReportData& data, const ImageStrip& images,
+                          const Explanations& explanations);
