@@ -29,7 +29,8 @@ std::string query(const std::string& path, const char* sql) {
     auto& line = *static_cast<std::string*>(result);
     line += line.empty() ? "" : " ";
     for (int i = 0; i < count; ++i) {
-      line += (i == 0 ? "" : "|") + std::string(values[i] != nullptr ? values[i] : "null");
+      line += i == 0 ? "" : "|";
+      line += values[i] != nullptr ? values[i] : "null";
     }
     return 0;
   };
@@ -45,8 +46,8 @@ class Export : public testing::Test {
     folder.write("p.txt", sampleParameters());
     folder.write("scene.jsonl", walkingScene(12));
   }
-  int run(Program& program, const QStringList& more) {
-    return program.run(QStringList{"run", "scene.jsonl", "--parameters", "p.txt", "--output",
+  static int run(Program& started, const QStringList& more) {
+    return started.run(QStringList{"run", "scene.jsonl", "--parameters", "p.txt", "--output",
                                    "groups.jsonl", "--diagnostics", "none", "--mobile-dump", "none",
                                    "--quiet"} +
                        more);
