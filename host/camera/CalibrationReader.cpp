@@ -19,7 +19,7 @@
 namespace {
 
 constexpr std::uintmax_t largestFile =
-    std::uintmax_t{1024} * 1024;  // bytes; a camera takes less than one thousand
+    std::uintmax_t{1024} * 1024;        // bytes; a camera takes less than one thousand
 constexpr int linesToRootElement = 20;  // of an XML file, comments included
 
 /// One calibration file and its nodes, each checked for its size and for finite numbers. Problems

@@ -91,17 +91,6 @@ void DecisionLog::takeCoherence(const std::string& line) {
                            const std::vector<std::int64_t>& mobiles) {
     add(kind, about, mobiles).coherence = coherence;
   };
-  if (const char* text = from(line, "created group ");
-      text &&
-      std::sscanf(text,
-                  "created group %d from pair %" SCNd64 " and %" SCNd64 " with group coherence %lf",
-                  &group, &a, &b, &coherence) == 4) {
-    addWith(DecisionKind::Founded, group, {a, b});
-  } else if (std::sscanf(line.c_str(), "properties: %lf, %lf, %lf", &parts.distance, &parts.speed,
-                         &parts.direction) == 3 &&
-             !m_decisions.empty()) {
-    m_decisions.back().parts = parts;
-  }
   if (const char* text = from(line, "not adding mobile ");
       text && std::sscanf(text,
                           "not adding mobile %" SCNd64 " to group %d because of an ancestor "
@@ -121,6 +110,18 @@ void DecisionLog::takeCoherence(const std::string& line) {
                   "final coherence for creating group from group mobile %" SCNd64 " (n=%*d) = %lf",
                   &a, &coherence) == 2) {
     addWith(DecisionKind::NotFounded, std::nullopt, {a});
+  }
+  // Last, because the line of a refusal has no end and the founding of a pair may continue it.
+  if (const char* text = from(line, "created group ");
+      text &&
+      std::sscanf(text,
+                  "created group %d from pair %" SCNd64 " and %" SCNd64 " with group coherence %lf",
+                  &group, &a, &b, &coherence) == 4) {
+    addWith(DecisionKind::Founded, group, {a, b});
+  } else if (std::sscanf(line.c_str(), "properties: %lf, %lf, %lf", &parts.distance, &parts.speed,
+                         &parts.direction) == 3 &&
+             !m_decisions.empty()) {
+    m_decisions.back().parts = parts;
   }
 }
 

@@ -1,6 +1,6 @@
+#include "Lines.h"
 #include "Program.h"
 #include "SampleParameters.h"
-#include "Lines.h"
 #include "TempFolder.h"
 
 #include <gtest/gtest.h>
