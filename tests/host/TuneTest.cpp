@@ -1,6 +1,7 @@
+#include "Lines.h"
 #include "Program.h"
 #include "SampleParameters.h"
-#include "TemporaryFolder.h"
+#include "TempFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -23,40 +24,40 @@ std::string walkers() {
 class Tune : public testing::Test {
  protected:
   Tune() {
-    std::filesystem::create_directory(m_folder.path("walk"));
+    std::filesystem::create_directory(m_folder.path() / "walk");
     m_folder.write("walk/obsmat.txt", walkers());
     m_folder.write("walk/H.txt", "1 0 0\n0 1 0\n0 0 1\n");
     m_folder.write("walk/groups.txt", "1 2\n");
-    m_folder.write("base.txt", sampleParameters({}));
+    m_folder.write("base.txt", sampleParameters());
     m_folder.write("space.txt", "coherenceThreshold: 0.1 20 logarithmic\n--own-links 1 5 whole\n");
   }
   int tune(const QString& name, const QStringList& more) {
-    Program program(m_folder.path(""));
+    Program program(m_folder.path().string());
     return program.run(QStringList{"tune", "walk:walk/groups.txt", "--base", "base.txt", "--space",
                                    "space.txt", "--trials", "14", "--output", name + ".txt",
                                    "--log", name + ".csv"} +
                        more);
   }
   std::vector<std::string> sortedLog(const std::string& name) const {
-    auto lines = m_folder.lines(name + ".csv");
+    auto lines = linesOf(textOf(m_folder.path() / (name + ".csv")));
     std::sort(lines.begin(), lines.end());
     return lines;
   }
 
-  TemporaryFolder m_folder;
+  TempFolder m_folder;
 };
 
 TEST_F(Tune, FindsTheSameWithAnyNumberOfJobsAndWhenItIsResumed) {
   ASSERT_EQ(tune("one", {}), 0);
   ASSERT_EQ(tune("two", {"--jobs", "2"}), 0);
-  EXPECT_EQ(m_folder.read("one.txt"), m_folder.read("two.txt"));
+  EXPECT_EQ(textOf(m_folder.path() / "one.txt"), textOf(m_folder.path() / "two.txt"));
   EXPECT_EQ(sortedLog("one"), sortedLog("two"));
 
-  const auto lines = m_folder.lines("one.csv");
+  const auto lines = linesOf(textOf(m_folder.path() / "one.csv"));
   ASSERT_EQ(lines.size(), 15U);
   m_folder.write("cut.csv", lines[0] + "\n" + lines[1] + "\n" + lines[5] + "\n");
   ASSERT_EQ(tune("cut", {"--resume"}), 0);
-  EXPECT_EQ(m_folder.read("cut.txt"), m_folder.read("one.txt"));
+  EXPECT_EQ(textOf(m_folder.path() / "cut.txt"), textOf(m_folder.path() / "one.txt"));
   EXPECT_EQ(sortedLog("cut"), sortedLog("one"));
 }
 
