@@ -122,6 +122,7 @@ void refuseTooFew(std::size_t boxes, std::size_t people) {
 
 void refuseFlatView(const std::vector<StandingPerson>& inliers, const LinearHeights& heights) {
   std::vector<double> sizes;
+  sizes.reserve(inliers.size());
   for (const StandingPerson& person : inliers) {
     sizes.push_back(heights.at(person.foot));
   }

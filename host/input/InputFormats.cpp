@@ -179,6 +179,7 @@ const InputFormat& formatOf(const std::string& path, const std::string& key) {
 
 std::vector<std::string> inputFormats() {
   std::vector<std::string> keys;
+  keys.reserve(std::size(formats));
   for (const InputFormat& format : formats) {
     keys.emplace_back(format.key);
   }
