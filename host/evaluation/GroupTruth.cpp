@@ -2,6 +2,17 @@
 
 #include "Togetherness.h"
 
+void GroupTruth::setAt(std::int64_t frame, Grouping groups, GroupIds ids) {
+  m_byFrame[frame] = std::move(groups);
+  m_idsByFrame[frame] = std::move(ids);
+}
+
+const GroupIds& GroupTruth::idsAt(std::int64_t frame) const {
+  static const GroupIds none;
+  const auto ids = m_idsByFrame.find(frame);
+  return ids == m_idsByFrame.end() ? none : ids->second;
+}
+
 const Grouping& GroupTruth::at(std::int64_t frame) const {
   static const Grouping none;
   if (!isPerFrame()) {

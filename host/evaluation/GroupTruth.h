@@ -6,16 +6,21 @@
 #include <map>
 #include <vector>
 
+using GroupIds = std::vector<std::uint32_t>;
+
 /// The annotated groups of a sequence: the same for all of it, or for each frame its own.
 class GroupTruth {
  public:
   /// Groups that hold for the whole sequence.
   explicit GroupTruth(Grouping always = {}) : m_always(std::move(always)) {}
 
-  void setAt(std::int64_t frame, Grouping groups) { m_byFrame[frame] = std::move(groups); }
+  /// `ids`, when they are known, are the identities of the groups over time, in their order.
+  void setAt(std::int64_t frame, Grouping groups, GroupIds ids = {});
   bool isPerFrame() const { return !m_byFrame.empty(); }
   /// The groups at a frame of the input; none at a frame that a truth per frame leaves out.
   const Grouping& at(std::int64_t frame) const;
+  /// The identities of the groups at a frame; none when they are not known.
+  const GroupIds& idsAt(std::int64_t frame) const;
   /// The groups of the persons over several frames: two are together when they are at more than
   /// half of the frames, and so are those whom others connect.
   Grouping over(const std::vector<std::int64_t>& frames) const;
@@ -25,4 +30,5 @@ class GroupTruth {
  private:
   Grouping m_always;
   std::map<std::int64_t, Grouping> m_byFrame;
+  std::map<std::int64_t, GroupIds> m_idsByFrame;
 };

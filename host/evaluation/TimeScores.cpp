@@ -16,6 +16,21 @@ struct Following {
   std::uint32_t lastId = 0;
 };
 
+/// Tells which true groups of several steps are the same one: those of one id, or without ids those
+/// of the same members.
+class TrueIdentities {
+ public:
+  std::size_t of(const PersonGroup& group, const GroupIds& ids, std::size_t place) {
+    const auto next = m_byMembers.size() + m_byId.size();
+    return ids.empty() ? m_byMembers.try_emplace(group, next).first->second
+                       : m_byId.try_emplace(ids[place], next).first->second;
+  }
+
+ private:
+  std::map<PersonGroup, std::size_t> m_byMembers;
+  std::map<std::uint32_t, std::size_t> m_byId;
+};
+
 const FoundGroup* correspondingTo(const PersonGroup& truth, const FoundStep& step) {
   const FoundGroup* best = nullptr;
   double bestOverlap = 0.0;
@@ -35,7 +50,8 @@ const FoundGroup* correspondingTo(const PersonGroup& truth, const FoundStep& ste
 
 TimeScores scoreTime(const RunRecord& run, const GroupTruth& truth) {
   TimeScores scores;
-  std::map<PersonGroup, Following> trueGroups;
+  TrueIdentities identities;
+  std::map<std::size_t, Following> trueGroups;  // by identity
   std::set<std::uint32_t> found;
   std::set<std::uint32_t> corresponding;
   for (std::size_t i = 0; i < run.size(); ++i) {
@@ -45,12 +61,14 @@ TimeScores scoreTime(const RunRecord& run, const GroupTruth& truth) {
         found.insert(group.id);
       }
     }
-    for (const PersonGroup& group : truth.at(step.frame)) {
-      const Grouping present = restrictTo({group}, step.persons);
+    const Grouping& groups = truth.at(step.frame);
+    for (std::size_t place = 0; place < groups.size(); ++place) {
+      const Grouping present = restrictTo({groups[place]}, step.persons);
       if (present.empty()) {
         continue;
       }
-      Following& following = trueGroups.try_emplace(group, Following{i, {}, 0}).first->second;
+      const auto identity = identities.of(groups[place], truth.idsAt(step.frame), place);
+      Following& following = trueGroups.try_emplace(identity, Following{i, {}, 0}).first->second;
       if (const FoundGroup* const now = correspondingTo(present.front(), step)) {
         corresponding.insert(now->id);
         scores.identityChanges += following.firstFound && now->id != following.lastId ? 1 : 0;
@@ -81,14 +99,29 @@ struct Event {
   PersonGroup persons;
 };
 
-/// The groups of `now` whose members come from several groups of `before`.
-void addJoined(const Grouping& before, const Grouping& now, std::size_t step,
+/// The true groups of a step, with their identities when these are known.
+struct TrueStep {
+  const Grouping& groups;
+  const GroupIds& ids;
+
+  bool knows(std::uint32_t id) const { return std::find(ids.begin(), ids.end(), id) != ids.end(); }
+};
+
+/// The groups of `now` whose members come from several groups of `before`. Where identities are
+/// known, one of these must be gone: somebody who changed from one group to another that both go
+/// on brought nothing together.
+void addJoined(const TrueStep& before, const TrueStep& now, std::size_t step,
                std::vector<Event>& events) {
-  for (const PersonGroup& group : now) {
-    const auto isSource = [&group](const PersonGroup& source) {
-      return overlap(source, group) > 0.0;
-    };
-    if (std::count_if(before.begin(), before.end(), isSource) > 1) {
+  for (const PersonGroup& group : now.groups) {
+    int sources = 0;
+    bool isOneGone = before.ids.empty();
+    for (std::size_t i = 0; i < before.groups.size(); ++i) {
+      if (overlap(before.groups[i], group) > 0.0) {
+        ++sources;
+        isOneGone = isOneGone || !now.knows(before.ids[i]);
+      }
+    }
+    if (sources > 1 && isOneGone) {
       events.push_back({step, group});
     }
   }
@@ -134,8 +167,8 @@ EventScores scoreEvents(const RunRecord& run, const GroupTruth& truth, std::size
   std::vector<Event> merges;
   std::vector<Event> splits;
   for (std::size_t i = 1; i < run.size(); ++i) {
-    const Grouping& before = truth.at(run[i - 1].frame);
-    const Grouping& now = truth.at(run[i].frame);
+    const TrueStep before{truth.at(run[i - 1].frame), truth.idsAt(run[i - 1].frame)};
+    const TrueStep now{truth.at(run[i].frame), truth.idsAt(run[i].frame)};
     addJoined(before, now, i, merges);
     addJoined(now, before, i, splits);
   }

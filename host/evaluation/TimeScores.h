@@ -8,7 +8,9 @@
 
 /// How the found groups follow the true ones over time. At a time step a true group, as far as two
 /// of its members are in view, and a found group correspond when their common part is at least half
-/// of the larger one; of several the one with the largest part counts, then the lowest id.
+/// of the larger one; of several the one with the largest part counts, then the lowest id. True
+/// groups of several steps are the same one when they have one id, or, where the truth has no ids,
+/// the same members.
 struct TimeScores {
   int trueGroups = 0;       ///< seen with two members at least once
   int neverFound = 0;       ///< of these, without a corresponding group at any step
@@ -27,5 +29,7 @@ struct EventScores {
 };
 
 /// A true merge: a group whose members were in several groups the step before; a true split the
-/// other way round. Only a truth per frame has such events. `tolerance` is in time steps.
+/// other way round. Where the truth has ids, one of the several must end (begin) there, so that a
+/// person who changes groups is neither. Only a truth per frame has such events. `tolerance` is in
+/// time steps.
 EventScores scoreEvents(const RunRecord& run, const GroupTruth& truth, std::size_t tolerance);

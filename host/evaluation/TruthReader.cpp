@@ -52,17 +52,43 @@ PersonGroup readGroup(json::Value value) {
   return json::required(persons, "persons");
 }
 
+/// The identity of each joined group is that of the first list that went into it.
+GroupIds idsOf(const Grouping& joined, const std::vector<PersonGroup>& lists, const GroupIds& ids) {
+  GroupIds joinedIds;
+  for (const PersonGroup& group : joined) {
+    for (std::size_t i = 0; i < lists.size(); ++i) {
+      if (!lists[i].empty() && std::binary_search(group.begin(), group.end(), lists[i].front())) {
+        joinedIds.push_back(ids[i]);
+        break;
+      }
+    }
+  }
+  return joinedIds;
+}
+
 void addFrame(json::Value line, GroupTruth& truth) {
   std::optional<std::int64_t> frame;
   std::optional<std::vector<PersonGroup>> groups;
+  std::optional<GroupIds> ids;
   for (const auto field : json::asObject(line, "the line")) {
     if (field.key == "frame") {
       frame = json::as<std::int64_t>(field.value, "frame");
     } else if (field.key == "groups") {
       json::readArray(field.value, "groups", readGroup, groups.emplace());
+    } else if (field.key == "ids") {
+      json::readArray(
+          field.value, "ids",
+          [](json::Value id) { return json::as<std::uint32_t>(id, "a group's id"); },
+          ids.emplace());
     }
   }
-  truth.setAt(json::required(frame, "frame"), joinOverlapping(json::required(groups, "groups")));
+  const auto lists = json::required(groups, "groups");
+  if (ids && ids->size() != lists.size()) {
+    throw std::invalid_argument("\"ids\" must have one id for each group");
+  }
+  Grouping joined = joinOverlapping(lists);
+  GroupIds joinedIds = ids ? idsOf(joined, lists, *ids) : GroupIds();
+  truth.setAt(json::required(frame, "frame"), std::move(joined), std::move(joinedIds));
 }
 
 }  // namespace

@@ -34,9 +34,14 @@ TEST(GroupLists, NameTheWrongLine) {
   EXPECT_THAT(errorOf([] { listsOf("1 2\n3 -4\n"); }), testing::StartsWith("groups.txt:2: "));
 }
 
-TEST(GroupsPerFrame, AreListsOrObjects) {
+TEST(GroupsPerFrame, AreListsOrObjectsAndMayHaveIds) {
   std::istringstream in(R"({"frame": 7, "groups": [[1, 2], {"id": 3, "persons": [4, 5]}]})");
   EXPECT_EQ(readGroupsPerFrame(in, "truth.jsonl").at(7), (Grouping{{1, 2}, {4, 5}}));
+  std::istringstream named(
+      R"({"frame": 7, "groups": [[9], [5, 6], [1, 2], [2, 3]], "ids": [4, 3, 8, 9]})");
+  const GroupTruth truth = readGroupsPerFrame(named, "truth.jsonl");
+  EXPECT_EQ(truth.at(7), (Grouping{{1, 2, 3}, {5, 6}}));
+  EXPECT_EQ(truth.idsAt(7), (GroupIds{8, 3}));
   std::istringstream wrong("{\"frame\": 7, \"groups\": []}\n{\"groups\": [[1]]}");
   EXPECT_EQ(errorOf([&] { readGroupsPerFrame(wrong, "truth.jsonl"); }),
             "truth.jsonl:2: \"frame\" is missing");

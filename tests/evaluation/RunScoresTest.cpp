@@ -87,6 +87,25 @@ TEST(Events, CountOnceWithinTheTolerance) {
   EXPECT_EQ(scoreEvents(run, truth, 1).merges.matched, 0);
 }
 
+TEST(Identities, OfTrueGroupsOutliveTheirMembers) {
+  GroupTruth truth;
+  truth.setAt(1, {{1, 2, 3}, {4, 5}}, {7, 8});
+  truth.setAt(2, {{1, 2}, {3, 4, 5}}, {7, 8});  // 3 changes groups
+  truth.setAt(3, {{1, 2}, {4, 5}}, {7, 8});
+  truth.setAt(4, {{1, 2, 4, 5}}, {7});
+  const RunRecord run = runOf({1, 2, 3, 4, 5}, {{{0, {1, 2, 3}}},
+                                                {{0, {1, 2}}, {1, {3, 4, 5}}},
+                                                {{2, {1, 2}}, {1, {4, 5}}},
+                                                {{2, {1, 2, 4, 5}}}});
+  const TimeScores time = scoreTime(run, truth);
+  EXPECT_EQ(time.trueGroups, 2);
+  EXPECT_EQ(time.identityChanges, 1) << "of the first group, at step 3";
+  EXPECT_EQ(time.untilFound, 0.5);
+  const EventScores events = scoreEvents(run, truth, 0);
+  EXPECT_EQ(events.merges.truth, 1) << "not the one who changed";
+  EXPECT_EQ(events.splits.truth, 0);
+}
+
 TEST(Truth, PerFrameHoldsOverAWindowForMoreThanHalfOfIt) {
   GroupTruth truth;
   truth.setAt(1, {{1, 2}});
