@@ -114,13 +114,14 @@ std::optional<double> Group::coherenceByTrial(MetaLPO* mobile, double limit) con
   const FrameMembers* before = trial.at(trial.frameBefore(frame));
   const int representativeId = representative(together.members(), before->center());
 
-  const auto memberOrMobile = [&](int id) {
-    MetaLPO* member = id == mobile->getIdent() ? mobile : m_members.find(id);
-    return member == nullptr ? mobile : member;
+  const auto walker = [&](int id) {
+    return id == mobile->getIdent() ? mobile : m_members.find(id);
   };
-  MetaLPO* a = memberOrMobile(representativeId);
-  const bool pairWithItself = a->getIdent() == mobile->getIdent() && together.presence() == 2;
-  MetaLPO* b = pairWithItself ? memberOrMobile(m_bestMobileId) : mobile;
+  MetaLPO* a = walker(representativeId);
+  const bool pairWithItself = a == mobile && together.presence() == 2;
+  // A group that was just clustered has no representative yet: then there is no walk, and nothing
+  // that could make the coherence small.
+  MetaLPO* b = pairWithItself ? walker(m_bestMobileId) : mobile;
 
   WeightedCoherence coherence(trial.coherence(), stepsTogether(a, b));
   while (a != nullptr && b != nullptr) {
@@ -146,14 +147,14 @@ double Group::coherenceByCopy(const QSharedPointer<MetaLPO>& mobile) const {
   trial.computeBestMobile(static_cast<int>(mobile->getFrame()));
   const double firstCoherence = trial.groupCoherence();
 
-  const auto memberOrMobile = [&](int id) {
+  const auto walker = [&](int id) {
     const auto member = trial.getMobiles().find(id);
-    return member == trial.getMobiles().end() ? mobile : member->second;
+    return member == trial.getMobiles().end() ? QSharedPointer<MetaLPO>() : member->second;
   };
-  auto a = memberOrMobile(trial.m_bestMobileId);
-  const bool pairWithItself =
-      a->getIdent() == mobile->getIdent() && trial.numMobilesAtFrame(mobile->getFrame()) == 2;
-  auto b = pairWithItself ? memberOrMobile(m_bestMobileId) : mobile;
+  auto a = walker(trial.m_bestMobileId);
+  const bool pairWithItself = trial.m_bestMobileId == mobile->getIdent() &&
+                              trial.numMobilesAtFrame(mobile->getFrame()) == 2;
+  auto b = pairWithItself ? walker(m_bestMobileId) : mobile;
 
   WeightedCoherence coherence(firstCoherence, stepsTogether(a.data(), b.data()));
   while (a && b) {

@@ -1,5 +1,6 @@
 #include <cmath>
 #include <initializer_list>
+#include <limits>
 #include <map>
 
 #include "TrackingTest.h"
@@ -190,6 +191,17 @@ TEST_F(GroupTest, CoherenceWithAHistoryLooksForward) {
   EXPECT_DOUBLE_EQ(group.groupCoherence(b), (1 + w0 * 1 + w1 * 2) / (w0 + w1) * 10);
   EXPECT_EQ(group.getLPOs().size(), 1U);
   EXPECT_EQ(group.groupCoherence(), 0.0);
+}
+
+TEST_F(GroupTest, NobodyJoinsThroughARepresentativeThatIsNotThere) {
+  Group group;  // nobody represents it before its first frame is closed
+  const Node early = person(5, 4, 1, 0);
+  const Node other = person(6, 5);
+  add(group, {early, other});
+  EXPECT_EQ(group.groupCoherence(person(7, 5, 1, 0)), std::numeric_limits<double>::infinity());
+  close(group, 5, {other});
+  EXPECT_EQ(group.getBestMobileId(), 6);
+  EXPECT_LT(group.groupCoherence(person(7, 5, 1, 0)), 100);
 }
 
 TEST_F(GroupTest, DistanceIsToWhereTheGroupWasSeenLast) {

@@ -170,17 +170,17 @@ double PlainFormulation::coherence(const Group& group, const QSharedPointer<Meta
   const double first = trial.coherence();
   const auto member = [&](int id) {
     const auto found = trial.members().find(id);
-    return found == trial.members().end() ? mobile : found->second;
+    return found == trial.members().end() ? QSharedPointer<MetaLPO>() : found->second;
   };
   auto a = member(trial.representative(mobile->getFrame(), group.getBestMobileId()));
   int present = 0;
   for (const MetaLPO* other : at(trial.members(), mobile->getFrame())) {
     present += presence(other->getType());
   }
-  const bool pairWithItself = a->getIdent() == mobile->getIdent() && present == 2;
+  const bool pairWithItself = a == mobile && present == 2;
   auto b = pairWithItself ? member(group.getBestMobileId()) : mobile;
   std::vector<double> values;
-  do {
+  while (a && b) {
     trial.add(a);
     if (b->getIdent() != a->getIdent()) {
       trial.add(b);
@@ -188,7 +188,7 @@ double PlainFormulation::coherence(const Group& group, const QSharedPointer<Meta
     values.push_back(trial.coherence());
     b = sonOf(b);
     a = sonOf(a);
-  } while (a && b);
+  }
   const double decay = static_cast<double>(values.size()) + 1;
   double sum = first;
   double weights = 0.0;
