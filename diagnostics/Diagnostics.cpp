@@ -3,11 +3,12 @@
 #include <cstdio>
 
 bool Diagnostics::s_enabled = true;
-fmt::memory_buffer Diagnostics::s_buffer;
+TextBuffer Diagnostics::s_buffer;
 
 void Diagnostics::flush() {
-  if (s_buffer.size() > 0) {
-    std::fwrite(s_buffer.data(), 1, s_buffer.size(), stdout);
+  const auto text = s_buffer.text();
+  if (!text.empty()) {
+    std::fwrite(text.data(), 1, text.size(), stdout);
     s_buffer.clear();
   }
   std::fflush(stdout);

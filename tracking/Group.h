@@ -81,6 +81,8 @@ class Group {
   void removeMobile(int id);
   bool contains(const QSharedPointer<kelDataLinkedPhysicalObject>& object) const;
   const Members& getMobiles() const { return m_members.byId(); }
+  /// The frames with members, ascending.
+  const std::vector<FrameMembers>& frames() const { return m_members.frames(); }
   /// The members at a frame, in the order of their ids.
   std::span<MetaLPO* const> membersAt(int frame) const;
   /// The platform objects of all members, in the order of their ids.

@@ -15,22 +15,20 @@ namespace {
 constexpr int latest = -1;                         // asks `computeBestMobile` for the latest frame
 constexpr double farthestRepresentative = 1000.0;  // metres; nobody beyond represents the group
 
-// A patch of the size of the box whose pixels nobody has touched yet: without an image none is
-// ever filled, and untouched pixels cost no memory.
-cv::Mat untouchedPatch(const cv::Rect& box) {
+// The pixels of the image under the box; none for a box that is beyond all memory.
+cv::Mat patchOf(const cv::Mat& image, const cv::Rect& box) {
+  cv::Mat patch;
   try {
-    return cv::Mat(box.height, box.width, CV_32FC3);
+    patch = cv::Mat(box.height, box.width, CV_32FC3);
   } catch (const cv::Exception&) {
-    return {};  // a box beyond all memory; nothing could be seen in it anyway
+    return {};
   }
-}
-
-void fillPatch(cv::Mat& patch, const cv::Rect& box, const cv::Mat& image) {
   const cv::Rect visible = box & cv::Rect(0, 0, image.cols, image.rows);
   if (visible.area() > 0 && !patch.empty()) {
     cv::Mat target = patch(visible - box.tl());
     image(visible).convertTo(target, CV_32FC3);
   }
+  return patch;
 }
 
 }  // namespace
@@ -183,17 +181,13 @@ void Group::countAlone() {
 void Group::keepPatch(unsigned int frame, const QSharedPointer<kelDataImage>& image) {
   const cv::Rect box = bbox2D(static_cast<int>(frame));
   cv::Mat patch;
-  if (box != cv::Rect(0, 0, 0, 0)) {
-    patch = untouchedPatch(box);
-    if (!m_mask && image) {
-      fillPatch(patch, box, image->mat());
-    }
+  if (image && !m_mask && box != cv::Rect(0, 0, 0, 0)) {
+    patch = patchOf(image->mat(), box);
   }
   m_rois.insert_or_assign(static_cast<int>(frame), ROI(std::move(patch), box));
-  const auto firstKept = m_rois.lower_bound(static_cast<int>(frame - GroupTracker::maxFrames));
-  if (firstKept != m_rois.begin()) {
-    std::prev(firstKept)->second.release();
-  }
+  // A group may live for days: what is too old goes.
+  m_rois.erase(m_rois.begin(),
+               m_rois.lower_bound(static_cast<int>(frame - GroupTracker::maxFrames)));
 }
 
 void Group::freeROIs() {

@@ -1,10 +1,10 @@
 #include <fmt/format.h>
 
-#include <fstream>
 #include <string>
 #include <string_view>
 
 #include "Diagnostics.h"
+#include "GatheredText.h"
 #include "GroupTracker.h"
 
 namespace {
@@ -21,63 +21,43 @@ void printEvents(const char* what, const std::list<Group::Event>& events) {
   }
 }
 
-// Text and numbers one behind the other; a dump of a crowd is millions of them.
-class DumpWriter {
- public:
-  DumpWriter& operator<<(std::string_view text) {
-    m_text.append(text);
-    return *this;
-  }
-  DumpWriter& operator<<(int id) {
-    char digits[NumberText::intSize];
-    return *this << std::string_view(digits, NumberText::writeInt(digits, id));
-  }
-  DumpWriter& operator<<(double reliability) {
-    char digits[NumberText::generalSize];
-    return *this << std::string_view(digits, NumberText::writeGeneral(digits, reliability));
-  }
-  const std::string& text() const { return m_text; }
-
- private:
-  std::string m_text;
-};
-
-std::string headOf(const MetaLPO& node) {
-  DumpWriter out;
-  out << "mobile " << node.getIdent() << " @ frame " << static_cast<int>(node.getFrame())
-      << " has best father " << node.getBestFatherId() << " has best son " << node.getBestSonId()
-      << " and is in group " << node.getGroupId() << "\n";
-  return out.text();
+// Both texts are put together in a buffer that is kept for its room; the nodes get texts of just
+// the size.
+void makeHead(const MetaLPO& node, std::string& head) {
+  static TextBuffer line;
+  line.clear();
+  line.write("mobile ", node.getIdent(), " @ frame ", static_cast<int>(node.getFrame()),
+             " has best father ", node.getBestFatherId(), " has best son ", node.getBestSonId(),
+             " and is in group ", node.getGroupId(), "\n");
+  head = line.text();
 }
 
-std::string tailOf(const MetaLPO& node) {
-  DumpWriter out;
+void makeTail(const MetaLPO& node, std::string& tail) {
+  static TextBuffer lines;
+  lines.clear();
   for (const auto& link : node.getFatherLinks()) {
     const MetaLPO* father = link->fatherNode();
     const auto son = link->getSon();
     if (father != nullptr && son) {
-      out << "\tlink from " << father->getIdent() << " to " << son->getIdent()
-          << " with reliability " << link->getReliability() << "\n";
+      lines.write("\tlink from ", father->getIdent(), " to ", son->getIdent(), " with reliability ",
+                  TextBuffer::General{link->getReliability()}, "\n");
     }
   }
-  out << "\tLTT chain: ";
+  lines.write("\tLTT chain: ");
   for (const auto& [ident, reliability] : node.chain()) {
-    out << ident << " (" << reliability << ") - ";
+    lines.write(ident, " (", TextBuffer::General{reliability}, ") - ");
   }
-  out << "\n";
-  return out.text();
+  lines.write("\n");
+  tail = lines.text();
 }
 
-const std::string& dumpOf(const MetaLPO& node) {
-  auto& [text, headSize, hasTail] = node.dumpText();
-  if (headSize == 0) {
-    const std::string head = headOf(node);
-    text.insert(0, head);
-    headSize = head.size();
+const MetaLPO::DumpText& dumpOf(const MetaLPO& node) {
+  MetaLPO::DumpText& text = node.dumpText();
+  if (text.head.empty()) {
+    makeHead(node, text.head);
   }
-  if (!hasTail) {
-    text += tailOf(node);
-    hasTail = true;
+  if (text.tail.empty()) {
+    makeTail(node, text.tail);
   }
   return text;
 }
@@ -107,16 +87,23 @@ void GroupTracker::printMetaMobiles() const {
   if (m_mobileDump.empty()) {
     return;
   }
-  static fmt::memory_buffer text;  // kept for its room: the dump of a crowd has megabytes
-  text.clear();
-  const auto out = fmt::appender(text);
-  fmt::format_to(out, "------------ Mobiles with Groups at frame {}\n", m_currentFrame);
-  for (const auto& [id, node] : m_mobiles.inOrder()) {
-    text.append(dumpOf(*node));
+  constexpr std::size_t ahead = 8;  // nodes that are fetched while the ones before are looked at
+  static GatheredText dump;         // kept for its room
+  dump.clear();
+  const std::string title =
+      fmt::format("------------ Mobiles with Groups at frame {}\n", m_currentFrame);
+  dump.add(title);
+  const auto& nodes = m_mobiles.inOrder();
+  for (std::size_t i = 0; i < nodes.size(); ++i) {
+    if (i + ahead < nodes.size()) {
+      __builtin_prefetch(&nodes[i + ahead].node->dumpText());
+    }
+    const auto& [head, tail] = dumpOf(*nodes[i].node);
+    dump.add(head);
+    dump.add(tail);
   }
-  fmt::format_to(out, "--------------------\n");
-  std::ofstream file(m_mobileDump, std::ios::out | std::ios::app);
-  file.write(text.data(), static_cast<std::streamsize>(text.size()));
+  dump.add("--------------------\n");
+  dump.appendTo(m_mobileDump);
 }
 
 void GroupTracker::ancestors(const QSharedPointer<kelDataLinkedPhysicalObject>& object) const {

@@ -224,12 +224,19 @@ class GroupTracker::SplitSearch {
 void GroupTracker::detectSplit() {
   for (const auto& group : std::as_const(m_groups)) {
     const SplitSearch search(*this, group->getId());
-    for (const auto& [id, member] : group->getMobiles()) {
-      const int other = search.find(*member);
-      if (other != MetaLPO::noId) {
-        Diagnostics::write("Split between ", other, " and ", group->getId(), "\n");
-        group->addSplit(other, static_cast<int>(m_currentFrame));
+    // From the oldest frame on, so that most searches end at once; told in the order of the ids.
+    std::map<int, int> otherByMember;
+    for (const auto& frame : group->frames()) {
+      for (const MetaLPO* member : frame.members()) {
+        const int other = search.find(*member);
+        if (other != MetaLPO::noId) {
+          otherByMember.emplace(member->getIdent(), other);
+        }
       }
+    }
+    for (const auto& [id, other] : otherByMember) {
+      Diagnostics::write("Split between ", other, " and ", group->getId(), "\n");
+      group->addSplit(other, static_cast<int>(m_currentFrame));
     }
   }
 }

@@ -127,7 +127,7 @@ Spreads GroupTrial::meanSpreads() const {
 }
 
 Spreads GroupTrial::spreadsOfAll() const {
-  std::vector<MetaLPO*> all = m_added;
+  std::vector<MetaLPO*> all(m_added.begin(), m_added.end());
   for (const auto& [id, member] : m_group.byId()) {
     all.push_back(member.data());
   }

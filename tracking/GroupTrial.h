@@ -1,6 +1,8 @@
 #pragma once
 
-#include <optional>
+#include <array>
+#include <cstddef>
+#include <memory_resource>
 #include <vector>
 
 #include "Cohesion.h"
@@ -15,6 +17,9 @@
 class GroupTrial {
  public:
   GroupTrial(const GroupMembers& members, const Cohesion& cohesion);
+  GroupTrial(const GroupTrial&) = delete;
+  GroupTrial& operator=(const GroupTrial&) = delete;
+  ~GroupTrial() = default;
 
   /// Adds a mobile; false, and the trial is of no more use, when a member has its id.
   bool add(MetaLPO* mobile);
@@ -38,7 +43,9 @@ class GroupTrial {
 
   const GroupMembers& m_group;
   Cohesion m_cohesion;
-  std::vector<MetaLPO*> m_added;
-  std::vector<FrameMembers> m_touched;  ///< ascending by frame
-  int m_newFrames = 0;                  ///< touched frames that the group does not have
+  std::array<std::byte, 4096> m_room;  ///< for a walk through a usual window without an allocation
+  std::pmr::monotonic_buffer_resource m_memory{m_room.data(), m_room.size()};
+  std::pmr::vector<MetaLPO*> m_added{&m_memory};
+  std::pmr::vector<FrameMembers> m_touched{&m_memory};  ///< ascending by frame
+  int m_newFrames = 0;  ///< touched frames that the group does not have
 };

@@ -10,27 +10,27 @@
 double MetaLPO::recentLinkWeight = 0.0;
 
 MetaLPO::MetaLPO(const QSharedPointer<kelDataLinkedPhysicalObject>& lpo, unsigned int frame)
-    : m_lpo(lpo),
-      m_ident(static_cast<int>(lpo->getIdent())),
-      m_type(lpo->getPhysicalObject()->getType()),
+    : m_ident(static_cast<int>(lpo->getIdent())),
+      m_frame(frame),
       m_center(Util::getCenter3D(lpo->getPhysicalObject()->getBoundingBox3D())),
       m_baseCenter(Util::baseCenter3D(lpo->getPhysicalObject()->getBoundingBox3D())),
-      m_frame(frame) {}
+      m_type(lpo->getPhysicalObject()->getType()),
+      m_lpo(lpo) {}
 
 MetaLPO::MetaLPO(const MetaLPO& other)
-    : m_lpo(other.m_lpo),
-      m_ident(other.m_ident),
-      m_type(other.m_type),
-      m_center(other.m_center),
-      m_baseCenter(other.m_baseCenter),
-      m_groupId(other.m_groupId),
+    : m_ident(other.m_ident),
       m_frame(other.m_frame),
-      m_speed(other.m_speed),
-      m_speedSamples(other.m_speedSamples),
+      m_groupId(other.m_groupId),
       m_bestFatherId(other.m_bestFatherId),
       m_bestSonId(other.m_bestSonId),
-      m_bestFatherReliability(other.m_bestFatherReliability),
       m_bestSonScore(other.m_bestSonScore),
+      m_speed(other.m_speed),
+      m_speedSamples(other.m_speedSamples),
+      m_bestFatherReliability(other.m_bestFatherReliability),
+      m_center(other.m_center),
+      m_baseCenter(other.m_baseCenter),
+      m_type(other.m_type),
+      m_lpo(other.m_lpo),
       m_chainLength(other.m_chainLength) {}
 
 MetaLPO::~MetaLPO() {
@@ -39,15 +39,10 @@ MetaLPO::~MetaLPO() {
   }
 }
 
-void MetaLPO::forgetDumpHead() {
-  m_dumpText.text.erase(0, m_dumpText.headSize);
-  m_dumpText.headSize = 0;
-}
-
 void MetaLPO::setGroupId(int groupId) {
   if (m_groupId != groupId) {
     m_groupId = groupId;
-    forgetDumpHead();
+    m_dumpText.head.clear();
   }
 }
 
@@ -59,11 +54,16 @@ void MetaLPO::setBestSon(const QSharedPointer<MetaLPO>& son) {
 void MetaLPO::setBestSonId(int id) {
   if (m_bestSonId != id) {
     m_bestSonId = id;
-    forgetDumpHead();
+    m_dumpText.head.clear();
   }
 }
 
+void MetaLPO::addFatherLink(const QSharedPointer<MetaLPOLink>& link) {
+  m_fatherLinks.push_back(link);
+}
+
 void MetaLPO::sortLinks() {
+  m_lastAskedLink = nullptr;
   std::stable_sort(m_fatherLinks.begin(), m_fatherLinks.end(), MetaLPOLink::compare_links);
 }
 
@@ -89,14 +89,15 @@ void MetaLPO::eraseOldLinks(int firstKeptFrame) {
     return true;
   });
   if (erased > 0) {
-    m_dumpText = {};
+    m_dumpText.tail.clear();
+    m_lastAskedLink = nullptr;
   }
 }
 
 void MetaLPO::loseBestFather() {
   m_bestFatherId = noId;
   m_bestFather.clear();
-  forgetDumpHead();
+  m_dumpText.head.clear();
   MotionChanges::note(m_frame);
 }
 
@@ -157,7 +158,7 @@ void MetaLPO::overrideBestFather(const QSharedPointer<MetaLPO>& father, double r
   m_step = Util::motionVector3D(father->observation().getBoundingBox3D(),
                                 observation().getBoundingBox3D());
   father->m_sonFrames.push_back(m_frame);
-  forgetDumpHead();
+  m_dumpText.head.clear();
   MotionChanges::note(m_frame);
 }
 
@@ -171,9 +172,13 @@ QSharedPointer<MetaLPO> MetaLPO::getFather(unsigned int id) const {
 }
 
 const MetaLPOLink* MetaLPO::linkTo(int fatherId) const {
+  if (m_lastAskedLink != nullptr && m_lastAskedLink->leadsTo(fatherId)) {
+    return m_lastAskedLink;
+  }
   for (const auto& link : m_fatherLinks) {
     if (link->leadsTo(fatherId)) {
-      return link.data();
+      m_lastAskedLink = link.data();
+      return m_lastAskedLink;
     }
   }
   return nullptr;

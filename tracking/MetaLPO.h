@@ -34,11 +34,11 @@ class MetaLPO {
     double reliability;
   };
 
-  /// The node's lines in the mobile dump, kept between frames because few of them change.
+  /// The node's lines in the mobile dump, kept between frames because few of them change; an empty
+  /// text is still to be made.
   struct DumpText {
-    std::string text;          ///< the line of the node itself, then its links and chain
-    std::size_t headSize = 0;  ///< of the first line; 0 when best father, best son or group changed
-    bool hasTail = false;      ///< false when a link was dropped
+    std::string head;  ///< the line of the node itself: best father, best son and group
+    std::string tail;  ///< its links and its chain
   };
 
   MetaLPO() = default;
@@ -74,7 +74,7 @@ class MetaLPO {
   // Links and ancestry
 
   /// Appends a link from a father; null for a father that is not known.
-  void addFatherLink(const QSharedPointer<MetaLPOLink>& link) { m_fatherLinks.push_back(link); }
+  void addFatherLink(const QSharedPointer<MetaLPOLink>& link);
   const std::vector<QSharedPointer<MetaLPOLink>>& getFatherLinks() const { return m_fatherLinks; }
   /// Sorts the links from the least to the most reliable; equal ones keep their order.
   void sortLinks();
@@ -155,34 +155,35 @@ class MetaLPO {
  private:
   bool hasStep() const { return !m_bestFather.isNull() && m_bestFatherId != m_ident; }
   void loseBestFather();
-  void forgetDumpHead();
   std::vector<std::pair<QSharedPointer<MetaLPO>, double>> linksByRecentFather() const;
 
-  QSharedPointer<kelDataLinkedPhysicalObject> m_lpo;
+  // What walks along the history ask of a node comes first, so that it lies together.
   int m_ident = noId;
-  ObjectType m_type;
-  cv::Point3f m_center;
-  cv::Point3f m_baseCenter;
-  int m_groupId = noId;
-  bool m_isRemembered = false;
-  bool m_hasNamesake = false;
   unsigned int m_frame = 0;
-  double m_speed = -1.0;   ///< -1 until first computed
-  int m_speedSamples = 0;  ///< steps averaged into the speed
+  int m_groupId = noId;
   int m_bestFatherId = noId;
   int m_bestSonId = noId;
+  bool m_isRemembered = false;
+  bool m_hasNamesake = false;
   QWeakPointer<MetaLPO> m_bestFather;
   const MetaLPO* m_bestFatherNode = nullptr;  ///< the same; valid while that is not gone
-  cv::Point3f m_step;                         ///< displacement from the best father, metres
-  double m_bestFatherReliability = 0.0;       ///< kept when the father is lost
-  double m_bestSonScore = 0.0;
-  double m_sonSearchScore = noSonScore;
+  mutable SplitWalk m_splitWalk;
   QWeakPointer<MetaLPO> m_bestSon;
   MetaLPO* m_bestSonNode = nullptr;  ///< the same; valid while that is not gone
-  double m_chainLength = 0.0;
+  double m_bestSonScore = 0.0;
+  double m_sonSearchScore = noSonScore;
+  mutable const MetaLPOLink* m_lastAskedLink = nullptr;  ///< as the chains of all sons ask for it
   std::vector<QSharedPointer<MetaLPOLink>> m_fatherLinks;
+  mutable DumpText m_dumpText;
+  double m_speed = -1.0;                 ///< metres per step; -1 until first computed
+  int m_speedSamples = 0;                ///< steps averaged into the speed
+  cv::Point3f m_step;                    ///< displacement from the best father, metres
+  double m_bestFatherReliability = 0.0;  ///< kept when the father is lost
+  cv::Point3f m_center;
+  cv::Point3f m_baseCenter;
+  ObjectType m_type;
+  QSharedPointer<kelDataLinkedPhysicalObject> m_lpo;
+  double m_chainLength = 0.0;
   std::vector<ChainEntry> m_chain;        ///< from the most recent predecessor back
   std::vector<unsigned int> m_sonFrames;  ///< of the nodes that elected this one
-  mutable DumpText m_dumpText;
-  mutable SplitWalk m_splitWalk;
 };

@@ -55,8 +55,8 @@ const std::vector<RememberedNodes::Entry>& RememberedNodes::inOrder() const {
   }
   std::sort(m_changed.begin(), m_changed.end());
   m_changed.erase(std::unique(m_changed.begin(), m_changed.end()), m_changed.end());
-  std::vector<Entry> ordered;
-  ordered.reserve(m_nodes.size());
+  std::vector<Entry>& ordered = m_reordered;
+  ordered.clear();
   auto old = m_ordered.begin();
   for (const int id : m_changed) {
     const auto end = std::lower_bound(

@@ -46,7 +46,8 @@ class RememberedNodes {
   std::unordered_map<int, QSharedPointer<MetaLPO>> m_nodes;
   // The order is made up to date when somebody walks: in one pass for all that came and went since.
   mutable std::vector<Entry> m_ordered;
-  mutable std::vector<int> m_changed;  ///< ids that came, went or changed their node
+  mutable std::vector<Entry> m_reordered;  ///< room for that pass
+  mutable std::vector<int> m_changed;      ///< ids that came, went or changed their node
   int m_namesakes = 0;
   std::map<int, std::vector<QWeakPointer<MetaLPO>>> m_byOldestFather;  ///< by its frame
 };
