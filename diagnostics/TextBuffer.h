@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <array>
 #include <cstring>
 #include <string_view>
 #include <utility>
@@ -15,6 +17,20 @@ class TextBuffer {
   /// A number as "%g" writes it.
   struct General {
     double value;
+  };
+
+  /// A short text that is added often: copied whole, a few machine words, whatever its length.
+  template <std::size_t capacity>
+  struct Short {
+    std::array<char, capacity> text;
+    unsigned int length = 0;
+
+    /// False, and an empty text, when it is too long.
+    bool set(std::string_view value) {
+      length = value.size() <= capacity ? static_cast<unsigned int>(value.size()) : 0;
+      std::copy_n(value.begin(), length, text.begin());
+      return length == value.size();
+    }
   };
 
   std::string_view text() const { return {m_text.data(), m_text.size()}; }
@@ -45,6 +61,15 @@ class TextBuffer {
   static char* put(char* out, std::string_view text) {
     std::memcpy(out, text.data(), text.size());
     return out + text.size();
+  }
+  template <std::size_t capacity>
+  static std::size_t room(const Short<capacity>&) {
+    return capacity;
+  }
+  template <std::size_t capacity>
+  static char* put(char* out, const Short<capacity>& text) {
+    std::memcpy(out, text.text.data(), capacity);
+    return out + text.length;
   }
   static char* put(char* out, int id) { return NumberText::writeInt(out, id); }
   static char* put(char* out, double measure) { return NumberText::writeFixed(out, measure); }

@@ -5,6 +5,14 @@
 
 #include "MotionChanges.h"
 
+namespace {
+
+std::string idText(int id) {
+  return std::to_string(id) + ' ';
+}
+
+}  // namespace
+
 MetaLPO* GroupMembers::find(int id) const {
   const auto member = m_byId.find(id);
   return member == m_byId.end() ? nullptr : member->second.data();
@@ -25,6 +33,8 @@ void GroupMembers::add(const QSharedPointer<MetaLPO>& mobile) {
   }
   if (place) {
     unfile(*place);
+  } else {
+    insertId(mobile->getIdent());
   }
   place = mobile;
   file(mobile.data());
@@ -35,9 +45,40 @@ bool GroupMembers::remove(int id) {
   if (member == m_byId.end()) {
     return false;
   }
+  if (m_hasIds && member == m_byId.begin()) {
+    m_ids.erase(0, m_ids.find(' ') + 1);
+  } else {
+    m_hasIds = false;
+  }
   unfile(*member->second);
   m_byId.erase(member);
   return true;
+}
+
+// Puts the id of a new member into the text, when no more than a few ids are behind it.
+void GroupMembers::insertId(int id) {
+  constexpr int few = 16;
+  std::size_t place = m_ids.size();
+  int passed = 0;
+  for (auto later = m_byId.rbegin(); later->first != id && passed < few; ++later) {
+    place = place < 2 ? 0 : m_ids.rfind(' ', place - 2) + 1;
+    ++passed;
+  }
+  m_hasIds = m_hasIds && passed < few;
+  if (m_hasIds) {
+    m_ids.insert(place, idText(id));
+  }
+}
+
+const std::string& GroupMembers::ids() const {
+  if (!m_hasIds) {
+    m_ids.clear();
+    for (const auto& [id, member] : m_byId) {
+      m_ids += idText(id);
+    }
+    m_hasIds = true;
+  }
+  return m_ids;
 }
 
 void GroupMembers::trim(int firstKeptFrame) {

@@ -122,6 +122,7 @@ class GroupTracker {
   struct Seeker;
   struct Candidate;
   struct PairMember;
+  class ChainWalk;
   class SplitSearch;
 
   /// The frame that decisions are about: "temporalWinSize:" frames back.

@@ -44,8 +44,8 @@ void makeTail(const MetaLPO& node, std::string& tail) {
     }
   }
   lines.write("\tLTT chain: ");
-  for (const auto& [ident, reliability] : node.chain()) {
-    lines.write(ident, " (", TextBuffer::General{reliability}, ") - ");
+  for (const auto& entry : node.chain()) {
+    lines.write(entry.ident, " (", TextBuffer::General{entry.reliability}, ") - ");
   }
   lines.write("\n");
   tail = lines.text();
@@ -71,9 +71,7 @@ void GroupTracker::printGroups() const {
   Diagnostics::print("------------ Groups:\n");
   for (const auto& group : m_groups) {
     Diagnostics::print("- {}, mobiles: ", group->getId());
-    for (const auto& [id, member] : group->getMobiles()) {
-      Diagnostics::write(id, " ");
-    }
+    Diagnostics::write(std::string_view(group->memberIds()));
     Diagnostics::print("startFrame={}, endFrame={}, isUpdated={}", group->getStartFrame(),
                        group->getEndFrame(), group->isUpdated() ? "true" : "false");
     printEvents("merged with", group->getMerges());
@@ -96,7 +94,9 @@ void GroupTracker::printMetaMobiles() const {
   const auto& nodes = m_mobiles.inOrder();
   for (std::size_t i = 0; i < nodes.size(); ++i) {
     if (i + ahead < nodes.size()) {
-      __builtin_prefetch(&nodes[i + ahead].node->dumpText());
+      const MetaLPO::DumpText& text = nodes[i + ahead].node->dumpText();
+      __builtin_prefetch(&text.head);
+      __builtin_prefetch(&text.tail);
     }
     const auto& [head, tail] = dumpOf(*nodes[i].node);
     dump.add(head);

@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <optional>
+#include <span>
 #include <unordered_map>
 #include <vector>
 
@@ -113,7 +115,9 @@ QSharedPointer<MetaLPO> GroupTracker::takeIn(const kelDataActor& actor) {
 }
 
 void GroupTracker::linkToFathers(const QSharedPointer<MetaLPO>& mobile) const {
-  for (const auto& link : mobile->getPhysicalObject()->getFatherLinks()) {
+  const auto& links = mobile->getPhysicalObject()->getFatherLinks();
+  mobile->reserveLinks(links.size());
+  for (const auto& link : links) {
     const auto father = link->getFather();
     const auto son = link->getSon();
     mobile->addFatherLink(QSharedPointer<MetaLPOLink>::create(
@@ -124,23 +128,82 @@ void GroupTracker::linkToFathers(const QSharedPointer<MetaLPO>& mobile) const {
   mobile->sortLinks();
 }
 
+/// Goes back along the upstream tracker's own chain, step by step. The chain of a predecessor goes
+/// the same way, so its steps are taken over as long as nothing on it can have changed.
+class GroupTracker::ChainWalk {
+ public:
+  ChainWalk(const GroupTracker& tracker, const MetaLPO& start)
+      : m_mobiles(tracker.m_mobiles), m_firstKept(tracker.firstKeptFrame()), m_current(&start) {}
+
+  /// The next predecessor with the reliability of the step to it; none for an unknown one.
+  std::optional<MetaLPO::ChainEntry> step(int predecessorId) {
+    if (const MetaLPO::ChainEntry* known = sharedStep(predecessorId)) {
+      return *known;
+    }
+    const MetaLPOLink* link = m_current == nullptr ? nullptr : m_current->linkTo(predecessorId);
+    const bool isLatest = link != nullptr && link->fatherNode()->isRemembered();
+    const bool isAfterGap = m_current == nullptr;
+    m_current = isLatest ? link->fatherNode() : m_mobiles.node(predecessorId);
+    if (m_current == nullptr) {
+      return {};
+    }
+    if (m_isFirst) {
+      share(*m_current);
+    }
+    m_isFirst = false;
+    return MetaLPO::ChainEntry{
+        predecessorId, isAfterGap ? MetaLPO::afterGap : static_cast<int>(m_current->getFrame()),
+        0.0, link == nullptr ? 0.0 : link->getReliability()};
+  }
+
+ private:
+  void share(const MetaLPO& predecessor) {
+    if (!m_mobiles.hasNamesakes()) {
+      m_shared = predecessor.chain();
+    }
+  }
+
+  // What was seen in a frame that is kept is still remembered, and so are the links to it.
+  const MetaLPO::ChainEntry* sharedStep(int predecessorId) {
+    if (!m_shared.empty() && m_shared.front().ident == predecessorId &&
+        m_shared.front().frame >= m_firstKept) {
+      const MetaLPO::ChainEntry* known = &m_shared.front();
+      m_shared = m_shared.subspan(1);
+      m_currentId = predecessorId;
+      m_isOnSharedWay = true;
+      return known;
+    }
+    if (m_isOnSharedWay) {
+      m_current = m_mobiles.node(m_currentId);
+      m_isOnSharedWay = false;
+    }
+    m_shared = {};
+    return nullptr;
+  }
+
+  const RememberedNodes& m_mobiles;
+  int m_firstKept;
+  const MetaLPO* m_current;  ///< null after an unknown predecessor
+  bool m_isFirst = true;
+  std::span<const MetaLPO::ChainEntry> m_shared;  ///< steps that are still to come
+  bool m_isOnSharedWay = false;                   ///< then the walk is at `m_currentId`
+  int m_currentId = MetaLPO::noId;
+};
+
 void GroupTracker::readChain(const kelDataActor& actor, MetaLPO& mobile) const {
   const auto& objects = actor.getLinkedPhysicalObjectList();
   mobile.chain().reserve(objects.size() - 1);
+  ChainWalk walk(*this, mobile);
   double running = 0.0;
-  const MetaLPO* current = &mobile;
   for (auto object = std::next(objects.rbegin()); object != objects.rend(); ++object) {
-    const int predecessorId = static_cast<int>((*object)->getIdent());
-    const MetaLPOLink* link = current == nullptr ? nullptr : current->linkTo(predecessorId);
-    const bool isLatest = link != nullptr && link->fatherNode()->isRemembered();
-    current = isLatest ? link->fatherNode() : m_mobiles.node(predecessorId);
-    if (current == nullptr) {
+    auto entry = walk.step(static_cast<int>((*object)->getIdent()));
+    if (!entry) {
       running = 0.0;
       continue;
     }
-    const double reliability = link == nullptr ? 0.0 : link->getReliability();
-    running = running < lostChain ? reliability : reliability * running;
-    mobile.chain().push_back({predecessorId, running});
+    running = running < lostChain ? entry->step : entry->step * running;
+    entry->reliability = running;
+    mobile.chain().push_back(*entry);
   }
 }
 

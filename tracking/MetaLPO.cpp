@@ -9,6 +9,25 @@
 
 double MetaLPO::recentLinkWeight = 0.0;
 
+namespace {
+
+// A stable sort; few elements, as the links of a node are, are sorted without an allocation.
+template <typename Elements, typename Less>
+void sortFew(Elements& elements, const Less& less) {
+  constexpr int few = 16;
+  const auto begin = elements.begin();
+  const auto end = elements.end();
+  if (end - begin > few) {
+    std::stable_sort(begin, end, less);
+    return;
+  }
+  for (auto next = begin; next != end; ++next) {
+    std::rotate(std::upper_bound(begin, next, *next, less), next, next + 1);
+  }
+}
+
+}  // namespace
+
 MetaLPO::MetaLPO(const QSharedPointer<kelDataLinkedPhysicalObject>& lpo, unsigned int frame)
     : m_ident(static_cast<int>(lpo->getIdent())),
       m_frame(frame),
@@ -58,13 +77,8 @@ void MetaLPO::setBestSonId(int id) {
   }
 }
 
-void MetaLPO::addFatherLink(const QSharedPointer<MetaLPOLink>& link) {
-  m_fatherLinks.push_back(link);
-}
-
 void MetaLPO::sortLinks() {
-  m_lastAskedLink = nullptr;
-  std::stable_sort(m_fatherLinks.begin(), m_fatherLinks.end(), MetaLPOLink::compare_links);
+  sortFew(m_fatherLinks, MetaLPOLink::compare_links);
 }
 
 void MetaLPO::resetLinks() {
@@ -90,7 +104,6 @@ void MetaLPO::eraseOldLinks(int firstKeptFrame) {
   });
   if (erased > 0) {
     m_dumpText.tail.clear();
-    m_lastAskedLink = nullptr;
   }
 }
 
@@ -101,39 +114,39 @@ void MetaLPO::loseBestFather() {
   MotionChanges::note(m_frame);
 }
 
-// The known fathers with the reliabilities of their links, the most recent fathers first and those
-// of one frame in the order of the links.
-std::vector<std::pair<QSharedPointer<MetaLPO>, double>> MetaLPO::linksByRecentFather() const {
-  std::vector<std::pair<QSharedPointer<MetaLPO>, double>> fathers;
-  fathers.reserve(m_fatherLinks.size());
+// The links to known fathers, the most recent fathers first and those of one frame in the order of
+// the links.
+MetaLPO::Links MetaLPO::linksByRecentFather() const {
+  Links links;
   for (const auto& link : m_fatherLinks) {
-    if (auto father = link->getFather()) {
-      fathers.emplace_back(std::move(father), link->getReliability());
+    if (link->fatherNode() != nullptr) {
+      links.push_back(link.data());
     }
   }
-  std::stable_sort(fathers.begin(), fathers.end(), [](const auto& a, const auto& b) {
-    return a.first->m_frame > b.first->m_frame;
+  sortFew(links, [](const MetaLPOLink* a, const MetaLPOLink* b) {
+    return a->fatherNode()->m_frame > b->fatherNode()->m_frame;
   });
-  return fathers;
+  return links;
 }
 
 unsigned int MetaLPO::computeBestFather() {
   if (m_bestFatherId != noId) {
     return static_cast<unsigned int>(m_bestFatherId);
   }
-  QSharedPointer<MetaLPO> winner;
+  const MetaLPOLink* winner = nullptr;
   double bestReliability = -1.0;
-  for (const auto& [father, reliability] : linksByRecentFather()) {
-    const double gap = static_cast<int>(m_frame - father->m_frame);
-    const double score = reliability * (100.0 - gap * GroupTracker::fatherDistanceWeight) / 100.0;
+  for (const MetaLPOLink* link : linksByRecentFather()) {
+    const double gap = static_cast<int>(m_frame - link->fatherNode()->m_frame);
+    const double score =
+        link->getReliability() * (100.0 - gap * GroupTracker::fatherDistanceWeight) / 100.0;
     // Compared with the winner's raw reliability, so an older father must beat it outright.
     if (score > bestReliability) {
-      bestReliability = reliability;
-      winner = father;
+      bestReliability = link->getReliability();
+      winner = link;
     }
   }
-  if (winner) {
-    overrideBestFather(winner, bestReliability);
+  if (winner != nullptr) {
+    overrideBestFather(winner->getFather(), bestReliability);
   }
   return static_cast<unsigned int>(m_bestFatherId);
 }
@@ -172,13 +185,9 @@ QSharedPointer<MetaLPO> MetaLPO::getFather(unsigned int id) const {
 }
 
 const MetaLPOLink* MetaLPO::linkTo(int fatherId) const {
-  if (m_lastAskedLink != nullptr && m_lastAskedLink->leadsTo(fatherId)) {
-    return m_lastAskedLink;
-  }
   for (const auto& link : m_fatherLinks) {
     if (link->leadsTo(fatherId)) {
-      m_lastAskedLink = link.data();
-      return m_lastAskedLink;
+      return link.data();
     }
   }
   return nullptr;

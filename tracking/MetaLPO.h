@@ -5,10 +5,11 @@
 #include <opencv2/core/types.hpp>
 
 #include <QSharedPointer>
+#include <QVarLengthArray>
 #include <QWeakPointer>
 
+#include <limits>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "MetaLPOLink.h"
@@ -31,8 +32,11 @@ class MetaLPO {
   /// One earlier mobile of the upstream tracker's own chain and how sure its chain is up to there.
   struct ChainEntry {
     int ident;
-    double reliability;
+    int frame;  ///< in which it was seen; `afterGap` when that of a gap before it is unknown
+    double reliability;  ///< up to there
+    double step;         ///< reliability of the one step from the entry before
   };
+  static constexpr int afterGap = std::numeric_limits<int>::min();
 
   /// The node's lines in the mobile dump, kept between frames because few of them change; an empty
   /// text is still to be made.
@@ -74,7 +78,9 @@ class MetaLPO {
   // Links and ancestry
 
   /// Appends a link from a father; null for a father that is not known.
-  void addFatherLink(const QSharedPointer<MetaLPOLink>& link);
+  void addFatherLink(const QSharedPointer<MetaLPOLink>& link) { m_fatherLinks.push_back(link); }
+  /// Makes room for links that are about to be added.
+  void reserveLinks(std::size_t count) { m_fatherLinks.reserve(count); }
   const std::vector<QSharedPointer<MetaLPOLink>>& getFatherLinks() const { return m_fatherLinks; }
   /// Sorts the links from the least to the most reliable; equal ones keep their order.
   void sortLinks();
@@ -153,9 +159,11 @@ class MetaLPO {
   SplitWalk& splitWalk() const { return m_splitWalk; }
 
  private:
+  using Links = QVarLengthArray<const MetaLPOLink*, 16>;
+
   bool hasStep() const { return !m_bestFather.isNull() && m_bestFatherId != m_ident; }
   void loseBestFather();
-  std::vector<std::pair<QSharedPointer<MetaLPO>, double>> linksByRecentFather() const;
+  Links linksByRecentFather() const;
 
   // What walks along the history ask of a node comes first, so that it lies together.
   int m_ident = noId;
@@ -172,7 +180,6 @@ class MetaLPO {
   MetaLPO* m_bestSonNode = nullptr;  ///< the same; valid while that is not gone
   double m_bestSonScore = 0.0;
   double m_sonSearchScore = noSonScore;
-  mutable const MetaLPOLink* m_lastAskedLink = nullptr;  ///< as the chains of all sons ask for it
   std::vector<QSharedPointer<MetaLPOLink>> m_fatherLinks;
   mutable DumpText m_dumpText;
   double m_speed = -1.0;                 ///< metres per step; -1 until first computed

@@ -3,6 +3,7 @@
 #include <QSharedPointer>
 #include <QWeakPointer>
 
+#include <deque>
 #include <map>
 #include <unordered_map>
 #include <vector>
@@ -49,5 +50,5 @@ class RememberedNodes {
   mutable std::vector<Entry> m_reordered;  ///< room for that pass
   mutable std::vector<int> m_changed;      ///< ids that came, went or changed their node
   int m_namesakes = 0;
-  std::map<int, std::vector<QWeakPointer<MetaLPO>>> m_byOldestFather;  ///< by its frame
+  std::map<int, std::deque<QWeakPointer<MetaLPO>>> m_byOldestFather;  ///< by its frame
 };
