@@ -20,8 +20,10 @@ double width(const BoundingBox3D& box) {
   return std::abs(box.b0 - box.b3);
 }
 
-void printSize(const BoundingBox3D& box) {
-  Diagnostics::write("   height: ", height(box), ",    width: ", width(box), "\n");
+// Adds a line of parts that ends with the size of a box.
+template <typename... Parts>
+void printWithSize(const BoundingBox3D& box, const Parts&... parts) {
+  Diagnostics::write(parts..., "   height: ", height(box), ",    width: ", width(box), "\n");
 }
 
 // The image box that holds the boxes of a group's members. The smallest edges are looked for below
@@ -125,12 +127,11 @@ void GroupTrackerProcessGroupTrackerPrivate::printActors() const {
   Diagnostics::print("{} TPOs\n", actors.size());
   for (const auto& actor : actors) {
     Diagnostics::write("TPO id: ", static_cast<int>(actor->getIdent()), "\n");
-    Diagnostics::write("   type: ", actor->getType(), ", ");
-    printSize(actor->getBoundingBox3D());
+    printWithSize(actor->getBoundingBox3D(), "   type: ", actor->getType(), ", ");
     for (const auto& mobile : actor->getLinkedPhysicalObjectList()) {
-      Diagnostics::write("   id: ", static_cast<int>(mobile->getIdent()),
-                         ",    type: ", mobile->getPhysicalObject()->getType(), ", ");
-      printSize(mobile->getPhysicalObject()->getBoundingBox3D());
+      const kelDataPhysicalObject& object = *mobile->getPhysicalObject();
+      printWithSize(object.getBoundingBox3D(), "   id: ", static_cast<int>(mobile->getIdent()),
+                    ",    type: ", object.getType(), ", ");
     }
   }
 }

@@ -10,6 +10,7 @@
 #include <QMap>
 #include <QSharedPointer>
 
+#include <deque>
 #include <list>
 #include <map>
 #include <set>
@@ -145,7 +146,7 @@ class GroupTracker {
   // Pairwise grouping
   void printProcessedMobiles();
   void pairFreeMobiles();
-  void pairWithFree(const PairMember& first, const std::vector<PairMember*>& free);
+  void pairWithFree(const PairMember& first, const std::deque<PairMember*>& free);
   void adopt(const QSharedPointer<Group>& group);
   bool joinAncestorGroup(const QSharedPointer<MetaLPO>& mobile);
   bool foundFromAncestry(const QSharedPointer<MetaLPO>& mobile);
@@ -166,9 +167,10 @@ class GroupTracker {
   QSharedPointer<Group> createClusterGroup(const std::list<int>& mobileIds);
   void placeGroupMobiles();
 
-  // Maintenance
-  bool updateGroupsOnce(std::vector<Seeker>& seekers);
-  static void forgetRefusals(std::vector<Seeker>& seekers, unsigned int groupId);
+  // Maintenance. Whoever is asked in a frame is kept in deques: a single large piece of memory
+  // would make the allocator tidy up after all small ones, every frame anew.
+  bool updateGroupsOnce(std::deque<Seeker>& seekers);
+  static void forgetRefusals(std::deque<Seeker>& seekers, unsigned int groupId);
   void ask(Seeker& seeker, std::map<unsigned int, Candidate>& candidates) const;
   void mergeGroups(const std::set<unsigned int>& ids);
   void moveToGroup(const std::set<unsigned int>& from, int to);

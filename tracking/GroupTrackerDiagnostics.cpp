@@ -21,7 +21,7 @@ void printEvents(const char* what, const std::list<Group::Event>& events) {
   }
 }
 
-// Both texts are put together in a buffer that is kept for its room; the nodes get texts of just
+// The texts are put together in buffers that are kept for their room; the nodes get texts of just
 // the size.
 void makeHead(const MetaLPO& node, std::string& head) {
   static TextBuffer line;
@@ -32,7 +32,7 @@ void makeHead(const MetaLPO& node, std::string& head) {
   head = line.text();
 }
 
-void makeTail(const MetaLPO& node, std::string& tail) {
+void makeLinks(const MetaLPO& node, std::string& text) {
   static TextBuffer lines;
   lines.clear();
   for (const auto& link : node.getFatherLinks()) {
@@ -43,12 +43,18 @@ void makeTail(const MetaLPO& node, std::string& tail) {
                   TextBuffer::General{link->getReliability()}, "\n");
     }
   }
-  lines.write("\tLTT chain: ");
+  text = lines.text();
+}
+
+void makeChain(const MetaLPO& node, std::string& text) {
+  static TextBuffer line;
+  line.clear();
+  line.write("\tLTT chain: ");
   for (const auto& entry : node.chain()) {
-    lines.write(entry.ident, " (", TextBuffer::General{entry.reliability}, ") - ");
+    line.write(entry.ident, " (", TextBuffer::General{entry.reliability}, ") - ");
   }
-  lines.write("\n");
-  tail = lines.text();
+  line.write("\n");
+  text = line.text();
 }
 
 const MetaLPO::DumpText& dumpOf(const MetaLPO& node) {
@@ -56,8 +62,12 @@ const MetaLPO::DumpText& dumpOf(const MetaLPO& node) {
   if (text.head.empty()) {
     makeHead(node, text.head);
   }
-  if (text.tail.empty()) {
-    makeTail(node, text.tail);
+  if (!text.hasLinks) {
+    makeLinks(node, text.links);
+    text.hasLinks = true;
+  }
+  if (text.chain.empty()) {
+    makeChain(node, text.chain);
   }
   return text;
 }
@@ -96,11 +106,12 @@ void GroupTracker::printMetaMobiles() const {
     if (i + ahead < nodes.size()) {
       const MetaLPO::DumpText& text = nodes[i + ahead].node->dumpText();
       __builtin_prefetch(&text.head);
-      __builtin_prefetch(&text.tail);
+      __builtin_prefetch(&text.hasLinks);
     }
-    const auto& [head, tail] = dumpOf(*nodes[i].node);
-    dump.add(head);
-    dump.add(tail);
+    const MetaLPO::DumpText& text = dumpOf(*nodes[i].node);
+    dump.add(text.head);
+    dump.add(text.links);
+    dump.add(text.chain);
   }
   dump.add("--------------------\n");
   dump.appendTo(m_mobileDump);

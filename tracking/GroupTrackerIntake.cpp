@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cmath>
+#include <deque>
 #include <iterator>
 #include <optional>
 #include <span>
@@ -248,7 +249,7 @@ int GroupTracker::firstKeptFrame() const {
 
 void GroupTracker::forgetOldMobiles() {
   m_mobiles.eraseOldLinks(firstKeptFrame());
-  std::vector<QSharedPointer<MetaLPO>> old;
+  std::deque<QSharedPointer<MetaLPO>> old;
   for (const auto& [frame, mobiles] : m_mobilesByFrame) {
     if (static_cast<int>(frame) >= firstKeptFrame()) {
       break;

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cmath>
+#include <deque>
 #include <limits>
 #include <set>
 #include <vector>
@@ -28,7 +29,7 @@ struct GroupTracker::Candidate {
   QSharedPointer<MetaLPO> mobile;
 };
 
-void GroupTracker::forgetRefusals(std::vector<Seeker>& seekers, unsigned int groupId) {
+void GroupTracker::forgetRefusals(std::deque<Seeker>& seekers, unsigned int groupId) {
   for (Seeker& seeker : seekers) {
     if (seeker.refusedBy == groupId) {
       seeker.refusedBy = none;
@@ -40,7 +41,7 @@ void GroupTracker::updateGroups() {
   if (static_cast<int>(processedFrame()) < 1) {
     return;
   }
-  std::vector<Seeker> seekers;
+  std::deque<Seeker> seekers;
   for (const auto& mobile : mobilesAt(processedFrame())) {
     if (!mobile->getType().isNoise()) {
       seekers.push_back({mobile});
@@ -51,7 +52,7 @@ void GroupTracker::updateGroups() {
   }
 }
 
-bool GroupTracker::updateGroupsOnce(std::vector<Seeker>& seekers) {
+bool GroupTracker::updateGroupsOnce(std::deque<Seeker>& seekers) {
   std::erase_if(seekers,
                 [this](const Seeker& seeker) { return groupIdOf(*seeker.mobile) != none; });
   std::map<unsigned int, Candidate> candidates;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <deque>
 #include <string_view>
 #include <vector>
 
@@ -116,8 +117,10 @@ void GroupTracker::printProcessedMobiles() {
 /// A mobile of the processed frame in the search for pairs. Its group is the one under its id, so
 /// that of a later node when the id was declared again.
 struct GroupTracker::PairMember {
-  PairMember(const QSharedPointer<MetaLPO>& mobile, const MetaLPO* latestNode)
-      : node(mobile),
+  PairMember(std::size_t placeInFrame, const QSharedPointer<MetaLPO>& mobile,
+             const MetaLPO* latestNode)
+      : place(placeInFrame),
+        node(mobile),
         latest(latestNode),
         ident(mobile->getIdent()),
         position(mobile->observation().getPosition()),
@@ -129,6 +132,7 @@ struct GroupTracker::PairMember {
   /// Whether a group can be made with or grown through this mobile.
   bool mayPair() const { return isFree() || isSeveral; }
 
+  std::size_t place;
   const QSharedPointer<MetaLPO>& node;
   const MetaLPO* latest;
   int ident;
@@ -138,12 +142,12 @@ struct GroupTracker::PairMember {
 };
 
 void GroupTracker::pairFreeMobiles() {
-  std::vector<PairMember> members;
+  std::deque<PairMember> members;
   for (const auto& mobile : mobilesAt(processedFrame())) {
-    members.emplace_back(mobile, m_mobiles.node(mobile->getIdent()));
+    members.emplace_back(members.size(), mobile, m_mobiles.node(mobile->getIdent()));
   }
   // Those still to be paired; whoever found a group leaves, so that a crowd of groups costs little.
-  std::vector<PairMember*> free;
+  std::deque<PairMember*> free;
   for (auto& member : members) {
     if (!member.isNoise && member.isFree()) {
       free.push_back(&member);
@@ -160,13 +164,14 @@ void GroupTracker::pairFreeMobiles() {
         processGroupMobile(member.node);
       }
     }
-    std::erase_if(free,
-                  [&](const PairMember* other) { return other < &member || !other->isFree(); });
+    std::erase_if(free, [&](const PairMember* other) {
+      return other->place < member.place || !other->isFree();
+    });
     pairWithFree(member, free);
   }
 }
 
-void GroupTracker::pairWithFree(const PairMember& first, const std::vector<PairMember*>& free) {
+void GroupTracker::pairWithFree(const PairMember& first, const std::deque<PairMember*>& free) {
   for (const PairMember* second : free) {
     if (!second->isFree()) {
       continue;

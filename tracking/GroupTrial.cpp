@@ -5,6 +5,7 @@
 namespace {
 
 constexpr std::size_t usualWalk = 24;  // mobiles added on the way through a usual window
+constexpr int usualMembers = 128;      // of a group that is one person at a time
 
 }  // namespace
 
@@ -127,11 +128,21 @@ Spreads GroupTrial::meanSpreads() const {
 }
 
 Spreads GroupTrial::spreadsOfAll() const {
-  std::vector<MetaLPO*> all(m_added.begin(), m_added.end());
-  for (const auto& [id, member] : m_group.byId()) {
-    all.push_back(member.data());
+  QVarLengthArray<MetaLPO*, usualMembers> all;
+  for (const auto& frame : m_group.frames()) {
+    for (MetaLPO* member : frame.members()) {
+      all.push_back(member);
+    }
   }
-  std::sort(all.begin(), all.end(),
-            [](const MetaLPO* a, const MetaLPO* b) { return a->getIdent() < b->getIdent(); });
-  return all.empty() ? Spreads() : spreadsOf(all);
+  for (MetaLPO* added : m_added) {
+    all.push_back(added);
+  }
+  const auto comesBefore = [](const MetaLPO* a, const MetaLPO* b) {
+    return a->getIdent() < b->getIdent();
+  };
+  if (!std::is_sorted(all.begin(), all.end(), comesBefore)) {
+    std::sort(all.begin(), all.end(), comesBefore);
+  }
+  return all.empty() ? Spreads()
+                     : spreadsOf({all.constData(), static_cast<std::size_t>(all.size())});
 }

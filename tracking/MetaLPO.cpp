@@ -90,8 +90,8 @@ void MetaLPO::resetLinks() {
 
 void MetaLPO::eraseOldLinks(int firstKeptFrame) {
   const auto erased = std::erase_if(m_fatherLinks, [&](const QSharedPointer<MetaLPOLink>& link) {
-    const auto father = link->getFather();
-    if (!father) {
+    const MetaLPO* father = link->fatherNode();
+    if (father == nullptr) {
       return true;
     }
     if (static_cast<int>(father->m_frame) >= firstKeptFrame) {
@@ -103,7 +103,7 @@ void MetaLPO::eraseOldLinks(int firstKeptFrame) {
     return true;
   });
   if (erased > 0) {
-    m_dumpText.tail.clear();
+    m_dumpText.hasLinks = false;
   }
 }
 

@@ -41,8 +41,10 @@ class MetaLPO {
   /// The node's lines in the mobile dump, kept between frames because few of them change; an empty
   /// text is still to be made.
   struct DumpText {
-    std::string head;  ///< the line of the node itself: best father, best son and group
-    std::string tail;  ///< its links and its chain
+    std::string head;   ///< the line of the node itself: best father, best son and group
+    std::string links;  ///< the lines of its links; none needs `hasLinks` to be told from not made
+    std::string chain;
+    bool hasLinks = false;
   };
 
   MetaLPO() = default;
