@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
 # Shows the main job: installs what is missing, builds, simulates a square with people alone and in
-# groups, tracks the groups by pairs and by clusters, and says where to look: scripts/demo.sh
-# [FOLDER], build/demo by default (no blanks in its name).
+# groups, tracks the groups by pairs and by clusters, draws a film and a report of the first, and says
+# where to look: scripts/demo.sh [FOLDER], build/demo by default (no blanks in its name).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 demo=${1:-build/demo}
 program=build/release/bin/grouptracker
+rate=10  # frames per second
 
 scripts/build.sh release --target grouptracker --target GroupTrackerProcessGroupTrackerPlugin
 
@@ -20,24 +21,36 @@ writeParameters() {
 rm -rf "$demo"
 mkdir -p "$demo/pairs" "$demo/clusters"
 echo "Simulating a square with people alone and in groups"
-"$program" simulate --seed 7 --people 45 --frames 250 --rate 10 --noise 0.02 --missed 0.01 \
+"$program" simulate --seed 7 --people 45 --frames 250 --rate "$rate" --noise 0.02 --missed 0.01 \
   --images --output "$demo/scene"
 
 for mode in pairs:video.txt clusters:clustering.txt; do
   name=${mode%%:*}
   writeParameters "$name" "${mode##*:}"
+  pictures=()
+  if [ "$name" = pairs ]; then
+    pictures=(--video "$demo/pairs/film.mp4" --top-view --video-rate "$rate")
+  fi
   echo "Tracking groups by $name"
   "$program" run "$demo/scene/scene.jsonl" --parameters "$demo/$name.txt" \
     --calibration "$demo/scene/calibration.yml" \
     --output "$demo/$name/groups.jsonl" --events "$demo/$name/events.jsonl" \
-    --diagnostics "$demo/$name/diagnostics.txt" --mobile-dump none
+    --diagnostics "$demo/$name/diagnostics.txt" --mobile-dump none \
+    "${pictures[@]}"
   "$program" evaluate "$demo/$name/groups.jsonl" --truth "$demo/scene/truth.jsonl" \
     > "$demo/$name/scores.txt"
 done
 
+echo "Making the report"
+"$program" report "$demo/scene/scene.jsonl" "$demo/pairs/groups.jsonl" \
+  --calibration "$demo/scene/calibration.yml" --diagnostics "$demo/pairs/diagnostics.txt" \
+  --truth "$demo/scene/truth.jsonl" --rate "$rate" --output "$demo/pairs/report.html"
+
 cat <<END
 
 Look at
+  $demo/pairs/report.html        everything in one page, for a browser: player, timeline, table, reasons
+  $demo/pairs/film.mp4           the groups on the images, and the ground from above beside them
   $demo/pairs/*.png              annotated images, groups found by pairs
   $demo/clusters/*.png           the same, groups found by clusters
   $demo/pairs/groups.jsonl       the groups of every frame, one line each
