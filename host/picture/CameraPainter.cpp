@@ -2,12 +2,12 @@
 
 #include "Brush.h"
 #include "GroupPalette.h"
-
-#include <fmt/format.h>
+#include "GroupPlates.h"
 
 #include <opencv2/imgproc.hpp>
 
 #include <map>
+#include <string>
 
 namespace {
 
@@ -30,21 +30,30 @@ Corners cornersByGroup(const ReportedStep& step, const RecentPast& past) {
 }  // namespace
 
 void paintOnImage(cv::Mat& image, const ReportedStep& step, const RecentPast& past) {
-  for (const auto& [group, corners] : cornersByGroup(step, past)) {
-    const cv::Rect area = cv::boundingRect(corners);
-    brush::hull(image, corners, colourOf(group));
-    brush::text(image, fmt::format("group {}", group), {area.x, area.y - 5}, colourOf(group));
+  constexpr double opacity = 0.12;  // of the hulls: people shall be seen through them
+  const Corners groups = cornersByGroup(step, past);
+  for (const auto& [group, corners] : groups) {
+    brush::hull(image, corners, colourOf(group), opacity);
   }
   for (const PersonPlace& person : step.people) {
     const auto group = past.groupOf(person.person);
-    const cv::Scalar colour = group ? colourOf(*group) : brush::grey;
+    const cv::Scalar colour = group ? colourOf(*group) : brush::pale;
     std::vector<cv::Point> trace;
     for (const TracePoint& point : past.traceOf(person.person)) {
       trace.push_back(point.foot);
     }
     brush::trace(image, trace, colour);
     cv::rectangle(image, person.box2D, colour, 1, cv::LINE_AA);
-    brush::text(image, std::to_string(person.person),
-                {person.box2D.x, person.box2D.y + person.box2D.height + 13}, brush::white);
+  }
+  for (const PersonPlace& person : step.people) {
+    const std::string name = std::to_string(person.person);
+    const cv::Size size = brush::sizeOf(name);
+    const cv::Point middle(person.box2D.x + person.box2D.width / 2, person.box2D.br().y);
+    brush::text(image, name, middle + cv::Point(-size.width / 2, size.height + 4), brush::white,
+                brush::ink);
+  }
+  GroupPlates plates(image);
+  for (const auto& [group, corners] : groups) {
+    plates.add(group, cv::boundingRect(corners));
   }
 }

@@ -10,6 +10,7 @@
 #include <opencv2/imgproc.hpp>
 
 #include <algorithm>
+#include <string>
 
 namespace {
 
@@ -86,11 +87,16 @@ void StepPainter::paintWords(cv::Mat& picture, const ReportedStep& step) const {
   constexpr int lineHeight = 17;
   const GroupsFrame& frame = step.groups;
   brush::text(picture, fmt::format("frame {}", frame.inputFrame.value_or(frame.reportedFrame)),
-              {left, lineHeight}, brush::white);
+              {left, lineHeight}, brush::white, brush::ink);
   const auto events = m_past.events();
-  int row = picture.rows - lineHeight * static_cast<int>(events.size()) + lineHeight / 2;
+  int width = 0;
   for (const std::string& event : events) {
-    brush::text(picture, event, {left, row}, brush::white);
+    width = std::max(width, brush::sizeOf(event).width);
+  }
+  int row = picture.rows - lineHeight * static_cast<int>(events.size()) - left / 2;
+  brush::shade(picture, {0, row, width + 2 * left, picture.rows - row});
+  for (const std::string& event : events) {
     row += lineHeight;
+    brush::text(picture, event, {left, row - left / 2}, brush::white, brush::ink);
   }
 }

@@ -2,6 +2,7 @@
 
 #include "Brush.h"
 #include "GroupPalette.h"
+#include "GroupPlates.h"
 
 #include <fmt/format.h>
 
@@ -47,8 +48,12 @@ cv::Mat TopViewPainter::paint(const ReportedStep& step, const RecentPast& past) 
   m_map.include(places);
   cv::Mat picture(m_size, CV_8UC3, paper);
   paintGrid(picture);
-  paintGroups(picture, step);
+  const Outlines groups = paintGroups(picture, step);
   paintPeople(picture, step, past);
+  GroupPlates plates(picture);
+  for (const auto& [group, outline] : groups) {
+    plates.add(group, cv::boundingRect(outline));
+  }
   paintScaleBar(picture);
   return picture;
 }
@@ -65,25 +70,23 @@ void TopViewPainter::paintGrid(cv::Mat& picture) const {
   }
 }
 
-void TopViewPainter::paintGroups(cv::Mat& picture, const ReportedStep& step) const {
+TopViewPainter::Outlines TopViewPainter::paintGroups(cv::Mat& picture,
+                                                     const ReportedStep& step) const {
+  constexpr double opacity = 0.25;
+  Outlines outlines;
   for (const GroupState& group : step.groups.groups) {
-    if (!group.isVisible) {
-      continue;
-    }
-    std::vector<cv::Point> outline;
     for (const GroupMember& member : group.members) {
-      if (member.place) {
+      if (group.isVisible && member.place) {
         const auto circle = circleAround(*member.place, m_map);
+        auto& outline = outlines[group.id];
         outline.insert(outline.end(), circle.begin(), circle.end());
       }
     }
-    brush::hull(picture, outline, colourOf(group.id));
-    if (!outline.empty()) {
-      const cv::Rect box = cv::boundingRect(outline);
-      brush::text(picture, fmt::format("group {}", group.id), {box.x, box.y - 5},
-                  colourOf(group.id));
-    }
   }
+  for (const auto& [group, outline] : outlines) {
+    brush::hull(picture, outline, colourOf(group), opacity);
+  }
+  return outlines;
 }
 
 void TopViewPainter::paintPeople(cv::Mat& picture, const ReportedStep& step,
@@ -100,8 +103,8 @@ void TopViewPainter::paintPeople(cv::Mat& picture, const ReportedStep& step,
     const int radius = std::max(2, static_cast<int>(personRadius * m_map.scale()));
     cv::circle(picture, at, radius, colour, cv::FILLED, cv::LINE_AA);
     cv::circle(picture, at, radius, brush::ink, 1, cv::LINE_AA);
-    brush::text(picture, std::to_string(person.person), at + cv::Point(radius + 2, 4),
-                brush::white);
+    brush::text(picture, std::to_string(person.person), at + cv::Point(radius + 2, 4), brush::ink,
+                paper);
   }
 }
 
@@ -115,5 +118,5 @@ void TopViewPainter::paintScaleBar(cv::Mat& picture) const {
   cv::line(picture, left, right, brush::ink, 2);
   cv::line(picture, left, left + up, brush::ink, 2);
   cv::line(picture, right, right + up, brush::ink, 2);
-  brush::text(picture, fmt::format("{} m", length), left + cv::Point(4, -8), brush::white);
+  brush::text(picture, fmt::format("{} m", length), left + cv::Point(4, -8), brush::ink, paper);
 }

@@ -5,6 +5,10 @@
 
 #include <opencv2/core.hpp>
 
+#include <cstdint>
+#include <map>
+#include <vector>
+
 /// Draws the ground plane from above: a grid with a scale bar in metres, everybody with a trace,
 /// groups in their colours with hull and label.
 class TopViewPainter {
@@ -14,10 +18,13 @@ class TopViewPainter {
   cv::Mat paint(const ReportedStep& step, const RecentPast& past);
 
  private:
+  using Outlines = std::map<std::uint32_t, std::vector<cv::Point>>;
+
   void paintGrid(cv::Mat& picture) const;
   void paintScaleBar(cv::Mat& picture) const;
   void paintPeople(cv::Mat& picture, const ReportedStep& step, const RecentPast& past) const;
-  void paintGroups(cv::Mat& picture, const ReportedStep& step) const;
+  /// Returns the outlines by group, corners in pixels.
+  Outlines paintGroups(cv::Mat& picture, const ReportedStep& step) const;
 
   cv::Size m_size;
   GroundMap m_map;
