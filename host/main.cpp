@@ -9,6 +9,7 @@
 #include "OutputError.h"
 #include "ProcessRunner.h"
 #include "ReportCommand.h"
+#include "RunBesideWindow.h"
 #include "RunCommand.h"
 #include "SimulateCommand.h"
 #include "TuneCommand.h"
@@ -73,13 +74,18 @@ int runCommand(Command& command) {
   }
 }
 
+/// Runs a command within the application that it needs.
+int runWithin(Command& command, int& argc, char** argv) {
+  const auto application = command.needsScreen() ? openScreen(argc, argv)
+                                                 : std::make_unique<QCoreApplication>(argc, argv);
+  std::setlocale(LC_NUMERIC, "C");  // Qt takes the user's; files have points in their numbers
+  return runCommand(command);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-  const QCoreApplication application(argc, argv);
-  std::setlocale(LC_NUMERIC, "C");  // Qt takes the user's; files have points in their numbers
   silenceOpenCv();
-
   CLI::App program("Turns the people whom a tracker sees into groups that live over time");
   program.set_version_flag("--version", GROUPTRACKER_VERSION);
   program.require_subcommand(1);
@@ -95,7 +101,7 @@ int main(int argc, char** argv) {
   }
   for (const auto& [choice, command] : commands) {
     if (choice->parsed()) {
-      return runCommand(*command);
+      return runWithin(*command, argc, argv);
     }
   }
   return wrongInput;

@@ -1,9 +1,12 @@
 #include "RunCommand.h"
 
+#include "PictureExchange.h"
+#include "RunBesideWindow.h"
 #include "RunSession.h"
 
 #include <fmt/format.h>
 
+#include <memory>
 #include <string>
 
 namespace {
@@ -30,7 +33,7 @@ void declareFiles(CLI::App& command, RunOptions& options) {
   command
       .add_option("--images", options.imageFolder,
                   "folder with images by sorted name, or a video file, for inputs that name none; "
-                  "read only when the parameters ask for output images")
+                  "read only when the parameters ask for output images, or pictures are drawn")
       ->type_name("FOLDER|VIDEO");
   command.add_option("--plugin", options.pluginFile, "the plugin, if not beside the program")
       ->type_name("FILE");
@@ -98,10 +101,20 @@ CLI::App* RunCommand::declare(CLI::App& program) {
 }
 
 int RunCommand::run() {
+  if (m_options.steps.showsWindow) {
+    const auto screen = std::make_shared<PictureExchange>();
+    m_options.steps.pictures.screen = screen;
+    runBesideWindow([this] { runSession(); }, screen, m_options.steps.pictures.rate);
+  } else {
+    runSession();
+  }
+  return finished;
+}
+
+void RunCommand::runSession() {
   RunSession session(m_options);
   const RunSummary summary = session.run();
   if (!m_options.quiet && !summary.pipeClosed) {
     printSummary(summary);
   }
-  return finished;
 }

@@ -9,8 +9,11 @@
 class RunCommand : public Command {
  public:
   CLI::App* declare(CLI::App& program) override;
+  bool needsScreen() const override { return m_options.steps.showsWindow; }
   int run() override;
 
  private:
+  void runSession();
+
   RunOptions m_options;
 };

@@ -79,9 +79,9 @@ void RunSession::openInput() {
   const std::string& images = m_options.imageFolder;
   if (!images.empty() && std::filesystem::is_regular_file(images)) {
     // A video has to be decoded whether its frames are wanted or not, so only when they are.
-    m_input.frames = m_parameters.needsImages
-                         ? std::make_unique<VideoImages>(std::move(m_input.frames), images)
-                         : std::move(m_input.frames);
+    if (m_parameters.needsImages || m_options.steps.wantsPictures()) {
+      m_input.frames = std::make_unique<VideoImages>(std::move(m_input.frames), images);
+    }
   } else if (!images.empty()) {
     m_input.frames = std::make_unique<ImageFolder>(std::move(m_input.frames), images);
   }
@@ -99,6 +99,9 @@ void RunSession::openOutputs() {
   m_sinks.push_back(std::make_unique<GroupsWriter>(m_options.outputFile));
   if (!dump.empty()) {
     openForWriting(dump, O_APPEND);  // the process opens it anew and would not say that it cannot
+  }
+  if (const auto& screen = m_options.steps.pictures.screen) {
+    screen->endWhen([this] { return m_signals.stopRequested(); });
   }
   if (m_options.steps.wantsAnything()) {
     m_steps = std::make_unique<StepOutputs>(m_options.steps, m_parameters);

@@ -25,10 +25,6 @@ constexpr double fastest = 240.0;
 
 }  // namespace
 
-bool StepOptions::wantsAnything() const {
-  return !files().empty();
-}
-
 std::vector<std::string> StepOptions::files() const {
   std::vector<std::string> files;
   for (const FileOption& option : fileOptions) {
@@ -36,7 +32,7 @@ std::vector<std::string> StepOptions::files() const {
       files.push_back(this->*option.file);
     }
   }
-  if (wantsPictures()) {
+  if (!pictures.path.empty()) {
     files.push_back(pictures.path);
   }
   return files;
@@ -57,7 +53,14 @@ void declareStepOptions(CLI::App& command, StepOptions& options) {
       .add_flag("--top-view", options.pictures.showsTopView,
                 "draws the ground from above beside the images; without images it stands alone")
       ->group(heading);
-  command.add_option("--video-rate", options.pictures.rate, "pictures per second of the film")
+  command
+      .add_flag("--show", options.showsWindow,
+                "shows the same pictures in a window while running: space pauses, the arrow keys "
+                "step, Escape closes it")
+      ->group(heading);
+  command
+      .add_option("--video-rate", options.pictures.rate,
+                  "pictures per second of the film, and at most in the window")
       ->check(CLI::Range(slowest, fastest))
       ->capture_default_str()
       ->group(heading);

@@ -16,9 +16,10 @@ struct StepOptions {
   std::string csvFile;
   std::string databaseFile;
   PictureOptions pictures;
+  bool showsWindow = false;
 
-  bool wantsAnything() const;
-  bool wantsPictures() const { return !pictures.path.empty(); }
+  bool wantsAnything() const { return wantsPictures() || !files().empty(); }
+  bool wantsPictures() const { return showsWindow || !pictures.path.empty(); }
   /// The files that will be written.
   std::vector<std::string> files() const;
 };

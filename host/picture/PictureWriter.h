@@ -1,28 +1,30 @@
 #pragma once
 
+#include "PictureExchange.h"
 #include "StepPainter.h"
 #include "StepSink.h"
-#include "VideoFile.h"
 
+#include <memory>
 #include <string>
+#include <vector>
 
-/// How pictures are written.
+/// Which pictures are drawn, and for whom.
 struct PictureOptions {
   std::string path;           ///< a film or a folder, see `VideoFile`; empty for none
   bool showsTopView = false;  ///< beside the images; it is there in any case when there are none
   double rate = 10.0;         ///< pictures per second
+  std::shared_ptr<PictureExchange> screen;  ///< for a window; null for none
 };
 
-/// Draws every reported frame into a film or a folder of images.
+/// Draws every reported frame once, for a film or folder and for a screen.
 class PictureWriter : public StepSink {
  public:
-  explicit PictureWriter(const PictureOptions& options)
-      : m_painter(options.showsTopView), m_video(options.path, options.rate) {}
+  explicit PictureWriter(const PictureOptions& options);
 
   void write(const ReportedStep& step) override;
-  void finish() override { m_video.finish(); }
+  void finish() override;
 
  private:
   StepPainter m_painter;
-  VideoFile m_video;
+  std::vector<std::shared_ptr<PictureTarget>> m_targets;
 };

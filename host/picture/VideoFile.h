@@ -1,5 +1,7 @@
 #pragma once
 
+#include "PictureTarget.h"
+
 #include <opencv2/core.hpp>
 #include <opencv2/videoio.hpp>
 
@@ -8,15 +10,15 @@
 /// A film, for a path with the ending of one (.mp4, .mkv, .avi), or a folder of numbered PNG
 /// images, for any other path. The place is tried at once; one that cannot be written is an
 /// `OutputError`.
-class VideoFile {
+class VideoFile : public PictureTarget {
  public:
   /// `rate` is in pictures per second.
   VideoFile(const std::string& path, double rate);
 
-  /// Adds a picture; all have one size. `number` names it among images.
-  void add(const cv::Mat& picture, std::int64_t number);
+  /// `number` names the picture among images.
+  void add(const cv::Mat& picture, std::int64_t number) override;
   /// Completes the film.
-  void finish();
+  void finish() override;
 
  private:
   void open(cv::Size size);
