@@ -125,8 +125,11 @@ int ReportCommand::run() {
   ReportData data;
   ImageStrip images;
   for (InputFrame frame; input.frames->next(frame);) {
-    data.addFrame(frame.number, peopleInView(frame));
-    images.addFrame(leavesImagesOut ? std::filesystem::path() : frame.imageFile, frame.place);
+    auto people = peopleInView(frame);
+    data.addFrame(frame.number, people);
+    const bool hasImage = !leavesImagesOut && !frame.imageFile.empty();
+    images.addFrame(hasImage ? frame.imageFile : "", frame.place,
+                    hasImage ? std::move(people) : std::vector<PersonPlace>());
   }
   std::optional<GroupTruth> truth;
   if (!m_truthFile.empty()) {

@@ -4,6 +4,8 @@
 
 #include <QFile>
 
+#include <vector>
+
 // Has to stand outside of any namespace: resources of a static library are not found without it.
 static void initializeResources() {
   Q_INIT_RESOURCE(report);
@@ -34,6 +36,7 @@ QByteArray makeReportPage(const ReportTitle& title, ReportData& data, const Imag
                           const Explanations& explanations) {
   ReportBody body;
   data.fill(body);
+  const std::vector<QByteArray> strip = images.load(body);
   nlohmann::json head{{"input", title.input},
                       {"groups", title.groups},
                       {"frames", data.frames()},
@@ -48,7 +51,7 @@ QByteArray makeReportPage(const ReportTitle& title, ReportData& data, const Imag
   QByteArray elements = element("head", "application/json", toScript(head)) +
                         element("body", "text/plain", body.packed());
   int number = 0;
-  for (const QByteArray& image : images.load()) {
+  for (const QByteArray& image : strip) {
     elements += element("image-" + QByteArray::number(number++), "text/plain", image);
   }
   return pageTemplate().replace("<!--DATA-->", elements);

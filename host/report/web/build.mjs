@@ -9,7 +9,7 @@ const library = (path) => read(join('node_modules', path)).replace(/\n?\/\/# sou
 
 const libraries = ['uplot/dist/uPlot.iife.min.js', 'tablesort/dist/tablesort.min.js',
   'tablesort/dist/sorts/tablesort.number.min.js'];
-const scripts = ['data', 'world', 'statistics', 'colours', 'topview', 'timeline', 'sizes', 'table', 'main'];
+const scripts = ['data', 'world', 'statistics', 'colours', 'plates', 'topview', 'camera', 'timeline', 'sizes', 'table', 'main'];
 
 const licence = (name) => {
   const { version, author } = JSON.parse(read(`node_modules/${name}/package.json`));

@@ -3,6 +3,15 @@
 const hueOf = (group) => (group * 137.508) % 360;
 const colourOf = (group, opacity = 1) => `hsl(${hueOf(group)} 65% 55% / ${opacity})`;
 
+// Black or white, whichever reads better on the group's colour.
+function inkOn(group) {
+  const channel = (offset) => {
+    const k = (offset + hueOf(group) / 30) % 12;
+    return 0.55 - 0.65 * 0.45 * Math.max(-1, Math.min(k - 3, 9 - k, 1));
+  };
+  return 0.299 * channel(0) + 0.587 * channel(8) + 0.114 * channel(4) > 0.55 ? '#000' : '#fff';
+}
+
 function pageColours() {
   const style = getComputedStyle(document.documentElement);
   const names = ['panel', 'ink', 'faint', 'line', 'accent', 'wrong', 'alone'];

@@ -9,9 +9,10 @@ class Report {
     this.frame = 0;
     this.chosen = undefined;
     this.topView = new TopView(byId('topview'), world);
+    this.camera = new Camera(byId('camera'), byId('image'), byId('boxes'), world);
     byId('slider').max = Math.max(0, world.frames - 1);
     this.listen();
-    this.draw();
+    this.followAddress();
     // The numbers of all groups take longer than the first picture.
     setTimeout(() => this.addOverviews());
   }
@@ -26,6 +27,13 @@ class Report {
     this.describe();
     this.draw();
     document.body.dataset.ready = 'true';
+  }
+
+  // "#frame=930&group=4" opens the page at a frame, by the input's own number, and with a group.
+  followAddress() {
+    const wanted = new URLSearchParams(location.hash.slice(1));
+    const frame = this.data.frameNumbers.indexOf(Number(wanted.get('frame') ?? NaN));
+    this.show(Math.max(0, frame), wanted.has('group') ? Number(wanted.get('group')) : undefined);
   }
 
   describe() {
@@ -46,6 +54,7 @@ class Report {
     byId('play').addEventListener('click', () => this.toggle());
     window.addEventListener('resize', () => this.draw());
     matchMedia('(prefers-color-scheme: dark)').addEventListener('change', () => this.draw());
+    window.addEventListener('hashchange', () => this.followAddress());
     document.addEventListener('keydown', (key) => this.onKey(key));
   }
 
@@ -113,21 +122,10 @@ class Report {
     byId('frame').textContent = `frame ${this.data.frameNumbers[this.frame]}`;
     this.topView.draw(this.frame, this.chosen);
     this.timeline?.draw(this.frame, this.chosen);
-    this.showImage();
+    this.camera.draw(this.frame, this.chosen);
     this.listPresent();
     this.listLately();
     this.showDetail();
-  }
-
-  showImage() {
-    const images = this.data.head.images;
-    const number = images ? Math.floor(this.frame / images.every) : -1;
-    const holder = byId(`image-${number}`);
-    byId('image').hidden = !holder;
-    if (holder && this.shownImage !== number) {
-      this.shownImage = number;
-      byId('image').src = `data:image/jpeg;base64,${holder.textContent}`;
-    }
   }
 
   listPresent() {

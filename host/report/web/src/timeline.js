@@ -90,10 +90,11 @@ class Timeline {
     for (const group of this.groups.values()) {
       const left = this.column(group.first - 0.5);
       const width = Math.max(2, this.column(group.last + 0.5) - left);
-      pen.fillStyle = colourOf(group.id, chosen === undefined || chosen === group.id ? 1 : 0.45);
+      const isFaint = chosen !== undefined && chosen !== group.id;
+      pen.fillStyle = colourOf(group.id, isFaint ? 0.45 : 1);
       pen.fillRect(left, this.row(group.id) - laneHeight / 2 + 1.5, width, laneHeight - 3);
       if (width > 24) {
-        pen.fillStyle = '#fff';
+        pen.fillStyle = isFaint ? colours.ink : inkOn(group.id);
         pen.fillText(group.id, left + 3, this.row(group.id) + 3.5);
       }
     }

@@ -21,9 +21,11 @@ class TopView {
     const places = this.world.placesAt(frame);
     const groupOf = new Map();
     groups.forEach((persons, id) => persons.forEach((person) => groupOf.set(person, id)));
+    this.named = [];
     groups.forEach((persons, id) => this.drawGroup(pen, id, persons.map((p) => places.get(p)).filter(Boolean), id === chosen));
     this.drawTraces(pen, frame, groupOf, places);
     this.drawPeople(pen, groupOf, places);
+    drawPlates(pen, this.named, width, height);
     this.drawScaleBar(pen, width, height);
   }
 
@@ -65,8 +67,8 @@ class TopView {
     pen.strokeStyle = colourOf(id);
     pen.lineWidth = isChosen ? 4 : 2;
     pen.stroke();
-    const highest = hull.reduce((a, b) => (b[1] < a[1] ? b : a));
-    this.write(pen, `group ${id}`, highest[0] - 20, highest[1] - 5, 'bold 12px system-ui, sans-serif');
+    const [columns, rows] = [hull.map(([x]) => x), hull.map(([, y]) => y)];
+    this.named.push({ id, left: Math.min(...columns), top: Math.min(...rows), bottom: Math.max(...rows) });
   }
 
   drawTraces(pen, frame, groupOf, places) {

@@ -57,6 +57,19 @@ test('the slider moves people', async () => {
   assert.notEqual(await pictureOf('#topview'), picture);
 });
 
+test('people are in boxes on the images, and the address opens a frame with a group', async (t) => {
+  if (await page.locator('#image-0').count() === 0) {
+    return t.skip('a report without images');
+  }
+  const [frame, group] = await page.$eval('#table tbody tr', (row) => [row.cells[1].textContent, row.dataset.group]);
+  await goTo(await lastFrame());
+  const before = await pictureOf('#boxes');
+  await page.evaluate((hash) => { location.hash = hash; }, `frame=${frame}&group=${group}`);
+  await page.waitForFunction((text) => document.getElementById('frame').textContent === text, `frame ${frame}`);
+  assert.equal(await page.textContent('#detail-title'), `Group ${group}`);
+  await page.waitForFunction((old) => document.getElementById('boxes').toDataURL() !== old, before);
+});
+
 test('keys step, jump and play', async () => {
   await page.keyboard.press('Home');
   const first = await frameText();
