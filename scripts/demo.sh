@@ -21,8 +21,8 @@ writeParameters() {
 rm -rf "$demo"
 mkdir -p "$demo/pairs" "$demo/clusters"
 echo "Simulating a square with people alone and in groups"
-"$program" simulate --seed 5 --people 30 --groups 2,3,2,4,3 --frames 250 --rate "$rate" --noise 0.02 --missed 0.01 \
-  --images --output "$demo/scene"
+"$program" simulate --seed 5 --people 30 --groups 2,3,2,4,3 --frames 250 --rate "$rate" \
+  --noise 0.02 --missed 0.01 --images --output "$demo/scene"
 
 for mode in pairs:video.txt clusters:clustering.txt; do
   name=${mode%%:*}
