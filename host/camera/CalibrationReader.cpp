@@ -28,7 +28,7 @@ class CalibrationFile : public CalibrationNodes {
  public:
   explicit CalibrationFile(const std::string& path) : m_path(path), m_storage(open(path)) {}
 
-  bool has(const char* node) const override { return !m_storage[node].empty(); }
+  bool has(const char* node) const override;
   std::vector<double> numbers(const char* node,
                               const std::vector<std::size_t>& counts) const override;
   [[noreturn]] void fail(const char* node, const std::string& problem) const override;
@@ -66,6 +66,14 @@ cv::FileStorage CalibrationFile::open(const std::string& path) {
     throw storageError(path, failure);
   }
   throw InputError(path, 1, "not a readable OpenCV file");
+}
+
+bool CalibrationFile::has(const char* node) const {
+  try {
+    return !m_storage[node].empty();
+  } catch (const cv::Exception&) {
+    return false;  // the file holds a list or a single value, in which nothing has a name
+  }
 }
 
 void CalibrationFile::fail(const char* node, const std::string& problem) const {

@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 #include <list>
 #include <system_error>
@@ -15,7 +16,9 @@ namespace {
 
 using Json = nlohmann::json;
 
-constexpr std::streamsize largestFile = std::streamsize{16} * 1024 * 1024;  // bytes
+constexpr std::size_t largestFile = std::size_t{16} * 1024 * 1024;  // bytes
+constexpr std::size_t chunkSize = std::size_t{16} * 1024;           // bytes
+constexpr int deepestValue = 64;                                    // values around it
 constexpr std::size_t coordinates = 3;
 
 /// A value that is missing or of a wrong type, with its path in the document.
@@ -74,17 +77,27 @@ ContextElement element(const Json& value, const std::string& path) {
 }
 
 std::string readAll(std::istream& in, const std::string& name) {
-  std::string content(static_cast<std::size_t>(largestFile), '\0');
+  std::string content;
+  std::array<char, chunkSize> chunk;
   try {
-    in.read(content.data(), largestFile);
+    while (in.read(chunk.data(), chunk.size()) || in.gcount() > 0) {
+      content.append(chunk.data(), static_cast<std::size_t>(in.gcount()));
+      if (content.size() > largestFile) {
+        throw InputError(name, "too large for a scene context");
+      }
+    }
   } catch (const std::system_error& failure) {
     throw InputError(name, "cannot be read: " + failure.code().message());
   }
-  if (in.gcount() == largestFile) {
-    throw InputError(name, "too large for a scene context");
-  }
-  content.resize(static_cast<std::size_t>(in.gcount()));
   return content;
+}
+
+/// Stops the parser at a depth that no context has, before a file of brackets fills the memory.
+bool refuseDeepValues(int depth, Json::parse_event_t, Json&) {
+  if (depth > deepestValue) {
+    throw WrongValue{"values are nested too deep"};
+  }
+  return true;
 }
 
 /// The line of a place in the text, from 1.
@@ -98,7 +111,7 @@ std::uint64_t lineOf(const std::string& content, std::size_t byte) {
 QSharedPointer<kelDataContext> readSceneContext(std::istream& in, const std::string& name) {
   const std::string content = readAll(in, name);
   try {
-    const Json document = Json::parse(content);
+    const Json document = Json::parse(content, refuseDeepValues);
     const Json& values = array(document, "the context", "elements");
     std::list<ContextElement> elements;
     for (std::size_t i = 0; i < values.size(); ++i) {

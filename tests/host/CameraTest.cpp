@@ -146,6 +146,7 @@ TEST(CalibrationReader, SaysInOneLineWhatIsWrong) {
   EXPECT_EQ(error(head + "a: [ 1\nb: }\n"),
             "c.yml:4: not a readable OpenCV file: Incorrect indentation");
   EXPECT_EQ(error(head + "a: 1\n"), "c.yml:1: neither camera_matrix nor homography found");
+  EXPECT_EQ(error(head + "- 1\n- 2\n"), "c.yml:1: neither camera_matrix nor homography found");
   EXPECT_EQ(error(head + node("camera_matrix", 3, 3, identity)),
             "c.yml:1: rotation_vector is missing or no matrix");
   EXPECT_EQ(error(head + node("homography", 3, 2, "1, 0, 0, 1, 0, 0")),
@@ -194,6 +195,7 @@ TEST(SceneContextReader, ReadsZonesAndSaysWhatIsWrong) {
 
   const auto error = [&](const std::string& text) { return errorOf([&] { read(text); }); };
   EXPECT_EQ(error("{\"elements\":\n\n [}"), "context.json:3: not valid JSON");
+  EXPECT_EQ(error(std::string(1000, '[')), "context.json:1: values are nested too deep");
   EXPECT_EQ(error("[]"), "context.json:1: the context must be an object");
   EXPECT_EQ(error(R"({"elements": [{"kind": "zone", "shape": 3}]})"),
             "context.json:1: elements[0].shape must be a string");
