@@ -70,6 +70,17 @@ TEST_F(Files, RunTheSameOnceConvertedToAScene) {
   }
 }
 
+TEST_F(Files, SeeTheSameThroughAHomographyInEitherOrder) {
+  folder.write("colrow.txt", "0.02 0.0001 -7\n0.0002 -0.03 14\n0.00001 -0.0005 1\n");
+  const QStringList rowFirst{"--calibration", "places/H.txt", "--homography-order", "rowcol"};
+  for (const char* const input : {"tracks.txt", "places"}) {
+    const std::string expected = resultOf(input, {"--calibration", "colrow.txt"});
+    EXPECT_TRUE(resultOf(input, rowFirst) == expected) << input;
+    EXPECT_FALSE(resultOf(input, {"--calibration", "places/H.txt"}) == expected) << input;
+  }
+  EXPECT_TRUE(resultOf("places") == resultOf("places", rowFirst));
+}
+
 TEST_F(Files, GetTheCameraThatTheirPeopleShowAndSaySo) {
   ASSERT_EQ(run({"calibrate", "tracks.txt", "--image-size", "768x576", "--output", "camera.yml"}),
             0)
