@@ -40,6 +40,13 @@ class CalibrationFile : public CalibrationNodes {
   cv::FileStorage m_storage;
 };
 
+/// Whether it says how many rows or columns a matrix has. OpenCV makes the matrix before it counts
+/// the values, so a wild number would take all memory.
+bool isSize(const cv::FileNode& node) {
+  constexpr int largestSize = 16;
+  return node.isInt() && static_cast<int>(node) > 0 && static_cast<int>(node) <= largestSize;
+}
+
 /// OpenCV's message carries the line in brackets behind the file's name.
 InputError storageError(const std::string& path, const cv::Exception& failure) {
   const std::string text = failure.what();
@@ -91,7 +98,11 @@ std::vector<double> CalibrationFile::numbers(const char* node,
                                              const std::vector<std::size_t>& counts) const {
   cv::Mat values;
   try {
-    m_storage[node] >> values;
+    const cv::FileNode matrix = m_storage[node];
+    if (!isSize(matrix["rows"]) || !isSize(matrix["cols"])) {
+      fail(node, " is missing or no matrix");
+    }
+    matrix >> values;
     cv::Mat(values.reshape(1, 1)).convertTo(values, CV_64F);
   } catch (const cv::Exception&) {
     fail(node, " is missing or no matrix");

@@ -149,6 +149,8 @@ TEST(CalibrationReader, SaysInOneLineWhatIsWrong) {
   EXPECT_EQ(error(head + "- 1\n- 2\n"), "c.yml:1: neither camera_matrix nor homography found");
   EXPECT_EQ(error(head + node("camera_matrix", 3, 3, identity)),
             "c.yml:1: rotation_vector is missing or no matrix");
+  EXPECT_EQ(error(head + node("homography", 2000000000, 3, identity)),
+            "c.yml:3: homography is missing or no matrix");
   EXPECT_EQ(error(head + node("homography", 3, 2, "1, 0, 0, 1, 0, 0")),
             "c.yml:3: homography has 6 values");
   EXPECT_EQ(error(head + node("homography", 3, 3, "1, 0, 0, 0, .Nan, 0, 0, 0, 1")),
