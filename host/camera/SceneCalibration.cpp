@@ -15,7 +15,12 @@ namespace {
 
 using Json = nlohmann::json;
 
-const char* const calibrationKey = "calibration";
+/// Keeps of the scene's line the camera only, so that the rest, however much, takes no memory.
+bool keepCamera(int depth, Json::parse_event_t event, const Json& parsed) {
+  constexpr int depthOfNodes = 3;  // the line, the camera, a node's array
+  const bool isOther = event == Json::parse_event_t::key && depth == 1;
+  return depth <= depthOfNodes && (!isOther || parsed == sceneCalibrationKey);
+}
 
 /// The nodes of a camera in a JSON object; problems are those of the line that holds it.
 class JsonNodes : public CalibrationNodes {
@@ -49,14 +54,14 @@ std::vector<double> JsonNodes::numbers(const char* node,
 
 /// The camera's object in the line; none when there is none or the line is no JSON.
 std::optional<Json> cameraIn(const std::string& line) {
-  if (line.find(calibrationKey) == std::string::npos) {
+  if (line.find(sceneCalibrationKey) == std::string::npos) {
     return std::nullopt;
   }
-  const Json scene = Json::parse(line, nullptr, false);
-  if (!scene.is_object() || !scene.contains(calibrationKey)) {
+  const Json scene = Json::parse(line, keepCamera, false);
+  if (!scene.is_object() || !scene.contains(sceneCalibrationKey)) {
     return std::nullopt;
   }
-  return scene[calibrationKey];
+  return scene[sceneCalibrationKey];
 }
 
 }  // namespace
@@ -73,7 +78,7 @@ QSharedPointer<HostCalibration> readSceneCalibration(const std::string& path) {
   }
   auto calibration = camera->is_object() ? makeCalibration(JsonNodes(*camera, lines)) : nullptr;
   if (!calibration) {
-    throw lines.error("\"calibration\" describes no camera");
+    throw lines.error(std::string(sceneCalibrationKey) + " describes no camera");
   }
   return calibration;
 }

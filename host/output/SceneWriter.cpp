@@ -2,6 +2,7 @@
 
 #include "JsonLine.h"
 #include "JsonText.h"
+#include "SceneCalibration.h"
 
 namespace {
 
@@ -53,7 +54,7 @@ void SceneWriter::write(const InputFrame& frame) {
   m_line.clear();
   append(m_line, "{{");
   if (!m_calibration.empty()) {
-    append(m_line, R"("calibration": {}, )", m_calibration);
+    append(m_line, R"("{}": {}, )", sceneCalibrationKey, m_calibration);
     m_calibration.clear();
   }
   if (!frame.imageFile.empty()) {

@@ -23,7 +23,8 @@ class SceneWriter {
   explicit SceneWriter(const std::string& path) : m_file(path) {}
 
   /// Lets the next line carry the camera, as `calibrationText` gives it, under the key
-  /// "calibration", so that the scene's reader needs no other file; nothing for an empty text.
+  /// `sceneCalibrationKey`, so that the scene's reader needs no other file; nothing for an empty
+  /// text. The format lets every other reader pass over keys that it does not know.
   void carryCalibration(const std::string& camera) { m_calibration = camera; }
   void write(const InputFrame& frame);
 
