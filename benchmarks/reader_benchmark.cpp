@@ -1,22 +1,20 @@
-// How many frames of 50 people each reader yields a second, without any tracking: the time that a
-// run spends on its input.
+// How many frames of 50 people a second each reader yields alone, the writer of groups takes, and
+// the process works on: what a run spends beside its tracking. All is processor time.
 
 #include "CvmlReader.h"
+#include "FrameReporter.h"
 #include "GroundPlaneCalibration.h"
+#include "GroupsWriter.h"
+#include "MeasuredProcess.h"
 #include "MotReader.h"
 #include "ObsmatReader.h"
 #include "SceneReader.h"
-#include "SceneWriter.h"
+#include "SteadyScene.h"
 #include "TrackAssembler.h"
 
 #include <benchmark/benchmark.h>
 #include <fmt/format.h>
 
-#include <unistd.h>
-
-#include <cstdio>
-#include <filesystem>
-#include <fstream>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -97,31 +95,64 @@ void readObservations(benchmark::State& state, const std::string& text,
   }
 }
 
-/// The MOTChallenge file's frames as a scene.
-std::string sceneText() {
-  const std::string file =
-      std::filesystem::temp_directory_path() / fmt::format("reader-benchmark-{}.jsonl", ::getpid());
-  {
-    std::istringstream in(motText());
-    TrackAssembler frames(openMot(in), camera(), LinkOptions());
-    SceneWriter writer(file);
-    for (InputFrame frame; frames.next(frame);) {
-      writer.write(frame);
-    }
-  }
-  std::ostringstream text;
-  text << std::ifstream(file).rdbuf();
-  std::remove(file.c_str());
-  return text.str();
-}
-
 void readScene(benchmark::State& state) {
-  const std::string text = sceneText();
+  SteadyScene steady({people});
+  std::string text;
+  for (int frame = 0; frame < frameCount; ++frame) {
+    text += steady.nextAsLine();
+  }
   for ([[maybe_unused]] auto unused : state) {
     std::istringstream in(text);
     SceneReader scene(in, "scene", {}, nullptr);
     countFrames(state, scene);
   }
+}
+
+/// Ten groups of three, with what the process says of a group.
+QList<QSharedPointer<kelDataActor>> groupsOf(const SteadyScene::Actors& actors) {
+  constexpr int groupCount = 10;
+  constexpr int size = 3;
+  QList<QSharedPointer<kelDataActor>> groups;
+  for (int i = 0; i < groupCount; ++i) {
+    const auto group = QSharedPointer<kelDataActor>::create();
+    for (int member = 0; member < size; ++member) {
+      group->addLinkedPhysicalObject(
+          actors[size * i + member]->getLinkedPhysicalObjectList().back());
+    }
+    group->addSpecificProperty("TypeOfGroup", "CROWD");
+    group->addSpecificProperty("Visible", true);
+    group->addSpecificProperty("AvgIntraDist", "0.62");
+    for (const char* const name : {"NumberOfMobiles", "Merge", "Split"}) {
+      group->addSpecificProperty(name, size);
+    }
+    groups.append(group);
+  }
+  return groups;
+}
+
+void writeGroups(benchmark::State& state) {
+  SteadyScene steady({people});
+  InputFrame frame;
+  frame.actors = steady.next();
+  const auto groups = groupsOf(frame.actors);
+  FrameReporter reporter(0);
+  GroupsWriter writer("/dev/null");
+  for ([[maybe_unused]] auto unused : state) {
+    reporter.note(frame);
+    writer.write(reporter.report(groups));
+  }
+  state.SetItemsProcessed(state.iterations());
+}
+
+void process(benchmark::State& state, bool diagnostics) {
+  MeasuredProcess::Options options{{people}};
+  options.diagnostics = diagnostics;
+  MeasuredProcess measured(options);
+  measured.warmUp();
+  for ([[maybe_unused]] auto unused : state) {
+    state.SetIterationTime(measured.step());
+  }
+  state.SetItemsProcessed(state.iterations());
 }
 
 }  // namespace
@@ -131,4 +162,7 @@ BENCHMARK(readScene);
 BENCHMARK_CAPTURE(readObservations, obsmat, obsmatText(), openObsmat);
 BENCHMARK_CAPTURE(readObservations, mot, motText(), openMot);
 BENCHMARK_CAPTURE(readObservations, cvml, cvmlText(), openCvml);
+BENCHMARK(writeGroups);
+BENCHMARK_CAPTURE(process, diagnostics on, true)->UseManualTime()->Iterations(frameCount);
+BENCHMARK_CAPTURE(process, diagnostics off, false)->UseManualTime()->Iterations(frameCount);
 BENCHMARK_MAIN();
