@@ -47,11 +47,13 @@ bool XmlElements::ends(const char* element) const {
 
 double XmlElements::number(const char* attribute) const {
   const auto attributes = m_xml.attributes();
-  if (!attributes.hasAttribute(QLatin1String(attribute))) {
+  const QStringRef value = attributes.value(QLatin1String(attribute));
+  if (value.isNull()) {
     throw std::invalid_argument("the attribute " + std::string(attribute) + " is missing");
   }
+  const QByteArray text = value.trimmed().toUtf8();
   try {
-    return parseNumber(attributes.value(QLatin1String(attribute)).trimmed().toUtf8().toStdString());
+    return parseNumber({text.constData(), static_cast<std::size_t>(text.size())});
   } catch (const std::invalid_argument& problem) {
     throw std::invalid_argument(std::string(attribute) + ": " + problem.what());
   }

@@ -19,17 +19,17 @@ bool MobileStore::declare(const MobilePointer& mobile) {
   return true;
 }
 
-MobilePointer MobileStore::find(std::uint32_t id) const {
+const MobilePointer& MobileStore::find(std::uint32_t id) {
   const auto recent = m_recent.find(id);
   if (recent != m_recent.end()) {
     return recent->second.mobile;
   }
   const auto archived = m_archive.load(id);
-  if (!archived) {
-    return {};
-  }
-  return MobilePointer::create(id, QSharedPointer<kelDataPhysicalObject>::create(
-                                       archived->type, cv::Rect(), archived->box3D, cv::Point3f()));
+  m_revived = archived ? MobilePointer::create(
+                             id, QSharedPointer<kelDataPhysicalObject>::create(
+                                     archived->type, cv::Rect(), archived->box3D, cv::Point3f()))
+                       : MobilePointer();
+  return m_revived;
 }
 
 bool MobileStore::isOfThisFrame(std::uint32_t id) const {

@@ -23,8 +23,8 @@ class MobileStore {
   /// Makes the id name this observation; false when the frame has declared it already.
   bool declare(const MobilePointer& mobile);
   /// The latest observation of an id, an archived one without image box and position; null for an
-  /// id that was never declared.
-  MobilePointer find(std::uint32_t id) const;
+  /// id that was never declared. Holds until the next call.
+  const MobilePointer& find(std::uint32_t id);
   /// Whether the id was declared in the frame that began last.
   bool isOfThisFrame(std::uint32_t id) const;
 
@@ -41,4 +41,5 @@ class MobileStore {
   std::unordered_map<std::uint32_t, Recent> m_recent;
   std::deque<std::vector<std::uint32_t>> m_idsByFrame;  ///< the last is the current frame's
   MobileArchive m_archive;
+  MobilePointer m_revived;  ///< the last one found in the archive, or null
 };

@@ -109,7 +109,7 @@ QSharedPointer<kelDataPhysicalObject> SceneReader::physicalObject(const SceneMob
 
 void SceneReader::linkFathers(const SceneMobile& mobile, InputFrame& frame) {
   for (const SceneFather& link : mobile.fathers) {
-    const MobilePointer father = m_mobiles.find(link.id);
+    const MobilePointer& father = m_mobiles.find(link.id);
     if (!father) {
       throw undeclared(link.id, "a father link of mobile " + std::to_string(mobile.id));
     }
@@ -123,7 +123,7 @@ QSharedPointer<kelDataActor> SceneReader::makeActor(const SceneActor& scene) {
   auto actor = QSharedPointer<kelDataActor>::create();
   actor->setIdent(scene.id);
   for (const std::uint32_t id : scene.mobiles) {
-    const MobilePointer mobile = m_mobiles.find(id);
+    const MobilePointer& mobile = m_mobiles.find(id);
     if (!mobile) {
       throw undeclared(id, name);
     }

@@ -20,10 +20,9 @@ cv::Rect wholePixels(const cv::Rect2d& box) {
           cv::Point(cvRound(box.x + box.width), cvRound(box.y + box.height))};
 }
 
-double distance(const MobilePointer& a, const MobilePointer& b) {
-  const cv::Point3f& from = a->getPhysicalObject()->getPosition();
-  const cv::Point3f& to = b->getPhysicalObject()->getPosition();
-  return std::hypot(static_cast<double>(from.x) - to.x, static_cast<double>(from.y) - to.y);
+cv::Point2d placeOf(const kelDataLinkedPhysicalObject& mobile) {
+  const cv::Point3f& position = mobile.getPhysicalObject()->getPosition();
+  return {position.x, position.y};
 }
 
 }  // namespace
@@ -41,19 +40,20 @@ bool TrackAssembler::next(InputFrame& frame) {
   frame.number = m_observed.frame;
   frame.place = m_observed.place;
   frame.imageFile = m_observed.imageFile;
-  std::map<std::uint32_t, MobilePointer> current;
+  std::vector<Neighbour> current;
+  current.reserve(m_observed.observations.size());
   for (const Observation& observation : m_observed.observations) {
     const MobilePointer mobile = makeMobile(observation, frame.place);
     Chain& chain = m_chains[observation.person];
     linkOwn(chain, mobile, frame);
-    linkNeighbours(chain, observation.person, mobile, frame);
+    linkNeighbours(observation.person, mobile, frame);
     chain.push_back({mobile, m_step});
     if (chain.size() > memory()) {
       chain.pop_front();
     }
     frame.observed.push_back(mobile);
     frame.actors.append(makeActor(observation.person, chain));
-    current.emplace(observation.person, mobile);
+    current.push_back({observation.person, mobile, placeOf(*mobile), displacement(chain)});
   }
   m_previous = std::move(current);
   forgetTheGone();
@@ -106,55 +106,61 @@ void TrackAssembler::linkOwn(const Chain& chain, const MobilePointer& mobile,
   }
 }
 
-void TrackAssembler::linkNeighbours(const Chain& chain, std::uint32_t person,
-                                    const MobilePointer& mobile, InputFrame& frame) const {
-  const bool wasThere = !chain.empty() && chain.back().step + 1 == m_step;
+void TrackAssembler::linkNeighbours(std::uint32_t person, const MobilePointer& mobile,
+                                    InputFrame& frame) const {
+  const auto found =
+      std::lower_bound(m_previous.begin(), m_previous.end(), person,
+                       [](const Neighbour& seen, std::uint32_t id) { return seen.person < id; });
+  const bool wasThere = found != m_previous.end() && found->person == person;
   // Where both are known at the same instant, their distance does not depend on who walks ahead.
-  const MobilePointer& origin = wasThere ? chain.back().mobile : mobile;
-  const auto motion = displacement(chain);
-  std::vector<std::pair<double, MobilePointer>> links;
-  for (const auto& [neighbour, seen] : m_previous) {
-    const double apart = distance(seen, origin);
-    if (neighbour == person || !(apart < m_options.neighbourRadius)) {
+  const Neighbour self =
+      wasThere ? *found : Neighbour{person, mobile, placeOf(*mobile), std::nullopt};
+  std::vector<std::pair<double, const Neighbour*>> links;
+  for (const Neighbour& neighbour : m_previous) {
+    const cv::Point2d apart = neighbour.place - self.place;
+    const double distance =
+        std::max(std::abs(apart.x), std::abs(apart.y)) < m_options.neighbourRadius
+            ? std::hypot(apart.x, apart.y)
+            : m_options.neighbourRadius;  // no need to know it better
+    if (neighbour.person == person || !(distance < m_options.neighbourRadius)) {
       continue;
     }
-    const double closeness = 1.0 - apart / m_options.neighbourRadius;
-    const double likeness = motionLikeness(motion, displacement(m_chains.at(neighbour)));
+    const double closeness = 1.0 - distance / m_options.neighbourRadius;
+    const double likeness = motionLikeness(self.motion, neighbour.motion);
     if (closeness * likeness > 0.0) {
-      links.emplace_back(m_options.neighbourStrength * closeness * likeness, seen);
+      links.emplace_back(m_options.neighbourStrength * closeness * likeness, &neighbour);
     }
   }
-  std::stable_sort(links.begin(), links.end(),
-                   [](const auto& a, const auto& b) { return a.first > b.first; });
-  links.resize(std::min(links.size(), m_options.neighbourLinks));
-  for (const auto& [reliability, seen] : links) {
-    kelDataLinkedPhysicalObject::addFatherLink(seen, mobile, reliability);
-    frame.fathers.push_back(seen);
+  const std::size_t count = std::min(links.size(), m_options.neighbourLinks);
+  const auto end = links.begin() + static_cast<std::ptrdiff_t>(count);
+  std::partial_sort(links.begin(), end, links.end(), [](const auto& a, const auto& b) {
+    return a.first > b.first || (a.first == b.first && a.second < b.second);
+  });
+  for (auto link = links.begin(); link != end; ++link) {
+    const auto& [reliability, neighbour] = *link;
+    kelDataLinkedPhysicalObject::addFatherLink(neighbour->mobile, mobile, reliability);
+    frame.fathers.push_back(neighbour->mobile);
   }
 }
 
-// The way from `motionSteps` steps ago, or as much of it as is known, to the step before, extended
-// to the full number of steps.
+// The way from `motionSteps` steps ago, or as much of it as is known without a gap of that length,
+// to the latest observation, extended to the full number of steps.
 std::optional<cv::Point2d> TrackAssembler::displacement(const Chain& chain) const {
-  std::optional<Seen> last;
-  std::optional<Seen> first;
+  const Seen& last = chain.back();
+  const Seen* first = &last;
   for (auto seen = chain.rbegin(); seen != chain.rend(); ++seen) {
-    if (seen->step >= m_step) {
-      continue;
-    }
-    last = last ? last : std::optional(*seen);
-    if (last->step + 1 < m_step || last->step - seen->step > m_options.motionSteps) {
+    if (last.step - seen->step > m_options.motionSteps) {
       break;
     }
-    first = *seen;
+    first = &*seen;
   }
-  if (!last || !first || first->step == last->step) {
+  if (first->step == last.step) {
     return std::nullopt;
   }
   const auto& from = first->mobile->getPhysicalObject()->getPosition();
-  const auto& to = last->mobile->getPhysicalObject()->getPosition();
+  const auto& to = last.mobile->getPhysicalObject()->getPosition();
   const double scale =
-      static_cast<double>(m_options.motionSteps) / static_cast<double>(last->step - first->step);
+      static_cast<double>(m_options.motionSteps) / static_cast<double>(last.step - first->step);
   return cv::Point2d((to.x - from.x) * scale, (to.y - from.y) * scale);
 }
 

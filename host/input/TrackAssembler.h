@@ -12,6 +12,7 @@
 #include <deque>
 #include <map>
 #include <memory>
+#include <optional>
 #include <vector>
 
 /// Turns observations of persons into what a tracker would deliver: every observation is a mobile
@@ -38,12 +39,18 @@ class TrackAssembler : public FrameSource {
     std::uint64_t step = 0;
   };
   using Chain = std::deque<Seen>;  ///< a person's observations, the latest last
+  /// Somebody at the step before.
+  struct Neighbour {
+    std::uint32_t person = 0;
+    MobilePointer mobile;
+    cv::Point2d place;                  ///< on the ground, metres
+    std::optional<cv::Point2d> motion;  ///< over the last `motionSteps` steps, metres
+  };
 
   MobilePointer makeMobile(const Observation& observation, const std::string& place);
   std::uint32_t nextId();
   void linkOwn(const Chain& chain, const MobilePointer& mobile, InputFrame& frame) const;
-  void linkNeighbours(const Chain& chain, std::uint32_t person, const MobilePointer& mobile,
-                      InputFrame& frame) const;
+  void linkNeighbours(std::uint32_t person, const MobilePointer& mobile, InputFrame& frame) const;
   std::optional<cv::Point2d> displacement(const Chain& chain) const;
   double motionLikeness(const std::optional<cv::Point2d>& a,
                         const std::optional<cv::Point2d>& b) const;
@@ -57,6 +64,6 @@ class TrackAssembler : public FrameSource {
   ObservationStep m_observed;  ///< the current step, kept for its buffers
   std::uint64_t m_step = 0;
   std::uint32_t m_lastId = 0;
-  std::map<std::uint32_t, Chain> m_chains;            ///< by person
-  std::map<std::uint32_t, MobilePointer> m_previous;  ///< the step before, by person
+  std::map<std::uint32_t, Chain> m_chains;  ///< by person
+  std::vector<Neighbour> m_previous;        ///< the step before, in ascending order of persons
 };
