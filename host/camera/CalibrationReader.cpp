@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <exception>
 #include <filesystem>
 #include <regex>
 #include <system_error>
@@ -35,6 +36,7 @@ class CalibrationFile : public CalibrationNodes {
 
  private:
   static cv::FileStorage open(const std::string& path);
+  bool readMatrix(const char* node, cv::Mat& values) const;
 
   std::string m_path;
   cv::FileStorage m_storage;
@@ -71,6 +73,8 @@ cv::FileStorage CalibrationFile::open(const std::string& path) {
     }
   } catch (const cv::Exception& failure) {
     throw storageError(path, failure);
+  } catch (const std::exception&) {
+    // Damage that OpenCV did not notice itself, such as a length below 0.
   }
   throw InputError(path, 1, "not a readable OpenCV file");
 }
@@ -78,7 +82,7 @@ cv::FileStorage CalibrationFile::open(const std::string& path) {
 bool CalibrationFile::has(const char* node) const {
   try {
     return !m_storage[node].empty();
-  } catch (const cv::Exception&) {
+  } catch (const std::exception&) {
     return false;  // the file holds a list or a single value, in which nothing has a name
   }
 }
@@ -94,17 +98,24 @@ void CalibrationFile::fail(const char* node, const std::string& problem) const {
   throw InputError(m_path, 1, node + problem);
 }
 
-std::vector<double> CalibrationFile::numbers(const char* node,
-                                             const std::vector<std::size_t>& counts) const {
-  cv::Mat values;
+bool CalibrationFile::readMatrix(const char* node, cv::Mat& values) const {
   try {
     const cv::FileNode matrix = m_storage[node];
     if (!isSize(matrix["rows"]) || !isSize(matrix["cols"])) {
-      fail(node, " is missing or no matrix");
+      return false;
     }
     matrix >> values;
     cv::Mat(values.reshape(1, 1)).convertTo(values, CV_64F);
-  } catch (const cv::Exception&) {
+    return true;
+  } catch (const std::exception&) {
+    return false;
+  }
+}
+
+std::vector<double> CalibrationFile::numbers(const char* node,
+                                             const std::vector<std::size_t>& counts) const {
+  cv::Mat values;
+  if (!readMatrix(node, values)) {
     fail(node, " is missing or no matrix");
   }
   std::vector<double> numbers(values.begin<double>(), values.end<double>());
