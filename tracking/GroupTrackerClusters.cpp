@@ -100,7 +100,7 @@ GroupTracker::Clusters GroupTracker::clusterTrajectories(int persons) {
   std::size_t columns = 0;
   for (const auto& mobile : mobilesAt(processedFrame())) {
     if (isPersonMobile(*mobile)) {
-      features.fillPositions(columns++, mobile);
+      features.fillPositions(columns++, *mobile);
     }
   }
   for (std::size_t column = 0; column < columns; ++column) {

@@ -119,6 +119,8 @@ class MetaLPO {
 
   /// The best son; null when unset or gone.
   QSharedPointer<MetaLPO> getBestSon() const { return m_bestSon.toStrongRef(); }
+  /// The same without a share in it.
+  const MetaLPO* bestSonNode() const { return m_bestSon.isNull() ? nullptr : m_bestSonNode; }
   /// The best son for a walk forward in time; null also when it is this very node.
   MetaLPO* descendant() const {
     return m_bestSon.isNull() || m_bestSonNode == this ? nullptr : m_bestSonNode;

@@ -28,7 +28,8 @@ void TrajectoryFeatures::put(Cursor& cursor, const cv::Point2f& position) {
   cursor.row += 2;
 }
 
-void TrajectoryFeatures::fillPositions(std::size_t column, QSharedPointer<MetaLPO> person) {
+void TrajectoryFeatures::fillPositions(std::size_t column, const MetaLPO& start) {
+  const MetaLPO* person = &start;
   const int lastRow = positionRows(m_window) - 1;
   const int firstFrame = static_cast<int>(person->getFrame());
   Cursor cursor{column};
@@ -41,8 +42,8 @@ void TrajectoryFeatures::fillPositions(std::size_t column, QSharedPointer<MetaLP
     }
     position = next;
     if (person->getBestSonScore() > GroupTracker::minReliabilityBest) {
-      if (auto son = person->getBestSon()) {
-        person = std::move(son);
+      if (const MetaLPO* son = person->bestSonNode()) {
+        person = son;
       }
     }
     if (cursor.row >= lastRow) {

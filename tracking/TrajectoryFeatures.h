@@ -34,7 +34,7 @@ class TrajectoryFeatures {
   /// Fills the positions of a column along the best sons of a person; a frame without an
   /// observation is interpolated, after the last one the position stays. Throws
   /// `math::matrix_error` for a column that is not there.
-  void fillPositions(std::size_t column, QSharedPointer<MetaLPO> person);
+  void fillPositions(std::size_t column, const MetaLPO& start);
   /// Fills the displacements of a column from its positions.
   void fillDisplacements(std::size_t column);
   const math::matrix<double>& data() const { return m_data; }
