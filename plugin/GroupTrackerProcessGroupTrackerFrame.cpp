@@ -128,7 +128,14 @@ void GroupTrackerProcessGroupTrackerPrivate::printActors() const {
   for (const auto& actor : actors) {
     Diagnostics::write("TPO id: ", static_cast<int>(actor->getIdent()), "\n");
     printWithSize(actor->getBoundingBox3D(), "   type: ", actor->getType(), ", ");
-    for (const auto& mobile : actor->getLinkedPhysicalObjectList()) {
+    const auto& mobiles = actor->getLinkedPhysicalObjectList();
+    for (const auto& mobile : mobiles) {
+      __builtin_prefetch(mobile.data());
+    }
+    for (const auto& mobile : mobiles) {
+      __builtin_prefetch(mobile->getPhysicalObject().data());
+    }
+    for (const auto& mobile : mobiles) {
       const kelDataPhysicalObject& object = *mobile->getPhysicalObject();
       printWithSize(object.getBoundingBox3D(), "   id: ", static_cast<int>(mobile->getIdent()),
                     ",    type: ", object.getType(), ", ");

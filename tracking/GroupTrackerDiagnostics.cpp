@@ -36,11 +36,11 @@ void makeLinks(const MetaLPO& node, std::string& text) {
   static TextBuffer lines;
   lines.clear();
   for (const auto& link : node.getFatherLinks()) {
-    const MetaLPO* father = link->fatherNode();
-    const auto son = link->getSon();
+    const MetaLPO* father = link.fatherNode();
+    const auto son = link.getSon();
     if (father != nullptr && son) {
       lines.write("\tlink from ", father->getIdent(), " to ", son->getIdent(), " with reliability ",
-                  TextBuffer::General{link->getReliability()}, "\n");
+                  TextBuffer::General{link.getReliability()}, "\n");
     }
   }
   text = lines.text();

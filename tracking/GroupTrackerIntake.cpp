@@ -39,13 +39,13 @@ class BestSonSearch {
 
   void addSon(const QSharedPointer<MetaLPO>& son) {
     for (const auto& link : son->getFatherLinks()) {
-      MetaLPO* father = link->fatherNode();
+      MetaLPO* father = link.fatherNode();
       if (father == nullptr) {
         continue;
       }
       const double gap = static_cast<int>(son->getFrame() - father->getFrame());
       const double score =
-          link->getReliability() * (100 - gap * GroupTracker::sonDistanceWeight) / 100;
+          link.getReliability() * (100 - gap * GroupTracker::sonDistanceWeight) / 100;
       if (!father->hasNamesake()) {
         offer(son, score, *father);
       } else if (const auto namesakes = m_namesakes.find(father->getIdent());
@@ -121,10 +121,10 @@ void GroupTracker::linkToFathers(const QSharedPointer<MetaLPO>& mobile) const {
   for (const auto& link : links) {
     const auto father = link->getFather();
     const auto son = link->getSon();
-    mobile->addFatherLink(QSharedPointer<MetaLPOLink>::create(
+    mobile->addFatherLink(
         father ? node(static_cast<int>(father->getIdent())) : QSharedPointer<MetaLPO>(),
         son ? node(static_cast<int>(son->getIdent())) : QSharedPointer<MetaLPO>(),
-        link->getReliability()));
+        link->getReliability());
   }
   mobile->sortLinks();
 }

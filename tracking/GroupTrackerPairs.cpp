@@ -339,13 +339,13 @@ unsigned int GroupTracker::probableGroupRaw(const QSharedPointer<MetaLPO>& mobil
   }
   const auto& links = mobile->getFatherLinks();
   for (auto link = links.rbegin(); link != links.rend(); ++link) {
-    if (const MetaLPO* father = (*link)->fatherNode()) {
+    if (const MetaLPO* father = link->fatherNode()) {
       if (const unsigned int home = groupIdOf(*father); home != none) {
         return home;
       }
     }
     const bool isFirst = std::next(link) == links.rend();
-    if (isFirst || !((*link)->getReliability() > minReliabilityOthers)) {
+    if (isFirst || !(link->getReliability() > minReliabilityOthers)) {
       break;
     }
   }
@@ -369,10 +369,10 @@ unsigned int GroupTracker::probableGroup(const QSharedPointer<MetaLPO>& mobile) 
   }
   const auto& links = mobile->getFatherLinks();
   for (auto link = links.rbegin(); link != links.rend(); ++link) {
-    if (!((*link)->getReliability() > 0.5 * minReliabilityOthers)) {
+    if (!(link->getReliability() > 0.5 * minReliabilityOthers)) {
       return none;
     }
-    if (const MetaLPO* father = (*link)->fatherNode()) {
+    if (const MetaLPO* father = link->fatherNode()) {
       if (const unsigned int found = groupIdOf(*father); found != none) {
         return found;
       }

@@ -83,14 +83,12 @@ void MetaLPO::sortLinks() {
 
 void MetaLPO::resetLinks() {
   auto links = m_fatherLinks;
-  for (auto& link : links) {
-    link.clear();
-  }
+  links.clear();
 }
 
 void MetaLPO::eraseOldLinks(int firstKeptFrame) {
-  const auto erased = std::erase_if(m_fatherLinks, [&](const QSharedPointer<MetaLPOLink>& link) {
-    const MetaLPO* father = link->fatherNode();
+  const auto erased = std::erase_if(m_fatherLinks, [&](const MetaLPOLink& link) {
+    const MetaLPO* father = link.fatherNode();
     if (father == nullptr) {
       return true;
     }
@@ -119,8 +117,8 @@ void MetaLPO::loseBestFather() {
 MetaLPO::Links MetaLPO::linksByRecentFather() const {
   Links links;
   for (const auto& link : m_fatherLinks) {
-    if (link->fatherNode() != nullptr) {
-      links.push_back(link.data());
+    if (link.fatherNode() != nullptr) {
+      links.push_back(&link);
     }
   }
   sortFew(links, [](const MetaLPOLink* a, const MetaLPOLink* b) {
@@ -177,7 +175,7 @@ void MetaLPO::overrideBestFather(const QSharedPointer<MetaLPO>& father, double r
 
 QSharedPointer<MetaLPO> MetaLPO::getFather(unsigned int id) const {
   for (const auto& link : m_fatherLinks) {
-    if (auto father = link->getFather(); father && father->m_ident == static_cast<int>(id)) {
+    if (auto father = link.getFather(); father && father->m_ident == static_cast<int>(id)) {
       return father;
     }
   }
@@ -186,8 +184,8 @@ QSharedPointer<MetaLPO> MetaLPO::getFather(unsigned int id) const {
 
 const MetaLPOLink* MetaLPO::linkTo(int fatherId) const {
   for (const auto& link : m_fatherLinks) {
-    if (link->leadsTo(fatherId)) {
-      return link.data();
+    if (link.leadsTo(fatherId)) {
+      return &link;
     }
   }
   return nullptr;

@@ -79,11 +79,14 @@ class MetaLPO {
 
   // Links and ancestry
 
-  /// Appends a link from a father; null for a father that is not known.
-  void addFatherLink(const QSharedPointer<MetaLPOLink>& link) { m_fatherLinks.push_back(link); }
+  /// Appends a link from a father to a son, which is this node; null for one that is not known.
+  void addFatherLink(const QSharedPointer<MetaLPO>& father, const QSharedPointer<MetaLPO>& son,
+                     double reliability) {
+    m_fatherLinks.emplace_back(father, son, reliability);
+  }
   /// Makes room for links that are about to be added.
   void reserveLinks(std::size_t count) { m_fatherLinks.reserve(count); }
-  const std::vector<QSharedPointer<MetaLPOLink>>& getFatherLinks() const { return m_fatherLinks; }
+  const std::vector<MetaLPOLink>& getFatherLinks() const { return m_fatherLinks; }
   /// Sorts the links from the least to the most reliable; equal ones keep their order.
   void sortLinks();
   /// Has no lasting effect; kept because the tracker's life cycle of a node names it.
@@ -184,7 +187,7 @@ class MetaLPO {
   MetaLPO* m_bestSonNode = nullptr;  ///< the same; valid while that is not gone
   double m_bestSonScore = 0.0;
   double m_sonSearchScore = noSonScore;
-  std::vector<QSharedPointer<MetaLPOLink>> m_fatherLinks;
+  std::vector<MetaLPOLink> m_fatherLinks;
   mutable DumpText m_dumpText;
   double m_speed = -1.0;                 ///< metres per step; -1 until first computed
   int m_speedSamples = 0;                ///< steps averaged into the speed

@@ -9,10 +9,3 @@ MetaLPOLink::MetaLPOLink(const QSharedPointer<MetaLPO>& father, const QSharedPoi
       m_fatherId(father ? father->getIdent() : MetaLPO::noId),
       m_son(son),
       m_reliability(reliability) {}
-
-MetaLPOLink::~MetaLPOLink() = default;
-
-bool MetaLPOLink::compare_links(const QSharedPointer<MetaLPOLink>& a,
-                                const QSharedPointer<MetaLPOLink>& b) {
-  return a->m_reliability < b->m_reliability;
-}

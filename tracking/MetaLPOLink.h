@@ -7,15 +7,13 @@ class MetaLPO;
 
 /// A link from a history node of an earlier frame, the father, to a node of a later frame, the son,
 /// with the reliability that the upstream tracker gave it. Both ends are held weakly: the tracker
-/// owns the nodes, the son's node owns the link.
+/// owns the nodes. A link lives in its son's node and is part of it, so that a walk over the links
+/// of many nodes stays on few cache lines.
 class MetaLPOLink {
  public:
   MetaLPOLink() = default;
   MetaLPOLink(const QSharedPointer<MetaLPO>& father, const QSharedPointer<MetaLPO>& son,
               double reliability);
-  MetaLPOLink(const MetaLPOLink&) = delete;
-  MetaLPOLink& operator=(const MetaLPOLink&) = delete;
-  virtual ~MetaLPOLink();
 
   /// The older node; null when it was never known or is gone.
   QSharedPointer<MetaLPO> getFather() const { return m_father.toStrongRef(); }
@@ -28,8 +26,9 @@ class MetaLPOLink {
   double getReliability() const { return m_reliability; }
 
   /// Orders links from the least to the most reliable.
-  static bool compare_links(const QSharedPointer<MetaLPOLink>& a,
-                            const QSharedPointer<MetaLPOLink>& b);
+  static bool compare_links(const MetaLPOLink& a, const MetaLPOLink& b) {
+    return a.m_reliability < b.m_reliability;
+  }
 
  private:
   QWeakPointer<MetaLPO> m_father;

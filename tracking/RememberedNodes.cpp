@@ -79,7 +79,7 @@ void RememberedNodes::fileLinks(const QSharedPointer<MetaLPO>& mobile) {
   }
   int oldest = std::numeric_limits<int>::max();
   for (const auto& link : mobile->getFatherLinks()) {
-    const MetaLPO* father = link->fatherNode();
+    const MetaLPO* father = link.fatherNode();
     // A link to nobody is older than everything that is kept.
     oldest = std::min(oldest, father == nullptr ? std::numeric_limits<int>::min()
                                                 : static_cast<int>(father->getFrame()));

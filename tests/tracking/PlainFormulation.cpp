@@ -210,13 +210,13 @@ std::map<const MetaLPO*, const MetaLPO*> PlainFormulation::bestSons(GroupTracker
       for (unsigned int later = frame + 1; later <= frame + std::max(k - 1, 1U); ++later) {
         for (const auto& son : tracker.mobilesAt(later)) {
           for (const auto& link : son->getFatherLinks()) {
-            const auto linked = link->getFather();
+            const auto linked = link.getFather();
             if (!linked || linked->getIdent() != father->getIdent()) {
               continue;
             }
             const double gap = static_cast<int>(son->getFrame() - linked->getFrame());
             const double score =
-                link->getReliability() * (100 - gap * GroupTracker::sonDistanceWeight) / 100;
+                link.getReliability() * (100 - gap * GroupTracker::sonDistanceWeight) / 100;
             if (score > best) {
               best = score;
               sons[father.data()] = son.data();

@@ -20,7 +20,7 @@ inline QSharedPointer<MetaLPO> nodeOf(const SceneMobile& mobile, unsigned int fr
 
 inline void link(const QSharedPointer<MetaLPO>& father, const QSharedPointer<MetaLPO>& son,
                  double reliability) {
-  son->addFatherLink(QSharedPointer<MetaLPOLink>::create(father, son, reliability));
+  son->addFatherLink(father, son, reliability);
 }
 
 /// A scene, a tracker that is led through it, and test parameters that are put back.
