@@ -6,8 +6,12 @@ cd "$(dirname "$0")/.."
 lists=("$@")
 [ ${#lists[@]} -gt 0 ] || lists=(scripts/packages.txt)
 
+# What is installed, and what that provides: another package may stand for one of the list.
+installed=" $(dpkg-query -W -f='${db:Status-Abbrev} ${Package} ${Provides}\n' |
+  sed -n 's/^ii *//p' | tr ',\n' '  ') "
+
 isInstalled() {
-  dpkg-query -W -f='${Status}' "$1" 2>/dev/null | grep -q 'ok installed'
+  [[ $installed == *" $1 "* ]]
 }
 
 missing=()
