@@ -4,6 +4,7 @@
 #include "InputError.h"
 #include "InputFile.h"
 #include "LineReader.h"
+#include "StorageCheck.h"
 #include "TsaiCalibration.h"
 #include "TsaiReader.h"
 
@@ -60,12 +61,14 @@ InputError storageError(const std::string& path, const cv::Exception& failure) {
 }
 
 cv::FileStorage CalibrationFile::open(const std::string& path) {
-  const InputFile canBeOpened(path);
   std::error_code unknown;
   const std::uintmax_t size = std::filesystem::file_size(path, unknown);
   if (unknown || size > largestFile) {
+    const InputFile canBeOpened(path);
     throw InputError(path, unknown ? "not a file" : "too large for a calibration");
   }
+  InputFile file(path);
+  refuseUnsoundStorage(file.stream(), path);
   try {
     cv::FileStorage storage(path, cv::FileStorage::READ);
     if (storage.isOpened()) {

@@ -146,6 +146,11 @@ TEST(CalibrationReader, SaysInOneLineWhatIsWrong) {
   EXPECT_EQ(error(head + "a: [ 1\nb: }\n"),
             "c.yml:4: not a readable OpenCV file: Incorrect indentation");
   EXPECT_EQ(error(head + "a: 1\n"), "c.yml:1: neither camera_matrix nor homography found");
+  EXPECT_EQ(error("<?xml version=\"1.0\"?>\n<a>\n</b>\n").substr(0, 24),
+            "c.yml:3: not valid XML: ");
+  EXPECT_EQ(error("{\"homography\":\n }"), "c.yml:2: not valid JSON");
+  EXPECT_EQ(error(head + "a: \x01\n"), "c.yml:3: holds bytes that are no text");
+  EXPECT_EQ(error(head + "a: " + std::string(30, '[')), "c.yml:3: values are nested too deep");
   EXPECT_EQ(error(head + "- 1\n- 2\n"), "c.yml:1: neither camera_matrix nor homography found");
   EXPECT_EQ(error(head + node("camera_matrix", 3, 3, identity)),
             "c.yml:1: rotation_vector is missing or no matrix");
