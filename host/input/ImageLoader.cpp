@@ -5,27 +5,22 @@
 #include <fmt/format.h>
 #include <opencv2/imgcodecs.hpp>
 
-namespace {
-
-cv::Mat readImage(const InputFrame& frame) {
+cv::Mat readImage(const std::filesystem::path& file, const std::string& place) {
   cv::Mat pixels;
   try {
-    pixels = cv::imread(frame.imageFile.string(), cv::IMREAD_COLOR);
+    pixels = cv::imread(file.string(), cv::IMREAD_COLOR);
   } catch (const cv::Exception&) {
     pixels.release();  // the same as a file that is no image
   }
   if (pixels.empty()) {
-    throw InputError(frame.place,
-                     "the image " + frame.imageFile.string() + " is missing or not readable");
+    throw InputError(place, "the image " + file.string() + " is missing or not readable");
   }
   return pixels;
 }
 
-}  // namespace
-
 void ImageLoader::load(InputFrame& frame) {
   if (!frame.image && !frame.imageFile.empty()) {
-    const cv::Mat pixels = readImage(frame);
+    const cv::Mat pixels = readImage(frame.imageFile, frame.place);
     if (m_size.empty()) {
       m_size = pixels.size();
     }

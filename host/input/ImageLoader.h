@@ -2,7 +2,13 @@
 
 #include "InputFrame.h"
 
-#include <opencv2/core/types.hpp>
+#include <opencv2/core.hpp>
+
+#include <filesystem>
+#include <string>
+
+/// Reads an image in colour. A file that is no readable image is an `InputError` at `place`.
+cv::Mat readImage(const std::filesystem::path& file, const std::string& place);
 
 /// Loads the images of an input's frames from their files. A file that is no readable image and an
 /// image of another size than the first are an `InputError` at the frame's place.

@@ -2,11 +2,10 @@
 
 #include "Brush.h"
 #include "CameraPainter.h"
-#include "InputError.h"
+#include "ImageLoader.h"
 
 #include <fmt/format.h>
 
-#include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
 
 #include <algorithm>
@@ -27,17 +26,7 @@ cv::Mat loadPixels(const ReportedStep& step) {
   if (step.image && !step.image->mat().empty()) {
     return step.image->mat().clone();
   }
-  cv::Mat pixels;
-  try {
-    pixels = cv::imread(step.imageFile.string(), cv::IMREAD_COLOR);
-  } catch (const cv::Exception&) {
-    pixels.release();  // the same as a file that is no image
-  }
-  if (pixels.empty()) {
-    throw InputError(step.place,
-                     "the image " + step.imageFile.string() + " is missing or not readable");
-  }
-  return pixels;
+  return readImage(step.imageFile, step.place);
 }
 
 }  // namespace
@@ -89,6 +78,9 @@ void StepPainter::paintWords(cv::Mat& picture, const ReportedStep& step) const {
   brush::text(picture, fmt::format("frame {}", frame.inputFrame.value_or(frame.reportedFrame)),
               {left, lineHeight}, brush::white, brush::ink);
   const auto events = m_past.events();
+  if (events.empty()) {
+    return;
+  }
   int width = 0;
   for (const std::string& event : events) {
     width = std::max(width, brush::sizeOf(event).width);

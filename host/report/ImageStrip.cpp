@@ -1,6 +1,6 @@
 #include "ImageStrip.h"
 
-#include "InputError.h"
+#include "ImageLoader.h"
 
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
@@ -48,17 +48,11 @@ std::vector<QByteArray> ImageStrip::load(ReportBody& body) const {
 }
 
 QByteArray ImageStrip::shrink(const Frame& frame, Boxes& boxes) {
+  cv::Mat pixels = readImage(frame.file, frame.place);
+  const double factor = std::min(1.0, static_cast<double>(width) / pixels.cols);
+  cv::resize(pixels, pixels, {}, factor, factor, cv::INTER_AREA);
   std::vector<uchar> bytes;
-  double factor = 1.0;
-  try {
-    cv::Mat pixels = cv::imread(frame.file.string(), cv::IMREAD_COLOR);
-    factor = std::min(1.0, static_cast<double>(width) / pixels.cols);
-    cv::resize(pixels, pixels, {}, factor, factor, cv::INTER_AREA);
-    cv::imencode(".jpg", pixels, bytes, {cv::IMWRITE_JPEG_QUALITY, quality});
-  } catch (const cv::Exception&) {
-    throw InputError(frame.place,
-                     "the image " + frame.file.string() + " is missing or not readable");
-  }
+  cv::imencode(".jpg", pixels, bytes, {cv::IMWRITE_JPEG_QUALITY, quality});
   for (const PersonPlace& person : frame.people) {
     boxes.persons.push_back(person.person);
     boxes.x.push_back(toPixels(person.box2D.x * factor));
