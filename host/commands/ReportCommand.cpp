@@ -45,22 +45,29 @@ bool isRight(const GroupsFrame& frame, const GroupTruth& truth) {
   return joinOverlapping(found) == restrictTo(truth.at(*frame.inputFrame), persons);
 }
 
-void readGroups(const std::string& path, const std::string& input,
-                const std::optional<GroupTruth>& truth, ReportData& data) {
+/// Returns the input's own numbers of the reported frames.
+Explainer::InputFrames readGroups(const std::string& path, const std::string& input,
+                                  const std::optional<GroupTruth>& truth, ReportData& data) {
   InputFile file(path);
   GroupsReader reader(file.stream(), path);
   EventDetector detector;
+  Explainer::InputFrames inputFrames;
   for (GroupsFrame frame; reader.next(frame);) {
     if (!data.addGroups(frame, detector.next(frame))) {
-      throw InputError(path, fmt::format("frame {} is not in {}", *frame.inputFrame, input));
+      throw reader.error(fmt::format("frame {} is not in {}", *frame.inputFrame, input));
+    }
+    if (frame.inputFrame) {
+      inputFrames[frame.reportedFrame] = *frame.inputFrame;
     }
     if (truth && frame.inputFrame && !isRight(frame, *truth)) {
       data.markWrong(*frame.inputFrame);
     }
   }
+  return inputFrames;
 }
 
-Explanations explain(const std::string& path, const std::string& parameterFile) {
+Explanations explain(const std::string& path, const std::string& parameterFile,
+                     Explainer::InputFrames inputFrames) {
   if (path.empty()) {
     return {};
   }
@@ -68,7 +75,7 @@ Explanations explain(const std::string& path, const std::string& parameterFile) 
   const DecisionLog log = DecisionLog::read(file.stream(), path, nullptr);
   const double threshold =
       readCoherenceThreshold(parameterFile.empty() ? log.parameterFile() : parameterFile);
-  return Explainer(log, threshold).explainAll();
+  return Explainer(log, threshold, std::move(inputFrames)).explainAll();
 }
 
 std::string nameOf(const std::string& path) {
@@ -136,9 +143,10 @@ int ReportCommand::run() {
     truth = readTruth(m_truthFile);
     data.beginTruth();
   }
-  readGroups(m_groupsFile, m_input, truth, data);
-  const QByteArray page = makeReportPage({nameOf(m_input), nameOf(m_groupsFile), m_framesPerSecond},
-                                         data, images, explain(m_diagnosticsFile, m_parameterFile));
+  auto inputFrames = readGroups(m_groupsFile, m_input, truth, data);
+  const QByteArray page =
+      makeReportPage({nameOf(m_input), nameOf(m_groupsFile), m_framesPerSecond}, data, images,
+                     explain(m_diagnosticsFile, m_parameterFile, std::move(inputFrames)));
   output.write({page.data(), static_cast<std::size_t>(page.size())});
   return finished;
 }

@@ -62,9 +62,7 @@ std::string Explainer::explainGroup(int group, std::optional<std::int32_t> frame
     if (decision.group == group && isHere) {
       text += lineOf(decision) + "\n";
     } else if (decision.kind == DecisionKind::Merged && decision.other == group && isHere) {
-      text += fmt::format("frame {} (decided at {}): went up in group {}{}{}\n",
-                          decision.processedFrame, decision.frame, *decision.group,
-                          decision.reason.empty() ? "" : ": ", decision.reason);
+      text += absorbedLineOf(decision) + "\n";
     }
   }
   if (frame) {
@@ -98,30 +96,32 @@ std::string Explainer::listUncertain(std::size_t count) const {
 std::map<std::uint32_t, std::string> Explainer::explainAll() const {
   std::map<std::uint32_t, std::string> texts;
   for (const Decision& decision : m_log.decisions()) {
-    for (const auto& group : {decision.group, decision.other}) {
-      if (group && !texts.contains(static_cast<std::uint32_t>(*group))) {
-        texts[static_cast<std::uint32_t>(*group)] = {};
-      }
-    }
-  }
-  for (const Decision& decision : m_log.decisions()) {
     if (decision.group) {
       texts[static_cast<std::uint32_t>(*decision.group)] += lineOf(decision) + "\n";
     }
     if (decision.kind == DecisionKind::Merged) {
-      texts[static_cast<std::uint32_t>(*decision.other)] +=
-          fmt::format("frame {} (decided at {}): went up in group {}\n", decision.processedFrame,
-                      decision.frame, *decision.group);
+      texts[static_cast<std::uint32_t>(*decision.other)] += absorbedLineOf(decision) + "\n";
     }
   }
-  std::erase_if(texts, [](const auto& entry) { return entry.second.empty(); });
   return texts;
 }
 
 std::string Explainer::lineOf(const Decision& decision) const {
-  return fmt::format("frame {} (decided at {}): {}{}{}{}", decision.processedFrame, decision.frame,
-                     sentence(decision), comparison(decision), decision.reason.empty() ? "" : ": ",
-                     decision.reason);
+  return fmt::format("{}: {}{}{}{}", timeOf(decision), sentence(decision), comparison(decision),
+                     decision.reason.empty() ? "" : ": ", decision.reason);
+}
+
+std::string Explainer::absorbedLineOf(const Decision& decision) const {
+  return fmt::format("{}: went up in group {}{}{}", timeOf(decision), *decision.group,
+                     decision.reason.empty() ? "" : ": ", decision.reason);
+}
+
+std::string Explainer::timeOf(const Decision& decision) const {
+  const auto inputFrame = m_inputFrames.find(decision.processedFrame);
+  return inputFrame == m_inputFrames.end()
+             ? fmt::format("frame {} (decided at {})", decision.processedFrame, decision.frame)
+             : fmt::format("frame {} (decided {} frames later)", inputFrame->second,
+                           static_cast<std::int64_t>(decision.frame) - decision.processedFrame);
 }
 
 std::string Explainer::comparison(const Decision& decision) const {

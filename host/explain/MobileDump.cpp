@@ -3,6 +3,13 @@
 #include <cinttypes>
 #include <cstdio>
 
+MobileDump::MobileDump(const std::string& path) : m_file(path), m_lines(m_file.stream(), path) {
+  readFrame();
+  if (m_isAtEnd) {
+    throw InputError(path, "holds no frame of a run's mobile dump");
+  }
+}
+
 const MobileDump::Mobiles& MobileDump::at(std::uint32_t frame) {
   static const Mobiles nothing;
   while (m_frame < frame && !m_isAtEnd) {

@@ -14,7 +14,8 @@
 ///     mobile 51 @ frame 18 has best father 46 has best son 56 and is in group 3
 ///     	link from 46 to 51 with reliability 0.9
 ///
-/// Ids are signed, -1 for none. Lines of other kinds are passed over.
+/// Ids are signed, -1 for none. Lines of other kinds are passed over; a file without any frame is
+/// an `InputError`.
 class MobileDump {
  public:
   struct Link {
@@ -30,7 +31,7 @@ class MobileDump {
   };
   using Mobiles = std::map<std::int64_t, Mobile>;
 
-  explicit MobileDump(const std::string& path) : m_file(path), m_lines(m_file.stream(), path) {}
+  explicit MobileDump(const std::string& path);
 
   /// The mobiles at a frame; frames are asked for in ascending order. Empty for a frame that the
   /// dump does not hold.

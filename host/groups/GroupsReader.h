@@ -19,6 +19,9 @@ class GroupsReader {
   /// Replaces `frame` by the next line's; false at the end of the file.
   bool next(GroupsFrame& frame);
 
+  /// The error for a problem that the reader's user finds in the line that was read last.
+  InputError error(const std::string& problem) const { return m_lines.error(problem); }
+
  private:
   LineReader m_lines;
   simdjson::dom::parser m_parser;

@@ -108,7 +108,8 @@ TEST(ReportCommand, MakesOneFileThatNeedsNothingElse) {
                         "lines.txt"}),
             0);
   const std::string page = textOf(folder.path() / "r.html");
-  EXPECT_THAT(page, HasSubstr("founded by the pair of person 1"));
+  EXPECT_THAT(page, testing::ContainsRegex(
+                        "frame [0-9]+ .decided 2 frames later.: founded by the pair of person 1"));
   EXPECT_THAT(page, testing::Not(testing::ContainsRegex("(src|href)=\"https?:")));
   EXPECT_THAT(page, testing::EndsWith("</html>\n"));
 
@@ -116,6 +117,11 @@ TEST(ReportCommand, MakesOneFileThatNeedsNothingElse) {
   Program cut(folder.path());
   EXPECT_EQ(cut.run({"report", "scene.jsonl", "g.jsonl", "--output", "r.html"}), 2);
   EXPECT_EQ(cut.errors(), "g.jsonl:13: not valid JSON\n");
+  folder.write("g.jsonl", R"({"frame": 3, "reportedFrame": 1, "inputFrame": 99, )"
+                          R"("persons": [], "groups": []})");
+  Program foreign(folder.path());
+  EXPECT_EQ(foreign.run({"report", "scene.jsonl", "g.jsonl", "--output", "r.html"}), 2);
+  EXPECT_EQ(foreign.errors(), "g.jsonl:1: frame 99 is not in scene.jsonl\n");
   EXPECT_EQ(textOf(folder.path() / "r.html"), page) << "the older report is kept";
 }
 
