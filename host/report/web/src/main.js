@@ -13,6 +13,7 @@ class Report {
     byId('slider').max = Math.max(0, world.frames - 1);
     this.listen();
     this.followAddress();
+    performance.mark('people');
     // The numbers of all groups take longer than the first picture.
     setTimeout(() => this.addOverviews());
   }
@@ -26,13 +27,14 @@ class Report {
     byId('wrong-hint').hidden = !this.data.wrong;
     this.describe();
     this.draw();
+    performance.mark('complete');
     document.body.dataset.ready = 'true';
   }
 
   // "#frame=930&group=4" opens the page at a frame, by the input's own number, and with a group.
   followAddress() {
     const wanted = new URLSearchParams(location.hash.slice(1));
-    const frame = this.data.frameNumbers.indexOf(Number(wanted.get('frame') ?? NaN));
+    const frame = upperBound(this.data.frameNumbers, Number(wanted.get('frame') ?? NaN)) - 1;
     this.show(Math.max(0, frame), wanted.has('group') ? Number(wanted.get('group')) : undefined);
   }
 
