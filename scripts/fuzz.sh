@@ -5,7 +5,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 seconds=${1:-5}
 
-scripts/install.sh scripts/packages.txt .ci/packages.txt
+scripts/install.sh scripts/packages.txt fuzz/packages.txt
 cmake --preset fuzz
 cmake --build --preset fuzz
 mkdir -p build/fuzz/found
