@@ -15,5 +15,6 @@ for seeds in fuzz/corpus/*/; do
   mkdir -p "$corpus"
   echo "== $reader" >&2
   "build/fuzz/bin/fuzz_$reader" -max_total_time="$seconds" -max_len=4096 -timeout=60 \
-    -rss_limit_mb=2048 -verbosity=0 -artifact_prefix="build/fuzz/found/$reader-" "$corpus" "$seeds"
+    -rss_limit_mb=2048 -verbosity=0 -print_funcs=0 \
+    -artifact_prefix="build/fuzz/found/$reader-" "$corpus" "$seeds"
 done
