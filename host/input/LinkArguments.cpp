@@ -15,8 +15,8 @@ const std::vector<LinkArgument>& linkArguments() {
        &LinkOptions::neighbourRadius},
       {"--neighbour-count", "neighbours that are linked at most", &LinkOptions::neighbourLinks},
       {"--motion-difference",
-       "metres by which the ways of neighbours differ that are not linked any more; 0 leaves "
-       "their motion aside",
+       "part of their length by which the ways of neighbours differ that are not linked any more; "
+       "0 leaves their motion aside",
        &LinkOptions::motionDifference},
       {"--motion-steps", "time steps over which the ways of neighbours are compared",
        &LinkOptions::motionSteps},

@@ -14,11 +14,12 @@ struct LinkOptions {
   /// Links to other persons' observations of the step before, without which a third person can
   /// hardly join a pair: the reliability falls from `neighbourStrength` at distance 0 to nothing at
   /// `neighbourRadius`.
-  double neighbourStrength = 0.866;
-  double neighbourRadius = 3.41;  ///< metres
+  double neighbourStrength = 0.9;
+  double neighbourRadius = 2.26;  ///< metres
   /// It also falls to nothing when the displacements of the two over the last `motionSteps` steps
-  /// differ by this much; a person who just appeared has no displacement and loses nothing.
-  double motionDifference = 1.5;  ///< metres; 0 leaves the motion aside
+  /// differ by this part of their mean length, which does not depend on the frame rate. Those who
+  /// stand or just appeared are not linked.
+  double motionDifference = 0.54;  ///< 0 leaves the motion aside
   std::size_t motionSteps = 6;
-  std::size_t neighbourLinks = 1;  ///< at most so many, the most reliable ones
+  std::size_t neighbourLinks = 2;  ///< at most so many, the most reliable ones
 };

@@ -164,12 +164,18 @@ std::optional<cv::Point2d> TrackAssembler::displacement(const Chain& chain) cons
   return cv::Point2d((to.x - from.x) * scale, (to.y - from.y) * scale);
 }
 
+// People who stand, and those whose way is not known yet, are not alike by that: most who wait side
+// by side do not belong together.
 double TrackAssembler::motionLikeness(const std::optional<cv::Point2d>& a,
                                       const std::optional<cv::Point2d>& b) const {
-  if (m_options.motionDifference <= 0.0 || !a || !b) {
+  if (m_options.motionDifference <= 0.0) {
     return 1.0;
   }
-  const double difference = std::hypot(a->x - b->x, a->y - b->y);
+  const double way = a && b ? (std::hypot(a->x, a->y) + std::hypot(b->x, b->y)) / 2.0 : 0.0;
+  if (way <= 0.0) {
+    return 0.0;
+  }
+  const double difference = std::hypot(a->x - b->x, a->y - b->y) / way;
   return std::max(0.0, 1.0 - difference / m_options.motionDifference);
 }
 

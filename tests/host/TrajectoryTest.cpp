@@ -110,6 +110,7 @@ TEST(TrackAssembler, LinksNeighboursOfThePreviousStepWithinTheRadius) {
   options.neighbourStrength = 0.4;
   options.neighbourRadius = 2.0;
   options.neighbourLinks = 5;
+  options.motionDifference = 0.0;
   const std::string first = row(1, 5, 1, 0) + row(1, 2, 0, 0.5) + row(1, 9, 2, 0);
   const auto frames = assemble(first + row(2, 7, 0, 0), options);
   // Ascending persons: 2 (mobile 1) at 0.5 m, 5 (mobile 2) at 1 m, 9 at exactly 2 m not.
@@ -120,26 +121,31 @@ TEST(TrackAssembler, LinksNeighboursOfThePreviousStepWithinTheRadius) {
       << "only the step before counts";
 }
 
-TEST(TrackAssembler, PrefersNeighboursWhoWalkTheSameWay) {
+TEST(TrackAssembler, LinksNeighboursWhoWalkTheSameWay) {
   LinkOptions options;
   options.neighbourStrength = 1.0;
   options.neighbourRadius = 4.0;
   options.motionSteps = 2;
-  options.motionDifference = 4.0;
-  options.neighbourLinks = 2;
+  options.motionDifference = 1.0;
+  options.neighbourLinks = 9;
   std::string text;
   for (int frame = 0; frame < 4; ++frame) {
-    text += row(frame, 1, frame, 0);        // mobile 1, 5, 9, 13
-    text += row(frame, 2, frame, 2);        // beside all the way
-    text += row(frame, 3, 2, 1);            // stands
-    text += row(frame, 4, 2 - frame, 0.5);  // comes the other way
+    text += row(frame, 1, frame, 0);           // mobile 1, 7, 13, 19
+    text += row(frame, 2, frame, 2);           // beside all the way
+    text += row(frame, 3, 1 + frame / 2., 1);  // slower
+    text += row(frame, 4, 2 - frame, 0.5);     // comes the other way
+    text += row(frame, 5, 2, -1);              // stands
+    text += row(frame, 6, 2, -2);              // stands
   }
-  const auto links = linksOf(assemble(text, options)[3].observed[0]);
+  const auto frames = assemble(text, options);
+  const auto links = linksOf(frames[3].observed[0]);
   ASSERT_EQ(links.size(), 3U) << "one own and two neighbours";
-  // At frame 2: 2 m away with the same way; 1 m away with 2 m difference over two steps; the one
-  // who comes differs by 4 m.
-  EXPECT_EQ(links[1], (std::pair<unsigned, double>{10, 1.0 * 0.5}));
-  EXPECT_EQ(links[2], (std::pair<unsigned, double>{11, 1.0 * 0.75 * 0.5}));
+  // At frame 2: 2 m away with the same way; 1 m away with ways of 2 m and 1 m.
+  EXPECT_EQ(links[1].first, 14U);
+  EXPECT_DOUBLE_EQ(links[1].second, 0.5);
+  EXPECT_EQ(links[2].first, 15U);
+  EXPECT_DOUBLE_EQ(links[2].second, 0.75 / 3.0);
+  EXPECT_EQ(linksOf(frames[3].observed[4]).size(), 1U) << "standing side by side says nothing";
 }
 
 TEST(TrackAssembler, ListsTheLastObservationsAndForgetsThoseLongGone) {
