@@ -28,11 +28,21 @@ QString defaultPlugin() {
   return prefix + folders.front() + pluginName;
 }
 
+QString fileOf(const std::string& pluginFile) {
+  return pluginFile.empty() ? QFileInfo(defaultPlugin()).absoluteFilePath()
+                            : QString::fromStdString(pluginFile);
+}
+
 }  // namespace
 
+void preloadGroupTracker(const std::string& pluginFile) {
+  QPluginLoader loader(fileOf(pluginFile));
+  loader.setLoadHints(QLibrary::ResolveAllSymbolsHint);
+  loader.load();  // a failure is told by whoever needs the plugin
+}
+
 std::unique_ptr<kelAbstractProcessGroupTracker> loadGroupTracker(const std::string& pluginFile) {
-  const QString file = pluginFile.empty() ? QFileInfo(defaultPlugin()).absoluteFilePath()
-                                          : QString::fromStdString(pluginFile);
+  const QString file = fileOf(pluginFile);
   const auto fail = [&](const QString& problem) {
     return InputError(file.toStdString(), problem.toStdString());
   };
