@@ -13,10 +13,14 @@ void declareFiles(CLI::App& command, TuneOptions& options) {
       .add_option("INPUT:TRUTH", options.sequences,
                   "annotated inputs, each with the file of its groups")
       ->required();
-  command.add_option("--base", options.baseFile, "the parameters that the search starts from")
+  command
+      .add_option("--further", options.further,
+                  "inputs that --leave-one-out never leaves out, such as simulated scenes")
+      ->type_name("INPUT:TRUTH");
+  command.add_option("--base", options.baseFile, "the values of what is not searched for")
       ->required()
       ->type_name("FILE");
-  command.add_option("--output", options.outputFile, "the best parameters found")
+  command.add_option("--output", options.outputFile, "the parameters found")
       ->required()
       ->type_name("FILE");
   command
@@ -42,7 +46,7 @@ void declareSearch(CLI::App& command, TuneOptions& options) {
       ->check(CLI::Range(0.0, 1.0))
       ->capture_default_str();
   command.add_option("--score", options.scoreName, "what is maximised")
-      ->check(CLI::IsMember({"windowed", "whole", "groups", "pairs"}))
+      ->check(CLI::IsMember({"sliding", "windowed", "whole", "groups", "pairs"}))
       ->capture_default_str();
   command.add_option("--patience", options.patience, "seconds after which a trial is given up")
       ->check(CLI::PositiveNumber)

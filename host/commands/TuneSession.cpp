@@ -6,6 +6,7 @@
 #include "InputFormats.h"
 #include "OutputError.h"
 #include "OutputFile.h"
+#include "PluginLoader.h"
 #include "TruthReader.h"
 #include "WorkerPool.h"
 
@@ -20,19 +21,11 @@
 
 namespace {
 
-const std::map<std::string, TunedScore> scores{{"windowed", TunedScore::windowed},
+const std::map<std::string, TunedScore> scores{{"sliding", TunedScore::sliding},
+                                               {"windowed", TunedScore::windowed},
                                                {"whole", TunedScore::whole},
                                                {"groups", TunedScore::correctGroups},
                                                {"pairs", TunedScore::pairs}};
-
-std::uint64_t countSteps(const std::string& path) {
-  const OpenedInput input = openInput(path, {});
-  std::uint64_t steps = 0;
-  for (InputFrame frame; input.frames->next(frame);) {
-    ++steps;
-  }
-  return steps;
-}
 
 TunedSequence openSequence(const std::string& text) {
   const auto colon = text.rfind(':');
@@ -42,12 +35,12 @@ TunedSequence openSequence(const std::string& text) {
   const std::string input = text.substr(0, colon);
   const auto path = std::filesystem::path(input);
   const auto name = path.filename().empty() ? path.parent_path().filename() : path.filename();
-  return {name, input, readTruth(text.substr(colon + 1)), countSteps(input)};
+  return {name, input, readTruth(text.substr(colon + 1))};
 }
 
-TuningSpace readSpace(const std::string& path) {
+TuningSpace readSpace(const std::string& path, const ParameterText& base) {
   if (path.empty()) {
-    return TuningSpace::standard();
+    return TuningSpace::standard(base.number("useClustering:") != 0.0);
   }
   InputFile file(path);
   return TuningSpace::read(file.stream(), path);
@@ -90,11 +83,13 @@ std::string scoresOf(const Trial& trial, const std::vector<const TunedSequence*>
 
 TuneSession::TuneSession(const TuneOptions& options)
     : m_options(options),
-      m_space(readSpace(options.spaceFile)),
-      m_base(ParameterText::read(options.baseFile)) {
+      m_base(ParameterText::read(options.baseFile)),
+      m_space(readSpace(options.spaceFile, m_base)) {
   refuseOverwriting({options.outputFile, options.logFile}, {options.baseFile, options.spaceFile});
-  for (const std::string& sequence : options.sequences) {
-    m_sequences.push_back(openSequence(sequence));
+  for (const auto* sequences : {&options.sequences, &options.further}) {
+    for (const std::string& sequence : *sequences) {
+      m_sequences.push_back(openSequence(sequence));
+    }
   }
 }
 
@@ -103,15 +98,16 @@ void TuneSession::run() {
   for (const TunedSequence& sequence : m_sequences) {
     all.push_back(&sequence);
   }
-  const Trial best = search(all, m_options.logFile, "all");
-  if (best.scores.empty()) {
-    throw InputError(m_options.baseFile, "all trials died, with these parameters, too");
-  }
-  writeBest(best);
-  fmt::print("best, trial {}: {}\nlinks:{}\n", best.number, scoresOf(best, all),
-             m_space.settingsOf(best.candidate, m_base).linkArguments);
+  preloadGroupTracker("");
+  const Trial base = evaluated(m_space.baseOf(m_base), all, "base");
+  const Trial found = search(all, m_options.logFile, "all");
+  const TrialSettings settings = m_space.settingsOf(found.candidate, m_base);
+  OutputFile(m_options.outputFile).writeLines(settings.parameters);
+  const Trial result = evaluated(found.candidate, all, "result");
+  fmt::print("base: {}\nfound: {}\nlinks:{}\n", scoresOf(base, all), scoresOf(result, all),
+             settings.linkArguments);
   if (m_options.leaveOneOut) {
-    leaveEachOut(best);
+    leaveEachOut(result);
   }
 }
 
@@ -122,10 +118,19 @@ Trial TuneSession::search(const Sequences& sequences, const std::string& logFile
     names.push_back(sequence->name);
   }
   TrialLog log(logFile, names, m_space, m_options.resume);
-  TuningSearch search(m_space, m_space.baseOf(m_base), m_options.search);
+  TuningSearch search(m_space, m_options.search);
   m_bestWorth = -std::numeric_limits<double>::infinity();
-  return search.run(
+  const SearchResult result = search.run(
       [&](std::vector<Trial>& trials) { evaluate(trials, sequences, log, search, purpose); });
+  const Trial& found = result.middle.scores.empty() ? result.best : result.middle;
+  if (found.scores.empty()) {
+    throw InputError(m_options.baseFile, "all trials died");
+  }
+  if (!m_options.quiet) {
+    fmt::print(stderr, "{}: the middle, trial {}: {}\n", purpose, found.number,
+               scoresOf(found, sequences));
+  }
+  return found;
 }
 
 void TuneSession::evaluate(std::vector<Trial>& trials, const Sequences& sequences, TrialLog& log,
@@ -137,9 +142,9 @@ void TuneSession::evaluate(std::vector<Trial>& trials, const Sequences& sequence
       open.push_back(i);
     }
   }
-  compute(trials, open, sequences, log, purpose);
+  compute(trials, open, sequences, scores.at(m_options.scoreName), log, purpose);
   for (const Trial& trial : trials) {
-    if (trial.part == 1.0 && search.worth(trial) > m_bestWorth) {
+    if (search.worth(trial) > m_bestWorth) {
       m_bestWorth = search.worth(trial);
       if (!m_options.quiet) {
         fmt::print(stderr, "{}: trial {} of {}, best so far {}\n", purpose, trial.number,
@@ -150,15 +155,15 @@ void TuneSession::evaluate(std::vector<Trial>& trials, const Sequences& sequence
 }
 
 void TuneSession::compute(std::vector<Trial>& trials, const std::vector<std::size_t>& open,
-                          const Sequences& sequences, TrialLog& log, const char* purpose) {
+                          const Sequences& sequences, TunedScore score, TrialLog& log,
+                          const char* purpose) {
   const TrialFolder folder;
-  const TunedScore score = scores.at(m_options.scoreName);
   std::vector<WorkerPool::Task> tasks;
   for (const std::size_t i : open) {
     for (const TunedSequence* sequence : sequences) {
       tasks.emplace_back([&, i, sequence, number = tasks.size()] {
-        return runTrial(*sequence, m_space.settingsOf(trials[i].candidate, m_base), trials[i].part,
-                        score, folder.file(number));
+        return runTrial(*sequence, m_space.settingsOf(trials[i].candidate, m_base), score,
+                        folder.file(number));
       });
     }
   }
@@ -177,10 +182,21 @@ void TuneSession::compute(std::vector<Trial>& trials, const std::vector<std::siz
   });
 }
 
-void TuneSession::leaveEachOut(const Trial& best) {
+Trial TuneSession::evaluated(const Candidate& candidate, const Sequences& sequences,
+                             const char* purpose) {
+  const TunedScore tuned = scores.at(m_options.scoreName);
+  const TunedScore score = tuned == TunedScore::sliding ? TunedScore::windowed : tuned;
+  std::vector<Trial> trials{{0, candidate, {}}};
+  trials.front().scores.assign(sequences.size(), std::nullopt);
+  TrialLog none("", {}, m_space, false);
+  compute(trials, {0}, sequences, score, none, purpose);
+  return trials.front();
+}
+
+void TuneSession::leaveEachOut(const Trial& result) {
   double carried = 0.0;
   double fitted = 0.0;
-  for (std::size_t left = 0; left < m_sequences.size(); ++left) {
+  for (std::size_t left = 0; left < m_options.sequences.size(); ++left) {
     Sequences others;
     for (std::size_t i = 0; i < m_sequences.size(); ++i) {
       if (i != left) {
@@ -191,21 +207,15 @@ void TuneSession::leaveEachOut(const Trial& best) {
     const std::string log =
         m_options.logFile.empty() ? "" : m_options.logFile + ".without-" + one.name + ".csv";
     const std::string purpose = "without " + one.name;
-    Trial trial = search(others, log, purpose.c_str());
-    std::vector<Trial> carriedOver{{1, 1.0, trial.candidate, {std::nullopt}}};
-    TrialLog none("", {one.name}, m_space, false);
-    compute(carriedOver, {0}, {&one}, none, purpose.c_str());
-    const double score = carriedOver[0].scores[0].value_or(0.0);
-    fmt::print("without {}: {:.3f} there, {:.3f} when it was tuned with\n", one.name, score,
-               best.scores[left].value_or(0.0));
+    const Trial found = search(others, log, purpose.c_str());
+    const double score =
+        evaluated(found.candidate, {&one}, purpose.c_str()).scores.front().value_or(0.0);
+    const double inSample = result.scores[left].value_or(0.0);
+    fmt::print("without {}: {:.3f} there, {:.3f} when it was tuned with; links:{}\n", one.name,
+               score, inSample, m_space.settingsOf(found.candidate, m_base).linkArguments);
     carried += score;
-    fitted += best.scores[left].value_or(0.0);
+    fitted += inSample;
   }
-  const auto count = static_cast<double>(m_sequences.size());
+  const auto count = static_cast<double>(m_options.sequences.size());
   fmt::print("leave one out: mean {:.3f}, against {:.3f}\n", carried / count, fitted / count);
-}
-
-void TuneSession::writeBest(const Trial& best) {
-  OutputFile(m_options.outputFile)
-      .writeLines(m_space.settingsOf(best.candidate, m_base).parameters);
 }

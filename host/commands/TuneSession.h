@@ -11,11 +11,12 @@
 /// What the user asks of `grouptracker tune`. Texts are empty when the option was not given.
 struct TuneOptions {
   std::vector<std::string> sequences;  ///< INPUT:TRUTH
+  std::vector<std::string> further;    ///< INPUT:TRUTH, never left out
   std::string baseFile;
   std::string outputFile;
   std::string spaceFile;
   std::string logFile;
-  std::string scoreName = "windowed";
+  std::string scoreName = "sliding";
   SearchOptions search;
   std::size_t jobs = 1;
   int patience = 300;  ///< seconds
@@ -24,8 +25,10 @@ struct TuneOptions {
   bool quiet = false;
 };
 
-/// One search over all sequences, and one without each of them when that is asked for. Prints the
-/// results, with the link options that belong to the parameters, on standard output.
+/// One search over all sequences, and one without each of them when that is asked for. Of the base
+/// parameters only those count that are not searched for, so that a search does not know what was
+/// tuned before on a sequence that is left out. Prints the results, with the link options that
+/// belong to the parameters, on standard output.
 class TuneSession {
  public:
   explicit TuneSession(const TuneOptions& options);
@@ -39,13 +42,14 @@ class TuneSession {
   void evaluate(std::vector<Trial>& trials, const Sequences& sequences, TrialLog& log,
                 const TuningSearch& search, const char* purpose);
   void compute(std::vector<Trial>& trials, const std::vector<std::size_t>& open,
-               const Sequences& sequences, TrialLog& log, const char* purpose);
-  void leaveEachOut(const Trial& best);
-  void writeBest(const Trial& best);
+               const Sequences& sequences, TunedScore score, TrialLog& log, const char* purpose);
+  /// A candidate with the scores that `grouptracker evaluate` would give it.
+  Trial evaluated(const Candidate& candidate, const Sequences& sequences, const char* purpose);
+  void leaveEachOut(const Trial& result);
 
   TuneOptions m_options;
-  TuningSpace m_space;
   ParameterText m_base;
-  std::vector<TunedSequence> m_sequences;
-  double m_bestWorth = 0.0;  ///< of the search that goes on
+  TuningSpace m_space;
+  std::vector<TunedSequence> m_sequences;  ///< the further ones at the end
+  double m_bestWorth = 0.0;                ///< of the search that goes on
 };

@@ -14,7 +14,7 @@ namespace {
 const char* const died = "died";
 
 std::string headerOf(const std::vector<std::string>& sequences, const TuningSpace& space) {
-  std::string header = "trial,part";
+  std::string header = "trial";
   for (const std::string& sequence : sequences) {
     header += "," + sequence;
   }
@@ -25,7 +25,7 @@ std::string headerOf(const std::vector<std::string>& sequences, const TuningSpac
 }
 
 std::string rowOf(const Trial& trial) {
-  std::string row = fmt::format("{},{}", trial.number, trial.part);
+  std::string row = fmt::format("{}", trial.number);
   for (const auto& score : trial.scores) {
     row += score ? fmt::format(",{}", *score) : fmt::format(",{}", died);
   }
@@ -75,7 +75,6 @@ bool TrialLog::recall(Trial& trial) const {
   }
   std::istringstream in(earlier->second);
   std::string cell;
-  std::getline(in, cell, ',');
   std::getline(in, cell, ',');
   trial.scores.clear();
   for (std::size_t i = 0; i < m_sequences && std::getline(in, cell, ','); ++i) {

@@ -10,18 +10,17 @@
 #include <string>
 #include <vector>
 
-/// A candidate that is tried on the first part of all sequences.
+/// A candidate that is tried on all sequences.
 struct Trial {
   std::size_t number = 0;  ///< from 1, in the order in which the search came upon them
-  double part = 1.0;       ///< of each sequence, from its start
   Candidate candidate;
   std::vector<std::optional<double>> scores;  ///< for each sequence; none where the trial died
 };
 
 /// The trials of a search as comma-separated values, a row written as soon as a trial has finished:
 ///
-///     trial,part,seq_eth,zara01,coherenceThreshold:,distWeight:
-///     1,0.25,0.871,died,4,1
+///     trial,seq_eth,zara01,coherenceThreshold:,dirSimWeight:
+///     1,0.871,died,4,10
 ///
 /// An earlier file of the same search answers for the trials that it holds.
 class TrialLog {

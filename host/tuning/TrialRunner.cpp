@@ -9,11 +9,28 @@
 #include "ProcessRunner.h"
 #include "RunRecordReader.h"
 
+#include <algorithm>
+#include <cstddef>
+
 namespace {
+
+double slidingScore(const RunRecord& run, const GroupTruth& truth) {
+  constexpr std::size_t starts = 5;
+  const WindowOptions options;
+  double sum = 0.0;
+  for (std::size_t i = 0; i < starts; ++i) {
+    const auto skipped = std::min(run.size(), i * options.length / starts);
+    const RunRecord rest(run.begin() + static_cast<std::ptrdiff_t>(skipped), run.end());
+    sum += meanMitre(windowsOf(rest, truth, options)).f1;
+  }
+  return sum / static_cast<double>(starts);
+}
 
 double scoreOf(const RunRecord& run, const GroupTruth& truth, TunedScore score) {
   constexpr std::size_t mostlyCorrect = 1;  // among the tolerances: two thirds
   switch (score) {
+    case TunedScore::sliding:
+      return slidingScore(run, truth);
     case TunedScore::windowed:
       return meanMitre(windowsOf(run, truth, {})).f1;
     case TunedScore::whole:
@@ -28,8 +45,8 @@ double scoreOf(const RunRecord& run, const GroupTruth& truth, TunedScore score) 
 
 }  // namespace
 
-double runTrial(const TunedSequence& sequence, const TrialSettings& settings, double part,
-                TunedScore score, const std::string& parameterFile) {
+double runTrial(const TunedSequence& sequence, const TrialSettings& settings, TunedScore score,
+                const std::string& parameterFile) {
   OutputFile(parameterFile).writeLines(settings.parameters);
   InputOptions options;
   options.links = settings.links;
@@ -42,9 +59,7 @@ double runTrial(const TunedSequence& sequence, const TrialSettings& settings, do
   ProcessRunner runner(loadGroupTracker(""), process);
   FrameReporter reporter(readParameterFile(parameterFile).delay);
   RunRecord run;
-  const double last = static_cast<double>(sequence.steps) * part;
-  InputFrame frame;
-  while (static_cast<double>(runner.frame()) < last && input.frames->next(frame)) {
+  for (InputFrame frame; input.frames->next(frame);) {
     reporter.note(frame);
     appendReport(reporter.report(runner.run(frame)), run);
   }

@@ -11,14 +11,14 @@ struct TunedSequence {
   std::string name;
   std::string input;
   GroupTruth truth;
-  std::uint64_t steps = 0;  ///< frames of the whole input
 };
 
-/// The numbers that a search can maximise.
-enum class TunedScore { windowed, whole, correctGroups, pairs };
+/// The numbers that a search can maximise. `sliding` is `windowed` in the mean over several first
+/// steps of the windows: where they are cut is chance, which a search would otherwise learn, too.
+enum class TunedScore { sliding, windowed, whole, correctGroups, pairs };
 
-/// Runs the first `part` of a sequence with some settings and returns its score. The process's
-/// parameters are those of the whole program from then on, and a wrong one ends it: to be called
-/// in a process of its own. `parameterFile` is written for the process to read.
-double runTrial(const TunedSequence& sequence, const TrialSettings& settings, double part,
-                TunedScore score, const std::string& parameterFile);
+/// Runs a sequence with some settings and returns its score. The process's parameters are those of
+/// the whole program from then on, and a wrong one ends it: to be called in a process of its own.
+/// `parameterFile` is written for the process to read.
+double runTrial(const TunedSequence& sequence, const TrialSettings& settings, TunedScore score,
+                const std::string& parameterFile);

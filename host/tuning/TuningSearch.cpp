@@ -1,33 +1,64 @@
 #include "TuningSearch.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
+#include <numeric>
 #include <utility>
 
 namespace {
 
-constexpr double shortPart = 0.25;   // of the sequences, for the first look at a candidate
-constexpr std::size_t halving = 4;   // one of so many is looked at closer
-constexpr std::size_t batch = 12;    // trials between two looks at the best; not the workers'
-constexpr std::size_t parents = 8;   // best ones around which is searched
-constexpr double firstReach = 0.15;  // of a value's range
-constexpr double smallestReach = 0.02;
-constexpr double changedShare = 0.2;  // of the values in one step
+constexpr std::size_t rounds = 4;          // more find narrower regions, which carry over less
+constexpr std::size_t smallestRound = 12;  // trials; fewer say nothing about a region
+constexpr std::size_t elite = 4;           // one of so many shapes the next round
+constexpr double renewed = 0.8;            // share of the newest round in the distribution
+constexpr double smallestSpread = 0.03;    // of a range
+constexpr double died = -std::numeric_limits<double>::infinity();
 
 }  // namespace
 
-Trial TuningSearch::run(const Evaluate& evaluate) {
-  searchRandomly(evaluate);
-  refine(evaluate);
-  return m_best.empty() ? Trial() : m_best.front();
+TuningSearch::TuningSearch(const TuningSpace& space, SearchOptions options)
+    : m_space(space),
+      m_options(options),
+      m_random(options.seed),
+      m_middle(space.values().size(), 0.5),
+      m_spread(space.values().size(), 0.5) {}
+
+SearchResult TuningSearch::run(const Evaluate& evaluate) {
+  SearchResult result;
+  const std::size_t roundSize = std::max(smallestRound, m_options.trials / rounds);
+  while (m_tried + 1 < m_options.trials) {
+    const bool isFirst = m_tried == 0;
+    const auto drawn = draw(std::min(roundSize, m_options.trials - 1 - m_tried), isFirst);
+    std::vector<Trial> trials;
+    trials.reserve(drawn.size());
+    for (const Places& places : drawn) {
+      trials.push_back({++m_tried, candidateAt(places), {}});
+    }
+    evaluate(trials);
+    const auto ranking = ranked(trials);
+    if (!ranking.empty() && worth(trials[ranking.front()]) > worth(result.best)) {
+      result.best = trials[ranking.front()];
+    }
+    narrow(ranking, drawn, isFirst);
+  }
+  std::vector<Trial> middle{{++m_tried, candidateAt(m_middle), {}}};
+  evaluate(middle);
+  if (worth(middle.front()) > died) {
+    result.middle = middle.front();
+  }
+  return result;
 }
 
 double TuningSearch::worth(const Trial& trial) const {
+  if (trial.scores.empty()) {
+    return died;
+  }
   double sum = 0.0;
   double worst = std::numeric_limits<double>::infinity();
   for (const auto& score : trial.scores) {
     if (!score) {
-      return -std::numeric_limits<double>::infinity();
+      return died;
     }
     sum += *score;
     worst = std::min(worst, *score);
@@ -36,58 +67,59 @@ double TuningSearch::worth(const Trial& trial) const {
   return (1.0 - m_options.worstShare) * sum / count + m_options.worstShare * worst;
 }
 
-void TuningSearch::searchRandomly(const Evaluate& evaluate) {
-  std::vector<Candidate> candidates{m_base};
-  while (candidates.size() < m_options.trials / 2) {
-    candidates.push_back(anywhere());
-  }
-  const auto quick = tryAll(candidates, shortPart, evaluate);
-  candidates = {m_base};
-  for (const Trial& trial : bestOf(quick, candidates.size() + quick.size() / halving)) {
-    if (trial.candidate != m_base) {
-      candidates.push_back(trial.candidate);
+std::vector<TuningSearch::Places> TuningSearch::draw(std::size_t count, bool isFirst) {
+  std::vector<Places> drawn(count, Places(m_middle.size()));
+  for (Places& places : drawn) {
+    for (std::size_t i = 0; i < places.size(); ++i) {
+      // Again instead of cutting off, or the ends of the ranges would be tried far too often.
+      do {
+        places[i] = isFirst ? uniform() : m_middle[i] + normal() * m_spread[i];
+      } while (places[i] < 0.0 || places[i] > 1.0);
     }
   }
-  m_best = bestOf(tryAll(candidates, 1.0, evaluate), parents);
+  return drawn;
 }
 
-void TuningSearch::refine(const Evaluate& evaluate) {
-  double reach = firstReach;
-  while (m_tried < m_options.trials && !m_best.empty()) {
-    std::vector<Candidate> candidates;
-    while (candidates.size() < std::min(batch, m_options.trials - m_tried)) {
-      // The product of two places prefers the best ones.
-      const double place = uniform() * uniform() * static_cast<double>(m_best.size());
-      candidates.push_back(near(m_best[static_cast<std::size_t>(place)].candidate, reach));
+void TuningSearch::narrow(std::vector<std::size_t> ranking, const std::vector<Places>& drawn,
+                          bool isFirst) {
+  ranking.resize(std::min(ranking.size(), drawn.size() / elite));
+  if (ranking.size() < 2) {
+    return;
+  }
+  const auto count = static_cast<double>(ranking.size());
+  const double share = isFirst ? 1.0 : renewed;
+  for (std::size_t i = 0; i < m_middle.size(); ++i) {
+    double middle = 0.0;
+    double variance = 0.0;
+    for (const std::size_t trial : ranking) {
+      middle += drawn[trial][i] / count;
     }
-    const double before = worth(m_best.front());
-    auto trials = tryAll(candidates, 1.0, evaluate);
-    trials.insert(trials.end(), m_best.begin(), m_best.end());
-    m_best = bestOf(std::move(trials), parents);
-    const bool isBetter = worth(m_best.front()) > before;
-    reach = isBetter ? std::min(firstReach, reach * 1.5) : std::max(smallestReach, reach * 0.8);
+    for (const std::size_t trial : ranking) {
+      variance += (drawn[trial][i] - middle) * (drawn[trial][i] - middle) / count;
+    }
+    m_middle[i] += share * (middle - m_middle[i]);
+    m_spread[i] += share * (std::sqrt(variance) - m_spread[i]);
+    m_spread[i] = std::max(m_spread[i], smallestSpread);
   }
 }
 
-std::vector<Trial> TuningSearch::tryAll(const std::vector<Candidate>& candidates, double part,
-                                        const Evaluate& evaluate) {
-  std::vector<Trial> trials;
-  for (const Candidate& candidate : candidates) {
-    trials.push_back({++m_tried, part, candidate, {}});
-  }
-  evaluate(trials);
-  return trials;
+/// The places of the trials that did not die, the best first.
+std::vector<std::size_t> TuningSearch::ranked(const std::vector<Trial>& trials) const {
+  std::vector<std::size_t> ranking(trials.size());
+  std::iota(ranking.begin(), ranking.end(), std::size_t{0});
+  std::erase_if(ranking, [&](std::size_t trial) { return worth(trials[trial]) == died; });
+  std::stable_sort(ranking.begin(), ranking.end(), [&](std::size_t a, std::size_t b) {
+    return worth(trials[a]) > worth(trials[b]);
+  });
+  return ranking;
 }
 
-std::vector<Trial> TuningSearch::bestOf(std::vector<Trial> trials, std::size_t count) const {
-  std::sort(trials.begin(), trials.end(), [this](const Trial& a, const Trial& b) {
-    return std::pair(-worth(a), a.number) < std::pair(-worth(b), b.number);
-  });
-  std::erase_if(trials, [this](const Trial& trial) {
-    return worth(trial) == -std::numeric_limits<double>::infinity();
-  });
-  trials.resize(std::min(trials.size(), count));
-  return trials;
+Candidate TuningSearch::candidateAt(const Places& places) const {
+  Candidate candidate;
+  for (std::size_t i = 0; i < places.size(); ++i) {
+    candidate.push_back(TuningSpace::atPlace(m_space.values()[i], places[i]));
+  }
+  return candidate;
 }
 
 // Not the standard distributions, whose numbers differ from library to library.
@@ -97,33 +129,11 @@ double TuningSearch::uniform() {
          static_cast<double>(std::uint64_t{1} << mantissa);
 }
 
-Candidate TuningSearch::anywhere() {
-  Candidate candidate;
-  for (const TunedValue& value : m_space.values()) {
-    candidate.push_back(TuningSpace::atPlace(value, uniform()));
-  }
-  return candidate;
-}
-
-Candidate TuningSearch::near(const Candidate& center, double reach) {
+double TuningSearch::normal() {
   constexpr int terms = 12;  // uniform numbers whose sum is close to normal, with variance 1
-  Candidate candidate = center;
-  const auto& values = m_space.values();
-  const auto certain = static_cast<std::size_t>(uniform() * static_cast<double>(values.size()));
-  for (std::size_t i = 0; i < values.size(); ++i) {
-    if (i != certain && uniform() > changedShare) {
-      continue;
-    }
-    double normal = -terms / 2.0;
-    for (int term = 0; term < terms; ++term) {
-      normal += uniform();
-    }
-    const TunedValue& value = values[i];
-    // A whole number would hardly ever change by a small step.
-    const double range = value.high - value.low;
-    const double least = value.scale == TunedValue::Scale::whole && range > 0.0 ? 0.7 / range : 0.0;
-    const double place = TuningSpace::placeOf(value, center[i]);
-    candidate[i] = TuningSpace::atPlace(value, place + normal * std::max(reach, least));
+  double sum = -terms / 2.0;
+  for (int term = 0; term < terms; ++term) {
+    sum += uniform();
   }
-  return candidate;
+  return sum;
 }

@@ -54,28 +54,27 @@ double rounded(double number) {
 
 }  // namespace
 
-TuningSpace TuningSpace::standard() {
+// Few values, since each more of them is one more way to learn the annotated sequences by heart:
+// what only says again what another one says (the weight of the distance, the strength of links
+// besides the least reliability) or has no effect on tracks without gaps is not among them. Nor is
+// the distance at which pairs are tried: each sequence asks for another one, so that what two of
+// them say of it makes a third worse.
+TuningSpace TuningSpace::standard(bool byClusters) {
   TuningSpace space;
+  if (byClusters) {
+    space.m_values = {
+        {delayLabel, 3.0, 12.0, Scale::whole},
+        {"tolerance:", 0.4, 4.0, Scale::logarithmic},
+        {"maxDistGroupMerge:", 0.5, 4.0, Scale::logarithmic},
+    };
+    return space;
+  }
   space.m_values = {
-      {"coherenceThreshold:", 1.0, 12.0, Scale::logarithmic},
-      {"distWeight:", 1.0, 12.0, Scale::whole},
-      {"speedSimWeight:", 0.0, 24.0, Scale::whole},
-      {"dirSimWeight:", 0.0, 30.0, Scale::whole},
-      {delayLabel, 3.0, 14.0, Scale::whole},
-      {memoryLabel, 1.0, 16.0, Scale::whole},
-      {"maxDistGroupCreation:", 0.6, 4.0, Scale::logarithmic},
-      {"maxDistGroupUpdate:", 1.0, 6.0, Scale::logarithmic},
-      {"minReliabilityBest:", 0.0, 1.0, Scale::linear},
-      {"minReliabilityOthers:", 0.0, 0.5, Scale::linear},
-      {"sonDistanceWeight:", 0.0, 40.0, Scale::linear},
-      {"fatherDistanceWeight:", 0.0, 40.0, Scale::linear},
-      {"--chain", 1.0, 3.0, Scale::whole},
-      {"--own-links", 1.0, 6.0, Scale::whole},
-      {"--neighbour-links", 0.0, 1.0, Scale::linear},
-      {"--neighbour-radius", 0.5, 6.0, Scale::logarithmic},
-      {"--neighbour-count", 1.0, 5.0, Scale::whole},
-      {"--motion-difference", 0.0, 4.0, Scale::linear},
-      {"--motion-steps", 1.0, 10.0, Scale::whole},
+      {"coherenceThreshold:", 1.5, 6.0, Scale::logarithmic},
+      {"dirSimWeight:", 4.0, 32.0, Scale::whole},
+      {"maxDistGroupUpdate:", 1.5, 4.0, Scale::logarithmic},
+      {"--neighbour-radius", 1.0, 5.0, Scale::logarithmic},
+      {"--motion-difference", 0.2, 1.0, Scale::logarithmic},
   };
   return space;
 }
@@ -143,9 +142,12 @@ TrialSettings TuningSpace::settingsOf(const Candidate& candidate, const Paramete
       changes[value.name] = candidate[i];
     }
   }
-  if (const auto memory = changes.find(memoryLabel); memory != changes.end()) {
-    const auto delay = changes.find(delayLabel);
-    memory->second += delay == changes.end() ? base.number(delayLabel) : delay->second;
+  if (const auto delay = changes.find(delayLabel); delay != changes.end()) {
+    const auto memory =
+        changes.try_emplace(memoryLabel, base.number(memoryLabel) - base.number(delayLabel));
+    memory.first->second += delay->second;
+  } else if (const auto memory = changes.find(memoryLabel); memory != changes.end()) {
+    memory->second += base.number(delayLabel);
   }
   settings.parameters = base.with(changes);
   return settings;

@@ -28,12 +28,13 @@ struct TrialSettings {
   std::string linkArguments;  ///< the links as arguments of `run`
 };
 
-/// The values that are tuned. Those of "temporalWinForRemoval:" are counted from that of
-/// "temporalWinSize:" on, since a history that ends before the processed frame finds nothing.
+/// The values that are tuned. "temporalWinForRemoval:" counts from "temporalWinSize:" on, since a
+/// history that ends before the processed frame finds nothing; when only the latter is tuned, the
+/// difference stays that of the base.
 class TuningSpace {
  public:
-  /// The values that matter for groups in pairwise mode.
-  static TuningSpace standard();
+  /// The values that matter for groups by pairs or, with `byClusters`, by clusters.
+  static TuningSpace standard(bool byClusters);
   /// Reads one value a line, `name low high linear|logarithmic|whole`; empty lines and those that
   /// start with # are passed over. Bad input is an `InputError`.
   static TuningSpace read(std::istream& in, const std::string& name);

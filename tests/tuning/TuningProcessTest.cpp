@@ -57,24 +57,24 @@ class TrialLogFile : public testing::Test {
 TEST_F(TrialLogFile, AnswersForTrialsOfAnEarlierRun) {
   {
     TrialLog log(m_path, {"a", "b"}, m_space, false);
-    log.write({2, 0.25, {0.1}, {0.1 + 0.2, std::nullopt}});
-    log.write({1, 1.0, {7.0}, {0.5, 0.25}});
+    log.write({2, {0.1}, {0.1 + 0.2, std::nullopt}});
+    log.write({1, {7.0}, {0.5, 0.25}});
   }
   TrialLog resumed(m_path, {"a", "b"}, m_space, true);
-  Trial trial{2, 0.25, {0.1}, {}};
+  Trial trial{2, {0.1}, {}};
   ASSERT_TRUE(resumed.recall(trial));
   EXPECT_EQ(trial.scores, (std::vector<std::optional<double>>{0.1 + 0.2, std::nullopt}));
-  Trial unknown{3, 1.0, {7.0}, {}};
+  Trial unknown{3, {7.0}, {}};
   EXPECT_FALSE(resumed.recall(unknown));
   EXPECT_EQ(text(),
-            "trial,part,a,b,distWeight:\n1,1,0.5,0.25,7\n2,0.25,0.30000000000000004,died,0.1\n");
+            "trial,a,b,distWeight:\n1,0.5,0.25,7\n2,0.30000000000000004,died,0.1\n");
 }
 
 TEST_F(TrialLogFile, RefusesTheTrialsOfAnotherSearch) {
-  TrialLog(m_path, {"a"}, m_space, false).write({1, 1.0, {7.0}, {0.5}});
+  TrialLog(m_path, {"a"}, m_space, false).write({1, {7.0}, {0.5}});
   EXPECT_THROW(TrialLog(m_path, {"b"}, m_space, true), std::runtime_error);
   const TrialLog log(m_path, {"a"}, m_space, true);
-  Trial other{1, 1.0, {8.0}, {}};
+  Trial other{1, {8.0}, {}};
   EXPECT_THROW(log.recall(other), std::runtime_error);
 }
 
