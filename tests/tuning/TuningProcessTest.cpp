@@ -66,8 +66,7 @@ TEST_F(TrialLogFile, AnswersForTrialsOfAnEarlierRun) {
   EXPECT_EQ(trial.scores, (std::vector<std::optional<double>>{0.1 + 0.2, std::nullopt}));
   Trial unknown{3, {7.0}, {}};
   EXPECT_FALSE(resumed.recall(unknown));
-  EXPECT_EQ(text(),
-            "trial,a,b,distWeight:\n1,0.5,0.25,7\n2,0.30000000000000004,died,0.1\n");
+  EXPECT_EQ(text(), "trial,a,b,distWeight:\n1,0.5,0.25,7\n2,0.30000000000000004,died,0.1\n");
 }
 
 TEST_F(TrialLogFile, RefusesTheTrialsOfAnotherSearch) {
