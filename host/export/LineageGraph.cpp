@@ -15,11 +15,8 @@ void LineageGraph::write(const ReportedStep& step) {
     life.last = group.isVisible ? frame : life.last;
   }
   for (const TrackedEvent& event : step.events) {
-    if (event.kind == EventKind::Merged) {
+    if (event.kind == EventKind::Merged || event.kind == EventKind::Split) {
       m_lives.try_emplace(*event.other, Life{frame, frame, {}});  // one that was never listed
-      m_ties.push_back({*event.other, event.group, event.kind, frame});
-    } else if (event.kind == EventKind::Split) {
-      m_lives.try_emplace(*event.other, Life{frame, frame, {}});
       m_ties.push_back({*event.other, event.group, event.kind, frame});
     }
   }

@@ -68,6 +68,7 @@ void hull(cv::Mat& picture, const std::vector<cv::Point>& points, const cv::Scal
   if (!area.empty()) {
     cv::Mat filled = picture(area).clone();
     std::vector<cv::Point> shifted;
+    shifted.reserve(rim.size());
     for (const cv::Point& point : rim) {
       shifted.push_back(point - area.tl());
     }

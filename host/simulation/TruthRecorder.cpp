@@ -33,6 +33,7 @@ std::map<int, std::vector<std::uint32_t>> groupsOf(const std::vector<Walker>& in
 
 std::vector<std::uint32_t> idsOf(const std::vector<Walker>& walkers) {
   std::vector<std::uint32_t> ids;
+  ids.reserve(walkers.size());
   for (const Walker& walker : walkers) {
     ids.push_back(walker.id);
   }
