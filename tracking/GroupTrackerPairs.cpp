@@ -1,13 +1,9 @@
-#include <fmt/format.h>
-
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <deque>
-#include <string_view>
-#include <vector>
 
 #include "Diagnostics.h"
+#include "DistanceLines.h"
 #include "GroupTracker.h"
 #include "MobileTypes.h"
 #include "Util.h"
@@ -17,70 +13,6 @@ namespace {
 bool isTooFarForPair(const cv::Point3f& a, const cv::Point3f& b) {
   return Util::distance3D(a, b) > GroupTracker::maxDistGroupCreation;
 }
-
-// The lines that tell the distances between all mobiles of a frame. With n mobiles they are n * n,
-// so what depends on one mobile alone is made once, and the text of a distance serves both ways.
-class DistanceLines {
- public:
-  void print(const GroupTracker::MobileList& mobiles) {
-    takeIn(mobiles);
-    for (std::size_t a = 0; a < m_mobiles.size(); ++a) {
-      TextBuffer::Short<48> start;
-      start.set(textOf("distance between ", m_mobiles[a].ident, " and "));
-      for (std::size_t b = 0; b < m_mobiles.size(); ++b) {
-        if (m_mobiles[a].ident == m_mobiles[b].ident) {
-          continue;
-        }
-        const Distance& distance = a < b ? measure(a, b) : m_distances[pairOf(b, a)];
-        if (distance.length > 0) {
-          Diagnostics::write(start, m_mobiles[b].asSecond, distance, "\n");
-        } else {
-          Diagnostics::write(start, m_mobiles[b].asSecond, metres(a, b), "\n");
-        }
-      }
-    }
-  }
-
- private:
-  using Distance = TextBuffer::Short<20>;  // empty for one beyond every scene
-
-  struct Mobile {
-    int ident;
-    cv::Point3f center;
-    TextBuffer::Short<16> asSecond;
-  };
-
-  void takeIn(const GroupTracker::MobileList& mobiles) {
-    m_mobiles.clear();
-    for (const auto& mobile : mobiles) {
-      m_mobiles.push_back({mobile->getIdent(), mobile->getBaseCenter(), {}});
-      m_mobiles.back().asSecond.set(textOf(mobile->getIdent(), " = "));
-    }
-    m_distances.resize(m_mobiles.size() * m_mobiles.size() / 2);
-  }
-
-  template <typename... Parts>
-  std::string_view textOf(const Parts&... parts) {
-    m_text.clear();
-    m_text.write(parts...);
-    return m_text.text();
-  }
-
-  // Where the distance of a pair is kept; the first of the two has the lower place.
-  static std::size_t pairOf(std::size_t a, std::size_t b) { return b * (b - 1) / 2 + a; }
-  double metres(std::size_t a, std::size_t b) const {
-    return Util::norm3D(m_mobiles[b].center - m_mobiles[a].center);
-  }
-  const Distance& measure(std::size_t a, std::size_t b) {
-    Distance& distance = m_distances[pairOf(a, b)];
-    distance.set(textOf(metres(a, b)));
-    return distance;
-  }
-
-  std::vector<Mobile> m_mobiles;
-  std::vector<Distance> m_distances;
-  TextBuffer m_text;
-};
 
 }  // namespace
 
