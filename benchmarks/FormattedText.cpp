@@ -1,4 +1,4 @@
-#include "FormattedText.h"
+#include "benchmarks/FormattedText.h"
 
 #include <charconv>
 #include <cstdio>

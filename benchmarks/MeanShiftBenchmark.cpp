@@ -2,6 +2,10 @@
 // checks that both give the same bits. With --points_folder=FOLDER it also writes the points, one
 // per line, to FOLDER/sparse_20.txt and so on. Ends with status 1 when results differ.
 
+#include "benchmarks/TrajectoryPoints.h"
+#include "benchmarks/reference/Clustering.h"
+#include "tracker/clustering/MeanShift.h"
+
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -12,10 +16,6 @@
 #include <limits>
 #include <list>
 #include <string>
-
-#include "Clustering.h"
-#include "MeanShift.h"
-#include "TrajectoryPoints.h"
 
 namespace {
 

@@ -1,16 +1,15 @@
-#include "MeasuredProcess.h"
+#include "benchmarks/MeasuredProcess.h"
 
-#include <fcntl.h>
-#include <unistd.h>
+#include "tests/support/process/TestParameters.h"
+#include "tracker/geometry/Util.h"
+#include "tracker/tracking/Group.h"
+#include "tracker/tracking/GroupTracker.h"
 
 #include <cstdio>
 #include <ctime>
+#include <fcntl.h>
 #include <filesystem>
-
-#include "Group.h"
-#include "GroupTracker.h"
-#include "TestParameters.h"
-#include "Util.h"
+#include <unistd.h>
 
 double cpuSeconds() {
   std::timespec time{};

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "benchmarks/SteadyScene.h"
+#include "tests/support/base/TempFolder.h"
+#include "tests/support/process/ProcessDriver.h"
+#include "tests/support/process/StaticsGuard.h"
+
 #include <memory>
 #include <string>
-
-#include "ProcessDriver.h"
-#include "StaticsGuard.h"
-#include "SteadyScene.h"
-#include "TempFolder.h"
 
 /// Seconds that this program has computed so far.
 double cpuSeconds();

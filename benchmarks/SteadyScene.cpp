@@ -1,4 +1,4 @@
-#include "SteadyScene.h"
+#include "benchmarks/SteadyScene.h"
 
 #include <fmt/format.h>
 

@@ -2,10 +2,9 @@
 
 #include <kel/kelDataActor.h>
 
-#include <opencv2/core/types.hpp>
-
 #include <QList>
 #include <QSharedPointer>
+#include <opencv2/core/types.hpp>
 
 #include <cstdint>
 #include <deque>

@@ -1,4 +1,4 @@
-#include "TrajectoryPoints.h"
+#include "benchmarks/TrajectoryPoints.h"
 
 #include <algorithm>
 #include <array>

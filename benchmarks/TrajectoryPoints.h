@@ -1,8 +1,8 @@
 #pragma once
 
-#include <cstddef>
+#include "tracker/clustering/matrix.h"
 
-#include "matrix.h"
+#include <cstddef>
 
 /// How people walk: each alone, or most of them in company.
 enum class Company { sparse, dense };

@@ -2,22 +2,22 @@
 // trajectories: first the clustering, that is the features and their mean shift, then the whole
 // frame, in which the groups are kept up to date as well. Everything is processor time.
 
+#include "benchmarks/MeasuredProcess.h"
+#include "benchmarks/SteadyScene.h"
+#include "tests/support/process/TestParameters.h"
+#include "tracker/clustering/MeanShift.h"
+#include "tracker/diagnostics/Diagnostics.h"
+#include "tracker/geometry/Util.h"
+#include "tracker/tracking/Group.h"
+#include "tracker/tracking/GroupTracker.h"
+#include "tracker/tracking/TrajectoryFeatures.h"
+
 #include <benchmark/benchmark.h>
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <limits>
 #include <vector>
-
-#include "Diagnostics.h"
-#include "Group.h"
-#include "GroupTracker.h"
-#include "MeanShift.h"
-#include "MeasuredProcess.h"
-#include "SteadyScene.h"
-#include "TestParameters.h"
-#include "TrajectoryFeatures.h"
-#include "Util.h"
 
 namespace {
 

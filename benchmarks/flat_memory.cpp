@@ -1,6 +1,8 @@
 // Runs a process for as long as asked, with 20 people coming and going, and shows that neither the
 // memory nor the time of a frame grows: flat_memory [FRAMES], 100000 by default.
 
+#include "benchmarks/MeasuredProcess.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -9,8 +11,6 @@
 #include <fstream>
 #include <string>
 #include <vector>
-
-#include "MeasuredProcess.h"
 
 namespace {
 

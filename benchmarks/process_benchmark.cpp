@@ -1,14 +1,14 @@
 // Times the whole process, frame by frame, against what printf, std::to_chars and memcpy need for
 // the same text. Everything is processor time, so that other programs disturb little.
 
+#include "benchmarks/FormattedText.h"
+#include "benchmarks/MeasuredProcess.h"
+
 #include <benchmark/benchmark.h>
 #include <fmt/format.h>
 
 #include <functional>
 #include <string>
-
-#include "FormattedText.h"
-#include "MeasuredProcess.h"
 
 namespace {
 

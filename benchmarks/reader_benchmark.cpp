@@ -1,16 +1,16 @@
 // How many frames of 50 people a second each reader yields alone, the writer of groups takes, and
 // the process works on: what a run spends beside its tracking. All is processor time.
 
-#include "CvmlReader.h"
-#include "FrameReporter.h"
-#include "GroundPlaneCalibration.h"
-#include "GroupsWriter.h"
-#include "MeasuredProcess.h"
-#include "MotReader.h"
-#include "ObsmatReader.h"
-#include "SceneReader.h"
-#include "SteadyScene.h"
-#include "TrackAssembler.h"
+#include "benchmarks/MeasuredProcess.h"
+#include "benchmarks/SteadyScene.h"
+#include "host/camera/GroundPlaneCalibration.h"
+#include "host/input/CvmlReader.h"
+#include "host/input/MotReader.h"
+#include "host/input/ObsmatReader.h"
+#include "host/input/SceneReader.h"
+#include "host/output/GroupsWriter.h"
+#include "host/people/TrackAssembler.h"
+#include "host/run/FrameReporter.h"
 
 #include <benchmark/benchmark.h>
 #include <fmt/format.h>
@@ -19,6 +19,8 @@
 #include <sstream>
 #include <string>
 #include <utility>
+
+using namespace grouptracker;
 
 namespace {
 

@@ -1,9 +1,9 @@
 // Writes the scene that the process is timed on as a scene file: steady_scene PEOPLE FRAMES.
 
+#include "benchmarks/SteadyScene.h"
+
 #include <cstdlib>
 #include <iostream>
-
-#include "SteadyScene.h"
 
 int main(int argc, char** argv) {
   if (argc != 3) {

@@ -10,11 +10,35 @@ function(grouptracker_options target)
 endfunction()
 
 # grouptracker_layer(NAME SOURCES ... [LINKS ...] [PRIVATE_LINKS ...]): the static library of one
-# folder; its headers are included by name without a path.
+# folder; headers are included by their path from the root.
 function(grouptracker_layer name)
   cmake_parse_arguments(arg "" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
   add_library(${name} STATIC ${arg_SOURCES})
-  target_include_directories(${name} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
+  target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR})
   target_link_libraries(${name} PUBLIC ${arg_LINKS} PRIVATE ${arg_PRIVATE_LINKS})
   grouptracker_options(${name})
+  grouptracker_use_precompiled(${name} precompiled_library)
+endfunction()
+
+# grouptracker_precompiled(NAME KIND [HEADERS ...]): a target of the given kind, STATIC or EXECUTABLE,
+# that compiles the headers which most sources include; others share the result by
+# grouptracker_use_precompiled. Libraries and programs cannot share one, as their code differs.
+set(precompiled_folder ${CMAKE_CURRENT_LIST_DIR})
+add_library(precompiled_needs INTERFACE)
+
+function(grouptracker_precompiled name kind)
+  cmake_parse_arguments(arg "" "" "HEADERS;LINKS" ${ARGN})
+  if(kind STREQUAL EXECUTABLE)
+    add_executable(${name} ${precompiled_folder}/PrecompiledMain.cpp)
+  else()
+    add_library(${name} ${kind} ${precompiled_folder}/Precompiled.cpp)
+  endif()
+  grouptracker_options(${name})
+  target_link_libraries(${name} PRIVATE precompiled_needs ${arg_LINKS})
+  target_precompile_headers(${name} PRIVATE ${precompiled_folder}/Precompiled.h ${arg_HEADERS})
+endfunction()
+
+function(grouptracker_use_precompiled target source)
+  target_link_libraries(${target} PRIVATE precompiled_needs)
+  target_precompile_headers(${target} REUSE_FROM ${source})
 endfunction()

@@ -1,14 +1,16 @@
 #pragma once
 
-#include "FrameSource.h"
-#include "InputError.h"
-#include "ObservationSource.h"
+#include "host/base/InputError.h"
+#include "host/people/FrameSource.h"
+#include "host/people/ObservationSource.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <ios>
 #include <sstream>
 #include <string>
+
+namespace grouptracker {
 
 /// The name under which readers know the fuzzed bytes.
 inline const char* const fuzzedName = "fuzzed";
@@ -40,3 +42,5 @@ inline void readAll(ObservationSource& source) {
   for (int i = 0; i < mostFuzzedFrames && source.next(step); ++i) {
   }
 }
+
+}  // namespace grouptracker

@@ -1,8 +1,10 @@
-#include "CalibrationReader.h"
-#include "FuzzedInput.h"
+#include "fuzz/FuzzedInput.h"
+#include "host/camera/CalibrationReader.h"
 
 #include <sys/mman.h>
 #include <unistd.h>
+
+namespace grouptracker {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   // The reader wants a file's name; this one lies in memory.
@@ -13,3 +15,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
   return readFuzzed(data, size, [](std::istream&) { readCalibration(path); });
 }
+
+}  // namespace grouptracker

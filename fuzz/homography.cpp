@@ -1,7 +1,12 @@
-#include "Homography.h"
-#include "FuzzedInput.h"
+#include "host/camera/Homography.h"
+
+#include "fuzz/FuzzedInput.h"
+
+namespace grouptracker {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   return readFuzzed(
       data, size, [](std::istream& in) { readHomography(in, fuzzedName, ImageOrder::RowColumn); });
 }
+
+}  // namespace grouptracker

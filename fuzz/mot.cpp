@@ -1,7 +1,9 @@
-#include "FuzzedInput.h"
-#include "GroundPlaneCalibration.h"
-#include "MotReader.h"
-#include "TrackAssembler.h"
+#include "fuzz/FuzzedInput.h"
+#include "host/camera/GroundPlaneCalibration.h"
+#include "host/input/MotReader.h"
+#include "host/people/TrackAssembler.h"
+
+namespace grouptracker {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const auto camera = QSharedPointer<GroundPlaneCalibration>::create(
@@ -13,3 +15,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     readAll(frames);
   });
 }
+
+}  // namespace grouptracker

@@ -1,6 +1,8 @@
-#include "FuzzedInput.h"
-#include "ObsmatReader.h"
-#include "TrackAssembler.h"
+#include "fuzz/FuzzedInput.h"
+#include "host/input/ObsmatReader.h"
+#include "host/people/TrackAssembler.h"
+
+namespace grouptracker {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   return readFuzzed(data, size, [](std::istream& in) {
@@ -8,3 +10,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     readAll(frames);
   });
 }
+
+}  // namespace grouptracker

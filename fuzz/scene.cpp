@@ -1,6 +1,8 @@
-#include "FuzzedInput.h"
-#include "GroundPlaneCalibration.h"
-#include "SceneReader.h"
+#include "fuzz/FuzzedInput.h"
+#include "host/camera/GroundPlaneCalibration.h"
+#include "host/input/SceneReader.h"
+
+namespace grouptracker {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const auto camera = QSharedPointer<GroundPlaneCalibration>::create(
@@ -10,3 +12,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     readAll(scene);
   });
 }
+
+}  // namespace grouptracker

@@ -1,6 +1,10 @@
-#include "FuzzedInput.h"
-#include "MotSequence.h"
+#include "fuzz/FuzzedInput.h"
+#include "host/input/MotSequence.h"
+
+namespace grouptracker {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   return readFuzzed(data, size, [](std::istream& in) { readSequenceInfo(in, fuzzedName); });
 }
+
+}  // namespace grouptracker

@@ -1,5 +1,7 @@
-#include "FuzzedInput.h"
-#include "TsaiReader.h"
+#include "fuzz/FuzzedInput.h"
+#include "host/camera/TsaiReader.h"
+
+namespace grouptracker {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   return readFuzzed(data, size, [](std::istream& in) {
@@ -7,3 +9,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     camera.worldToImage(camera.imageToWorld({100, 200}, 0.0));
   });
 }
+
+}  // namespace grouptracker

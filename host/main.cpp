@@ -1,23 +1,22 @@
-#include "CalibrateCommand.h"
-#include "CheckCommand.h"
-#include "Command.h"
-#include "ConvertCommand.h"
-#include "EvaluateCommand.h"
-#include "EventsCommand.h"
-#include "ExplainCommand.h"
-#include "InputError.h"
-#include "OutputError.h"
-#include "ProcessRunner.h"
-#include "ReportCommand.h"
-#include "RunBesideWindow.h"
-#include "RunCommand.h"
-#include "SimulateCommand.h"
-#include "TuneCommand.h"
+#include "host/base/InputError.h"
+#include "host/base/OutputError.h"
+#include "host/commands/CalibrateCommand.h"
+#include "host/commands/CheckCommand.h"
+#include "host/commands/Command.h"
+#include "host/commands/ConvertCommand.h"
+#include "host/commands/EvaluateCommand.h"
+#include "host/commands/EventsCommand.h"
+#include "host/commands/ExplainCommand.h"
+#include "host/commands/ReportCommand.h"
+#include "host/commands/RunCommand.h"
+#include "host/commands/SimulateCommand.h"
+#include "host/commands/TuneCommand.h"
+#include "host/pictures/window/RunBesideWindow.h"
+#include "host/run/ProcessRunner.h"
 
-#include <fmt/format.h>
 #include <CLI/CLI.hpp>
 #include <QCoreApplication>
-
+#include <fmt/format.h>
 #include <opencv2/core/utility.hpp>
 #include <opencv2/core/utils/logger.hpp>
 
@@ -29,6 +28,8 @@
 #include <string>
 #include <utility>
 #include <vector>
+
+using namespace grouptracker;
 
 namespace {
 

@@ -1,11 +1,11 @@
-#include "Clustering.h"
+#include "benchmarks/reference/Clustering.h"
+
+#include "benchmarks/reference/MeanShiftReference.h"
+#include "tracker/clustering/MeanShift.h"
 
 #include <bit>
 #include <cmath>
 #include <cstdint>
-
-#include "MeanShift.h"
-#include "MeanShiftReference.h"
 
 Clustering::Clustering(const math::matrix<double>& points)
     : data(points),

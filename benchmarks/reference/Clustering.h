@@ -1,9 +1,9 @@
 #pragma once
 
+#include "tracker/clustering/matrix.h"
+
 #include <string>
 #include <vector>
-
-#include "matrix.h"
 
 /// A clustering of points: everything that a mean shift writes, sized for it and cleared. It is
 /// computed in either way, from where the last one left it, and compared.

@@ -1,4 +1,4 @@
-#include "MeanShiftReference.h"
+#include "benchmarks/reference/MeanShiftReference.h"
 
 #include <cmath>
 #include <cstddef>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "matrix.h"
+#include "tracker/clustering/matrix.h"
 
 /// What `MeanShift::meanShift` computes, written down as plainly as possible and at the pace that
 /// this has: matrix by matrix, every pair of points by its distance. It is what the fast way is

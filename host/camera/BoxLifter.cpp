@@ -1,7 +1,9 @@
-#include "BoxLifter.h"
+#include "host/camera/BoxLifter.h"
 
 #include <algorithm>
 #include <cmath>
+
+namespace grouptracker {
 
 namespace {
 
@@ -62,3 +64,5 @@ cv::Rect projectBox(const kelAbstractDataCalibration& camera, const BoundingBox3
   const cv::Point corner(cvFloor(low.x), cvFloor(low.y));
   return {corner, cv::Point(cvCeil(high.x), cvCeil(high.y))};
 }
+
+}  // namespace grouptracker

@@ -7,6 +7,8 @@
 
 #include <optional>
 
+namespace grouptracker {
+
 /// Goes between boxes in the image and upright bodies on the ground, through a camera. Image boxes
 /// in pixels, y downwards; bodies in metres, z up, their first corner the upper one.
 
@@ -23,3 +25,5 @@ std::optional<BoundingBox3D> liftBox(const kelAbstractDataCalibration& camera,
 /// The smallest image box that shows all eight corners of the body; empty when the camera cannot
 /// see one of them.
 cv::Rect projectBox(const kelAbstractDataCalibration& camera, const BoundingBox3D& body);
+
+}  // namespace grouptracker

@@ -1,12 +1,14 @@
-#include "CalibrationNodes.h"
+#include "host/camera/CalibrationNodes.h"
 
-#include "GroundPlaneCalibration.h"
-#include "PinholeCalibration.h"
-#include "TsaiCalibration.h"
+#include "host/camera/GroundPlaneCalibration.h"
+#include "host/camera/PinholeCalibration.h"
+#include "host/camera/TsaiCalibration.h"
 
 #include <opencv2/core.hpp>
 
 #include <array>
+
+namespace grouptracker {
 
 namespace {
 
@@ -77,3 +79,5 @@ QSharedPointer<HostCalibration> makeCalibration(const CalibrationNodes& nodes) {
   }
   return nullptr;
 }
+
+}  // namespace grouptracker

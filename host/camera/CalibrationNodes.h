@@ -1,12 +1,14 @@
 #pragma once
 
-#include "HostCalibration.h"
+#include "host/camera/HostCalibration.h"
 
 #include <QSharedPointer>
 
 #include <cstddef>
 #include <string>
 #include <vector>
+
+namespace grouptracker {
 
 /// Where a calibration's named matrices come from: a file or the line of a scene.
 class CalibrationNodes {
@@ -26,3 +28,5 @@ class CalibrationNodes {
 
 /// The camera that the nodes describe, see `readCalibration`; null when they describe none.
 QSharedPointer<HostCalibration> makeCalibration(const CalibrationNodes& nodes);
+
+}  // namespace grouptracker

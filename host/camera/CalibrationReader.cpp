@@ -1,12 +1,12 @@
-#include "CalibrationReader.h"
+#include "host/camera/CalibrationReader.h"
 
-#include "CalibrationNodes.h"
-#include "InputError.h"
-#include "InputFile.h"
-#include "LineReader.h"
-#include "StorageCheck.h"
-#include "TsaiCalibration.h"
-#include "TsaiReader.h"
+#include "host/base/InputError.h"
+#include "host/base/InputFile.h"
+#include "host/base/LineReader.h"
+#include "host/camera/CalibrationNodes.h"
+#include "host/camera/StorageCheck.h"
+#include "host/camera/TsaiCalibration.h"
+#include "host/camera/TsaiReader.h"
 
 #include <opencv2/core.hpp>
 
@@ -17,6 +17,8 @@
 #include <regex>
 #include <system_error>
 #include <vector>
+
+namespace grouptracker {
 
 namespace {
 
@@ -156,3 +158,5 @@ QSharedPointer<kelAbstractDataCalibration> readCalibration(const std::string& pa
   }
   return calibration;
 }
+
+}  // namespace grouptracker

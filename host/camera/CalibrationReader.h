@@ -6,6 +6,8 @@
 
 #include <string>
 
+namespace grouptracker {
+
 /// Reads a camera from an OpenCV file (`*.yml`, `*.xml` or `*.json`), node order free. Either the
 /// full camera, world to camera in metres:
 ///
@@ -16,3 +18,5 @@
 /// `camera_position` 3x1. A camera of Tsai's model may also come as XML, see `readTsaiCamera`.
 /// A file that is no such thing is an `InputError` that names the node.
 QSharedPointer<kelAbstractDataCalibration> readCalibration(const std::string& path);
+
+}  // namespace grouptracker

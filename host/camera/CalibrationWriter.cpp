@@ -1,9 +1,11 @@
-#include "CalibrationWriter.h"
+#include "host/camera/CalibrationWriter.h"
 
-#include "OutputFile.h"
+#include "host/base/OutputFile.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
+
+namespace grouptracker {
 
 void writeCalibration(const HostCalibration& camera, const std::string& path) {
   std::string text = "%YAML:1.0\n---\n";
@@ -23,3 +25,5 @@ std::string calibrationText(const HostCalibration& camera) {
   }
   return text + "}";
 }
+
+}  // namespace grouptracker

@@ -1,11 +1,13 @@
-#include "CameraEstimate.h"
+#include "host/camera/CameraEstimate.h"
 
-#include "Homography.h"
+#include "host/camera/Homography.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <optional>
+
+namespace grouptracker {
 
 namespace {
 
@@ -84,3 +86,5 @@ cv::Size guessImageSize(const cv::Point2d& farthest) {
   }
   return {static_cast<int>(right), static_cast<int>(bottom)};
 }
+
+}  // namespace grouptracker

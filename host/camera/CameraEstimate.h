@@ -2,6 +2,8 @@
 
 #include <opencv2/core.hpp>
 
+namespace grouptracker {
+
 /// Where the camera stands that sees the ground through a homography (image column and row to
 /// metres), estimated for square pixels and the principal point in the middle of the image.
 ///
@@ -13,3 +15,5 @@ cv::Point3d estimateCameraPosition(const cv::Matx33d& imageToGround, const cv::S
 /// The smallest usual image size that holds the point with the largest column and row at which
 /// anything is seen (pixels), or just as large as that.
 cv::Size guessImageSize(const cv::Point2d& farthest);
+
+}  // namespace grouptracker

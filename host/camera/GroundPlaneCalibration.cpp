@@ -1,6 +1,8 @@
-#include "GroundPlaneCalibration.h"
+#include "host/camera/GroundPlaneCalibration.h"
 
-#include "Homography.h"
+#include "host/camera/Homography.h"
+
+namespace grouptracker {
 
 GroundPlaneCalibration::GroundPlaneCalibration(const cv::Matx33d& imageToGround,
                                                const cv::Point3d& cameraPosition)
@@ -27,3 +29,5 @@ std::vector<CalibrationNode> GroundPlaneCalibration::nodes() const {
   return {{"homography", 3, 3, std::vector<double>(m_imageToGround.val, m_imageToGround.val + 9)},
           {"camera_position", 3, 1, {m_position.x, m_position.y, m_position.z}}};
 }
+
+}  // namespace grouptracker

@@ -1,8 +1,10 @@
 #pragma once
 
-#include "HostCalibration.h"
+#include "host/camera/HostCalibration.h"
 
 #include <opencv2/core.hpp>
+
+namespace grouptracker {
 
 /// A camera of which only the view of the ground is known: a homography from image points (column,
 /// row, pixels) to ground points (x, y, metres), and where the camera stands. Points above the
@@ -23,3 +25,5 @@ class GroundPlaneCalibration : public HostCalibration {
   cv::Matx33d m_groundToImage;
   cv::Point3d m_position;
 };
+
+}  // namespace grouptracker

@@ -1,13 +1,15 @@
-#include "Homography.h"
+#include "host/camera/Homography.h"
 
-#include "InputFile.h"
-#include "LineReader.h"
-#include "TextNumbers.h"
+#include "host/base/InputFile.h"
+#include "host/base/LineReader.h"
+#include "host/base/TextNumbers.h"
 
 #include <cmath>
 #include <stdexcept>
 #include <utility>
 #include <vector>
+
+namespace grouptracker {
 
 namespace {
 
@@ -75,3 +77,5 @@ bool isHomographyFile(const std::string& path) {
   }
   return !numbers.empty();
 }
+
+}  // namespace grouptracker

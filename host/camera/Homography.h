@@ -5,6 +5,8 @@
 #include <istream>
 #include <string>
 
+namespace grouptracker {
+
 /// Which image coordinate a homography takes first.
 enum class ImageOrder { ColumnRow, RowColumn };
 
@@ -25,3 +27,5 @@ cv::Matx33d readHomography(std::istream& in, const std::string& name, ImageOrder
 cv::Matx33d readHomography(const std::string& path, ImageOrder order);
 /// Whether the file's first filled line holds numbers only, as no other calibration's does.
 bool isHomographyFile(const std::string& path);
+
+}  // namespace grouptracker

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+namespace grouptracker {
+
 /// A named matrix of numbers in a calibration file, row after row.
 struct CalibrationNode {
   std::string name;
@@ -19,3 +21,5 @@ class HostCalibration : public kelAbstractDataCalibration {
   /// What a calibration file must hold for this camera.
   virtual std::vector<CalibrationNode> nodes() const = 0;
 };
+
+}  // namespace grouptracker

@@ -1,6 +1,6 @@
-#include "PeopleCamera.h"
+#include "host/camera/PeopleCamera.h"
 
-#include "PeopleCameraModel.h"
+#include "host/camera/PeopleCameraModel.h"
 
 #include <fmt/format.h>
 
@@ -11,6 +11,8 @@
 #include <optional>
 #include <random>
 #include <set>
+
+namespace grouptracker {
 
 namespace {
 
@@ -263,3 +265,5 @@ PeopleCamera estimatePeopleCamera(const std::vector<PersonBox>& boxes, const cv:
           whole.size(),
           persons.size()};
 }
+
+}  // namespace grouptracker

@@ -1,9 +1,8 @@
 #pragma once
 
-#include "GroundPlaneCalibration.h"
+#include "host/camera/GroundPlaneCalibration.h"
 
 #include <QSharedPointer>
-
 #include <opencv2/core.hpp>
 
 #include <cstddef>
@@ -11,6 +10,8 @@
 #include <stdexcept>
 #include <string>
 #include <vector>
+
+namespace grouptracker {
 
 constexpr double usualBodyHeight = 1.7;  // m, the mean of people who walk about
 
@@ -60,3 +61,5 @@ class NoPeopleCamera : public std::runtime_error {
 /// The boxes come in order of steps. Throws `NoPeopleCamera`.
 PeopleCamera estimatePeopleCamera(const std::vector<PersonBox>& boxes, const cv::Size& imageSize,
                                   double bodyHeight);
+
+}  // namespace grouptracker

@@ -1,8 +1,10 @@
-#include "PeopleCameraModel.h"
+#include "host/camera/PeopleCameraModel.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
+
+namespace grouptracker {
 
 namespace {
 
@@ -176,3 +178,5 @@ RefinedCamera refineCamera(const WalkingPeople& people, const UprightCamera& sta
   best.focalError = std::sqrt(normal.inv(cv::DECOMP_SVD)(0, 0));
   return best;
 }
+
+}  // namespace grouptracker

@@ -4,6 +4,8 @@
 
 #include <vector>
 
+namespace grouptracker {
+
 /// The numbers that an upright camera has, as the refinement varies them.
 struct UprightCamera {
   double logFocal = 0.0;   ///< natural logarithm of the focal length in pixels
@@ -50,3 +52,5 @@ struct RefinedCamera {
 
 /// Varies the camera until the robust cost is lowest (Levenberg-Marquardt on reweighted squares).
 RefinedCamera refineCamera(const WalkingPeople& people, const UprightCamera& start);
+
+}  // namespace grouptracker

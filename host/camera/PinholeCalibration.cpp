@@ -1,10 +1,12 @@
-#include "PinholeCalibration.h"
+#include "host/camera/PinholeCalibration.h"
 
 #include <opencv2/calib3d.hpp>
 #include <opencv2/core/types.hpp>
 
 #include <array>
 #include <utility>
+
+namespace grouptracker {
 
 namespace {
 
@@ -59,3 +61,5 @@ std::vector<CalibrationNode> PinholeCalibration::nodes() const {
   }
   return nodes;
 }
+
+}  // namespace grouptracker

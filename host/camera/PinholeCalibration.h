@@ -1,10 +1,12 @@
 #pragma once
 
-#include "HostCalibration.h"
+#include "host/camera/HostCalibration.h"
 
 #include <opencv2/core/matx.hpp>
 
 #include <vector>
+
+namespace grouptracker {
 
 /// A pinhole camera with lens distortion: image points in pixels (y downwards), scene points in
 /// metres (z up). The rotation and translation lead from the scene to the camera. Image points
@@ -29,3 +31,5 @@ class PinholeCalibration : public HostCalibration {
   cv::Vec3d m_translation;
   cv::Point3d m_position;
 };
+
+}  // namespace grouptracker

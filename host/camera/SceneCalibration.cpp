@@ -1,8 +1,8 @@
-#include "SceneCalibration.h"
+#include "host/camera/SceneCalibration.h"
 
-#include "CalibrationNodes.h"
-#include "InputFile.h"
-#include "LineReader.h"
+#include "host/base/InputFile.h"
+#include "host/base/LineReader.h"
+#include "host/camera/CalibrationNodes.h"
 
 #include <nlohmann/json.hpp>
 
@@ -10,6 +10,8 @@
 #include <cmath>
 #include <optional>
 #include <utility>
+
+namespace grouptracker {
 
 namespace {
 
@@ -82,3 +84,5 @@ QSharedPointer<HostCalibration> readSceneCalibration(const std::string& path) {
   }
   return calibration;
 }
+
+}  // namespace grouptracker

@@ -1,10 +1,12 @@
 #pragma once
 
-#include "HostCalibration.h"
+#include "host/camera/HostCalibration.h"
 
 #include <QSharedPointer>
 
 #include <string>
+
+namespace grouptracker {
 
 /// The key under which the first line of a scene file may carry the camera. A name of our own:
 /// scenes from elsewhere may use a plainer one for something else.
@@ -14,3 +16,5 @@ inline constexpr const char* sceneCalibrationKey = "grouptrackerCalibration";
 /// one. A line that is no JSON is left to the scene's reader; a camera that is none is an
 /// `InputError`.
 QSharedPointer<HostCalibration> readSceneCalibration(const std::string& path);
+
+}  // namespace grouptracker

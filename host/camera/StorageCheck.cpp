@@ -1,8 +1,8 @@
-#include "StorageCheck.h"
+#include "host/camera/StorageCheck.h"
 
-#include "InputError.h"
-#include "LineReader.h"
-#include "XmlElements.h"
+#include "host/base/InputError.h"
+#include "host/base/LineReader.h"
+#include "host/base/XmlElements.h"
 
 #include <nlohmann/json.hpp>
 
@@ -10,6 +10,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <sstream>
+
+namespace grouptracker {
 
 namespace {
 
@@ -81,3 +83,5 @@ void refuseUnsoundStorage(std::istream& in, const std::string& name) {
     refuseBrokenJson(text, name);
   }
 }
+
+}  // namespace grouptracker

@@ -1,7 +1,9 @@
-#include "TsaiCalibration.h"
+#include "host/camera/TsaiCalibration.h"
 
 #include <cmath>
 #include <limits>
+
+namespace grouptracker {
 
 namespace {
 
@@ -72,3 +74,5 @@ std::vector<CalibrationNode> TsaiCalibration::nodes() const {
           {"tsai_rotation", 3, 1, {c.rotation[0], c.rotation[1], c.rotation[2]}},
           {"tsai_translation", 3, 1, {c.translation[0], c.translation[1], c.translation[2]}}};
 }
+
+}  // namespace grouptracker

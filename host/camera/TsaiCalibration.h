@@ -1,8 +1,10 @@
 #pragma once
 
-#include "HostCalibration.h"
+#include "host/camera/HostCalibration.h"
 
 #include <opencv2/core/matx.hpp>
+
+namespace grouptracker {
 
 /// The numbers of R. Tsai's camera model ("A versatile camera calibration technique for
 /// high-accuracy 3D machine vision metrology", IEEE Journal of Robotics and Automation, 1987) in
@@ -37,3 +39,5 @@ class TsaiCalibration : public HostCalibration {
   cv::Matx33d m_rotation;
   cv::Point3d m_position;  ///< metres
 };
+
+}  // namespace grouptracker

@@ -1,8 +1,10 @@
-#include "TsaiReader.h"
+#include "host/camera/TsaiReader.h"
 
-#include "XmlElements.h"
+#include "host/base/XmlElements.h"
 
 #include <stdexcept>
+
+namespace grouptracker {
 
 namespace {
 
@@ -57,3 +59,5 @@ TsaiCamera readTsaiCamera(std::istream& in, const std::string& name) {
   }
   return camera;
 }
+
+}  // namespace grouptracker

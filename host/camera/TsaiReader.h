@@ -1,9 +1,11 @@
 #pragma once
 
-#include "TsaiCalibration.h"
+#include "host/camera/TsaiCalibration.h"
 
 #include <istream>
 #include <string>
+
+namespace grouptracker {
 
 /// Reads a camera of Tsai's model from XML:
 ///
@@ -16,3 +18,5 @@
 /// in millimetres and radians. Broken XML, missing elements and attributes and numbers that make no
 /// camera are an `InputError`.
 TsaiCamera readTsaiCamera(std::istream& in, const std::string& name);
+
+}  // namespace grouptracker

@@ -1,17 +1,18 @@
-#include "CalibrateCommand.h"
+#include "host/commands/CalibrateCommand.h"
 
-#include "CalibrationWriter.h"
-#include "CameraFromPeople.h"
-#include "FileIdentity.h"
-#include "InputError.h"
-#include "InputFormats.h"
+#include "host/base/FileIdentity.h"
+#include "host/base/InputError.h"
+#include "host/camera/CalibrationWriter.h"
+#include "host/input/CameraFromPeople.h"
+#include "host/input/InputFormats.h"
 
 #include <fmt/format.h>
-
 #include <opencv2/core.hpp>
 
 #include <cmath>
 #include <cstdio>
+
+namespace grouptracker {
 
 namespace {
 
@@ -75,3 +76,5 @@ int CalibrateCommand::run() {
   }
   return finished;
 }
+
+}  // namespace grouptracker

@@ -1,10 +1,12 @@
 #pragma once
 
-#include "Command.h"
-#include "InputChoice.h"
-#include "PeopleCamera.h"
+#include "host/camera/PeopleCamera.h"
+#include "host/commands/Command.h"
+#include "host/commands/InputChoice.h"
 
 #include <string>
+
+namespace grouptracker {
 
 /// `grouptracker calibrate`: estimates the camera from the people's boxes, says on standard output
 /// what it found, and writes it as a calibration file.
@@ -18,3 +20,5 @@ class CalibrateCommand : public Command {
   std::string m_outputFile;
   double m_bodyHeight = usualBodyHeight;  ///< metres
 };
+
+}  // namespace grouptracker

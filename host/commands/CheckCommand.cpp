@@ -1,17 +1,19 @@
-#include "CheckCommand.h"
+#include "host/commands/CheckCommand.h"
 
-#include "FrameCheck.h"
-#include "InputError.h"
-#include "InputFormats.h"
-#include "ParameterCheck.h"
-#include "ParameterFile.h"
-#include "SceneContextReader.h"
+#include "host/base/InputError.h"
+#include "host/commands/check/FrameCheck.h"
+#include "host/commands/check/ParameterCheck.h"
+#include "host/input/InputFormats.h"
+#include "host/input/SceneContextReader.h"
+#include "host/run/ParameterFile.h"
 
 #include <fmt/format.h>
 
 #include <cstdio>
 #include <fstream>
 #include <optional>
+
+namespace grouptracker {
 
 namespace {
 
@@ -124,3 +126,5 @@ void CheckCommand::checkInput(CheckReport& report) const {
   }
   checkFrames(input, report);
 }
+
+}  // namespace grouptracker

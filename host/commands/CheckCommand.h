@@ -1,10 +1,12 @@
 #pragma once
 
-#include "CheckReport.h"
-#include "Command.h"
-#include "InputChoice.h"
+#include "host/commands/Command.h"
+#include "host/commands/InputChoice.h"
+#include "host/commands/check/CheckReport.h"
 
 #include <string>
+
+namespace grouptracker {
 
 /// `grouptracker check`: reads all files as a run would, without running, and says on standard
 /// output what is wrong and what is suspicious. The exit status is 0 when all is well, 1 with
@@ -23,3 +25,5 @@ class CheckCommand : public Command {
   std::string m_parameterFile;
   std::string m_contextFile;
 };
+
+}  // namespace grouptracker

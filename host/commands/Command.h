@@ -2,6 +2,8 @@
 
 #include <CLI/CLI.hpp>
 
+namespace grouptracker {
+
 /// The statuses with which the program ends.
 enum ExitStatus : int {
   finished = 0,         ///< also when the user or the reader of a pipe ended the run
@@ -28,3 +30,5 @@ class Command {
   /// `ProcessError` for the program to report; returns the exit status otherwise.
   virtual int run() = 0;
 };
+
+}  // namespace grouptracker

@@ -1,10 +1,10 @@
-#include "ConvertCommand.h"
+#include "host/commands/ConvertCommand.h"
 
-#include "CalibrationWriter.h"
-#include "FileIdentity.h"
-#include "ImageFolder.h"
-#include "InputFormats.h"
-#include "SceneWriter.h"
+#include "host/base/FileIdentity.h"
+#include "host/camera/CalibrationWriter.h"
+#include "host/input/ImageFolder.h"
+#include "host/input/InputFormats.h"
+#include "host/output/SceneWriter.h"
 
 #include <fmt/format.h>
 
@@ -13,6 +13,8 @@
 #include <filesystem>
 #include <utility>
 #include <vector>
+
+namespace grouptracker {
 
 namespace {
 
@@ -69,3 +71,5 @@ int ConvertCommand::run() {
   fmt::print(stderr, "{} frames\n", frames);
   return finished;
 }
+
+}  // namespace grouptracker

@@ -1,9 +1,11 @@
 #pragma once
 
-#include "Command.h"
-#include "InputChoice.h"
+#include "host/commands/Command.h"
+#include "host/commands/InputChoice.h"
 
 #include <string>
+
+namespace grouptracker {
 
 /// `grouptracker convert`: writes any input as a scene file that a run takes as it would the input.
 class ConvertCommand : public Command {
@@ -16,3 +18,5 @@ class ConvertCommand : public Command {
   std::string m_outputFile;
   std::string m_imageFolder;
 };
+
+}  // namespace grouptracker

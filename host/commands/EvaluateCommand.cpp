@@ -1,15 +1,17 @@
-#include "EvaluateCommand.h"
+#include "host/commands/EvaluateCommand.h"
 
-#include "ErrorList.h"
-#include "FileIdentity.h"
-#include "InputFormats.h"
-#include "OutputFile.h"
-#include "RunRecordReader.h"
-#include "TruthReader.h"
+#include "host/base/FileIdentity.h"
+#include "host/base/OutputFile.h"
+#include "host/evaluation/ErrorList.h"
+#include "host/evaluation/RunRecordReader.h"
+#include "host/evaluation/TruthReader.h"
+#include "host/input/InputFormats.h"
 
 #include <fmt/format.h>
 
 #include <filesystem>
+
+namespace grouptracker {
 
 namespace {
 
@@ -80,3 +82,5 @@ std::string EvaluateCommand::inputOfBaselines() const {
   const auto folder = std::filesystem::path(m_truthFile).parent_path();
   return m_input.empty() ? (folder.empty() ? "." : folder.string()) : m_input;
 }
+
+}  // namespace grouptracker

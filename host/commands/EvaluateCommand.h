@@ -1,9 +1,11 @@
 #pragma once
 
-#include "Command.h"
-#include "EvaluationReport.h"
+#include "host/commands/Command.h"
+#include "host/evaluation/EvaluationReport.h"
 
 #include <string>
+
+namespace grouptracker {
 
 /// `grouptracker evaluate`: scores the groups of a run against annotated ones.
 class EvaluateCommand : public Command {
@@ -22,3 +24,5 @@ class EvaluateCommand : public Command {
   bool m_baselines = false;
   EvaluationOptions m_options;
 };
+
+}  // namespace grouptracker

@@ -1,18 +1,20 @@
-#include "EventsCommand.h"
+#include "host/commands/EventsCommand.h"
 
-#include "EventDetector.h"
-#include "EventWriter.h"
-#include "FileIdentity.h"
-#include "GroupsReader.h"
-#include "InputFile.h"
-#include "LineageGraph.h"
-#include "OutputError.h"
+#include "host/base/FileIdentity.h"
+#include "host/base/InputFile.h"
+#include "host/base/OutputError.h"
+#include "host/output/EventWriter.h"
+#include "host/output/GroupsReader.h"
+#include "host/output/LineageGraph.h"
+#include "host/run/EventDetector.h"
 
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <memory>
 #include <vector>
+
+namespace grouptracker {
 
 namespace {
 
@@ -80,3 +82,5 @@ int EventsCommand::run() {
   }
   return finished;
 }
+
+}  // namespace grouptracker

@@ -1,8 +1,10 @@
 #pragma once
 
-#include "Command.h"
+#include "host/commands/Command.h"
 
 #include <string>
+
+namespace grouptracker {
 
 /// `grouptracker events`: finds in the groups file of a run what happened to the groups, the same
 /// events that the run itself writes.
@@ -16,3 +18,5 @@ class EventsCommand : public Command {
   std::string m_outputFile;  ///< standard output when empty
   std::string m_graphFile;
 };
+
+}  // namespace grouptracker

@@ -1,12 +1,14 @@
-#include "ExplainCommand.h"
+#include "host/commands/ExplainCommand.h"
 
-#include "Explainer.h"
-#include "InputFile.h"
+#include "host/base/InputFile.h"
+#include "host/explain/Explainer.h"
 
 #include <fmt/format.h>
 
 #include <cstdio>
 #include <memory>
+
+namespace grouptracker {
 
 namespace {
 
@@ -63,3 +65,5 @@ int ExplainCommand::run() {
   }
   return finished;
 }
+
+}  // namespace grouptracker

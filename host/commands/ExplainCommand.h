@@ -1,11 +1,13 @@
 #pragma once
 
-#include "Command.h"
+#include "host/commands/Command.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
+
+namespace grouptracker {
 
 /// `grouptracker explain`: tells from the diagnostics of a run why a group is what it is.
 class ExplainCommand : public Command {
@@ -21,3 +23,5 @@ class ExplainCommand : public Command {
   std::optional<std::int32_t> m_frame;
   std::optional<std::size_t> m_uncertain;
 };
+
+}  // namespace grouptracker

@@ -1,8 +1,10 @@
-#include "FrameRange.h"
+#include "host/commands/FrameRange.h"
 
 #include <charconv>
 #include <string_view>
 #include <system_error>
+
+namespace grouptracker {
 
 namespace {
 
@@ -25,3 +27,5 @@ std::optional<FrameRange> FrameRange::parse(const std::string& text) {
                        readEnd(view.substr(colon + 1), range.last) && range.first <= range.last;
   return isRange ? std::optional(range) : std::nullopt;
 }
+
+}  // namespace grouptracker

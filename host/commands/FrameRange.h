@@ -5,6 +5,8 @@
 #include <optional>
 #include <string>
 
+namespace grouptracker {
+
 /// A range of frames by the input's own numbers, both ends included: "A:B", "A:" or ":B".
 struct FrameRange {
   std::int64_t first = std::numeric_limits<std::int64_t>::min();
@@ -18,3 +20,5 @@ struct FrameRange {
   bool contains(std::int64_t frame) const { return frame >= first && frame <= last; }
   bool operator==(const FrameRange&) const = default;
 };
+
+}  // namespace grouptracker

@@ -1,14 +1,16 @@
-#include "InputChoice.h"
+#include "host/commands/InputChoice.h"
 
-#include "CalibrationReader.h"
-#include "Homography.h"
-#include "InputError.h"
-#include "InputFormats.h"
-#include "LinkArguments.h"
+#include "host/base/InputError.h"
+#include "host/camera/CalibrationReader.h"
+#include "host/camera/Homography.h"
+#include "host/input/InputFormats.h"
+#include "host/people/LinkArguments.h"
 
 #include <charconv>
 #include <string_view>
 #include <variant>
+
+namespace grouptracker {
 
 namespace {
 
@@ -108,3 +110,5 @@ InputOptions inputOptions(const InputChoice& choice) {
   }
   return options;
 }
+
+}  // namespace grouptracker

@@ -1,12 +1,14 @@
 #pragma once
 
-#include "OpenedInput.h"
+#include "host/input/OpenedInput.h"
 
 #include <CLI/CLI.hpp>
 #include <opencv2/core/types.hpp>
 
 #include <optional>
 #include <string>
+
+namespace grouptracker {
 
 /// What the user says about an input on the command line, the same for every command that reads
 /// one. Texts are empty when the option was not given.
@@ -32,3 +34,5 @@ CLI::Option* declareImageSize(CLI::App& command, InputChoice& choice);
 /// What the choice means for the reader; reads the calibration file. The file may be a camera, or
 /// three lines of three numbers: a homography from the image to the ground.
 InputOptions inputOptions(const InputChoice& choice);
+
+}  // namespace grouptracker

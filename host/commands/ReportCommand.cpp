@@ -1,19 +1,19 @@
-#include "ReportCommand.h"
+#include "host/commands/ReportCommand.h"
 
-#include "CalibrationReader.h"
-#include "EventDetector.h"
-#include "Explainer.h"
-#include "FileIdentity.h"
-#include "GroupTruth.h"
-#include "GroupsReader.h"
-#include "ImageFolder.h"
-#include "InputFile.h"
-#include "InputFormats.h"
-#include "PeopleInView.h"
-#include "ReportPage.h"
-#include "RunOptions.h"
-#include "TruthReader.h"
-#include "WholeFile.h"
+#include "host/base/FileIdentity.h"
+#include "host/base/InputFile.h"
+#include "host/camera/CalibrationReader.h"
+#include "host/commands/RunOptions.h"
+#include "host/evaluation/GroupTruth.h"
+#include "host/evaluation/TruthReader.h"
+#include "host/explain/Explainer.h"
+#include "host/input/ImageFolder.h"
+#include "host/input/InputFormats.h"
+#include "host/output/GroupsReader.h"
+#include "host/output/WholeFile.h"
+#include "host/report/ReportPage.h"
+#include "host/run/EventDetector.h"
+#include "host/run/PeopleInView.h"
 
 #include <fmt/format.h>
 
@@ -23,6 +23,8 @@
 #include <optional>
 #include <utility>
 #include <vector>
+
+namespace grouptracker {
 
 namespace {
 
@@ -150,3 +152,5 @@ int ReportCommand::run() {
   output.write({page.data(), static_cast<std::size_t>(page.size())});
   return finished;
 }
+
+}  // namespace grouptracker

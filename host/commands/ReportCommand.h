@@ -1,8 +1,10 @@
 #pragma once
 
-#include "Command.h"
+#include "host/commands/Command.h"
 
 #include <string>
+
+namespace grouptracker {
 
 /// `grouptracker report`: makes one HTML file that shows a run.
 class ReportCommand : public Command {
@@ -21,3 +23,5 @@ class ReportCommand : public Command {
   std::string m_parameterFile;
   double m_framesPerSecond = 0.0;
 };
+
+}  // namespace grouptracker

@@ -1,13 +1,15 @@
-#include "RunCommand.h"
+#include "host/commands/RunCommand.h"
 
-#include "PictureExchange.h"
-#include "RunBesideWindow.h"
-#include "RunSession.h"
+#include "host/commands/RunSession.h"
+#include "host/pictures/PictureExchange.h"
+#include "host/pictures/window/RunBesideWindow.h"
 
 #include <fmt/format.h>
 
 #include <memory>
 #include <string>
+
+namespace grouptracker {
 
 namespace {
 
@@ -118,3 +120,5 @@ void RunCommand::runSession() {
     printSummary(summary);
   }
 }
+
+}  // namespace grouptracker

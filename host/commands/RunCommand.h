@@ -1,9 +1,11 @@
 #pragma once
 
-#include "Command.h"
-#include "RunOptions.h"
+#include "host/commands/Command.h"
+#include "host/commands/RunOptions.h"
 
 #include <string>
+
+namespace grouptracker {
 
 /// `grouptracker run`: feeds an input to the process, frame by frame, and writes the groups.
 class RunCommand : public Command {
@@ -17,3 +19,5 @@ class RunCommand : public Command {
 
   RunOptions m_options;
 };
+
+}  // namespace grouptracker

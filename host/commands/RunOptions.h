@@ -1,10 +1,12 @@
 #pragma once
 
-#include "FrameRange.h"
-#include "InputChoice.h"
-#include "StepOptions.h"
+#include "host/commands/FrameRange.h"
+#include "host/commands/InputChoice.h"
+#include "host/commands/StepOptions.h"
 
 #include <string>
+
+namespace grouptracker {
 
 /// What the user asks of `grouptracker run`. Texts are empty when the option was not given.
 struct RunOptions : InputChoice {
@@ -23,3 +25,5 @@ struct RunOptions : InputChoice {
 
 /// The word that turns an output off where a file name could stand.
 inline constexpr const char* noOutput = "none";
+
+}  // namespace grouptracker

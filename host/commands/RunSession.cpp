@@ -1,26 +1,28 @@
-#include "RunSession.h"
+#include "host/commands/RunSession.h"
 
-#include "DescriptorBuffer.h"
-#include "FileDescriptor.h"
-#include "FileIdentity.h"
-#include "GroupsWriter.h"
-#include "ImageFolder.h"
-#include "InputFormats.h"
-#include "OutputError.h"
-#include "PluginLoader.h"
-#include "SceneContextReader.h"
-#include "VideoImages.h"
+#include "host/base/DescriptorBuffer.h"
+#include "host/base/FileDescriptor.h"
+#include "host/base/FileIdentity.h"
+#include "host/base/OutputError.h"
+#include "host/input/ImageFolder.h"
+#include "host/input/InputFormats.h"
+#include "host/input/SceneContextReader.h"
+#include "host/input/VideoImages.h"
+#include "host/output/GroupsWriter.h"
+#include "host/run/PluginLoader.h"
 
-#include <fcntl.h>
 #include <fmt/format.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <fcntl.h>
 #include <filesystem>
+#include <unistd.h>
 #include <utility>
+
+namespace grouptracker {
 
 namespace {
 
@@ -70,7 +72,7 @@ void RunSession::openInput() {
   if (!m_options.contextFile.empty()) {
     m_context = readSceneContext(m_options.contextFile);
   }
-  m_input = ::openInput(m_options.input, options);
+  m_input = grouptracker::openInput(m_options.input, options);
   if (!m_options.quiet) {
     for (const std::string& note : m_input.notes) {
       fmt::print(stderr, "{}\n", note);
@@ -217,3 +219,5 @@ void RunSession::checkStandardOutput() {
                           std::strerror(m_processErrno != 0 ? m_processErrno : EIO));
   }
 }
+
+}  // namespace grouptracker

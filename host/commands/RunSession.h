@@ -1,21 +1,23 @@
 #pragma once
 
-#include "FrameReporter.h"
-#include "FrameSink.h"
-#include "ImageLoader.h"
-#include "OpenedInput.h"
-#include "ParameterFile.h"
-#include "ProcessRunner.h"
-#include "Progress.h"
-#include "RunOptions.h"
-#include "StepOutputs.h"
-#include "StopSignals.h"
+#include "host/commands/Progress.h"
+#include "host/commands/RunOptions.h"
+#include "host/commands/StepOutputs.h"
+#include "host/commands/StopSignals.h"
+#include "host/input/ImageLoader.h"
+#include "host/input/OpenedInput.h"
+#include "host/run/FrameReporter.h"
+#include "host/run/FrameSink.h"
+#include "host/run/ParameterFile.h"
+#include "host/run/ProcessRunner.h"
 
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
+
+namespace grouptracker {
 
 /// What a run did.
 struct RunSummary {
@@ -64,3 +66,5 @@ class RunSession {
   int m_processErrno = 0;           ///< what the last frame left in errno
   std::int64_t m_newestGroup = -1;  ///< the highest group id reported so far
 };
+
+}  // namespace grouptracker

@@ -1,13 +1,15 @@
-#include "SimulateCommand.h"
+#include "host/commands/SimulateCommand.h"
 
-#include "InputError.h"
-#include "SceneSimulation.h"
+#include "host/base/InputError.h"
+#include "host/simulation/SceneSimulation.h"
 
 #include <fmt/format.h>
 
 #include <cstdio>
 #include <numeric>
 #include <string>
+
+namespace grouptracker {
 
 namespace {
 
@@ -97,3 +99,5 @@ int SimulateCommand::run() {
   }
   return finished;
 }
+
+}  // namespace grouptracker

@@ -1,7 +1,9 @@
 #pragma once
 
-#include "Command.h"
-#include "SimulationOptions.h"
+#include "host/commands/Command.h"
+#include "host/simulation/SimulationOptions.h"
+
+namespace grouptracker {
 
 /// `grouptracker simulate`: makes a scene with known groups.
 class SimulateCommand : public Command {
@@ -13,3 +15,5 @@ class SimulateCommand : public Command {
   SimulationOptions m_options;
   bool m_isQuiet = false;
 };
+
+}  // namespace grouptracker

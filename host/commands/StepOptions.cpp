@@ -1,7 +1,9 @@
-#include "StepOptions.h"
+#include "host/commands/StepOptions.h"
 
 #include <algorithm>
 #include <array>
+
+namespace grouptracker {
 
 namespace {
 
@@ -65,3 +67,5 @@ void declareStepOptions(CLI::App& command, StepOptions& options) {
       ->capture_default_str()
       ->group(heading);
 }
+
+}  // namespace grouptracker

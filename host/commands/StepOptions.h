@@ -1,11 +1,13 @@
 #pragma once
 
-#include "PictureWriter.h"
+#include "host/pictures/PictureWriter.h"
 
 #include <CLI/CLI.hpp>
 
 #include <string>
 #include <vector>
+
+namespace grouptracker {
 
 /// What a run shall write about its reported frames beside the groups file. Texts are empty when
 /// the option was not given.
@@ -26,3 +28,5 @@ struct StepOptions {
 
 /// Adds the options to a command; they outlive the parsing.
 void declareStepOptions(CLI::App& command, StepOptions& options);
+
+}  // namespace grouptracker

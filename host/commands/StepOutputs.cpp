@@ -1,17 +1,19 @@
-#include "StepOutputs.h"
+#include "host/commands/StepOutputs.h"
 
-#include "BackgroundSink.h"
-#include "CsvExport.h"
-#include "EventWriter.h"
-#include "LineageGraph.h"
-#include "MotExport.h"
-#include "PeopleInView.h"
-#include "PictureWriter.h"
-#include "SqliteExport.h"
+#include "host/output/BackgroundSink.h"
+#include "host/output/CsvExport.h"
+#include "host/output/EventWriter.h"
+#include "host/output/LineageGraph.h"
+#include "host/output/MotExport.h"
+#include "host/output/SqliteExport.h"
+#include "host/pictures/PictureWriter.h"
+#include "host/run/PeopleInView.h"
 
 #include <exception>
 #include <string>
 #include <utility>
+
+namespace grouptracker {
 
 namespace {
 
@@ -89,3 +91,5 @@ void StepOutputs::finishAfterFailure() {
     // The first failure is the one to report.
   }
 }
+
+}  // namespace grouptracker

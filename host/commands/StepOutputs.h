@@ -1,11 +1,11 @@
 #pragma once
 
-#include "EventDetector.h"
-#include "FrameReport.h"
-#include "InputFrame.h"
-#include "ParameterFile.h"
-#include "StepOptions.h"
-#include "StepSink.h"
+#include "host/commands/StepOptions.h"
+#include "host/people/InputFrame.h"
+#include "host/run/EventDetector.h"
+#include "host/run/FrameReport.h"
+#include "host/run/ParameterFile.h"
+#include "host/run/StepSink.h"
 
 #include <cstddef>
 #include <deque>
@@ -13,6 +13,8 @@
 #include <memory>
 #include <string>
 #include <vector>
+
+namespace grouptracker {
 
 /// Writes what the user asked for beside the groups file. Events are written before `write()`
 /// returns, everything else on another thread. What cannot be written is an `OutputError`.
@@ -45,3 +47,5 @@ class StepOutputs {
   EventDetector m_detector;
   std::vector<std::unique_ptr<StepSink>> m_sinks;
 };
+
+}  // namespace grouptracker

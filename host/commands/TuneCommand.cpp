@@ -1,6 +1,8 @@
-#include "TuneCommand.h"
+#include "host/commands/TuneCommand.h"
 
 #include <string>
+
+namespace grouptracker {
 
 namespace {
 
@@ -71,3 +73,5 @@ int TuneCommand::run() {
   TuneSession(m_options).run();
   return finished;
 }
+
+}  // namespace grouptracker

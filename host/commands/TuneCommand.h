@@ -1,7 +1,9 @@
 #pragma once
 
-#include "Command.h"
-#include "TuneSession.h"
+#include "host/commands/Command.h"
+#include "host/commands/TuneSession.h"
+
+namespace grouptracker {
 
 /// `grouptracker tune`: searches for the parameters and links that score best on annotated inputs.
 class TuneCommand : public Command {
@@ -12,3 +14,5 @@ class TuneCommand : public Command {
  private:
   TuneOptions m_options;
 };
+
+}  // namespace grouptracker

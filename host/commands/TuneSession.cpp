@@ -1,14 +1,14 @@
-#include "TuneSession.h"
+#include "host/commands/TuneSession.h"
 
-#include "FileIdentity.h"
-#include "InputError.h"
-#include "InputFile.h"
-#include "InputFormats.h"
-#include "OutputError.h"
-#include "OutputFile.h"
-#include "PluginLoader.h"
-#include "TruthReader.h"
-#include "WorkerPool.h"
+#include "host/base/FileIdentity.h"
+#include "host/base/InputError.h"
+#include "host/base/InputFile.h"
+#include "host/base/OutputError.h"
+#include "host/base/OutputFile.h"
+#include "host/evaluation/TruthReader.h"
+#include "host/evaluation/search/WorkerPool.h"
+#include "host/input/InputFormats.h"
+#include "host/run/PluginLoader.h"
 
 #include <fmt/format.h>
 
@@ -18,6 +18,8 @@
 #include <limits>
 #include <map>
 #include <utility>
+
+namespace grouptracker {
 
 namespace {
 
@@ -219,3 +221,5 @@ void TuneSession::leaveEachOut(const Trial& result) {
   const auto count = static_cast<double>(m_options.sequences.size());
   fmt::print("leave one out: mean {:.3f}, against {:.3f}\n", carried / count, fitted / count);
 }
+
+}  // namespace grouptracker

@@ -1,12 +1,14 @@
 #pragma once
 
-#include "ParameterText.h"
-#include "TrialRunner.h"
-#include "TuningSearch.h"
+#include "host/evaluation/search/ParameterText.h"
+#include "host/evaluation/search/TrialRunner.h"
+#include "host/evaluation/search/TuningSearch.h"
 
 #include <cstddef>
 #include <string>
 #include <vector>
+
+namespace grouptracker {
 
 /// What the user asks of `grouptracker tune`. Texts are empty when the option was not given.
 struct TuneOptions {
@@ -53,3 +55,5 @@ class TuneSession {
   std::vector<TunedSequence> m_sequences;  ///< the further ones at the end
   double m_bestWorth = 0.0;                ///< of the search that goes on
 };
+
+}  // namespace grouptracker

@@ -1,7 +1,9 @@
-#include "Baselines.h"
+#include "host/evaluation/Baselines.h"
 
 #include <cmath>
 #include <cstddef>
+
+namespace grouptracker {
 
 namespace {
 
@@ -78,3 +80,5 @@ Baselines scoreBaselines(const std::vector<PlacedStep>& steps, const GroupTruth&
   }
   return {meanMitre(windows), meanMitre(byRule)};
 }
+
+}  // namespace grouptracker

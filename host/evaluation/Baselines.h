@@ -1,15 +1,17 @@
 #pragma once
 
-#include "FrameSource.h"
-#include "GroupTruth.h"
-#include "PartitionScores.h"
-#include "WindowScores.h"
+#include "host/evaluation/GroupTruth.h"
+#include "host/evaluation/PartitionScores.h"
+#include "host/evaluation/WindowScores.h"
+#include "host/people/FrameSource.h"
 
 #include <opencv2/core/types.hpp>
 
 #include <cstdint>
 #include <map>
 #include <vector>
+
+namespace grouptracker {
 
 /// Where everybody was at one time step of an input.
 struct PlacedStep {
@@ -30,3 +32,5 @@ struct Baselines {
 
 Baselines scoreBaselines(const std::vector<PlacedStep>& steps, const GroupTruth& truth,
                          const WindowOptions& options);
+
+}  // namespace grouptracker

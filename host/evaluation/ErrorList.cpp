@@ -1,6 +1,6 @@
-#include "ErrorList.h"
+#include "host/evaluation/ErrorList.h"
 
-#include "OutputFile.h"
+#include "host/base/OutputFile.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <iterator>
 #include <map>
+
+namespace grouptracker {
 
 namespace {
 
@@ -61,3 +63,5 @@ void writeErrorList(const RunRecord& run, const std::vector<PartitionPair>& step
     file.writeLines(errorsOf(run[i].frame, steps[i]));
   }
 }
+
+}  // namespace grouptracker

@@ -1,10 +1,12 @@
 #pragma once
 
-#include "PartitionScores.h"
-#include "RunRecord.h"
+#include "host/evaluation/PartitionScores.h"
+#include "host/evaluation/RunRecord.h"
 
 #include <string>
 #include <vector>
+
+namespace grouptracker {
 
 /// Writes who is in the wrong company at which time step, as comma-separated values:
 ///
@@ -17,3 +19,5 @@
 /// the run. A file that cannot be written is an `OutputError`.
 void writeErrorList(const RunRecord& run, const std::vector<PartitionPair>& steps,
                     const std::string& path);
+
+}  // namespace grouptracker

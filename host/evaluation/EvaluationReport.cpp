@@ -1,8 +1,10 @@
-#include "EvaluationReport.h"
+#include "host/evaluation/EvaluationReport.h"
 
 #include <fmt/format.h>
 
 #include <array>
+
+namespace grouptracker {
 
 EvaluationReport evaluate(const RunRecord& run, const GroupTruth& truth,
                           const EvaluationOptions& options) {
@@ -95,3 +97,5 @@ std::string jsonOf(const EvaluationReport& report) {
   }
   return json + "}\n";
 }
+
+}  // namespace grouptracker

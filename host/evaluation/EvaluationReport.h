@@ -1,13 +1,15 @@
 #pragma once
 
-#include "Baselines.h"
-#include "FrameScores.h"
-#include "TimeScores.h"
-#include "WindowScores.h"
+#include "host/evaluation/Baselines.h"
+#include "host/evaluation/FrameScores.h"
+#include "host/evaluation/TimeScores.h"
+#include "host/evaluation/WindowScores.h"
 
 #include <cstddef>
 #include <optional>
 #include <string>
+
+namespace grouptracker {
 
 /// What the user can choose about an evaluation.
 struct EvaluationOptions {
@@ -34,3 +36,5 @@ EvaluationReport evaluate(const RunRecord& run, const GroupTruth& truth,
 std::string tableOf(const EvaluationReport& report);
 /// The same numbers as one JSON object, ending with a line end.
 std::string jsonOf(const EvaluationReport& report);
+
+}  // namespace grouptracker

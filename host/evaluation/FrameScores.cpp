@@ -1,4 +1,6 @@
-#include "FrameScores.h"
+#include "host/evaluation/FrameScores.h"
+
+namespace grouptracker {
 
 std::vector<PartitionPair> stepsOf(const RunRecord& run, const GroupTruth& truth) {
   std::vector<PartitionPair> steps;
@@ -27,3 +29,5 @@ FrameScores scoreFrames(const std::vector<PartitionPair>& steps) {
   scores.adjustedRand /= compared > 0 ? compared : 1;
   return scores;
 }
+
+}  // namespace grouptracker

@@ -1,11 +1,13 @@
 #pragma once
 
-#include "GroupTruth.h"
-#include "PartitionScores.h"
-#include "RunRecord.h"
+#include "host/evaluation/GroupTruth.h"
+#include "host/evaluation/PartitionScores.h"
+#include "host/evaluation/RunRecord.h"
 
 #include <array>
 #include <vector>
+
+namespace grouptracker {
 
 /// Scores of the time steps one by one, summed or averaged over a run.
 struct FrameScores {
@@ -21,3 +23,5 @@ struct FrameScores {
 std::vector<PartitionPair> stepsOf(const RunRecord& run, const GroupTruth& truth);
 
 FrameScores scoreFrames(const std::vector<PartitionPair>& steps);
+
+}  // namespace grouptracker

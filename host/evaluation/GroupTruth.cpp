@@ -1,6 +1,8 @@
-#include "GroupTruth.h"
+#include "host/evaluation/GroupTruth.h"
 
-#include "Togetherness.h"
+#include "host/evaluation/Togetherness.h"
+
+namespace grouptracker {
 
 void GroupTruth::setAt(std::int64_t frame, Grouping groups, GroupIds ids) {
   m_byFrame[frame] = std::move(groups);
@@ -40,3 +42,5 @@ Grouping GroupTruth::whole() const {
   }
   return joinOverlapping(lists);
 }
+
+}  // namespace grouptracker

@@ -1,10 +1,12 @@
 #pragma once
 
-#include "Grouping.h"
+#include "host/evaluation/Grouping.h"
 
 #include <cstdint>
 #include <map>
 #include <vector>
+
+namespace grouptracker {
 
 using GroupIds = std::vector<std::uint32_t>;
 
@@ -32,3 +34,5 @@ class GroupTruth {
   std::map<std::int64_t, Grouping> m_byFrame;
   std::map<std::int64_t, GroupIds> m_idsByFrame;
 };
+
+}  // namespace grouptracker

@@ -1,10 +1,12 @@
-#include "Grouping.h"
+#include "host/evaluation/Grouping.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <map>
 #include <numeric>
 #include <utility>
+
+namespace grouptracker {
 
 namespace {
 
@@ -69,3 +71,5 @@ std::vector<int> labelsOf(const Grouping& groups, const std::vector<Person>& per
   }
   return labels;
 }
+
+}  // namespace grouptracker

@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <vector>
 
+namespace grouptracker {
+
 using Person = std::uint32_t;
 
 /// Persons who belong together, in ascending order, each once.
@@ -22,3 +24,5 @@ Grouping restrictTo(const Grouping& groups, const std::vector<Person>& persons);
 /// For each of the persons the number of its group; whoever is alone has a number of its own. Both
 /// in the order of `persons`, which is ascending and holds all members of the groups.
 std::vector<int> labelsOf(const Grouping& groups, const std::vector<Person>& persons);
+
+}  // namespace grouptracker

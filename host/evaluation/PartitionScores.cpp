@@ -1,10 +1,12 @@
-#include "PartitionScores.h"
+#include "host/evaluation/PartitionScores.h"
 
 #include <algorithm>
 #include <iterator>
 #include <map>
 #include <set>
 #include <utility>
+
+namespace grouptracker {
 
 namespace {
 
@@ -147,3 +149,5 @@ Counts correctGroups(const PartitionPair& partitions, double tolerance) {
   }
   return counts;
 }
+
+}  // namespace grouptracker

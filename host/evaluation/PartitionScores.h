@@ -1,9 +1,11 @@
 #pragma once
 
-#include "Grouping.h"
+#include "host/evaluation/Grouping.h"
 
 #include <cstdint>
 #include <vector>
+
+namespace grouptracker {
 
 /// How much of what was found is true, how much of what is true was found, and their harmonic mean.
 struct PrecisionRecall {
@@ -53,3 +55,5 @@ bool reaches(double overlap, double tolerance);
 /// A found and a true group correspond when their overlap reaches the tolerance. One found group
 /// serves one true group; the largest overlaps are served first.
 Counts correctGroups(const PartitionPair& partitions, double tolerance);
+
+}  // namespace grouptracker

@@ -1,4 +1,6 @@
-#include "RunRecord.h"
+#include "host/evaluation/RunRecord.h"
+
+namespace grouptracker {
 
 Grouping FoundStep::grouping() const {
   std::vector<PersonGroup> lists;
@@ -8,3 +10,5 @@ Grouping FoundStep::grouping() const {
   }
   return joinOverlapping(lists);
 }
+
+}  // namespace grouptracker

@@ -1,9 +1,11 @@
 #pragma once
 
-#include "Grouping.h"
+#include "host/evaluation/Grouping.h"
 
 #include <cstdint>
 #include <vector>
+
+namespace grouptracker {
 
 /// A visible group of one time step.
 struct FoundGroup {
@@ -25,3 +27,5 @@ struct FoundStep {
 
 /// All time steps of a run that have been reported, in order, those without persons included.
 using RunRecord = std::vector<FoundStep>;
+
+}  // namespace grouptracker

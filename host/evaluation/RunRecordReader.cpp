@@ -1,12 +1,14 @@
-#include "RunRecordReader.h"
+#include "host/evaluation/RunRecordReader.h"
 
-#include "InputFile.h"
-#include "JsonAccess.h"
-#include "LineReader.h"
+#include "host/base/InputFile.h"
+#include "host/base/JsonAccess.h"
+#include "host/base/LineReader.h"
 
 #include <algorithm>
 #include <optional>
 #include <utility>
+
+namespace grouptracker {
 
 namespace {
 
@@ -141,3 +143,5 @@ void appendReport(const FrameReport& report, RunRecord& run) {
   }
   run.push_back(std::move(step));
 }
+
+}  // namespace grouptracker

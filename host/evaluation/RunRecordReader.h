@@ -1,10 +1,12 @@
 #pragma once
 
-#include "FrameReport.h"
-#include "RunRecord.h"
+#include "host/evaluation/RunRecord.h"
+#include "host/run/FrameReport.h"
 
 #include <istream>
 #include <string>
+
+namespace grouptracker {
 
 /// Reads the groups file of a run, the JSON Lines that `run` writes: of each line whose reported
 /// frame has begun the input's frame, the persons, and the visible groups with their persons. Bad
@@ -14,3 +16,5 @@ RunRecord readRunRecord(const std::string& path);
 
 /// The same from a report that has not been written.
 void appendReport(const FrameReport& report, RunRecord& run);
+
+}  // namespace grouptracker

@@ -1,9 +1,11 @@
-#include "TimeScores.h"
+#include "host/evaluation/TimeScores.h"
 
 #include <algorithm>
 #include <map>
 #include <optional>
 #include <set>
+
+namespace grouptracker {
 
 namespace {
 
@@ -175,3 +177,5 @@ EventScores scoreEvents(const RunRecord& run, const GroupTruth& truth, std::size
   return {matchEvents(merges, recorded(run, &FoundGroup::merge), tolerance),
           matchEvents(splits, recorded(run, &FoundGroup::split), tolerance)};
 }
+
+}  // namespace grouptracker

@@ -1,10 +1,12 @@
 #pragma once
 
-#include "GroupTruth.h"
-#include "PartitionScores.h"
-#include "RunRecord.h"
+#include "host/evaluation/GroupTruth.h"
+#include "host/evaluation/PartitionScores.h"
+#include "host/evaluation/RunRecord.h"
 
 #include <cstddef>
+
+namespace grouptracker {
 
 /// How the found groups follow the true ones over time. At a time step a true group, as far as two
 /// of its members are in view, and a found group correspond when their common part is at least half
@@ -33,3 +35,5 @@ struct EventScores {
 /// person who changes groups is neither. Only a truth per frame has such events. `tolerance` is in
 /// time steps.
 EventScores scoreEvents(const RunRecord& run, const GroupTruth& truth, std::size_t tolerance);
+
+}  // namespace grouptracker

@@ -1,7 +1,9 @@
-#include "Togetherness.h"
+#include "host/evaluation/Togetherness.h"
 
 #include <algorithm>
 #include <iterator>
+
+namespace grouptracker {
 
 void Togetherness::add(const Grouping& groups, const std::vector<Person>& persons) {
   for (const PersonGroup& group : groups) {
@@ -61,3 +63,5 @@ std::size_t Togetherness::stepsWithBoth(const Pair& pair) const {
                         second->second.end(), std::back_inserter(both));
   return both.size();
 }
+
+}  // namespace grouptracker

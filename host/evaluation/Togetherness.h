@@ -1,11 +1,13 @@
 #pragma once
 
-#include "Grouping.h"
+#include "host/evaluation/Grouping.h"
 
 #include <cstddef>
 #include <map>
 #include <utility>
 #include <vector>
+
+namespace grouptracker {
 
 /// Counts at how many time steps two persons were in one group, and at how many in view.
 class Togetherness {
@@ -28,3 +30,5 @@ class Togetherness {
   std::map<Pair, std::size_t> m_together;
   std::map<Person, std::vector<std::size_t>> m_seen;  ///< the steps with the person in view
 };
+
+}  // namespace grouptracker

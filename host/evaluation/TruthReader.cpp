@@ -1,14 +1,16 @@
-#include "TruthReader.h"
+#include "host/evaluation/TruthReader.h"
 
-#include "InputFile.h"
-#include "JsonAccess.h"
-#include "LineReader.h"
+#include "host/base/InputFile.h"
+#include "host/base/JsonAccess.h"
+#include "host/base/LineReader.h"
 
 #include <algorithm>
 #include <charconv>
 #include <filesystem>
 #include <optional>
 #include <string_view>
+
+namespace grouptracker {
 
 namespace {
 
@@ -130,3 +132,5 @@ GroupTruth readTruth(const std::string& path) {
              ? readGroupsPerFrame(file.stream(), path)
              : readGroupLists(file.stream(), path);
 }
+
+}  // namespace grouptracker

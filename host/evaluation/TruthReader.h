@@ -1,9 +1,11 @@
 #pragma once
 
-#include "GroupTruth.h"
+#include "host/evaluation/GroupTruth.h"
 
 #include <istream>
 #include <string>
+
+namespace grouptracker {
 
 /// Reads annotated groups. Files named *.jsonl hold the groups of each frame, one object a line:
 ///
@@ -18,3 +20,5 @@
 GroupTruth readTruth(const std::string& path);
 GroupTruth readGroupLists(std::istream& in, const std::string& name);
 GroupTruth readGroupsPerFrame(std::istream& in, const std::string& name);
+
+}  // namespace grouptracker

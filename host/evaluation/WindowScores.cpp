@@ -1,11 +1,13 @@
-#include "WindowScores.h"
+#include "host/evaluation/WindowScores.h"
 
-#include "Togetherness.h"
+#include "host/evaluation/Togetherness.h"
 
 #include <algorithm>
 #include <iterator>
 #include <set>
 #include <utility>
+
+namespace grouptracker {
 
 namespace {
 
@@ -78,3 +80,5 @@ PartitionPair wholeSequence(const RunRecord& run, const GroupTruth& truth,
       whole.persons);
   return whole;
 }
+
+}  // namespace grouptracker

@@ -1,11 +1,13 @@
 #pragma once
 
-#include "GroupTruth.h"
-#include "PartitionScores.h"
-#include "RunRecord.h"
+#include "host/evaluation/GroupTruth.h"
+#include "host/evaluation/PartitionScores.h"
+#include "host/evaluation/RunRecord.h"
 
 #include <cstddef>
 #include <vector>
+
+namespace grouptracker {
 
 /// How windows are cut out of a run.
 struct WindowOptions {
@@ -26,3 +28,5 @@ PrecisionRecall meanMitre(const std::vector<PartitionPair>& windows);
 /// whom others connect.
 PartitionPair wholeSequence(const RunRecord& run, const GroupTruth& truth,
                             const WindowOptions& options);
+
+}  // namespace grouptracker

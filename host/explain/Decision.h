@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+namespace grouptracker {
+
 /// The three parts of a group's coherence, before they are weighted.
 struct CoherenceParts {
   double distance = 0.0;   ///< metres
@@ -40,3 +42,5 @@ struct Decision {
   std::optional<CoherenceParts> parts;
   std::string reason;  ///< what the mobile dump says about it; empty without one
 };
+
+}  // namespace grouptracker

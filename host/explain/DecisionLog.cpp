@@ -1,11 +1,13 @@
-#include "DecisionLog.h"
+#include "host/explain/DecisionLog.h"
 
-#include "LineReader.h"
+#include "host/base/LineReader.h"
 
 #include <algorithm>
 #include <cinttypes>
 #include <cstdio>
 #include <utility>
+
+namespace grouptracker {
 
 namespace {
 
@@ -237,3 +239,5 @@ std::set<std::int64_t> DecisionLog::membersAt(int group, std::int32_t processedF
   const auto members = frames->second.find(processedFrame);
   return members == frames->second.end() ? Ids() : members->second;
 }
+
+}  // namespace grouptracker

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Decision.h"
-#include "GroupLine.h"
-#include "MobileDump.h"
+#include "host/explain/Decision.h"
+#include "host/explain/GroupLine.h"
+#include "host/explain/MobileDump.h"
 
 #include <cstdint>
 #include <istream>
@@ -11,6 +11,8 @@
 #include <string>
 #include <unordered_map>
 #include <vector>
+
+namespace grouptracker {
 
 /// Reads the tracker's diagnostics and keeps its decisions about groups. What the lines say is
 /// taken as it stands; who joined and left follows from the lists of groups of consecutive frames.
@@ -62,3 +64,5 @@ class DecisionLog {
   std::map<int, Listed> m_before;                             ///< the latest list of groups
   std::map<int, Listed> m_now;                                ///< the one in work
 };
+
+}  // namespace grouptracker

@@ -1,6 +1,8 @@
-#include "DecisionLog.h"
+#include "host/explain/DecisionLog.h"
 
 #include <fmt/format.h>
+
+namespace grouptracker {
 
 namespace {
 
@@ -75,3 +77,5 @@ std::string DecisionLog::ancestorOf(const Listed& group, int other) const {
   }
   return {};
 }
+
+}  // namespace grouptracker

@@ -1,6 +1,6 @@
-#include "Explainer.h"
+#include "host/explain/Explainer.h"
 
-#include "InputFile.h"
+#include "host/base/InputFile.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <cmath>
 #include <utility>
+
+namespace grouptracker {
 
 namespace {
 
@@ -149,3 +151,5 @@ double readCoherenceThreshold(const std::string& parameterFile) {
   }
   throw InputError(parameterFile, "holds no coherenceThreshold:");
 }
+
+}  // namespace grouptracker

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "DecisionLog.h"
+#include "host/explain/DecisionLog.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -8,6 +8,8 @@
 #include <optional>
 #include <string>
 #include <utility>
+
+namespace grouptracker {
 
 /// Tells in plain text why the tracker did what it did.
 class Explainer {
@@ -43,3 +45,5 @@ class Explainer {
 /// The coherence threshold out of a tracker's parameter file. A file that cannot be read or does
 /// not hold it is an `InputError`.
 double readCoherenceThreshold(const std::string& parameterFile);
+
+}  // namespace grouptracker

@@ -1,7 +1,9 @@
-#include "GroupLine.h"
+#include "host/explain/GroupLine.h"
 
 #include <cstdio>
 #include <cstdlib>
+
+namespace grouptracker {
 
 namespace {
 
@@ -52,3 +54,5 @@ std::optional<GroupLine> GroupLine::parse(const std::string& line) {
   group.splits = readTies(line, ", splitted from");
   return group;
 }
+
+}  // namespace grouptracker

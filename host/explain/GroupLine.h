@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+namespace grouptracker {
+
 /// A group as the tracker's list at the end of each frame shows it:
 ///
 ///     - 4, mobiles: 155 156 startFrame=30, endFrame=-1, isUpdated=true, merged with 9 at frame 41
@@ -21,3 +23,5 @@ struct GroupLine {
   /// None for any other line.
   static std::optional<GroupLine> parse(const std::string& line);
 };
+
+}  // namespace grouptracker

@@ -1,7 +1,9 @@
-#include "MobileDump.h"
+#include "host/explain/MobileDump.h"
 
 #include <cinttypes>
 #include <cstdio>
+
+namespace grouptracker {
 
 MobileDump::MobileDump(const std::string& path) : m_file(path), m_lines(m_file.stream(), path) {
   readFrame();
@@ -45,3 +47,5 @@ void MobileDump::readFrame() {
   }
   m_isAtEnd = true;
 }
+
+}  // namespace grouptracker

@@ -1,12 +1,14 @@
 #pragma once
 
-#include "InputFile.h"
-#include "LineReader.h"
+#include "host/base/InputFile.h"
+#include "host/base/LineReader.h"
 
 #include <cstdint>
 #include <map>
 #include <string>
 #include <vector>
+
+namespace grouptracker {
 
 /// Reads the tracker's dump of all remembered mobiles, frame by frame:
 ///
@@ -47,3 +49,5 @@ class MobileDump {
   bool m_isAtEnd = false;
   Mobiles m_mobiles;
 };
+
+}  // namespace grouptracker

@@ -1,12 +1,13 @@
-#include "CameraFromPeople.h"
+#include "host/input/CameraFromPeople.h"
 
-#include "CameraEstimate.h"
-#include "InputError.h"
-#include "PeopleBoxes.h"
+#include "host/base/InputError.h"
+#include "host/camera/CameraEstimate.h"
+#include "host/input/PeopleBoxes.h"
 
 #include <fmt/format.h>
-
 #include <opencv2/core.hpp>
+
+namespace grouptracker {
 
 namespace {
 
@@ -33,3 +34,5 @@ void estimateCamera(const std::vector<PersonBox>& boxes, OpenedInput& input) {
                                reason.what() + "; give one with --calibration");
   }
 }
+
+}  // namespace grouptracker

@@ -1,15 +1,17 @@
-#include "CvmlReader.h"
+#include "host/input/CvmlReader.h"
 
-#include "InputFile.h"
-#include "ObservationLimits.h"
-#include "TextNumbers.h"
-#include "XmlElements.h"
+#include "host/base/InputFile.h"
+#include "host/base/TextNumbers.h"
+#include "host/base/XmlElements.h"
+#include "host/people/ObservationLimits.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <optional>
 #include <stdexcept>
+
+namespace grouptracker {
 
 namespace {
 
@@ -75,3 +77,5 @@ std::unique_ptr<ObservationTable> readCvml(const std::string& path,
   InputFile file(path);
   return readCvml(file.stream(), path, onProblem);
 }
+
+}  // namespace grouptracker

@@ -1,11 +1,13 @@
 #pragma once
 
-#include "ObservationTable.h"
-#include "ProblemHandler.h"
+#include "host/base/ProblemHandler.h"
+#include "host/people/ObservationTable.h"
 
 #include <istream>
 #include <memory>
 #include <string>
+
+namespace grouptracker {
 
 /// Reads people's boxes from XML as it comes with the PETS recordings:
 ///
@@ -26,3 +28,5 @@ std::unique_ptr<ObservationTable> readCvml(std::istream& in, const std::string& 
 /// The same for a file.
 std::unique_ptr<ObservationTable> readCvml(const std::string& path,
                                            const ProblemHandler& onProblem = throwProblem);
+
+}  // namespace grouptracker

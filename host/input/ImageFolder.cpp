@@ -1,10 +1,12 @@
-#include "ImageFolder.h"
+#include "host/input/ImageFolder.h"
 
-#include "InputError.h"
+#include "host/base/InputError.h"
 
 #include <algorithm>
 #include <system_error>
 #include <utility>
+
+namespace grouptracker {
 
 ImageFolder::ImageFolder(std::unique_ptr<FrameSource> source, const std::string& folder)
     : m_source(std::move(source)), m_folder(folder) {
@@ -34,3 +36,5 @@ bool ImageFolder::next(InputFrame& frame) {
   ++m_next;
   return true;
 }
+
+}  // namespace grouptracker

@@ -1,12 +1,14 @@
 #pragma once
 
-#include "FrameSource.h"
+#include "host/people/FrameSource.h"
 
 #include <cstddef>
 #include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
+
+namespace grouptracker {
 
 /// Gives the frames of an input that names no images the images of a folder: the first frame the
 /// first file in sorted order, and so on. An image that the input names itself is kept. A folder
@@ -24,3 +26,5 @@ class ImageFolder : public FrameSource {
   std::vector<std::filesystem::path> m_images;  ///< sorted by name
   std::size_t m_next = 0;
 };
+
+}  // namespace grouptracker

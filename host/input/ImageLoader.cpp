@@ -1,9 +1,11 @@
-#include "ImageLoader.h"
+#include "host/input/ImageLoader.h"
 
-#include "InputError.h"
+#include "host/base/InputError.h"
 
 #include <fmt/format.h>
 #include <opencv2/imgcodecs.hpp>
+
+namespace grouptracker {
 
 cv::Mat readImage(const std::filesystem::path& file, const std::string& place) {
   cv::Mat pixels;
@@ -33,3 +35,5 @@ void ImageLoader::load(InputFrame& frame) {
     frame.image = QSharedPointer<kelDataImage>::create(pixels);
   }
 }
+
+}  // namespace grouptracker

@@ -1,11 +1,13 @@
 #pragma once
 
-#include "InputFrame.h"
+#include "host/people/InputFrame.h"
 
 #include <opencv2/core.hpp>
 
 #include <filesystem>
 #include <string>
+
+namespace grouptracker {
 
 /// Reads an image in colour. A file that is no readable image is an `InputError` at `place`.
 cv::Mat readImage(const std::filesystem::path& file, const std::string& place);
@@ -20,3 +22,5 @@ class ImageLoader {
  private:
   cv::Size m_size;  ///< of the first image, pixels; empty before
 };
+
+}  // namespace grouptracker

@@ -1,23 +1,25 @@
-#include "InputFormats.h"
+#include "host/input/InputFormats.h"
 
-#include "CameraFromPeople.h"
-#include "CvmlReader.h"
-#include "InputError.h"
-#include "InputFile.h"
-#include "LineReader.h"
-#include "MotReader.h"
-#include "MotSequence.h"
-#include "ObservationInput.h"
-#include "PeopleBoxes.h"
-#include "SceneCalibration.h"
-#include "SceneReader.h"
-#include "TrajectoryFolder.h"
+#include "host/base/InputError.h"
+#include "host/base/InputFile.h"
+#include "host/base/LineReader.h"
+#include "host/camera/SceneCalibration.h"
+#include "host/input/CameraFromPeople.h"
+#include "host/input/CvmlReader.h"
+#include "host/input/MotReader.h"
+#include "host/input/MotSequence.h"
+#include "host/input/ObservationInput.h"
+#include "host/input/PeopleBoxes.h"
+#include "host/input/SceneReader.h"
+#include "host/input/TrajectoryFolder.h"
 
 #include <array>
 #include <filesystem>
 #include <system_error>
 #include <utility>
 #include <vector>
+
+namespace grouptracker {
 
 namespace {
 
@@ -197,3 +199,5 @@ PeopleView readPeopleView(const std::string& path, const InputOptions& options) 
   }
   return format.view(path, options);
 }
+
+}  // namespace grouptracker

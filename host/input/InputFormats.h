@@ -1,11 +1,13 @@
 #pragma once
 
-#include "OpenedInput.h"
-#include "PeopleCamera.h"
+#include "host/camera/PeopleCamera.h"
+#include "host/input/OpenedInput.h"
 
 #include <optional>
 #include <string>
 #include <vector>
+
+namespace grouptracker {
 
 /// The names by which a user may choose a format.
 std::vector<std::string> inputFormats();
@@ -24,3 +26,5 @@ struct PeopleView {
 
 /// Reads the people's boxes of an input. One without image boxes is an `InputError`.
 PeopleView readPeopleView(const std::string& path, const InputOptions& options);
+
+}  // namespace grouptracker

@@ -1,15 +1,16 @@
-#include "MobileArchive.h"
+#include "host/input/MobileArchive.h"
 
-#include "OutputError.h"
-#include "TemporaryFile.h"
-
-#include <unistd.h>
+#include "host/base/OutputError.h"
+#include "host/base/TemporaryFile.h"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
 #include <limits>
+#include <unistd.h>
+
+namespace grouptracker {
 
 namespace {
 
@@ -93,3 +94,5 @@ std::uint64_t MobileArchive::appendText(const std::string& text) {
 void MobileArchive::fail(const char* what) const {
   throw OutputError(m_folder, std::string(what) + ": " + std::strerror(errno));
 }
+
+}  // namespace grouptracker

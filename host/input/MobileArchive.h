@@ -1,12 +1,14 @@
 #pragma once
 
-#include "FileDescriptor.h"
+#include "host/base/FileDescriptor.h"
 
 #include <kel/BoundingBox3D.h>
 
 #include <cstdint>
 #include <optional>
 #include <string>
+
+namespace grouptracker {
 
 /// What can still be printed of a mobile that the tracker has forgotten.
 struct ArchivedMobile {
@@ -37,3 +39,5 @@ class MobileArchive {
   FileDescriptor m_file;
   std::uint64_t m_textEnd = 0;  ///< bytes; where the next long type name goes
 };
+
+}  // namespace grouptracker

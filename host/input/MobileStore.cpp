@@ -1,6 +1,8 @@
-#include "MobileStore.h"
+#include "host/input/MobileStore.h"
 
 #include <opencv2/core/types.hpp>
+
+namespace grouptracker {
 
 void MobileStore::beginFrame() {
   ++m_frame;
@@ -49,3 +51,5 @@ void MobileStore::archiveOldest() {
   }
   m_idsByFrame.pop_front();
 }
+
+}  // namespace grouptracker

@@ -1,12 +1,14 @@
 #pragma once
 
-#include "InputFrame.h"
-#include "MobileArchive.h"
+#include "host/input/MobileArchive.h"
+#include "host/people/InputFrame.h"
 
 #include <cstdint>
 #include <deque>
 #include <unordered_map>
 #include <vector>
+
+namespace grouptracker {
 
 /// Finds mobiles by id for an input whose later frames may name any mobile of earlier ones. An id
 /// names its latest observation. The observations of the last `window` frames are kept whole; of
@@ -43,3 +45,5 @@ class MobileStore {
   MobileArchive m_archive;
   MobilePointer m_revived;  ///< the last one found in the archive, or null
 };
+
+}  // namespace grouptracker

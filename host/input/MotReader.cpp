@@ -1,9 +1,9 @@
-#include "MotReader.h"
+#include "host/input/MotReader.h"
 
-#include "InputFile.h"
-#include "LineReader.h"
-#include "ObservationLimits.h"
-#include "TextNumbers.h"
+#include "host/base/InputFile.h"
+#include "host/base/LineReader.h"
+#include "host/base/TextNumbers.h"
+#include "host/people/ObservationLimits.h"
 
 #include <algorithm>
 #include <cmath>
@@ -11,6 +11,8 @@
 #include <optional>
 #include <stdexcept>
 #include <vector>
+
+namespace grouptracker {
 
 namespace {
 
@@ -127,3 +129,5 @@ bool isMotLine(const std::string& line) {
   }
   return row.size() >= fewestColumns && row.size() <= mostColumns;
 }
+
+}  // namespace grouptracker

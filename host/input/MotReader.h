@@ -1,12 +1,14 @@
 #pragma once
 
-#include "ObservationTable.h"
-#include "ProblemHandler.h"
+#include "host/base/ProblemHandler.h"
+#include "host/people/ObservationTable.h"
 
 #include <istream>
 #include <limits>
 #include <memory>
 #include <string>
+
+namespace grouptracker {
 
 /// Which lines of a MOTChallenge file count.
 struct MotChoice {
@@ -33,3 +35,5 @@ std::unique_ptr<ObservationTable> readMot(const std::string& path, const MotChoi
                                           const ProblemHandler& onProblem = throwProblem);
 /// Whether a line could be one of such a file.
 bool isMotLine(const std::string& line);
+
+}  // namespace grouptracker

@@ -1,11 +1,13 @@
-#include "MotSequence.h"
+#include "host/input/MotSequence.h"
 
-#include "InputFile.h"
-#include "LineReader.h"
-#include "TextNumbers.h"
+#include "host/base/InputFile.h"
+#include "host/base/LineReader.h"
+#include "host/base/TextNumbers.h"
 
 #include <filesystem>
 #include <stdexcept>
+
+namespace grouptracker {
 
 namespace {
 
@@ -100,3 +102,5 @@ std::unique_ptr<ObservationTable> MotSequence::read(const MotChoice& choice,
   table->finish();
   return table;
 }
+
+}  // namespace grouptracker

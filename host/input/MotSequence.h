@@ -1,6 +1,6 @@
 #pragma once
 
-#include "MotReader.h"
+#include "host/input/MotReader.h"
 
 #include <opencv2/core/types.hpp>
 
@@ -8,6 +8,8 @@
 #include <istream>
 #include <optional>
 #include <string>
+
+namespace grouptracker {
 
 /// What `seqinfo.ini` of a MOTChallenge sequence says, for example
 ///
@@ -49,3 +51,5 @@ class MotSequence {
   std::string m_trackFile;
   SequenceInfo m_info;
 };
+
+}  // namespace grouptracker

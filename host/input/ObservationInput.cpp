@@ -1,14 +1,16 @@
-#include "ObservationInput.h"
+#include "host/input/ObservationInput.h"
 
-#include "CameraEstimate.h"
-#include "CameraFromPeople.h"
-#include "GroundPlaneCalibration.h"
-#include "InputError.h"
-#include "PeopleBoxes.h"
-#include "TrackAssembler.h"
+#include "host/base/InputError.h"
+#include "host/camera/CameraEstimate.h"
+#include "host/camera/GroundPlaneCalibration.h"
+#include "host/input/CameraFromPeople.h"
+#include "host/input/PeopleBoxes.h"
+#include "host/people/TrackAssembler.h"
 
 #include <algorithm>
 #include <utility>
+
+namespace grouptracker {
 
 namespace {
 
@@ -64,3 +66,5 @@ void assembleInput(std::unique_ptr<ObservationTable> observations, const InputOp
   input.frames =
       std::make_unique<TrackAssembler>(std::move(observations), input.calibration, options.links);
 }
+
+}  // namespace grouptracker

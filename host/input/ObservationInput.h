@@ -1,9 +1,11 @@
 #pragma once
 
-#include "ObservationTable.h"
-#include "OpenedInput.h"
+#include "host/input/OpenedInput.h"
+#include "host/people/ObservationTable.h"
 
 #include <memory>
+
+namespace grouptracker {
 
 /// Completes an input that consists of observations: chooses its camera and assembles its frames.
 /// The camera is the given one; else that of the given homography, with the camera's position
@@ -17,3 +19,5 @@ void assembleInput(std::unique_ptr<ObservationTable> observations, const InputOp
 QSharedPointer<kelAbstractDataCalibration> cameraOf(const cv::Matx33d& homography,
                                                     const std::optional<cv::Size>& imageSize,
                                                     const cv::Point2d& farthest);
+
+}  // namespace grouptracker

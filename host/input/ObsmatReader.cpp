@@ -1,14 +1,16 @@
-#include "ObsmatReader.h"
+#include "host/input/ObsmatReader.h"
 
-#include "InputFile.h"
-#include "LineReader.h"
-#include "ObservationLimits.h"
-#include "TextNumbers.h"
+#include "host/base/InputFile.h"
+#include "host/base/LineReader.h"
+#include "host/base/TextNumbers.h"
+#include "host/people/ObservationLimits.h"
 
 #include <cmath>
 #include <cstdint>
 #include <stdexcept>
 #include <vector>
+
+namespace grouptracker {
 
 namespace {
 
@@ -52,3 +54,5 @@ std::unique_ptr<ObservationTable> readObsmat(const std::string& path,
   InputFile file(path);
   return readObsmat(file.stream(), path, onProblem);
 }
+
+}  // namespace grouptracker

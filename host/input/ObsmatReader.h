@@ -1,10 +1,12 @@
 #pragma once
 
-#include "ObservationTable.h"
+#include "host/people/ObservationTable.h"
 
 #include <istream>
 #include <memory>
 #include <string>
+
+namespace grouptracker {
 
 /// Reads people's places from text with eight numbers a line: frame, person, x, (z), y, vx, (vz),
 /// vy; metres and metres per second on the ground, z and the speeds are not used. For example
@@ -19,3 +21,5 @@ std::unique_ptr<ObservationTable> readObsmat(std::istream& in, const std::string
 /// The same for a file.
 std::unique_ptr<ObservationTable> readObsmat(const std::string& path,
                                              const ProblemHandler& onProblem = throwProblem);
+
+}  // namespace grouptracker

@@ -1,20 +1,21 @@
 #pragma once
 
-#include "FrameSource.h"
-#include "LinkOptions.h"
-#include "MotReader.h"
-#include "ProblemHandler.h"
+#include "host/base/ProblemHandler.h"
+#include "host/input/MotReader.h"
+#include "host/people/FrameSource.h"
+#include "host/people/LinkOptions.h"
 
 #include <kel/kelAbstractDataCalibration.h>
 
-#include <opencv2/core/matx.hpp>
-
 #include <QSharedPointer>
+#include <opencv2/core/matx.hpp>
 
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
+
+namespace grouptracker {
 
 /// What the user says about an input beside its name.
 struct InputOptions {
@@ -37,3 +38,5 @@ struct OpenedInput {
   std::vector<std::string> notes;     ///< what the user should know about how it is read
   std::optional<cv::Size> imageSize;  ///< pixels; none when nobody said
 };
+
+}  // namespace grouptracker

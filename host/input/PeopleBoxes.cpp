@@ -1,11 +1,13 @@
-#include "PeopleBoxes.h"
+#include "host/input/PeopleBoxes.h"
 
-#include "InputFile.h"
-#include "LineReader.h"
-#include "SceneLineParser.h"
+#include "host/base/InputFile.h"
+#include "host/base/LineReader.h"
+#include "host/input/SceneLineParser.h"
 
 #include <algorithm>
 #include <stdexcept>
+
+namespace grouptracker {
 
 namespace {
 
@@ -74,3 +76,5 @@ cv::Point2d farthestCorner(const std::vector<PersonBox>& boxes) {
   }
   return farthest;
 }
+
+}  // namespace grouptracker

@@ -1,11 +1,13 @@
 #pragma once
 
-#include "ObservationTable.h"
-#include "PeopleCamera.h"
+#include "host/camera/PeopleCamera.h"
+#include "host/people/ObservationTable.h"
 
 #include <cstddef>
 #include <string>
 #include <vector>
+
+namespace grouptracker {
 
 /// People's boxes for estimating the camera: those of the input's first part, in order.
 
@@ -19,3 +21,5 @@ std::vector<PersonBox> peopleBoxes(const std::string& sceneFile);
 bool needsCamera(const std::string& sceneFile);
 /// The largest column and row that a box reaches.
 cv::Point2d farthestCorner(const std::vector<PersonBox>& boxes);
+
+}  // namespace grouptracker

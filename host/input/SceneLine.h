@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+namespace grouptracker {
+
 /// A link to a mobile of an earlier frame, as a scene line gives it.
 struct SceneFather {
   std::uint32_t id = 0;
@@ -39,3 +41,5 @@ struct SceneLine {
   std::vector<SceneMobile> mobiles;
   std::vector<SceneActor> actors;
 };
+
+}  // namespace grouptracker

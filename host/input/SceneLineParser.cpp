@@ -1,10 +1,12 @@
-#include "SceneLineParser.h"
+#include "host/input/SceneLineParser.h"
 
-#include "JsonAccess.h"
+#include "host/base/JsonAccess.h"
 
 #include <cstddef>
 #include <limits>
 #include <utility>
+
+namespace grouptracker {
 
 struct SceneLineParser::Buffers {
   simdjson::dom::parser json;
@@ -120,3 +122,5 @@ void SceneLineParser::parse(const std::string& line, SceneLine& scene) {
     throw json::problem(std::string("\"") + (hasMobiles ? "actors" : "mobiles") + "\" is missing");
   }
 }
+
+}  // namespace grouptracker

@@ -1,9 +1,11 @@
 #pragma once
 
-#include "SceneLine.h"
+#include "host/input/SceneLine.h"
 
 #include <memory>
 #include <string>
+
+namespace grouptracker {
 
 /// Takes the lines of a scene file apart:
 ///
@@ -30,3 +32,5 @@ class SceneLineParser {
   struct Buffers;
   std::unique_ptr<Buffers> m_buffers;
 };
+
+}  // namespace grouptracker

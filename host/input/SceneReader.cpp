@@ -1,11 +1,13 @@
-#include "SceneReader.h"
+#include "host/input/SceneReader.h"
 
-#include "BoxLifter.h"
+#include "host/camera/BoxLifter.h"
 
 #include <algorithm>
 #include <stdexcept>
 #include <utility>
 #include <vector>
+
+namespace grouptracker {
 
 namespace {
 
@@ -157,3 +159,5 @@ void SceneReader::refuseRepeatedActors() const {
                                 " stands twice in this frame");
   }
 }
+
+}  // namespace grouptracker

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "FrameSource.h"
-#include "InputFile.h"
-#include "LineReader.h"
-#include "MobileStore.h"
-#include "SceneLine.h"
-#include "SceneLineParser.h"
+#include "host/base/InputFile.h"
+#include "host/base/LineReader.h"
+#include "host/input/MobileStore.h"
+#include "host/input/SceneLine.h"
+#include "host/input/SceneLineParser.h"
+#include "host/people/FrameSource.h"
 
 #include <kel/kelAbstractDataCalibration.h>
 
@@ -15,6 +15,8 @@
 #include <istream>
 #include <memory>
 #include <string>
+
+namespace grouptracker {
 
 /// Reads a scene: one JSON object a line and frame, see `SceneLineParser`; blank lines are passed
 /// over. Lines are taken as they arrive, so that a live tracker can be piped in; memory does not
@@ -53,3 +55,5 @@ class SceneReader : public FrameSource {
   SceneLine m_scene;  ///< the current line, kept for its buffers
   std::int64_t m_frames = 0;
 };
+
+}  // namespace grouptracker

@@ -1,13 +1,15 @@
-#include "TrajectoryFolder.h"
+#include "host/input/TrajectoryFolder.h"
 
-#include "Homography.h"
-#include "ObservationInput.h"
-#include "ObsmatReader.h"
-#include "TrackAssembler.h"
+#include "host/camera/Homography.h"
+#include "host/input/ObservationInput.h"
+#include "host/input/ObsmatReader.h"
+#include "host/people/TrackAssembler.h"
 
 #include <algorithm>
 #include <filesystem>
 #include <utility>
+
+namespace grouptracker {
 
 namespace {
 
@@ -51,3 +53,5 @@ OpenedInput openTrajectoryFolder(const std::string& path, const InputOptions& op
       std::make_unique<TrackAssembler>(std::move(observations), input.calibration, options.links);
   return input;
 }
+
+}  // namespace grouptracker

@@ -1,9 +1,11 @@
-#include "VideoImages.h"
+#include "host/input/VideoImages.h"
 
-#include "InputError.h"
-#include "InputFile.h"
+#include "host/base/InputError.h"
+#include "host/base/InputFile.h"
 
 #include <utility>
+
+namespace grouptracker {
 
 VideoImages::VideoImages(std::unique_ptr<FrameSource> source, const std::string& file)
     : m_source(std::move(source)), m_file(file) {
@@ -34,3 +36,5 @@ bool VideoImages::next(InputFrame& frame) {
   }
   return true;
 }
+
+}  // namespace grouptracker

@@ -1,12 +1,14 @@
 #pragma once
 
-#include "FrameSource.h"
+#include "host/people/FrameSource.h"
 
 #include <opencv2/videoio.hpp>
 
 #include <cstdint>
 #include <memory>
 #include <string>
+
+namespace grouptracker {
 
 /// Gives the frames of an input that names no images those of a video file: the first frame the
 /// video's first, and so on. An image that the input names itself is kept. A file that is no
@@ -24,3 +26,5 @@ class VideoImages : public FrameSource {
   cv::VideoCapture m_video;
   std::uint64_t m_frames = 0;
 };
+
+}  // namespace grouptracker

@@ -1,7 +1,9 @@
-#include "GroupsWriter.h"
+#include "host/output/GroupsWriter.h"
 
-#include "JsonLine.h"
-#include "JsonText.h"
+#include "host/base/JsonLine.h"
+#include "host/base/JsonText.h"
+
+namespace grouptracker {
 
 namespace {
 
@@ -60,3 +62,5 @@ void GroupsWriter::write(const FrameReport& report) {
   append(m_line, "}}\n");
   m_file.writeLines({m_line.data(), m_line.size()});
 }
+
+}  // namespace grouptracker

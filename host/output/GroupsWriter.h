@@ -1,11 +1,13 @@
 #pragma once
 
-#include "FrameSink.h"
-#include "OutputFile.h"
+#include "host/base/OutputFile.h"
+#include "host/run/FrameSink.h"
 
 #include <fmt/format.h>
 
 #include <string>
+
+namespace grouptracker {
 
 /// Writes the groups file, one JSON object a line and frame:
 ///
@@ -27,3 +29,5 @@ class GroupsWriter : public FrameSink {
   OutputFile m_file;
   fmt::memory_buffer m_line;  ///< kept from frame to frame
 };
+
+}  // namespace grouptracker

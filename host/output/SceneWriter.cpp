@@ -1,8 +1,10 @@
-#include "SceneWriter.h"
+#include "host/output/SceneWriter.h"
 
-#include "JsonLine.h"
-#include "JsonText.h"
-#include "SceneCalibration.h"
+#include "host/base/JsonLine.h"
+#include "host/base/JsonText.h"
+#include "host/camera/SceneCalibration.h"
+
+namespace grouptracker {
 
 namespace {
 
@@ -68,3 +70,5 @@ void SceneWriter::write(const InputFrame& frame) {
   append(m_line, "}}\n");
   m_file.writeLines({m_line.data(), m_line.size()});
 }
+
+}  // namespace grouptracker

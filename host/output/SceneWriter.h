@@ -1,11 +1,13 @@
 #pragma once
 
-#include "InputFrame.h"
-#include "OutputFile.h"
+#include "host/base/OutputFile.h"
+#include "host/people/InputFrame.h"
 
 #include <fmt/format.h>
 
 #include <string>
+
+namespace grouptracker {
 
 /// Writes frames as a scene file, one JSON object a line and frame:
 ///
@@ -33,3 +35,5 @@ class SceneWriter {
   std::string m_calibration;  ///< still to be written
   fmt::memory_buffer m_line;  ///< kept from frame to frame
 };
+
+}  // namespace grouptracker

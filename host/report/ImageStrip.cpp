@@ -1,12 +1,14 @@
-#include "ImageStrip.h"
+#include "host/report/ImageStrip.h"
 
-#include "ImageLoader.h"
+#include "host/input/ImageLoader.h"
 
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
 
 #include <algorithm>
 #include <utility>
+
+namespace grouptracker {
 
 namespace {
 
@@ -63,3 +65,5 @@ QByteArray ImageStrip::shrink(const Frame& frame, Boxes& boxes) {
   return QByteArray(reinterpret_cast<const char*>(bytes.data()), static_cast<int>(bytes.size()))
       .toBase64();
 }
+
+}  // namespace grouptracker

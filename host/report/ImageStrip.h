@@ -1,7 +1,7 @@
 #pragma once
 
-#include "ReportBody.h"
-#include "ReportedStep.h"
+#include "host/report/ReportBody.h"
+#include "host/run/ReportedStep.h"
 
 #include <QByteArray>
 
@@ -10,6 +10,8 @@
 #include <filesystem>
 #include <string>
 #include <vector>
+
+namespace grouptracker {
 
 /// The images of a report: small JPEGs in base64, at most some hundred of them, evenly spread over
 /// the frames, so that a report of any length can be opened.
@@ -41,3 +43,5 @@ class ImageStrip {
   std::vector<Frame> m_frames;
   bool m_hasImages = false;
 };
+
+}  // namespace grouptracker

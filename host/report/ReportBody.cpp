@@ -1,8 +1,10 @@
-#include "ReportBody.h"
+#include "host/report/ReportBody.h"
 
 #include <nlohmann/json.hpp>
 
 #include <bit>
+
+namespace grouptracker {
 
 static_assert(std::endian::native == std::endian::little, "the page reads little-endian numbers");
 
@@ -30,3 +32,5 @@ QByteArray ReportBody::packed() const {
   constexpr int lengthPrefix = 4;  // bytes that Qt puts before the deflated ones
   return qCompress(m_bytes, best).mid(lengthPrefix).toBase64();
 }
+
+}  // namespace grouptracker

@@ -1,13 +1,14 @@
 #pragma once
 
 #include <QByteArray>
-
 #include <nlohmann/json_fwd.hpp>
 
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
+
+namespace grouptracker {
 
 /// The numbers of a report as the page reads them: arrays of little-endian integers one after the
 /// other, each at a multiple of four bytes, and a list that says where each one lies.
@@ -43,3 +44,5 @@ class ReportBody {
   std::unique_ptr<nlohmann::json> m_list;
   QByteArray m_bytes;
 };
+
+}  // namespace grouptracker

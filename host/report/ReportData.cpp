@@ -1,8 +1,10 @@
-#include "ReportData.h"
+#include "host/report/ReportData.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
+
+namespace grouptracker {
 
 namespace {
 
@@ -155,3 +157,5 @@ void ReportData::fill(ReportBody& body) {
     body.add("wrong", *m_wrong);
   }
 }
+
+}  // namespace grouptracker

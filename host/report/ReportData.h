@@ -1,9 +1,9 @@
 #pragma once
 
-#include "GroupsFrame.h"
-#include "ReportBody.h"
-#include "ReportedStep.h"
-#include "TrackedEvent.h"
+#include "host/report/ReportBody.h"
+#include "host/run/GroupsFrame.h"
+#include "host/run/ReportedStep.h"
+#include "host/run/TrackedEvent.h"
 
 #include <cstdint>
 #include <functional>
@@ -12,6 +12,8 @@
 #include <unordered_map>
 #include <utility>
 #include <vector>
+
+namespace grouptracker {
 
 /// Collects what a report shows, in the compact form in which the page reads it. Frames are indices
 /// from 0 in the order of the input. A person's way is stored as runs without gaps: the place where
@@ -66,3 +68,5 @@ class ReportData {
   std::vector<std::uint32_t> m_eventFrame, m_eventGroup, m_eventOther;
   std::vector<std::uint32_t> m_eventPersons, m_eventPersonsEnd;
 };
+
+}  // namespace grouptracker

@@ -1,8 +1,7 @@
-#include "ReportPage.h"
-
-#include <nlohmann/json.hpp>
+#include "host/report/ReportPage.h"
 
 #include <QFile>
+#include <nlohmann/json.hpp>
 
 #include <vector>
 
@@ -10,6 +9,8 @@
 static void initializeResources() {
   Q_INIT_RESOURCE(report);
 }
+
+namespace grouptracker {
 
 namespace {
 
@@ -56,3 +57,5 @@ QByteArray makeReportPage(const ReportTitle& title, ReportData& data, const Imag
   }
   return pageTemplate().replace("<!--DATA-->", elements);
 }
+
+}  // namespace grouptracker

@@ -1,11 +1,13 @@
 #pragma once
 
-#include "ImageStrip.h"
-#include "ReportData.h"
+#include "host/report/ImageStrip.h"
+#include "host/report/ReportData.h"
 
 #include <cstdint>
 #include <map>
 #include <string>
+
+namespace grouptracker {
 
 /// What a report says about itself.
 struct ReportTitle {
@@ -20,3 +22,5 @@ using Explanations = std::map<std::uint32_t, std::string>;
 /// The whole page: one file that needs nothing else.
 QByteArray makeReportPage(const ReportTitle& title, ReportData& data, const ImageStrip& images,
                           const Explanations& explanations);
+
+}  // namespace grouptracker

@@ -1,8 +1,10 @@
-#include "Arrivals.h"
+#include "host/simulation/Arrivals.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
+
+namespace grouptracker {
 
 namespace {
 
@@ -115,3 +117,5 @@ cv::Point2d placeElsewhere(const cv::Point2d& place, RandomNumbers& random) {
     }
   }
 }
+
+}  // namespace grouptracker

@@ -1,11 +1,13 @@
 #pragma once
 
-#include "RandomNumbers.h"
-#include "SimulationOptions.h"
+#include "host/simulation/RandomNumbers.h"
+#include "host/simulation/SimulationOptions.h"
 
 #include <opencv2/core/types.hpp>
 
 #include <vector>
+
+namespace grouptracker {
 
 /// People who come into the scene together, or one alone, and cross it.
 struct Arrival {
@@ -25,3 +27,5 @@ std::vector<Arrival> planArrivals(const SimulationOptions& options, RandomNumber
 /// A place at the border of the scene where people go to, other than the side on which `place`
 /// lies.
 cv::Point2d placeElsewhere(const cv::Point2d& place, RandomNumbers& random);
+
+}  // namespace grouptracker

@@ -1,8 +1,10 @@
-#include "Crowd.h"
+#include "host/simulation/Crowd.h"
 
-#include "SocialForce.h"
+#include "host/simulation/SocialForce.h"
 
 #include <cmath>
+
+namespace grouptracker {
 
 namespace {
 
@@ -74,3 +76,5 @@ void Crowd::letIn(const Arrival& arrival) {
     m_walkers.push_back(walker);
   }
 }
+
+}  // namespace grouptracker

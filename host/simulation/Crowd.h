@@ -1,10 +1,12 @@
 #pragma once
 
-#include "Arrivals.h"
-#include "Walker.h"
+#include "host/simulation/Arrivals.h"
+#include "host/simulation/Walker.h"
 
 #include <cstddef>
 #include <vector>
+
+namespace grouptracker {
 
 /// Everybody who is in the simulated scene at a moment. People come by plan, walk by the social
 /// force model and go when they reach their goal.
@@ -38,3 +40,5 @@ class Crowd {
   int m_lastCompany = 0;
   int m_lastGroup = 0;
 };
+
+}  // namespace grouptracker

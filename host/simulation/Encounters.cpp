@@ -1,9 +1,11 @@
-#include "Encounters.h"
+#include "host/simulation/Encounters.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 #include <map>
+
+namespace grouptracker {
 
 namespace {
 
@@ -235,3 +237,5 @@ std::vector<Company> Encounters::fitCompanies(Crowd& crowd) const {
   }
   return fit;
 }
+
+}  // namespace grouptracker

@@ -1,15 +1,17 @@
 #pragma once
 
-#include "Crowd.h"
-#include "GroupEvent.h"
-#include "RandomNumbers.h"
-#include "SimulatedView.h"
-#include "SimulationOptions.h"
+#include "host/simulation/Crowd.h"
+#include "host/simulation/GroupEvent.h"
+#include "host/simulation/RandomNumbers.h"
+#include "host/simulation/SimulatedView.h"
+#include "host/simulation/SimulationOptions.h"
 
 #include <cstdint>
 #include <deque>
 #include <utility>
 #include <vector>
+
+namespace grouptracker {
 
 /// Lets people join and leave groups and groups merge and split, at times drawn beforehand, as soon
 /// as people in view are fit for it. A change begins when somebody heads for another company; the
@@ -53,3 +55,5 @@ class Encounters {
   std::deque<Planned> m_planned;  ///< in the order of time
   std::vector<Change> m_changes;  ///< begun, not yet to be seen
 };
+
+}  // namespace grouptracker

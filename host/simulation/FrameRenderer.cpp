@@ -1,9 +1,11 @@
-#include "FrameRenderer.h"
+#include "host/simulation/FrameRenderer.h"
 
 #include <opencv2/imgproc.hpp>
 
 #include <algorithm>
 #include <cmath>
+
+namespace grouptracker {
 
 namespace {
 
@@ -119,3 +121,5 @@ void FrameRenderer::drawPart(cv::Mat& image, const Walker& walker, double low, d
         fine(m_view.project({right, y, high})), fine(m_view.project({left, y, high}))},
        color);
 }
+
+}  // namespace grouptracker

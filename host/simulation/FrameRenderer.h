@@ -1,11 +1,13 @@
 #pragma once
 
-#include "SimulatedView.h"
-#include "Walker.h"
+#include "host/simulation/SimulatedView.h"
+#include "host/simulation/Walker.h"
 
 #include <opencv2/core/mat.hpp>
 
 #include <vector>
+
+namespace grouptracker {
 
 /// Draws simulated people as the camera sees them: upright figures on a paved square, each with
 /// clothes of its own colours and a shadow on the ground. 8-bit images, blue first.
@@ -24,3 +26,5 @@ class FrameRenderer {
   const SimulatedView& m_view;
   cv::Mat m_ground;
 };
+
+}  // namespace grouptracker

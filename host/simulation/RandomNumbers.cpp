@@ -1,6 +1,8 @@
-#include "RandomNumbers.h"
+#include "host/simulation/RandomNumbers.h"
 
 #include <algorithm>
+
+namespace grouptracker {
 
 double RandomNumbers::uniform(double low, double high) {
   constexpr int unusedBits = 64 - 53;           // a double holds 53
@@ -23,3 +25,5 @@ double RandomNumbers::normal(double deviation) {
   }
   return sum * deviation;
 }
+
+}  // namespace grouptracker

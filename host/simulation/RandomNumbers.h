@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <random>
 
+namespace grouptracker {
+
 /// Random numbers that are the same on every machine for the same seed: the engine's sequence is
 /// fixed by the language, the standard library's distributions are not, so they are made here with
 /// exact arithmetic only.
@@ -21,3 +23,5 @@ class RandomNumbers {
  private:
   std::mt19937_64 m_engine;
 };
+
+}  // namespace grouptracker

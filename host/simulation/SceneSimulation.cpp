@@ -1,21 +1,22 @@
-#include "SceneSimulation.h"
+#include "host/simulation/SceneSimulation.h"
 
-#include "FrameRenderer.h"
-#include "OutputError.h"
-#include "OutputFile.h"
-#include "SceneWriter.h"
-#include "SimulatedSource.h"
-#include "SimulatedView.h"
-#include "TrackAssembler.h"
-#include "TruthRecorder.h"
+#include "host/base/OutputError.h"
+#include "host/base/OutputFile.h"
+#include "host/output/SceneWriter.h"
+#include "host/people/TrackAssembler.h"
+#include "host/simulation/FrameRenderer.h"
+#include "host/simulation/SimulatedSource.h"
+#include "host/simulation/SimulatedView.h"
+#include "host/simulation/TruthRecorder.h"
 
 #include <fmt/format.h>
-
 #include <opencv2/imgcodecs.hpp>
 
 #include <filesystem>
 #include <memory>
 #include <system_error>
+
+namespace grouptracker {
 
 namespace {
 
@@ -82,3 +83,5 @@ SimulationSummary simulateScene(const SimulationOptions& options) {
   truth.finish();
   return {options.frames, truth.persons(), truth.groups()};
 }
+
+}  // namespace grouptracker

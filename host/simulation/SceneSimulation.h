@@ -1,8 +1,10 @@
 #pragma once
 
-#include "SimulationOptions.h"
+#include "host/simulation/SimulationOptions.h"
 
 #include <cstddef>
+
+namespace grouptracker {
 
 /// What a simulation made.
 struct SimulationSummary {
@@ -16,3 +18,5 @@ struct SimulationSummary {
 /// `TruthRecorder`) and, when asked for, the frames (`images/000001.png` and so on). The same
 /// options give the same bytes. What cannot be written is an `OutputError`.
 SimulationSummary simulateScene(const SimulationOptions& options);
+
+}  // namespace grouptracker

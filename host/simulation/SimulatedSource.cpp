@@ -1,7 +1,9 @@
-#include "SimulatedSource.h"
+#include "host/simulation/SimulatedSource.h"
 
 #include <algorithm>
 #include <iterator>
+
+namespace grouptracker {
 
 namespace {
 
@@ -42,3 +44,5 @@ bool SimulatedSource::next(ObservationStep& step) {
 std::optional<std::uint64_t> SimulatedSource::totalSteps() const {
   return static_cast<std::uint64_t>(m_options.frames);
 }
+
+}  // namespace grouptracker

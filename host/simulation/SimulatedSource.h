@@ -1,13 +1,15 @@
 #pragma once
 
-#include "Crowd.h"
-#include "Encounters.h"
-#include "ObservationSource.h"
-#include "SimulatedView.h"
-#include "SimulationOptions.h"
+#include "host/people/ObservationSource.h"
+#include "host/simulation/Crowd.h"
+#include "host/simulation/Encounters.h"
+#include "host/simulation/SimulatedView.h"
+#include "host/simulation/SimulationOptions.h"
 
 #include <cstdint>
 #include <vector>
+
+namespace grouptracker {
 
 /// The simulated scene as a tracker sees it: at each frame the people in view, but for those whom
 /// it misses, at positions with noise. Tells beside what is true. Missing and noise change nothing
@@ -38,3 +40,5 @@ class SimulatedSource : public ObservationSource {
   std::vector<Walker> m_inView;
   std::vector<GroupEvent> m_events;
 };
+
+}  // namespace grouptracker

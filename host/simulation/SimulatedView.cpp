@@ -1,7 +1,9 @@
-#include "SimulatedView.h"
+#include "host/simulation/SimulatedView.h"
 
-#include "BoxLifter.h"
-#include "StandingBody.h"
+#include "host/camera/BoxLifter.h"
+#include "host/camera/StandingBody.h"
+
+namespace grouptracker {
 
 namespace {
 
@@ -31,3 +33,5 @@ bool SimulatedView::sees(const cv::Point2d& foot) const {
       *m_camera, standingBody({static_cast<float>(foot.x), static_cast<float>(foot.y), 0}));
   return !box.empty() && (box & cv::Rect({}, imageSize)) == box;
 }
+
+}  // namespace grouptracker

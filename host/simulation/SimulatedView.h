@@ -1,12 +1,13 @@
 #pragma once
 
-#include "PinholeCalibration.h"
+#include "host/camera/PinholeCalibration.h"
 
 #include <QSharedPointer>
-
 #include <opencv2/core/types.hpp>
 
 #include <vector>
+
+namespace grouptracker {
 
 /// The camera of simulated scenes: 7 m above the ground, looking along y and down, x to its right.
 /// The origin is the ground below the camera. Metres, and pixels with y downwards.
@@ -30,3 +31,5 @@ class SimulatedView {
  private:
   QSharedPointer<PinholeCalibration> m_camera;
 };
+
+}  // namespace grouptracker

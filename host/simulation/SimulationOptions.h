@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+namespace grouptracker {
+
 /// What the user asks of a simulated scene.
 struct SimulationOptions {
   std::uint64_t seed = 1;
@@ -24,3 +26,5 @@ struct SimulationOptions {
 
 inline constexpr int smallestGroup = 2;
 inline constexpr int largestGroup = 6;
+
+}  // namespace grouptracker

@@ -1,7 +1,9 @@
-#include "SocialForce.h"
+#include "host/simulation/SocialForce.h"
 
 #include <algorithm>
 #include <cmath>
+
+namespace grouptracker {
 
 namespace {
 
@@ -131,3 +133,5 @@ cv::Point2d socialForce(const Walker& walker, const std::vector<Walker>& all) {
   }
   return force;
 }
+
+}  // namespace grouptracker

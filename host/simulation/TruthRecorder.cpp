@@ -1,10 +1,12 @@
-#include "TruthRecorder.h"
+#include "host/simulation/TruthRecorder.h"
 
-#include "JsonLine.h"
+#include "host/base/JsonLine.h"
 
 #include <algorithm>
 #include <array>
 #include <functional>
+
+namespace grouptracker {
 
 namespace {
 
@@ -156,3 +158,5 @@ void TruthRecorder::writeGroups() {
     m_groupFile.writeLines({m_line.data(), m_line.size()});
   }
 }
+
+}  // namespace grouptracker

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "GroupEvent.h"
-#include "OutputFile.h"
-#include "Walker.h"
+#include "host/base/OutputFile.h"
+#include "host/simulation/GroupEvent.h"
+#include "host/simulation/Walker.h"
 
 #include <fmt/format.h>
 
@@ -14,6 +14,8 @@
 #include <string>
 #include <utility>
 #include <vector>
+
+namespace grouptracker {
 
 /// Writes the true groups of a simulated scene.
 ///
@@ -70,3 +72,5 @@ class TruthRecorder {
   std::map<std::pair<std::uint32_t, std::uint32_t>, Pair> m_pairs;
   std::vector<std::pair<std::int64_t, GroupEvent>> m_events;  ///< by frame
 };
+
+}  // namespace grouptracker

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+namespace grouptracker {
+
 /// A simulated person. Metres and seconds on the ground plane.
 struct Walker {
   std::uint32_t id = 0;
@@ -18,3 +20,5 @@ struct Walker {
   int group = 0;
   bool isCatchingUp = false;  ///< on the way to a company that it joins
 };
+
+}  // namespace grouptracker

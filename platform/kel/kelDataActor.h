@@ -5,9 +5,8 @@
 #include <kel/kelDataLinkedPhysicalObject.h>
 #include <kel/kelExport.h>
 
-#include <opencv2/core/types.hpp>
-
 #include <QSharedPointer>
+#include <opencv2/core/types.hpp>
 
 #include <list>
 #include <string>

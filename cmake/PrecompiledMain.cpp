@@ -1,0 +1,4 @@
+// Only carries the precompiled header of programs.
+int main() {
+  return 0;
+}

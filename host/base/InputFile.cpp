@@ -1,0 +1,34 @@
+#include "host/base/InputFile.h"
+
+#include "host/base/InputError.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace grouptracker {
+
+namespace {
+
+FileDescriptor open(const std::string& path) {
+  if (path == "-") {
+    return FileDescriptor();
+  }
+  FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!file.isOpen()) {
+    throw InputError(path, std::string("cannot be opened: ") + std::strerror(errno));
+  }
+  return file;
+}
+
+}  // namespace
+
+InputFile::InputFile(const std::string& path, int wakeDescriptor)
+    : m_file(open(path)),
+      m_buffer(m_file.isOpen() ? m_file.get() : STDIN_FILENO, wakeDescriptor),
+      m_stream(&m_buffer) {
+  m_stream.exceptions(std::ios::badbit);
+}
+
+}  // namespace grouptracker

@@ -1,0 +1,67 @@
+#include "host/commands/Progress.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <string>
+#include <unistd.h>
+
+namespace grouptracker {
+
+namespace {
+
+constexpr auto redrawAfter = std::chrono::milliseconds(200);
+const char* const eraseLine = "\r\033[K";
+
+std::string duration(double seconds) {
+  const auto whole = static_cast<std::uint64_t>(std::max(0.0, seconds));
+  constexpr std::uint64_t minute = 60;
+  constexpr std::uint64_t hour = 3600;
+  return whole >= hour
+             ? fmt::format("{}:{:02}:{:02}", whole / hour, whole % hour / minute, whole % minute)
+             : fmt::format("{}:{:02}", whole / minute, whole % minute);
+}
+
+}  // namespace
+
+bool Progress::isPossible() {
+  return ::isatty(STDERR_FILENO) == 1;
+}
+
+Progress::Progress(bool enabled, std::optional<std::uint64_t> totalFrames)
+    : m_enabled(enabled), m_totalFrames(totalFrames) {}
+
+void Progress::update(std::uint64_t frame) {
+  if (!m_enabled || Clock::now() - m_lastDrawn < redrawAfter) {
+    return;
+  }
+  m_lastDrawn = Clock::now();
+  m_isDrawn = true;
+  draw(frame);
+}
+
+void Progress::clear() {
+  if (m_isDrawn) {
+    fmt::print(stderr, "{}", eraseLine);
+    m_isDrawn = false;
+  }
+}
+
+double Progress::seconds() const {
+  return std::chrono::duration<double>(Clock::now() - m_start).count();
+}
+
+void Progress::draw(std::uint64_t frame) const {
+  const double perSecond = static_cast<double>(frame) / std::max(seconds(), 1e-3);
+  if (!m_totalFrames) {
+    fmt::print(stderr, "{}frame {}, {:.0f} frames/s", eraseLine, frame, perSecond);
+    return;
+  }
+  const double left =
+      (static_cast<double>(*m_totalFrames) - static_cast<double>(frame)) / perSecond;
+  fmt::print(stderr, "{}frame {} of {}, {:.0f} frames/s, {} left", eraseLine, frame, *m_totalFrames,
+             perSecond, duration(left));
+}
+
+}  // namespace grouptracker

@@ -1,0 +1,82 @@
+#include "host/commands/StopSignals.h"
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace grouptracker {
+
+namespace {
+
+const std::array<int, 3> stopSignals{SIGINT, SIGTERM, SIGHUP};
+
+// What a signal handler may touch.
+volatile std::sig_atomic_t stopSignal = 0;
+volatile std::sig_atomic_t pipeIsClosed = 0;
+std::array<int, 2> wakePipe{-1, -1};
+
+void noteStop(int signal) {
+  const int savedError = errno;
+  stopSignal = signal;
+  [[maybe_unused]] const ssize_t ignored = ::write(wakePipe[1], "", 1);
+  errno = savedError;
+}
+
+void noteClosedPipe(int) {
+  pipeIsClosed = 1;
+}
+
+void install(int signal, void (*handler)(int), int flags) {
+  struct sigaction action = {};
+  action.sa_handler = handler;
+  action.sa_flags = flags;
+  sigemptyset(&action.sa_mask);
+  ::sigaction(signal, &action, nullptr);
+}
+
+}  // namespace
+
+StopSignals::StopSignals() {
+  stopSignal = 0;
+  pipeIsClosed = 0;
+  if (::pipe2(wakePipe.data(), O_CLOEXEC | O_NONBLOCK) != 0) {
+    wakePipe = {-1, -1};  // a stop is then seen after the next input only
+  }
+  for (const int signal : stopSignals) {
+    // With SA_RESETHAND the second signal does what it usually does.
+    install(signal, noteStop, SA_RESTART | static_cast<int>(SA_RESETHAND));
+  }
+  install(SIGPIPE, noteClosedPipe, SA_RESTART);
+}
+
+StopSignals::~StopSignals() {
+  for (const int signal : stopSignals) {
+    install(signal, SIG_DFL, 0);
+  }
+  // What is still buffered for a closed pipe is written at exit and must not end the program then.
+  install(SIGPIPE, SIG_IGN, 0);
+  ::close(wakePipe[0]);
+  ::close(wakePipe[1]);
+}
+
+bool StopSignals::stopRequested() const {
+  return stopSignal != 0;
+}
+
+std::string StopSignals::signalName() const {
+  const char* const name = stopRequested() ? ::sigabbrev_np(stopSignal) : nullptr;
+  return name != nullptr ? std::string("SIG") + name : std::string();
+}
+
+bool StopSignals::pipeClosed() const {
+  return pipeIsClosed != 0;
+}
+
+int StopSignals::wakeDescriptor() const {
+  return wakePipe[0];
+}
+
+}  // namespace grouptracker

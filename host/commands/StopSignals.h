@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+
+namespace grouptracker {
+
+/// Catches the wish to stop: SIGINT, SIGTERM and SIGHUP ask for a stop after the current frame, the
+/// second of them ends the program at once; SIGPIPE tells that nobody reads standard output or
+/// another pipe any more. There is one set of signals, so one object of this class at a time.
+class StopSignals {
+ public:
+  StopSignals();
+  ~StopSignals();
+  StopSignals(const StopSignals&) = delete;
+  StopSignals& operator=(const StopSignals&) = delete;
+
+  /// Whether a stop was asked for.
+  bool stopRequested() const;
+  /// The name of the signal that asked for a stop; empty without one.
+  std::string signalName() const;
+  /// Whether a pipe that the program wrote to was closed by its reader.
+  bool pipeClosed() const;
+  /// Becomes readable when a stop is asked for: for waits that shall end then.
+  int wakeDescriptor() const;
+};
+
+}  // namespace grouptracker

@@ -1,0 +1,71 @@
+#include "host/evaluation/search/TrialRunner.h"
+
+#include "host/base/OutputFile.h"
+#include "host/evaluation/FrameScores.h"
+#include "host/evaluation/RunRecordReader.h"
+#include "host/input/InputFormats.h"
+#include "host/run/FrameReporter.h"
+#include "host/run/ParameterFile.h"
+#include "host/run/PluginLoader.h"
+#include "host/run/ProcessRunner.h"
+
+#include <algorithm>
+#include <cstddef>
+
+namespace grouptracker {
+
+namespace {
+
+double slidingScore(const RunRecord& run, const GroupTruth& truth) {
+  constexpr std::size_t starts = 5;
+  const WindowOptions options;
+  double sum = 0.0;
+  for (std::size_t i = 0; i < starts; ++i) {
+    const auto skipped = std::min(run.size(), i * options.length / starts);
+    const RunRecord rest(run.begin() + static_cast<std::ptrdiff_t>(skipped), run.end());
+    sum += meanMitre(windowsOf(rest, truth, options)).f1;
+  }
+  return sum / static_cast<double>(starts);
+}
+
+double scoreOf(const RunRecord& run, const GroupTruth& truth, TunedScore score) {
+  constexpr std::size_t mostlyCorrect = 1;  // among the tolerances: two thirds
+  switch (score) {
+    case TunedScore::sliding:
+      return slidingScore(run, truth);
+    case TunedScore::windowed:
+      return meanMitre(windowsOf(run, truth, {})).f1;
+    case TunedScore::whole:
+      return groupMitre(wholeSequence(run, truth, {})).f1;
+    case TunedScore::correctGroups:
+      return scoreFrames(stepsOf(run, truth)).correctGroups[mostlyCorrect].scores().f1;
+    case TunedScore::pairs:
+      return scoreFrames(stepsOf(run, truth)).pairs.scores().f1;
+  }
+  return 0.0;
+}
+
+}  // namespace
+
+double runTrial(const TunedSequence& sequence, const TrialSettings& settings, TunedScore score,
+                const std::string& parameterFile) {
+  OutputFile(parameterFile).writeLines(settings.parameters);
+  InputOptions options;
+  options.links = settings.links;
+  const OpenedInput input = openInput(sequence.input, options);
+  ProcessOptions process;
+  process.parameterFile = parameterFile;
+  process.calibration = input.calibration;
+  process.printsDiagnostics = false;
+  process.dumpsMobiles = false;
+  ProcessRunner runner(loadGroupTracker(""), process);
+  FrameReporter reporter(readParameterFile(parameterFile).delay);
+  RunRecord run;
+  for (InputFrame frame; input.frames->next(frame);) {
+    reporter.note(frame);
+    appendReport(reporter.report(runner.run(frame)), run);
+  }
+  return scoreOf(run, sequence.truth, score);
+}
+
+}  // namespace grouptracker

@@ -1,7 +1,0 @@
-#include "EventWriter.h"
-
-void EventWriter::write(const ReportedStep& step) {
-  for (const TrackedEvent& event : step.events) {
-    m_file.writeLines(toJsonLine(event));
-  }
-}

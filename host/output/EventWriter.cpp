@@ -1,0 +1,11 @@
+#include "host/output/EventWriter.h"
+
+namespace grouptracker {
+
+void EventWriter::write(const ReportedStep& step) {
+  for (const TrackedEvent& event : step.events) {
+    m_file.writeLines(toJsonLine(event));
+  }
+}
+
+}  // namespace grouptracker

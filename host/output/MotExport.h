@@ -1,0 +1,27 @@
+#pragma once
+
+#include "host/base/OutputFile.h"
+#include "host/run/StepSink.h"
+
+#include <string>
+
+namespace grouptracker {
+
+/// Writes the visible groups as boxes in the ten columns of the MOTChallenge, one line per frame
+/// and group:
+///
+///     frame, id, left, top, width, height, confidence, x, y, z
+///
+/// `frame` is the input's own number, `id` the group's, the box in pixels, x and y the middle of
+/// the group on the ground in metres, z 0 and the confidence always 1.
+class MotExport : public StepSink {
+ public:
+  explicit MotExport(const std::string& path) : m_file(path) {}
+
+  void write(const ReportedStep& step) override;
+
+ private:
+  OutputFile m_file;
+};
+
+}  // namespace grouptracker

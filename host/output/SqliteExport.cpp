@@ -1,0 +1,114 @@
+#include "host/output/SqliteExport.h"
+
+namespace grouptracker {
+
+namespace {
+
+constexpr int portion = 250;  // frames from one commit to the next
+
+const char* const schema = R"(
+PRAGMA synchronous = OFF;
+CREATE TABLE frames(
+  frame INTEGER PRIMARY KEY, input_frame INTEGER, decided_at INTEGER NOT NULL,
+  persons INTEGER NOT NULL);
+CREATE TABLE groups(
+  id INTEGER PRIMARY KEY, first_frame INTEGER NOT NULL, last_frame INTEGER NOT NULL,
+  merged_into INTEGER);
+CREATE TABLE members(
+  frame INTEGER NOT NULL, group_id INTEGER NOT NULL, person INTEGER, mobile INTEGER NOT NULL,
+  x REAL, y REAL, PRIMARY KEY(frame, group_id, mobile)) WITHOUT ROWID;
+CREATE INDEX members_of_group ON members(group_id, frame, person);
+CREATE INDEX groups_of_person ON members(person, frame, group_id);
+CREATE TABLE events(
+  id INTEGER PRIMARY KEY, frame INTEGER NOT NULL, decided_at INTEGER NOT NULL, kind TEXT NOT NULL,
+  group_id INTEGER NOT NULL, other_group INTEGER);
+CREATE INDEX events_of_group ON events(group_id, frame);
+CREATE INDEX events_of_frame ON events(frame);
+CREATE TABLE event_persons(
+  event_id INTEGER NOT NULL, person INTEGER NOT NULL, PRIMARY KEY(event_id, person)) WITHOUT ROWID;
+CREATE INDEX events_of_person ON event_persons(person, event_id);
+CREATE VIEW companions AS
+  SELECT a.frame AS frame, a.group_id AS group_id, a.person AS person, b.person AS companion
+  FROM members a JOIN members b
+  ON b.group_id = a.group_id AND b.frame = a.frame AND b.person <> a.person;
+BEGIN;
+)";
+
+Database create(const std::string& path) {
+  Database database(path);
+  database.execute(schema);
+  return database;
+}
+
+}  // namespace
+
+SqliteExport::SqliteExport(const std::string& path)
+    : m_database(create(path)),
+      m_frames(m_database, "INSERT INTO frames VALUES(?, ?, ?, ?)"),
+      m_groups(m_database,
+               "INSERT INTO groups VALUES(?1, ?2, ?2, NULL) "
+               "ON CONFLICT(id) DO UPDATE SET last_frame = excluded.last_frame"),
+      m_members(m_database, "INSERT OR REPLACE INTO members VALUES(?, ?, ?, ?, ?, ?)"),
+      m_events(m_database, "INSERT INTO events VALUES(?, ?, ?, ?, ?, ?)"),
+      m_eventPersons(m_database, "INSERT INTO event_persons VALUES(?, ?)"),
+      m_merged(m_database,
+               "INSERT INTO groups VALUES(?1, ?3, ?3, ?2) "
+               "ON CONFLICT(id) DO UPDATE SET merged_into = excluded.merged_into") {}
+
+void SqliteExport::write(const ReportedStep& step) {
+  const GroupsFrame& frame = step.groups;
+  if (frame.reportedFrame < 1) {
+    return;
+  }
+  m_frames.row(std::int64_t{frame.reportedFrame}, frame.inputFrame, std::int64_t{frame.frame},
+               static_cast<std::int64_t>(frame.persons.size()));
+  writeMembers(frame);
+  for (const TrackedEvent& event : step.events) {
+    writeEvent(event);
+  }
+  if (++m_framesInPortion == portion) {
+    commit();
+    m_database.execute("BEGIN");
+  }
+}
+
+void SqliteExport::writeMembers(const GroupsFrame& frame) {
+  const std::int64_t at = frame.reportedFrame;
+  for (const GroupState& group : frame.groups) {
+    if (!group.isVisible) {
+      continue;
+    }
+    m_groups.row(std::int64_t{group.id}, at);
+    for (const GroupMember& member : group.members) {
+      const auto x = member.place ? std::optional<double>(member.place->x) : std::nullopt;
+      const auto y = member.place ? std::optional<double>(member.place->y) : std::nullopt;
+      const auto person =
+          member.person ? std::optional<std::int64_t>(*member.person) : std::nullopt;
+      m_members.row(at, std::int64_t{group.id}, person, std::int64_t{member.mobile}, x, y);
+    }
+  }
+}
+
+void SqliteExport::writeEvent(const TrackedEvent& event) {
+  const std::int64_t at = event.reportedFrame;
+  const auto other = event.other ? std::optional<std::int64_t>(*event.other) : std::nullopt;
+  m_events.row(++m_lastEvent, at, std::int64_t{event.frame}, nameOf(event.kind),
+               std::int64_t{event.group}, other);
+  for (const std::uint32_t person : event.persons) {
+    m_eventPersons.row(m_lastEvent, std::int64_t{person});
+  }
+  if (event.kind == EventKind::Merged) {
+    m_merged.row(std::int64_t{event.other.value_or(0)}, std::int64_t{event.group}, at);
+  }
+}
+
+void SqliteExport::commit() {
+  m_database.execute("COMMIT");
+  m_framesInPortion = 0;
+}
+
+void SqliteExport::finish() {
+  commit();
+}
+
+}  // namespace grouptracker

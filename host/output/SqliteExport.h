@@ -1,0 +1,49 @@
+#pragma once
+
+#include "host/output/Database.h"
+#include "host/run/StepSink.h"
+
+#include <cstdint>
+#include <map>
+#include <string>
+
+namespace grouptracker {
+
+/// Writes the run into an SQLite database:
+///
+///     frames(frame, input_frame, decided_at, persons)
+///     groups(id, first_frame, last_frame, merged_into)
+///     members(frame, group_id, person, mobile, x, y)
+///     events(id, frame, decided_at, kind, group_id, other_group)
+///     event_persons(event_id, person)
+///     companions(frame, group_id, person, companion), a view
+///
+/// `frame` is everywhere the reported frame, `decided_at` the frame at which it was decided, both
+/// counted from 1; `input_frame` is the input's own number. x and y are metres on the ground.
+/// Members are those of visible groups. Indexes answer at once who was in a group, in which groups
+/// a person was, and who was with whom when. The file is a sound database at any time: rows become
+/// visible to others in portions of some frames.
+class SqliteExport : public StepSink {
+ public:
+  explicit SqliteExport(const std::string& path);
+
+  void write(const ReportedStep& step) override;
+  void finish() override;
+
+ private:
+  void writeMembers(const GroupsFrame& frame);
+  void writeEvent(const TrackedEvent& event);
+  void commit();
+
+  Database m_database;
+  Insertion m_frames;
+  Insertion m_groups;
+  Insertion m_members;
+  Insertion m_events;
+  Insertion m_eventPersons;
+  Insertion m_merged;
+  std::int64_t m_lastEvent = 0;
+  int m_framesInPortion = 0;
+};
+
+}  // namespace grouptracker

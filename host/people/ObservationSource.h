@@ -1,0 +1,46 @@
+#pragma once
+
+#include <kel/BoundingBox3D.h>
+
+#include <opencv2/core/types.hpp>
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace grouptracker {
+
+/// One person seen at one time step. At least one of position and image box is there.
+struct Observation {
+  std::uint32_t person = 0;
+  std::optional<cv::Point2d> position;  ///< of the feet on the ground, metres
+  std::optional<cv::Rect2d> box2D;      ///< pixels, as exact as the input gives it
+};
+
+/// Everybody seen at one time step, in ascending order of persons; each person once.
+struct ObservationStep {
+  std::int64_t frame = 0;           ///< the input's own number
+  std::string place;                ///< where the step stands in the input, for messages
+  std::filesystem::path imageFile;  ///< empty when the input names no image
+  std::vector<Observation> observations;
+};
+
+/// An input that knows persons and places but neither mobiles nor links: what most trackers and
+/// data sets write. Yields one step after the other, empty ones included. Bad input is an
+/// `InputError`.
+class ObservationSource {
+ public:
+  ObservationSource() = default;
+  ObservationSource(const ObservationSource&) = delete;
+  ObservationSource& operator=(const ObservationSource&) = delete;
+  virtual ~ObservationSource() = default;
+
+  /// Replaces `step` by the next one; false at the end of the input.
+  virtual bool next(ObservationStep& step) = 0;
+  /// The number of steps, when it is known.
+  virtual std::optional<std::uint64_t> totalSteps() const { return std::nullopt; }
+};
+
+}  // namespace grouptracker

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "host/people/FrameSource.h"
+#include "host/people/LinkOptions.h"
+#include "host/people/ObservationSource.h"
+
+#include <kel/kelAbstractDataCalibration.h>
+
+#include <QSharedPointer>
+
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace grouptracker {
+
+/// Turns observations of persons into what a tracker would deliver: every observation is a mobile
+/// with an id of its own, every person an actor with the chain of its mobiles, and links lead to
+/// the person's own latest observations and to its neighbours of the step before.
+///
+/// A body without image box is 0.5 x 0.5 x 1.7 m and stands on its position, its image box is the
+/// projection; one with an image box gets its position and size from the camera. A person unseen
+/// for more steps than the chain is long is forgotten and starts afresh, which bounds the memory.
+class TrackAssembler : public FrameSource {
+ public:
+  using Calibration = QSharedPointer<kelAbstractDataCalibration>;
+
+  /// The calibration may be null: image boxes are then empty, and observations need positions.
+  TrackAssembler(std::unique_ptr<ObservationSource> source, Calibration calibration,
+                 const LinkOptions& options);
+
+  bool next(InputFrame& frame) override;
+  std::optional<std::uint64_t> totalFrames() override { return m_source->totalSteps(); }
+
+ private:
+  struct Seen {
+    MobilePointer mobile;
+    std::uint64_t step = 0;
+  };
+  using Chain = std::deque<Seen>;  ///< a person's observations, the latest last
+  /// Somebody at the step before.
+  struct Neighbour {
+    std::uint32_t person = 0;
+    MobilePointer mobile;
+    cv::Point2d place;                  ///< on the ground, metres
+    std::optional<cv::Point2d> motion;  ///< over the last `motionSteps` steps, metres
+  };
+
+  MobilePointer makeMobile(const Observation& observation, const std::string& place);
+  std::uint32_t nextId();
+  void linkOwn(const Chain& chain, const MobilePointer& mobile, InputFrame& frame) const;
+  void linkNeighbours(std::uint32_t person, const MobilePointer& mobile, InputFrame& frame) const;
+  std::optional<cv::Point2d> displacement(const Chain& chain) const;
+  double motionLikeness(const std::optional<cv::Point2d>& a,
+                        const std::optional<cv::Point2d>& b) const;
+  QSharedPointer<kelDataActor> makeActor(std::uint32_t person, const Chain& chain) const;
+  std::size_t memory() const;
+  void forgetTheGone();
+
+  std::unique_ptr<ObservationSource> m_source;
+  Calibration m_calibration;
+  LinkOptions m_options;
+  ObservationStep m_observed;  ///< the current step, kept for its buffers
+  std::uint64_t m_step = 0;
+  std::uint32_t m_lastId = 0;
+  std::map<std::uint32_t, Chain> m_chains;  ///< by person
+  std::vector<Neighbour> m_previous;        ///< the step before, in ascending order of persons
+};
+
+}  // namespace grouptracker

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "host/pictures/PictureExchange.h"
+#include "host/pictures/StepPainter.h"
+#include "host/run/StepSink.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace grouptracker {
+
+/// Which pictures are drawn, and for whom.
+struct PictureOptions {
+  std::string path;           ///< a film or a folder, see `VideoFile`; empty for none
+  bool showsTopView = false;  ///< beside the images; it is there in any case when there are none
+  double rate = 10.0;         ///< pictures per second
+  std::shared_ptr<PictureExchange> screen;  ///< for a window; null for none
+};
+
+/// Draws every reported frame once, for a film or folder and for a screen.
+class PictureWriter : public StepSink {
+ public:
+  explicit PictureWriter(const PictureOptions& options);
+
+  void write(const ReportedStep& step) override;
+  void finish() override;
+
+ private:
+  StepPainter m_painter;
+  std::vector<std::shared_ptr<PictureTarget>> m_targets;
+};
+
+}  // namespace grouptracker

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "host/run/ReportedStep.h"
+
+#include <opencv2/core/types.hpp>
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace grouptracker {
+
+/// Where a person was at one step.
+struct TracePoint {
+  cv::Point2f ground;  ///< metres
+  cv::Point foot;      ///< middle of the lower edge of the image box, pixels
+};
+
+/// What pictures show of the past: where everybody was over the last steps, which group they are
+/// in, and what happened to the groups lately.
+class RecentPast {
+ public:
+  /// `length` is the number of steps that are remembered.
+  explicit RecentPast(std::size_t length) : m_length(length) {}
+
+  void add(const ReportedStep& step);
+  /// From the oldest to the latest; empty for somebody who is out of view.
+  const std::deque<TracePoint>& traceOf(std::uint32_t person) const;
+  /// The visible group of a person at the latest step, the last of several.
+  std::optional<std::uint32_t> groupOf(std::uint32_t person) const;
+  /// The latest events in words, the newest last.
+  std::vector<std::string> events() const;
+
+ private:
+  struct Said {
+    std::string text;
+    std::size_t age = 0;  ///< steps
+  };
+
+  void addEvents(const ReportedStep& step);
+
+  std::size_t m_length;
+  std::map<std::uint32_t, std::deque<TracePoint>> m_traces;
+  std::map<std::uint32_t, std::uint32_t> m_groups;
+  std::deque<Said> m_events;
+};
+
+}  // namespace grouptracker

@@ -1,0 +1,125 @@
+#include "host/pictures/TopViewPainter.h"
+
+#include "host/pictures/Brush.h"
+#include "host/pictures/GroupPalette.h"
+#include "host/pictures/GroupPlates.h"
+
+#include <fmt/format.h>
+#include <opencv2/imgproc.hpp>
+
+#include <cmath>
+#include <numbers>
+
+namespace grouptracker {
+
+namespace {
+
+const cv::Scalar paper(250, 250, 250);
+const cv::Scalar gridLine(230, 230, 230);
+constexpr double gridStep = 5.0;      // metres
+constexpr float personRadius = 0.3F;  // metres
+constexpr float groupRadius = 0.6F;   // metres around each member
+
+/// Corners of a circle on the ground, so that the hull of a pair has a width.
+std::vector<cv::Point> circleAround(const cv::Point2f& place, const GroundMap& map) {
+  constexpr int corners = 12;
+  std::vector<cv::Point> circle;
+  for (int i = 0; i < corners; ++i) {
+    const float angle = 2.0F * std::numbers::pi_v<float> * static_cast<float>(i) / corners;
+    circle.push_back(
+        map.toPicture(place + groupRadius * cv::Point2f(std::cos(angle), std::sin(angle))));
+  }
+  return circle;
+}
+
+/// The longest of 1, 2, 5, 10, ... metres that is shorter than the limit.
+double roundLength(double limit) {
+  const double power = std::pow(10.0, std::floor(std::log10(limit)));
+  const double digits = limit / power;
+  return power * (digits >= 5.0 ? 5.0 : digits >= 2.0 ? 2.0 : 1.0);
+}
+
+}  // namespace
+
+cv::Mat TopViewPainter::paint(const ReportedStep& step, const RecentPast& past) {
+  std::vector<cv::Point2f> places;
+  for (const PersonPlace& person : step.people) {
+    places.push_back(person.position);
+  }
+  m_map.include(places);
+  cv::Mat picture(m_size, CV_8UC3, paper);
+  paintGrid(picture);
+  const Outlines groups = paintGroups(picture, step);
+  paintPeople(picture, step, past);
+  GroupPlates plates(picture);
+  for (const auto& [group, outline] : groups) {
+    plates.add(group, cv::boundingRect(outline));
+  }
+  paintScaleBar(picture);
+  return picture;
+}
+
+void TopViewPainter::paintGrid(cv::Mat& picture) const {
+  const cv::Rect2f shown = m_map.shown();
+  for (double x = std::ceil(shown.x / gridStep) * gridStep; x < shown.br().x; x += gridStep) {
+    const int column = m_map.toPicture({static_cast<float>(x), 0.0F}).x;
+    cv::line(picture, {column, 0}, {column, m_size.height}, gridLine);
+  }
+  for (double y = std::ceil(shown.y / gridStep) * gridStep; y < shown.br().y; y += gridStep) {
+    const int row = m_map.toPicture({0.0F, static_cast<float>(y)}).y;
+    cv::line(picture, {0, row}, {m_size.width, row}, gridLine);
+  }
+}
+
+TopViewPainter::Outlines TopViewPainter::paintGroups(cv::Mat& picture,
+                                                     const ReportedStep& step) const {
+  constexpr double opacity = 0.25;
+  Outlines outlines;
+  for (const GroupState& group : step.groups.groups) {
+    for (const GroupMember& member : group.members) {
+      if (group.isVisible && member.place) {
+        const auto circle = circleAround(*member.place, m_map);
+        auto& outline = outlines[group.id];
+        outline.insert(outline.end(), circle.begin(), circle.end());
+      }
+    }
+  }
+  for (const auto& [group, outline] : outlines) {
+    brush::hull(picture, outline, colourOf(group), opacity);
+  }
+  return outlines;
+}
+
+void TopViewPainter::paintPeople(cv::Mat& picture, const ReportedStep& step,
+                                 const RecentPast& past) const {
+  for (const PersonPlace& person : step.people) {
+    const auto group = past.groupOf(person.person);
+    const cv::Scalar colour = group ? colourOf(*group) : brush::grey;
+    std::vector<cv::Point> trace;
+    for (const TracePoint& point : past.traceOf(person.person)) {
+      trace.push_back(m_map.toPicture(point.ground));
+    }
+    brush::trace(picture, trace, colour);
+    const cv::Point at = m_map.toPicture(person.position);
+    const int radius = std::max(2, static_cast<int>(personRadius * m_map.scale()));
+    cv::circle(picture, at, radius, colour, cv::FILLED, cv::LINE_AA);
+    cv::circle(picture, at, radius, brush::ink, 1, cv::LINE_AA);
+    brush::text(picture, std::to_string(person.person), at + cv::Point(radius + 2, 4), brush::ink,
+                paper);
+  }
+}
+
+void TopViewPainter::paintScaleBar(cv::Mat& picture) const {
+  constexpr double longest = 0.25;  // of the picture's width
+  constexpr int margin = 15;        // pixels
+  const double length = roundLength(longest * m_size.width / m_map.scale());
+  const cv::Point right(m_size.width - margin, m_size.height - margin);
+  const cv::Point left(right.x - static_cast<int>(length * m_map.scale()), right.y);
+  const cv::Point up(0, -6);
+  cv::line(picture, left, right, brush::ink, 2);
+  cv::line(picture, left, left + up, brush::ink, 2);
+  cv::line(picture, right, right + up, brush::ink, 2);
+  brush::text(picture, fmt::format("{} m", length), left + cv::Point(4, -8), brush::ink, paper);
+}
+
+}  // namespace grouptracker

@@ -1,0 +1,158 @@
+#include "host/run/EventDetector.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <iterator>
+#include <tuple>
+#include <utility>
+
+namespace grouptracker {
+
+namespace {
+
+using Persons = std::set<std::uint32_t>;
+
+Persons common(const Persons& a, const Persons& b) {
+  Persons both;
+  std::set_intersection(a.begin(), a.end(), b.begin(), b.end(), std::inserter(both, both.end()));
+  return both;
+}
+
+Persons without(const Persons& all, const Persons& some) {
+  Persons rest;
+  std::set_difference(all.begin(), all.end(), some.begin(), some.end(),
+                      std::inserter(rest, rest.end()));
+  return rest;
+}
+
+Persons personsOf(const GroupState& group) {
+  Persons persons;
+  for (const GroupMember& member : group.members) {
+    if (member.person) {
+      persons.insert(*member.person);
+    }
+  }
+  return persons;
+}
+
+}  // namespace
+
+std::vector<TrackedEvent> EventDetector::next(const GroupsFrame& frame) {
+  m_stamp.reportedFrame = frame.reportedFrame;
+  m_stamp.inputFrame = frame.inputFrame;
+  m_stamp.frame = frame.frame;
+  m_events.clear();
+  m_cameAlong.clear();
+  KnownGroups now = listed(frame);
+  findMerges(now);
+  for (const auto& [id, group] : now) {
+    compare(id, group);
+  }
+  m_known = std::move(now);
+  std::stable_sort(m_events.begin(), m_events.end(),
+                   [](const TrackedEvent& a, const TrackedEvent& b) {
+                     return std::tie(a.kind, a.group) < std::tie(b.kind, b.group);
+                   });
+  return std::exchange(m_events, {});
+}
+
+EventDetector::KnownGroups EventDetector::listed(const GroupsFrame& frame) const {
+  KnownGroups now;
+  for (const GroupState& state : frame.groups) {
+    const auto before = m_known.find(state.id);
+    // A group that is not visible tells neither merge nor split; the last told values still hold.
+    Known group = before == m_known.end() ? Known() : before->second;
+    group.isOpen = state.isVisible;
+    group.members = state.isVisible ? personsOf(state) : Persons();
+    group.merge = state.merge.value_or(group.merge);
+    group.split = state.split.value_or(group.split);
+    now.insert_or_assign(state.id, std::move(group));
+  }
+  return now;
+}
+
+void EventDetector::findMerges(const KnownGroups& now) {
+  Persons named;  // the groups whose going up in another is told
+  for (const auto& [id, group] : now) {
+    const auto before = m_known.find(id);
+    const std::int64_t told = before == m_known.end() ? -1 : before->second.merge;
+    if (group.merge >= 0 && group.merge != told) {
+      addMerge(id, static_cast<std::uint32_t>(group.merge), now);
+      named.insert(static_cast<std::uint32_t>(group.merge));
+    }
+  }
+  for (const auto& [id, group] : m_known) {
+    if (now.contains(id) || named.contains(id)) {
+      continue;
+    }
+    if (const auto heir = heirOf(group.members, now)) {
+      addMerge(*heir, id, now);
+    } else {
+      add(EventKind::Removed, id);
+    }
+  }
+}
+
+void EventDetector::addMerge(std::uint32_t into, std::uint32_t from, const KnownGroups& now) {
+  const auto absorbed = m_known.find(from);
+  Persons came;
+  if (absorbed != m_known.end()) {
+    const auto before = m_known.find(into);
+    const Persons own = before == m_known.end() ? Persons() : before->second.members;
+    came = without(without(common(absorbed->second.members, now.at(into).members), own),
+                   m_cameAlong[into]);
+  }
+  m_cameAlong[into].insert(came.begin(), came.end());
+  add(EventKind::Merged, into, came, from);
+}
+
+// The group to which most members changed at this very frame, the lowest id of equals.
+std::optional<std::uint32_t> EventDetector::heirOf(const Persons& members,
+                                                   const KnownGroups& now) const {
+  std::optional<std::uint32_t> heir;
+  std::size_t most = 0;
+  for (const auto& [id, group] : now) {
+    const auto before = m_known.find(id);
+    const Persons own = before == m_known.end() ? Persons() : before->second.members;
+    const std::size_t changed = without(common(members, group.members), own).size();
+    if (changed > most) {
+      most = changed;
+      heir = id;
+    }
+  }
+  return heir;
+}
+
+void EventDetector::compare(std::uint32_t id, const Known& now) {
+  const auto found = m_known.find(id);
+  const Known before = found == m_known.end() ? Known() : found->second;
+  const Persons came = m_cameAlong[id];
+  if (found == m_known.end()) {
+    add(EventKind::Created, id, without(now.members, came));
+  }
+  if (now.split >= 0 && now.split != before.split) {
+    add(EventKind::Split, id, {}, static_cast<std::uint32_t>(now.split));
+  }
+  if (before.isOpen && !now.isOpen) {
+    add(EventKind::Ended, id);
+  } else if (found != m_known.end()) {
+    for (const std::uint32_t person : without(without(now.members, before.members), came)) {
+      add(EventKind::Joined, id, {person});
+    }
+    for (const std::uint32_t person : without(before.members, now.members)) {
+      add(EventKind::Left, id, {person});
+    }
+  }
+}
+
+void EventDetector::add(EventKind kind, std::uint32_t group, const Persons& persons,
+                        std::optional<std::uint32_t> other) {
+  TrackedEvent event = m_stamp;
+  event.kind = kind;
+  event.group = group;
+  event.persons.assign(persons.begin(), persons.end());
+  event.other = other;
+  m_events.push_back(std::move(event));
+}
+
+}  // namespace grouptracker

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "host/run/GroupsFrame.h"
+#include "host/run/TrackedEvent.h"
+
+#include <cstdint>
+#include <map>
+#include <set>
+#include <vector>
+
+namespace grouptracker {
+
+/// Finds what happened to groups by comparing what the output says at one frame with what it said
+/// before. It knows nothing else, so a run and its groups file give the same events. Members are
+/// followed as persons; a mobile that nobody had as the current one takes no part.
+///
+/// The output names only the last of the groups that one group absorbed at a frame. Another group
+/// that had members at the frame before and is gone counts as absorbed too, by the group to which
+/// most of its members changed; without such a group it was removed.
+class EventDetector {
+ public:
+  /// The events of the next frame, ordered by kind and then by group.
+  std::vector<TrackedEvent> next(const GroupsFrame& frame);
+
+ private:
+  using Persons = std::set<std::uint32_t>;
+
+  /// What is known of a group that the output still lists.
+  struct Known {
+    Persons members;  ///< empty once the group has ended
+    bool isOpen = false;
+    std::int64_t merge = -1;  ///< the last value told
+    std::int64_t split = -1;
+  };
+  using KnownGroups = std::map<std::uint32_t, Known>;
+
+  KnownGroups listed(const GroupsFrame& frame) const;
+  void findMerges(const KnownGroups& now);
+  void addMerge(std::uint32_t into, std::uint32_t from, const KnownGroups& now);
+  std::optional<std::uint32_t> heirOf(const Persons& members, const KnownGroups& now) const;
+  void compare(std::uint32_t id, const Known& now);
+  void add(EventKind kind, std::uint32_t group, const Persons& persons = {},
+           std::optional<std::uint32_t> other = std::nullopt);
+
+  KnownGroups m_known;
+  std::map<std::uint32_t, Persons> m_cameAlong;  ///< by group: whom this frame's merges brought
+  std::vector<TrackedEvent> m_events;            ///< of the frame in work
+  TrackedEvent m_stamp;                          ///< the frame numbers of the frame in work
+};
+
+}  // namespace grouptracker

@@ -1,0 +1,64 @@
+#include "host/run/TrackedEvent.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <array>
+#include <cstddef>
+
+namespace grouptracker {
+
+namespace {
+
+constexpr std::array<const char*, eventKinds> names{"created", "split", "merged", "joined",
+                                                    "left",    "ended", "removed"};
+
+std::string participants(const TrackedEvent& event) {
+  switch (event.kind) {
+    case EventKind::Created:
+      return fmt::format(R"(, "persons": [{}])", fmt::join(event.persons, ", "));
+    case EventKind::Merged:
+      return fmt::format(R"(, "into": {}, "from": {}, "persons": [{}])", event.group, *event.other,
+                         fmt::join(event.persons, ", "));
+    case EventKind::Split:
+      return fmt::format(R"(, "from": {})", *event.other);
+    case EventKind::Joined:
+    case EventKind::Left:
+      return fmt::format(R"(, "person": {})", event.persons.front());
+    default:
+      return {};
+  }
+}
+
+}  // namespace
+
+const char* nameOf(EventKind kind) {
+  return names[static_cast<std::size_t>(kind)];
+}
+
+std::string toJsonLine(const TrackedEvent& event) {
+  const std::string inputFrame = event.inputFrame ? fmt::to_string(*event.inputFrame) : "null";
+  return fmt::format(
+      "{{\"event\": \"{}\", \"group\": {}{}, \"reportedFrame\": {}, \"inputFrame\": {}, "
+      "\"frame\": {}}}\n",
+      nameOf(event.kind), event.group, participants(event), event.reportedFrame, inputFrame,
+      event.frame);
+}
+
+std::string describe(const TrackedEvent& event) {
+  switch (event.kind) {
+    case EventKind::Created:
+      return fmt::format("group {} created: {}", event.group, fmt::join(event.persons, ", "));
+    case EventKind::Merged:
+      return fmt::format("group {} merged into {}", *event.other, event.group);
+    case EventKind::Split:
+      return fmt::format("group {} split from {}", event.group, *event.other);
+    case EventKind::Joined:
+    case EventKind::Left:
+      return fmt::format("{} {} group {}", event.persons.front(), nameOf(event.kind), event.group);
+    default:
+      return fmt::format("group {} {}", event.group, nameOf(event.kind));
+  }
+}
+
+}  // namespace grouptracker

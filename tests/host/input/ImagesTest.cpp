@@ -1,0 +1,87 @@
+#include "host/input/ImageLoader.h"
+#include "host/input/SceneReader.h"
+#include "host/input/VideoImages.h"
+#include "tests/support/base/Errors.h"
+#include "tests/support/base/TempFolder.h"
+
+#include <gtest/gtest.h>
+#include <opencv2/imgcodecs.hpp>
+#include <opencv2/videoio.hpp>
+
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace grouptracker {
+
+namespace {
+
+constexpr int grey = 40;  // of the first image; each further one is as much brighter
+
+cv::Mat image(cv::Size size, int number) {
+  return {size, CV_8UC3, cv::Scalar::all(grey * (number + 1))};
+}
+
+/// A scene without people whose frames name these images; none where the name is empty.
+std::string sceneOf(const std::vector<std::string>& images) {
+  std::string text;
+  for (const std::string& file : images) {
+    text += file.empty() ? "{" : "{\"image\": \"" + file + "\", ";
+    text += "\"mobiles\": [], \"actors\": []}\n";
+  }
+  return text;
+}
+
+TEST(VideoImages, GiveEachFrameItsOwnPictureOfTheVideo) {
+  const TempFolder folder;
+  const std::string file = folder.path() / "film.avi";
+  cv::VideoWriter film(file, cv::VideoWriter::fourcc('M', 'J', 'P', 'G'), 10.0, {64, 48});
+  if (!film.isOpened()) {
+    GTEST_SKIP() << "no codec to write a video with";
+  }
+  for (int number = 0; number < 3; ++number) {
+    film.write(image({64, 48}, number));
+  }
+  film.release();
+  std::istringstream scene(sceneOf({"", "", "", ""}));
+  VideoImages video(std::make_unique<SceneReader>(scene, "scene", "", nullptr), file);
+  std::vector<QSharedPointer<kelDataImage>> seen;
+  for (InputFrame frame; seen.size() < 3 && video.next(frame);) {
+    seen.push_back(frame.image);
+  }
+  for (int number = 0; number < 3; ++number) {
+    const cv::Mat& pixels = seen[static_cast<std::size_t>(number)]->mat();
+    EXPECT_EQ(pixels.size(), cv::Size(64, 48));
+    EXPECT_NEAR(cv::mean(pixels)[0], grey * (number + 1), 3);
+  }
+  InputFrame fourth;
+  EXPECT_EQ(errorOf([&] { video.next(fourth); }),
+            "scene:4: " + file + " has only 3 frames, none for frame 4");
+  const std::string text = folder.write("film.txt", "no film\n");
+  EXPECT_EQ(errorOf([&] { VideoImages(nullptr, text); }),
+            text + ": neither a folder of images nor a readable video");
+}
+
+TEST(ImageLoader, RefusesImagesOfChangingSize) {
+  const TempFolder folder;
+  cv::imwrite(folder.path() / "a.png", image({32, 24}, 0));
+  cv::imwrite(folder.path() / "b.png", image({24, 32}, 1));
+  std::istringstream text(sceneOf({"a.png", "a.png", "b.png"}));
+  SceneReader scene(text, "scene", folder.path(), nullptr);
+  ImageLoader loader;
+  InputFrame frame;
+  for (int number = 1; number <= 2; ++number) {
+    ASSERT_TRUE(scene.next(frame));
+    loader.load(frame);
+    EXPECT_EQ(frame.image->mat().size(), cv::Size(32, 24));
+  }
+  ASSERT_TRUE(scene.next(frame));
+  EXPECT_EQ(errorOf([&] { loader.load(frame); }), "scene:3: the image " +
+                                                      (folder.path() / "b.png").string() +
+                                                      " has 24x32 pixels, the first has 32x24");
+}
+
+}  // namespace
+
+}  // namespace grouptracker

@@ -1,0 +1,188 @@
+#include "host/camera/GroundPlaneCalibration.h"
+#include "host/input/MobileArchive.h"
+#include "host/input/SceneReader.h"
+#include "tests/support/base/Errors.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace grouptracker {
+
+namespace {
+
+const std::string box = R"("box2d": [10, 20, 30, 40])";
+const std::string body =
+    box + R"(, "box3d": [0.25, 0.25, 1.7, -0.25, -0.25, 0], "position": [0.1, 0, 0])";
+
+/// A mobile with everything that it needs, and more if wished.
+std::string mobile(const std::string& id, const std::string& more = "") {
+  return R"({"id": )" + id + R"(, "type": "PERSON", )" + body + more + "}";
+}
+
+std::string father(const std::string& id, const std::string& reliability = "0.9") {
+  return R"(, "fathers": [{"id": )" + id + R"(, "reliability": )" + reliability + "}]";
+}
+
+std::string line(const std::string& mobiles, const std::string& actors = "") {
+  return R"({"mobiles": [)" + mobiles + R"(], "actors": [)" + actors + "]}\n";
+}
+
+std::vector<InputFrame> readAll(const std::string& text, std::size_t window = 128,
+                                const SceneReader::Calibration& calibration = {}) {
+  std::istringstream in(text);
+  SceneReader reader(in, "s.jsonl", "scenes", calibration, window);
+  std::vector<InputFrame> frames;
+  for (InputFrame frame; reader.next(frame);) {
+    frames.push_back(frame);
+  }
+  return frames;
+}
+
+TEST(SceneReader, BuildsMobilesActorsAndLinks) {
+  const auto frames = readAll(
+      line(mobile("1"), R"({"id": 7, "mobiles": [1]})") + "\n" +
+      R"({"image": "a.png", "mobiles": [)" + mobile("4294967295", father("1", "0.75")) +
+      R"(], "weather": {}, "actors": [{"id": 7, "mobiles": [1, 4294967295], "type": "CAT"},)" +
+      R"({"mobiles": [], "id": 8, "box3d": [1, 2, 3, 4, 5, 0.1]}]})");
+  ASSERT_EQ(frames.size(), 2U);
+  EXPECT_EQ(frames[0].number, 1);
+  EXPECT_EQ(frames[0].actors[0]->getType(), "PERSON");
+  EXPECT_EQ(frames[0].actors[0]->getBoundingBox3D().b2, 1.7F);
+
+  EXPECT_EQ(frames[1].number, 2);
+  EXPECT_EQ(frames[1].place, "s.jsonl:3");
+  EXPECT_EQ(frames[1].imageFile, "scenes/a.png");
+  const auto& object = *frames[1].observed[0]->getPhysicalObject();
+  EXPECT_EQ(object.getBoundingBox2D(), cv::Rect(10, 20, 30, 40));
+  EXPECT_EQ(object.getPosition(), cv::Point3f(0.1F, 0, 0));
+  const auto& link = *frames[1].observed[0]->getFatherLinks().front();
+  EXPECT_EQ(link.getFather(), frames[0].observed[0]);
+  EXPECT_EQ(link.getReliability(), 0.75);
+  EXPECT_EQ(frames[1].actors[0]->getType(), "CAT");
+  EXPECT_EQ(frames[1].actors[0]->getLinkedPhysicalObjectList().front(), frames[0].observed[0]);
+  EXPECT_EQ(frames[1].actors[1]->getType(), "UNKNOWN");
+  EXPECT_EQ(frames[1].actors[1]->getBoundingBox3D(), (BoundingBox3D{1, 2, 3, 4, 5, 0.1F}));
+}
+
+TEST(SceneReader, AnIdDeclaredAgainNamesItsLatestObservation) {
+  const auto frames = readAll(line(mobile("1")) + line(mobile("1", father("1"))) +
+                              line(mobile("2"), R"({"id": 7, "mobiles": [1, 2]})"));
+  // The link of the second declaration leads to the first one, which stays as it was.
+  EXPECT_EQ(frames[1].observed[0]->getFathers().front(), frames[0].observed[0]);
+  EXPECT_EQ(frames[2].actors[0]->getLinkedPhysicalObjectList().front(), frames[1].observed[0]);
+}
+
+TEST(SceneReader, FindsMobilesAgainThatItKeepsOnDiskOnly) {
+  std::string text = line(R"({"id": 1, "type": "A TYPE NAME TOO LONG FOR ONE SLOT OF THE FILE", )" +
+                          body + "}" + "," + mobile("3"));
+  text += line(mobile("2")) + line("") + line(mobile("3"));
+  text += line(mobile("5", father("1")), R"({"id": 7, "mobiles": [2, 1, 3, 5]})");
+  const auto frame = readAll(text, 2).back();
+  EXPECT_EQ(frame.observed[0]->getFathers().front()->getIdent(), 1U);
+  const auto& chain = frame.actors[0]->getLinkedPhysicalObjectList();
+  const auto& oldest = *(*std::next(chain.begin()))->getPhysicalObject();
+  EXPECT_EQ(oldest.getType(), "A TYPE NAME TOO LONG FOR ONE SLOT OF THE FILE");
+  EXPECT_EQ(oldest.getBoundingBox3D(), (BoundingBox3D{0.25F, 0.25F, 1.7F, -0.25F, -0.25F, 0}));
+  EXPECT_EQ((*std::next(chain.begin(), 2))->getPhysicalObject()->getBoundingBox2D().width, 30)
+      << "declared again within the window, so still there as a whole";
+  EXPECT_EQ(errorOf([&] { readAll(text + line(mobile("6", father("4"))), 2); }),
+            "s.jsonl:6: a father link of mobile 6 names the mobile 4, which was not declared "
+            "before");
+}
+
+TEST(MobileArchive, KeepsEveryIdApart) {
+  MobileArchive archive;
+  EXPECT_FALSE(archive.load(0));
+  for (const std::uint32_t id : {0U, 1U, 77777U, 4294967295U}) {
+    archive.store(id, {"TYPE" + std::to_string(id), {static_cast<float>(id), 0, 0, 0, 0, 0}});
+  }
+  archive.store(1, {std::string(1000, 'x'), {}});
+  archive.store(2, {std::string(29, 'y'), {}});
+  EXPECT_EQ(archive.load(4294967295U)->type, "TYPE4294967295");
+  EXPECT_EQ(archive.load(77777)->box3D.b0, 77777.0F);
+  EXPECT_EQ(archive.load(1)->type, std::string(1000, 'x'));
+  EXPECT_EQ(archive.load(2)->type, std::string(29, 'y'));
+  EXPECT_FALSE(archive.load(3));
+  EXPECT_FALSE(archive.load(4294967294U));
+}
+
+TEST(SceneReader, DerivesWhatIsLeftOutFromTheCalibration) {
+  // One pixel is a centimetre; the camera hangs 10 m high, 10 m in front of the person's feet.
+  const auto calibration = QSharedPointer<GroundPlaneCalibration>::create(
+      cv::Matx33d::diag({0.01, 0.01, 1}), cv::Point3d(3, 14, 10));
+  const std::string bare = R"({"id": 1, "type": "PERSON", "box2d": [280, 300, 40, 100]})";
+  EXPECT_EQ(errorOf([&] { readAll(line(bare)); }),
+            "s.jsonl:1: mobile 1: \"box3d\" is missing and there is no calibration to derive it");
+  const auto object = *readAll(line(bare), 128, calibration)[0].observed[0]->getPhysicalObject();
+  EXPECT_EQ(object.getPosition(), cv::Point3f(3, 4, 0));
+  EXPECT_NEAR(object.getBoundingBox3D().b0, 3.2, 1e-6);
+  EXPECT_NEAR(object.getBoundingBox3D().b4, 3.8, 1e-6);
+  EXPECT_NEAR(object.getBoundingBox3D().b2, 10.0 * (1.0 - 10.0 / 11.0), 1e-6);
+}
+
+struct WrongLine {
+  std::string text;
+  std::string error;
+};
+
+class WrongScene : public testing::TestWithParam<WrongLine> {};
+
+TEST_P(WrongScene, IsRefusedWithTheReason) {
+  EXPECT_EQ(errorOf([] { readAll(line(mobile("1")) + GetParam().text); }),
+            "s.jsonl:2: " + GetParam().error);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    AllErrors, WrongScene,
+    testing::Values(
+        WrongLine{R"({"mobiles": [)", "not valid JSON"},
+        WrongLine{"[]", "the line must be an object"},
+        WrongLine{R"({"mobiles": [], "actors": []} 3)", "not valid JSON"},
+        WrongLine{R"({"mobiles": []})", "\"actors\" is missing"},
+        WrongLine{R"({"actors": []})", "\"mobiles\" is missing"},
+        WrongLine{R"({"image": 3, "mobiles": [], "actors": []})", "image must be a string"},
+        WrongLine{R"({"mobiles": {}, "actors": []})", "mobiles must be an array"},
+        WrongLine{line("3"), "mobiles[0]: a mobile must be an object"},
+        WrongLine{line(mobile("2") + "," + R"({"id": 3, )" + body + "}"),
+                  "mobiles[1]: \"type\" is missing"},
+        WrongLine{line(R"({"id": 3, "type": "PERSON"})"), "mobiles[0]: \"box2d\" is missing"},
+        WrongLine{line(mobile("4294967296")),
+                  "mobiles[0]: id must be an integer from 0 to 4294967295"},
+        WrongLine{line(mobile("-1")), "mobiles[0]: id must be an integer from 0 to 4294967295"},
+        WrongLine{line(mobile("2.0")), "mobiles[0]: id must be an integer from 0 to 4294967295"},
+        WrongLine{line(mobile("2", R"(, "box2d": [1, 2, -3, 4])")),
+                  "mobiles[0]: box2d has a negative width or height"},
+        WrongLine{line(mobile("2", R"(, "box2d": [2147483647, 2, 1, 4])")),
+                  "mobiles[0]: box2d ends beyond the largest integer"},
+        WrongLine{line(mobile("2", R"(, "box2d": [1, 2, 3])")),
+                  "mobiles[0]: box2d must be an array of 4 integers"},
+        WrongLine{line(mobile("2", R"(, "box2d": [1, 2, 3, 4.5])")),
+                  "mobiles[0]: box2d must be an integer from -2147483648 to 2147483647"},
+        WrongLine{line(mobile("2", R"(, "position": [1, "2", 3])")),
+                  "mobiles[0]: position must be a number"},
+        WrongLine{line(mobile("2", R"(, "position": [1, 1e39, 3])")),
+                  "mobiles[0]: position is a number that does not fit"},
+        WrongLine{line(mobile("2", R"(, "position": [1, NaN, 3])")), "not valid JSON"},
+        WrongLine{line(mobile("2", father("1", "1e999"))),
+                  "not valid JSON: a number that does not fit"},
+        WrongLine{line(mobile("2", R"(, "fathers": [{"id": 1}])")),
+                  "mobiles[0]: fathers[0]: \"reliability\" is missing"},
+        WrongLine{line(mobile("2", father("2"))),
+                  "a father link of mobile 2 names the mobile 2, which was not declared before"},
+        WrongLine{line(mobile("1") + "," + mobile("1")),
+                  "mobile 1 is declared twice in this frame"},
+        WrongLine{line("", R"({"id": 7, "mobiles": [9]})"),
+                  "actor 7 names the mobile 9, which was not declared before"},
+        WrongLine{line(mobile("2"), R"({"id": 7, "mobiles": [2, 1]})"),
+                  "the last mobile of actor 7, 1, is not of this frame"},
+        WrongLine{line(mobile("2"), R"({"id": 7, "mobiles": [2]}, {"id": 7, "mobiles": []})"),
+                  "actor 7 stands twice in this frame"},
+        WrongLine{line("", R"({"id": 7})"), "actors[0]: \"mobiles\" is missing"},
+        WrongLine{line("", R"({"mobiles": []})"), "actors[0]: \"id\" is missing"}));
+
+}  // namespace
+
+}  // namespace grouptracker

@@ -1,0 +1,61 @@
+#include "host/run/ParameterFile.h"
+#include "tests/support/base/Errors.h"
+#include "tests/support/host/SampleParameters.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+
+namespace grouptracker {
+
+namespace {
+
+ParameterFile read(const std::string& text) {
+  std::istringstream in(text);
+  return readParameterFile(in, "p.txt");
+}
+
+TEST(ParameterFile, TakesWhatTheTrackerTakes) {
+  const ParameterFile plain = read(sampleParameters());
+  EXPECT_FALSE(plain.problem) << *plain.problem;
+  EXPECT_EQ(plain.delay, 2U);
+  EXPECT_FALSE(plain.needsImages);
+
+  const ParameterFile oneLine = read(sampleParameters({{"temporalWinSize:", "+7"}}, ' ') + " tail");
+  EXPECT_FALSE(oneLine.problem);
+  EXPECT_EQ(oneLine.delay, 7U);
+  EXPECT_EQ(read(sampleParameters({{"temporalWinSize:", "-1"}})).delay, 4294967295U);
+  EXPECT_TRUE(read(sampleParameters({{"saveOutput:", "1"}})).needsImages);
+  EXPECT_TRUE(read(sampleParameters({{"extDisplayOn:", "1"}})).needsImages);
+}
+
+TEST(ParameterFile, NamesTheLineAndWhatIsExpected) {
+  const auto problem = [](const std::string& text) { return read(text).problem.value_or("none"); };
+  EXPECT_EQ(problem(""),
+            "p.txt:1: the file ends where the label \"coherenceThreshold:\" is expected");
+  EXPECT_EQ(problem("coherenceThreshold: 1\n\ndistweight: 1\n"),
+            "p.txt:3: the label \"distWeight:\" is expected instead of \"distweight:\"");
+  EXPECT_EQ(problem(sampleParameters({{"useClustering:", "true"}})),
+            "p.txt:22: 0 or 1 is expected after \"useClustering:\"");
+  EXPECT_EQ(problem(sampleParameters({{"distWeight:", "1.5"}})),
+            "p.txt:2: the label \"speedSimWeight:\" is expected instead of \".5\"");
+  EXPECT_EQ(problem(sampleParameters({{"imagesFolder:", "my images/"}})),
+            "p.txt:15: the label \"fileFormat:\" is expected instead of \"images/\"");
+  EXPECT_EQ(problem(sampleParameters({{"temporalWinSize:", "4294967296"}})),
+            "p.txt:9: a whole number is expected after \"temporalWinSize:\"");
+  EXPECT_EQ(problem(sampleParameters({{"minNumCells:", ""}})),
+            "p.txt:48: a whole number is expected after \"minNumCells:\"");
+}
+
+TEST(ParameterFile, LeavesPipesAloneAndReportsMissingFiles) {
+  EXPECT_EQ(readParameterFile("/no/such.txt").problem,
+            "/no/such.txt:1: cannot be opened: No such file or directory; the label "
+            "\"coherenceThreshold:\" is expected");
+  EXPECT_EQ(errorOf([] { readParameterFile("/dev/null"); }),
+            "/dev/null: the parameters must be in a regular file");
+}
+
+}  // namespace
+
+}  // namespace grouptracker

@@ -1,0 +1,177 @@
+#include "host/base/OutputError.h"
+#include "host/output/BackgroundSink.h"
+#include "tests/support/base/Lines.h"
+#include "tests/support/base/TempFolder.h"
+#include "tests/support/host/SampleParameters.h"
+#include "tests/support/host/WalkingScene.h"
+#include "tests/support/program/Program.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <thread>
+
+namespace grouptracker {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+/// All results of a query as one text, rows separated by blanks.
+std::string query(const std::string& path, const char* sql) {
+  sqlite3* database = nullptr;
+  EXPECT_EQ(sqlite3_open_v2(path.c_str(), &database, SQLITE_OPEN_READONLY, nullptr), SQLITE_OK);
+  std::string text;
+  const auto append = [](void* result, int count, char** values, char**) {
+    auto& line = *static_cast<std::string*>(result);
+    line += line.empty() ? "" : " ";
+    for (int i = 0; i < count; ++i) {
+      line += i == 0 ? "" : "|";
+      line += values[i] != nullptr ? values[i] : "null";
+    }
+    return 0;
+  };
+  EXPECT_EQ(sqlite3_exec(database, sql, append, &text, nullptr), SQLITE_OK) << sql;
+  sqlite3_close(database);
+  return text;
+}
+
+/// `grouptracker run` on a scene in which persons 1 and 2 walk together from frame 2 on.
+class Export : public testing::Test {
+ protected:
+  Export() {
+    folder.write("p.txt", sampleParameters());
+    folder.write("scene.jsonl", walkingScene(12));
+  }
+  static int run(Program& started, const QStringList& more) {
+    return started.run(QStringList{"run", "scene.jsonl", "--parameters", "p.txt", "--output",
+                                   "groups.jsonl", "--diagnostics", "none", "--mobile-dump", "none",
+                                   "--quiet"} +
+                       more);
+  }
+
+  std::string text(const std::string& name) const { return textOf(folder.path() / name); }
+  std::vector<std::string> lines(const std::string& name) const { return linesOf(text(name)); }
+
+  const TempFolder folder;
+  Program program{folder.path()};
+};
+
+TEST_F(Export, EventsOfARunAreThoseOfItsGroupsFile) {
+  EXPECT_EQ(run(program, {"--events", "events.jsonl", "--graph", "tree.dot"}), 0);
+  const std::string events = text("events.jsonl");
+  EXPECT_THAT(
+      lines("events.jsonl")[0],
+      HasSubstr(R"({"event": "created", "group": 0, "persons": [1, 2], "reportedFrame": )"));
+  Program replay(folder.path());
+  EXPECT_EQ(replay.run({"events", "groups.jsonl", "--graph", "again.dot"}), 0);
+  EXPECT_EQ(replay.output(), events);
+  EXPECT_EQ(text("tree.dot"), text("again.dot"));
+  EXPECT_THAT(text("tree.dot"), HasSubstr("persons 1, 2\"];\n}\n"));
+}
+
+TEST_F(Export, TablesHoldTheVisibleMembers) {
+  EXPECT_EQ(run(program, {"--csv", "m.csv", "--mot", "m.txt", "--sqlite", "run.sqlite"}), 0);
+  const auto csv = lines("m.csv");
+  EXPECT_EQ(csv[0], "frame,group,person,x,y");
+  EXPECT_EQ(csv.back(), "10,0,2,1,4");
+  EXPECT_EQ(lines("m.txt").back(), "10,0,30,20,50,50,1,0.75,4,0");
+  const std::string database = folder.path() / "run.sqlite";
+  EXPECT_EQ(query(database, "SELECT count(*), max(input_frame) FROM frames"), "10|10");
+  EXPECT_EQ(query(database,
+                  "SELECT frame, group_id, companion FROM companions WHERE person = 2 "
+                  "AND frame > 8"),
+            "9|0|1 10|0|1");
+  EXPECT_EQ(query(database,
+                  "SELECT kind, person FROM events JOIN event_persons "
+                  "ON event_id = events.id"),
+            "created|1 created|2");
+  EXPECT_THAT(query(database, "EXPLAIN QUERY PLAN SELECT * FROM companions WHERE person = 2"),
+              testing::Not(HasSubstr("SCAN")));
+}
+
+TEST_F(Export, WhatIsWrittenIsWholeWhenTheInputIsNot) {
+  folder.write("scene.jsonl", walkingScene(8) + walkingLine(9).substr(0, 90));
+  folder.write("tree.dot", "of an earlier run");
+  EXPECT_EQ(run(program, {"--events", "e.jsonl", "--sqlite", "run.sqlite", "--graph", "tree.dot"}),
+            2);
+  EXPECT_EQ(program.errors(), "scene.jsonl:9: not valid JSON\n");
+  EXPECT_EQ(query(folder.path() / "run.sqlite", "SELECT count(*) FROM frames"), "6");
+  EXPECT_THAT(text("tree.dot"), testing::EndsWith("}\n"));
+  EXPECT_EQ(lines("e.jsonl").size(), 1U);
+}
+
+TEST_F(Export, RefusesPlacesThatCannotBeWrittenBeforeTheFirstFrame) {
+  for (const QString option : {"--events", "--graph", "--mot", "--csv", "--sqlite"}) {
+    std::filesystem::remove(folder.path() / "groups.jsonl");
+    Program attempt(folder.path());
+    EXPECT_EQ(run(attempt, {option, "no/such/folder"}), 4) << option.toStdString();
+    const std::string errors = attempt.errors();
+    EXPECT_THAT(errors, testing::StartsWith("no/such/folder: cannot be written: "));
+    EXPECT_EQ(std::count(errors.begin(), errors.end(), '\n'), 1);
+    EXPECT_EQ(text("groups.jsonl"), "");
+  }
+}
+
+/// Notes the steps that arrive, and fails at one of them.
+class SlowSink : public StepSink {
+ public:
+  SlowSink(std::vector<std::uint32_t>& seen, std::uint32_t failsAt)
+      : m_seen(seen), m_failsAt(failsAt) {}
+  void write(const ReportedStep& step) override {
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    if (step.groups.frame == m_failsAt) {
+      throw OutputError("disk", "is full");
+    }
+    m_seen.push_back(step.groups.frame);
+  }
+
+ private:
+  std::vector<std::uint32_t>& m_seen;
+  std::uint32_t m_failsAt;
+};
+
+std::unique_ptr<BackgroundSink> background(std::vector<std::uint32_t>& seen,
+                                           std::uint32_t failsAt) {
+  std::vector<std::unique_ptr<StepSink>> sinks;
+  sinks.push_back(std::make_unique<SlowSink>(seen, failsAt));
+  return std::make_unique<BackgroundSink>(std::move(sinks));
+}
+
+TEST(BackgroundSink, WritesAllStepsInOrderAndTellsAFailureOnce) {
+  constexpr std::uint32_t steps = 3 * BackgroundSink::capacity;
+  std::vector<std::uint32_t> seen;
+  const auto whole = background(seen, 0);
+  ReportedStep step;
+  for (step.groups.frame = 1; step.groups.frame <= steps; ++step.groups.frame) {
+    whole->write(step);
+  }
+  whole->finish();
+  ASSERT_EQ(seen.size(), std::size_t{steps});
+  EXPECT_TRUE(std::is_sorted(seen.begin(), seen.end()));
+
+  seen.clear();
+  const auto failing = background(seen, 2);
+  step.groups.frame = 1;
+  failing->write(step);
+  int failures = 0;
+  for (step.groups.frame = 2; step.groups.frame <= steps; ++step.groups.frame) {
+    try {
+      failing->write(step);
+    } catch (const OutputError&) {
+      ++failures;
+    }
+  }
+  EXPECT_EQ(failures, 1);
+  EXPECT_NO_THROW(failing->finish());
+  EXPECT_THAT(seen, ElementsAre(1U));
+}
+
+}  // namespace
+
+}  // namespace grouptracker

@@ -1,0 +1,210 @@
+#include "tests/support/base/Lines.h"
+#include "tests/support/base/TempFolder.h"
+#include "tests/support/host/SampleParameters.h"
+#include "tests/support/host/WalkingScene.h"
+#include "tests/support/program/Program.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <filesystem>
+
+namespace grouptracker {
+
+namespace {
+
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+/// `grouptracker run` in a folder with a parameter file and a scene of 12 frames.
+class Run : public testing::Test {
+ protected:
+  Run() {
+    folder.write("p.txt", sampleParameters());
+    folder.write("scene.jsonl", walkingScene(sceneLength));
+  }
+
+  static QStringList arguments(const QString& input, const QStringList& more = {}) {
+    return QStringList{"run", input, "--parameters", "p.txt", "--output", "groups.jsonl"} + more;
+  }
+  std::filesystem::path inFolder(const std::string& name) const { return folder.path() / name; }
+  std::string text(const std::string& name) const { return textOf(inFolder(name)); }
+  std::vector<std::string> groups() const { return linesOf(text("groups.jsonl")); }
+
+  static constexpr int sceneLength = 12;
+  const TempFolder folder;
+  Program program{inFolder("")};
+};
+
+TEST_F(Run, WritesTheGroupsOfAScene) {
+  EXPECT_EQ(program.run(arguments("scene.jsonl")), 0);
+  ASSERT_EQ(groups().size(), std::size_t{sceneLength});
+  EXPECT_EQ(groups()[0], R"({"frame": 1, "reportedFrame": -1, "inputFrame": null, )"
+                         R"("persons": [], "groups": []})");
+  EXPECT_THAT(groups()[11], StartsWith(R"({"frame": 12, "reportedFrame": 10, "inputFrame": 10, )"
+                                       R"("persons": [1, 2, 3], "groups": [{"id": 0, )"
+                                       R"("mobiles": [101, 102], "persons": [1, 2], )"));
+  EXPECT_THAT(program.output(), StartsWith("parameter file name: p.txt\n"));
+  EXPECT_THAT(program.errors(), StartsWith("12 frames, 36 mobiles, 1 groups in "));
+  EXPECT_TRUE(std::filesystem::exists(inFolder("metasimages.txt")));
+}
+
+TEST_F(Run, SendsDiagnosticsAndDumpWhereTheUserWantsThem) {
+  program.run(arguments("scene.jsonl"));
+  const std::string diagnostics = program.output();
+  const std::string dump = text("metasimages.txt");
+  const auto expected = groups();
+  std::filesystem::remove(inFolder("metasimages.txt"));
+
+  Program redirected(inFolder(""));
+  EXPECT_EQ(redirected.run(arguments("scene.jsonl", {"--diagnostics", "lines.txt", "--mobile-dump",
+                                                     "dump.txt", "--quiet"})),
+            0);
+  EXPECT_EQ(redirected.output() + redirected.errors(), "");
+  EXPECT_EQ(text("lines.txt"), diagnostics);
+  EXPECT_EQ(text("dump.txt"), dump);
+  EXPECT_EQ(groups(), expected);
+
+  Program silent(inFolder(""));
+  EXPECT_EQ(
+      silent.run(arguments("scene.jsonl", {"--diagnostics", "none", "--mobile-dump", "none"})), 0);
+  EXPECT_EQ(silent.output(), "");
+  EXPECT_EQ(groups(), expected);
+  EXPECT_FALSE(std::filesystem::exists(inFolder("metasimages.txt")));
+}
+
+TEST_F(Run, AnswersALiveTrackerFrameByFrame) {
+  program.start(arguments("-"));
+  for (int frame = 1; frame <= 3; ++frame) {
+    program.process().write(QByteArray::fromStdString(walkingLine(frame)));
+    program.process().waitForBytesWritten();
+    const auto answered = [&] { return groups().size() == static_cast<std::size_t>(frame); };
+    ASSERT_TRUE(program.waitUntil(answered)) << frame;
+  }
+  EXPECT_EQ(program.finish(), 0);
+}
+
+TEST_F(Run, StopsInOrderWhenAskedWhileWaitingForInput) {
+  for (const int signal : {SIGINT, SIGTERM}) {
+    std::filesystem::remove(inFolder("groups.jsonl"));
+    Program live(inFolder(""));
+    live.start(arguments("-"));
+    live.process().write(QByteArray::fromStdString(walkingLine(1) + R"({"mobiles": [{"id")"));
+    live.process().waitForBytesWritten();
+    ASSERT_TRUE(live.waitUntil([&] { return groups().size() == 1; }));
+    live.send(signal);
+    ASSERT_TRUE(live.process().waitForFinished());
+    EXPECT_EQ(live.finish(), 0);
+    EXPECT_THAT(live.errors(), HasSubstr(signal == SIGINT ? "stopped by SIGINT" : "SIGTERM"));
+    EXPECT_THAT(text("groups.jsonl"), EndsWith("}\n"));
+  }
+}
+
+TEST_F(Run, EndsQuietlyWhenNobodyReadsStandardOutput) {
+  QProcess reader;
+  program.process().setStandardOutputProcess(&reader);
+  program.start(arguments("-"));
+  reader.start("true", QStringList());
+  ASSERT_TRUE(reader.waitForFinished());
+  program.process().write(QByteArray::fromStdString(walkingScene(3)));
+  program.process().waitForBytesWritten();
+  EXPECT_TRUE(program.process().waitForFinished());
+  EXPECT_EQ(program.finish(), 0);
+  EXPECT_EQ(program.errors(), "");
+  EXPECT_THAT(text("groups.jsonl"), EndsWith("}\n"));
+}
+
+TEST_F(Run, ReportsAFullDisk) {
+  QStringList toFullDisk = arguments("scene.jsonl");
+  toFullDisk[5] = "/dev/full";
+  EXPECT_EQ(program.run(toFullDisk), 4);
+  EXPECT_EQ(program.errors(), "/dev/full: cannot be written: No space left on device\n");
+
+  Program chatty(inFolder(""));
+  chatty.process().setStandardOutputFile("/dev/full");
+  EXPECT_EQ(chatty.run(arguments("scene.jsonl")), 4);
+  EXPECT_EQ(chatty.errors(), "standard output: cannot be written: No space left on device\n");
+}
+
+TEST_F(Run, NamesTheLineOfDamagedInputAndKeepsWhatWasDone) {
+  folder.write("cut.jsonl", walkingScene(3) + walkingLine(4).substr(0, 100));
+  EXPECT_EQ(program.run(arguments("cut.jsonl")), 2);
+  EXPECT_EQ(program.errors(), "cut.jsonl:4: not valid JSON\n");
+  EXPECT_EQ(groups().size(), 3U);
+  EXPECT_THAT(text("groups.jsonl"), EndsWith("}\n"));
+}
+
+TEST_F(Run, ExplainsAWrongParameterFileBeforeTheProcessEndsTheProgram) {
+  folder.write("p.txt", sampleParameters({{"useClustering:", "true"}}));
+  EXPECT_EQ(program.run(arguments("scene.jsonl", {"--diagnostics", "none"})), 1);
+  EXPECT_EQ(program.errors(), "p.txt:22: 0 or 1 is expected after \"useClustering:\"\n");
+  EXPECT_THAT(program.output(), HasSubstr("Error reading parameter:  : tolerance:\nstr size: 0"));
+  EXPECT_EQ(text("groups.jsonl"), "");
+}
+
+// The matrix of trajectories has no rows for displacements over a window of one frame.
+TEST_F(Run, StopsAtOrSkipsFramesAtWhichTheProcessFails) {
+  folder.write("p.txt", sampleParameters({{"useClustering:", "1"}, {"temporalWinSize:", "1"}}));
+  EXPECT_EQ(program.run(arguments("scene.jsonl")), 3);
+  EXPECT_EQ(program.errors(), "frame 2: matrixT::operator(): Index out of range!\n");
+  EXPECT_EQ(groups().size(), 1U);
+  EXPECT_THAT(program.output(), HasSubstr("Frame 2"));
+
+  Program patient(inFolder(""));
+  EXPECT_EQ(patient.run(arguments("scene.jsonl", {"--on-error", "skip"})), 0);
+  EXPECT_THAT(patient.errors(), HasSubstr(", 11 frames skipped"));
+}
+
+TEST_F(Run, RefusesToOverwriteItsInput) {
+  const std::string scene = text("scene.jsonl");
+  EXPECT_EQ(program.run(arguments("scene.jsonl", {"--diagnostics", "./scene.jsonl"})), 4);
+  EXPECT_EQ(program.errors(), "./scene.jsonl: would overwrite scene.jsonl\n");
+  EXPECT_EQ(text("scene.jsonl"), scene);
+}
+
+TEST_F(Run, RunsOnPartOfATrajectoryFolder) {
+  std::filesystem::create_directory(inFolder("walk"));
+  std::string rows;
+  for (int frame = 100; frame <= 200; frame += 10) {
+    for (int person = 1; person <= 2; ++person) {
+      rows += std::to_string(frame) + " " + std::to_string(person) + " " +
+              std::to_string(0.04 * frame) + " 0 " + std::to_string(0.6 * person) + " 0 0 0\n";
+    }
+  }
+  folder.write("walk/obsmat.txt", rows);
+  folder.write("walk/H.txt", "0 0.02 -2\n-0.02 0 2\n0 0 1\n");
+  EXPECT_EQ(program.run(arguments("walk", {"--frames", "120:170"})), 0);
+  ASSERT_EQ(groups().size(), 6U);
+  EXPECT_THAT(groups()[5], StartsWith(R"({"frame": 6, "reportedFrame": 4, "inputFrame": 150, )"
+                                      R"("persons": [1, 2], "groups": [{"id": 0, )"));
+  std::filesystem::remove(inFolder("walk/H.txt"));
+  Program unseeing(inFolder(""));
+  EXPECT_EQ(unseeing.run(arguments("walk")), 2);
+  EXPECT_EQ(unseeing.errors(), "walk/H.txt: cannot be opened: No such file or directory\n");
+}
+
+TEST_F(Run, NeedsImagesOnlyWhenTheParametersDrawOnThem) {
+  folder.write("scene.jsonl", walkingLine(1, R"("image": "no.png", )"));
+  EXPECT_EQ(program.run(arguments("scene.jsonl")), 0);
+  folder.write("p.txt", sampleParameters({{"saveOutput:", "1"}}));
+  Program drawing(inFolder(""));
+  EXPECT_EQ(drawing.run(arguments("scene.jsonl")), 2);
+  EXPECT_EQ(drawing.errors(), "scene.jsonl:1: the image no.png is missing or not readable\n");
+}
+
+TEST_F(Run, AnswersAWrongCommandLineWithOneLineAndAHint) {
+  EXPECT_EQ(program.run({"run", "scene.jsonl"}), 2);
+  EXPECT_THAT(program.errors(), StartsWith("--"));
+  Program backwards(inFolder(""));
+  EXPECT_EQ(backwards.run(arguments("scene.jsonl", {"--frames", "5:3"})), 2);
+  EXPECT_THAT(backwards.errors(), StartsWith("--frames: A:B, A: or :B is expected"));
+  Program asking(inFolder(""));
+  EXPECT_EQ(asking.run({"run", "--help"}), 0);
+  EXPECT_THAT(asking.output(), HasSubstr("Example:\n  grouptracker run "));
+}
+
+}  // namespace
+
+}  // namespace grouptracker

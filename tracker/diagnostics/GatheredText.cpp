@@ -1,0 +1,51 @@
+#include "tracker/diagnostics/GatheredText.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr std::size_t piecesAtOnce = 1024;  // that the system takes in one call
+
+// Writes all pieces, each of which is shortened by what is written of it.
+void writeAll(int file, iovec* piece, const iovec* end) {
+  while (piece != end) {
+    const auto count = std::min(static_cast<std::size_t>(end - piece), piecesAtOnce);
+    const ssize_t result = writev(file, piece, static_cast<int>(count));
+    if (result < 0 && errno == EINTR) {
+      continue;
+    }
+    if (result <= 0) {
+      return;
+    }
+    auto written = static_cast<std::size_t>(result);
+    while (piece != end && written >= piece->iov_len) {
+      written -= piece->iov_len;
+      ++piece;
+    }
+    if (written > 0) {
+      piece->iov_base = static_cast<char*>(piece->iov_base) + written;
+      piece->iov_len -= written;
+    }
+  }
+}
+
+}  // namespace
+
+void GatheredText::add(std::string_view text) {
+  if (!text.empty()) {
+    // Only read, but the system's type knows no reading alone.
+    m_pieces.push_back({const_cast<char*>(text.data()), text.size()});
+  }
+}
+
+void GatheredText::appendTo(const std::string& fileName) {
+  constexpr int mode = 0666;
+  const int file = open(fileName.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, mode);
+  if (file >= 0) {
+    writeAll(file, m_pieces.data(), m_pieces.data() + m_pieces.size());
+    close(file);
+  }
+}

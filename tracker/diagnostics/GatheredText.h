@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <sys/uio.h>
+#include <vector>
+
+/// Many texts that go to a file one behind the other, from where they are: nothing is copied. Texts
+/// that are added must stay as they are until they are written.
+class GatheredText {
+ public:
+  void clear() { m_pieces.clear(); }
+  void add(std::string_view text);
+  /// Appends everything to the file, which is made when there is none. A file that cannot be
+  /// written gets nothing, or as much as fits.
+  void appendTo(const std::string& fileName);
+
+ private:
+  std::vector<iovec> m_pieces;
+};

@@ -1,0 +1,45 @@
+#include "tracker/geometry/ObjectType.h"
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+// The code of a type is its row. No name begins with another one, so the order does not matter to
+// the classification.
+constexpr std::array<std::string_view, 4> typeNames = {"PERSON", "GROUP_OF_PERSONS", "NOISE",
+                                                       "UNKNOWN"};
+
+}  // namespace
+
+ObjectType::ObjectType(const std::string& type) {
+  const auto known =
+      std::find_if(typeNames.begin(), typeNames.begin() + unknownCode,
+                   [&type](std::string_view name) { return type.starts_with(name); });
+  m_code = static_cast<int>(known - typeNames.begin());
+}
+
+std::string_view ObjectType::nameOf() const {
+  return typeNames[static_cast<std::size_t>(m_code)];
+}
+
+bool ObjectType::isGroup() const {
+  return nameOf().find("GROUP") != std::string_view::npos;
+}
+
+// The name of a group contains that of a person.
+bool ObjectType::isPerson() const {
+  return nameOf().find("PERSON") != std::string_view::npos && !isGroup();
+}
+
+bool ObjectType::isCrowd() const {
+  return nameOf().find("CROWD") != std::string_view::npos;
+}
+
+bool ObjectType::isNoise() const {
+  return nameOf().find("NOISE") != std::string_view::npos;
+}
+
+bool ObjectType::isNotPerson() const {
+  return !isPerson() && !isGroup() && !isCrowd();
+}

@@ -1,0 +1,196 @@
+#include "tracker/geometry/Util.h"
+#include "tracker/tracking/Group.h"
+#include "tracker/tracking/GroupTrial.h"
+
+#include <cmath>
+#include <limits>
+#include <map>
+#include <vector>
+
+namespace {
+
+constexpr double farFromRepresentative = 3.0;  // metres
+constexpr double incoherent = 1000.0;          // beyond every sensible threshold
+constexpr double emptyHeight = 0.001;          // metres; a lower 3D box holds nobody
+
+// The weights of a walk into the future: the first steps weigh most, and the longer the walk the
+// slower they fall.
+struct WalkWeights {
+  explicit WalkWeights(int steps) {
+    const double decay = steps + 1;
+    for (int i = 0; i < steps; ++i) {
+      weights.push_back(10.0 * std::exp(-static_cast<double>(i) / decay) / decay);
+      sum += weights.back();
+    }
+  }
+
+  std::vector<double> weights;
+  double sum = 0.0;
+};
+
+// Walks have few lengths, up to that of the window; their weights are computed once.
+const WalkWeights& weightsOfWalk(int steps) {
+  static std::map<int, WalkWeights> known;
+  return known.try_emplace(steps, steps).first->second;
+}
+
+// The coherences along a walk, weighted. The coherence before the walk enters without a weight and
+// is not counted among the weights.
+class WeightedCoherence {
+ public:
+  WeightedCoherence(double firstCoherence, int steps)
+      : m_weights(weightsOfWalk(steps)), m_sum(firstCoherence) {}
+
+  void add(double coherence) { m_sum += m_weights.weights[m_count++] * coherence; }
+  /// Only grows with what is added, as coherences are never negative.
+  double value() const { return m_sum / m_weights.sum * 10.0; }
+
+ private:
+  const WalkWeights& m_weights;
+  double m_sum;
+  std::size_t m_count = 0;
+};
+
+// How many steps two walkers make together before one of them has no son any more; the first step
+// is where they stand.
+int stepsTogether(const MetaLPO* a, const MetaLPO* b) {
+  int steps = 0;
+  while (a != nullptr && b != nullptr) {
+    ++steps;
+    a = a->descendant();
+    b = b->descendant();
+  }
+  return steps;
+}
+
+}  // namespace
+
+double Group::groupCoherence() const {
+  return m_cohesion.coherence();
+}
+
+double Group::groupCoherence(const QSharedPointer<kelDataLinkedPhysicalObject>& object,
+                             unsigned int frame) {
+  // An id of 0 counts as no representative, even when a mobile has it.
+  if (m_bestMobileId != 0) {
+    const MetaLPO* member = m_members.find(m_bestMobileId);
+    if (member != nullptr &&
+        Util::distance3D(object->getPhysicalObject()->getBoundingBox3D(),
+                         member->observation().getBoundingBox3D()) > farFromRepresentative) {
+      return incoherent;
+    }
+  }
+  const int bestMobileId = m_bestMobileId;
+  const int numMobiles = m_numMobiles;
+  const double avgIntraDist = m_cohesion.avgIntraDist;
+  const Spreads spreads = m_cohesion.spreads;
+  addMobile(object, static_cast<int>(frame));
+  const double coherence = groupCoherence();
+  removeMobile(static_cast<int>(object->getIdent()));
+  m_bestMobileId = bestMobileId;
+  m_numMobiles = numMobiles;
+  m_cohesion.avgIntraDist = avgIntraDist;
+  m_cohesion.spreads = spreads;
+  return coherence;
+}
+
+double Group::groupCoherence(const QSharedPointer<MetaLPO>& mobile) const {
+  return groupCoherence(mobile, std::numeric_limits<double>::infinity());
+}
+
+double Group::groupCoherence(const QSharedPointer<MetaLPO>& mobile, double limit) const {
+  const auto coherence = coherenceByTrial(mobile.data(), limit);
+  return coherence ? *coherence : coherenceByCopy(mobile);
+}
+
+std::optional<double> Group::coherenceByTrial(MetaLPO* mobile, double limit) const {
+  GroupTrial trial(m_members, m_cohesion);
+  if (!trial.add(mobile)) {
+    return {};
+  }
+  trial.updateSpreads();
+  const unsigned int frame = mobile->getFrame();
+  const FrameMembers& together = *trial.at(frame);
+  const FrameMembers* before = trial.at(trial.frameBefore(frame));
+  const int representativeId = representative(together.members(), before->center());
+
+  const auto walker = [&](int id) {
+    return id == mobile->getIdent() ? mobile : m_members.find(id);
+  };
+  MetaLPO* a = walker(representativeId);
+  const bool pairWithItself = a == mobile && together.presence() == 2;
+  // A group that was just clustered has no representative yet: then there is no walk, and nothing
+  // that could make the coherence small.
+  MetaLPO* b = pairWithItself ? walker(m_bestMobileId) : mobile;
+
+  WeightedCoherence coherence(trial.coherence(), stepsTogether(a, b));
+  while (a != nullptr && b != nullptr) {
+    if (!trial.add(a) || (b->getIdent() != a->getIdent() && !trial.add(b))) {
+      return {};
+    }
+    trial.updateSpreads();
+    coherence.add(trial.coherence());
+    if (coherence.value() >= limit) {
+      return coherence.value();  // the rest can only add to it
+    }
+    a = a->descendant();
+    b = b->descendant();
+  }
+  return coherence.value();
+}
+
+// The same on a copy of the whole group, for ids that were declared again: there a mobile may take
+// the place of a member at another frame.
+double Group::coherenceByCopy(const QSharedPointer<MetaLPO>& mobile) const {
+  Group trial(*this);
+  trial.addMobile(mobile);
+  trial.computeBestMobile(static_cast<int>(mobile->getFrame()));
+  const double firstCoherence = trial.groupCoherence();
+
+  const auto walker = [&](int id) {
+    const auto member = trial.getMobiles().find(id);
+    return member == trial.getMobiles().end() ? QSharedPointer<MetaLPO>() : member->second;
+  };
+  auto a = walker(trial.m_bestMobileId);
+  const bool pairWithItself = trial.m_bestMobileId == mobile->getIdent() &&
+                              trial.numMobilesAtFrame(mobile->getFrame()) == 2;
+  auto b = pairWithItself ? walker(m_bestMobileId) : mobile;
+
+  WeightedCoherence coherence(firstCoherence, stepsTogether(a.data(), b.data()));
+  while (a && b) {
+    trial.addMobile(a);
+    if (b->getIdent() != a->getIdent()) {
+      trial.addMobile(b);
+    }
+    coherence.add(trial.groupCoherence());
+    a = a->descendant() == nullptr ? QSharedPointer<MetaLPO>() : a->getBestSon();
+    b = b->descendant() == nullptr ? QSharedPointer<MetaLPO>() : b->getBestSon();
+  }
+  return coherence.value();
+}
+
+void Group::updateProperties(unsigned int frame) {
+  if (const FrameMembers* changed = m_members.at(frame)) {
+    const MetaLPO* lower =
+        changed->hasSeveral() ? nullptr : m_members.nextLower(changed->members()[0]->getIdent());
+    m_cohesion.updateDistance(countDistinctFrames(), *changed, lower);
+  }
+  m_cohesion.spreads = m_members.meanSpreads();
+}
+
+std::pair<double, double> Group::computeSpeedDirSimilitude() const {
+  const Spreads spreads = m_members.meanSpreads();
+  return {spreads.speed, spreads.direction};
+}
+
+double Group::distance(const QSharedPointer<MetaLPO>& mobile, int frame) const {
+  int groupFrame = frame - 1;
+  BoundingBox3D box = bbox3D(groupFrame);
+  while (std::abs(box.b2 - box.b5) < emptyHeight && m_startFrame < groupFrame) {
+    --groupFrame;
+    box = bbox3D(groupFrame);
+  }
+  const auto& observation = mobile->observation();
+  return Util::distance3Dsmart(observation.getBoundingBox3D(), observation.getBoundingBox2D(), box,
+                               bbox2D(groupFrame));
+}

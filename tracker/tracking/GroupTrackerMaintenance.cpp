@@ -1,0 +1,274 @@
+#include "tracker/diagnostics/Diagnostics.h"
+#include "tracker/geometry/Util.h"
+#include "tracker/tracking/GroupTracker.h"
+#include "tracker/tracking/MobileTypes.h"
+
+#include <algorithm>
+#include <cmath>
+#include <deque>
+#include <limits>
+#include <set>
+#include <vector>
+
+namespace {
+
+constexpr double worstCandidate = 1001.0;  // a candidate must be better than this
+constexpr int splitGenerations = 5;        // how far back an ancestor in another group is a split
+
+}  // namespace
+
+/// A free mobile that looks for a group, and the group that it asked last, to no avail.
+struct GroupTracker::Seeker {
+  QSharedPointer<MetaLPO> mobile;
+  unsigned int refusedBy = none;
+};
+
+/// The best of those that may join a group in a pass.
+struct GroupTracker::Candidate {
+  double coherence = worstCandidate;
+  QSharedPointer<MetaLPO> mobile;
+};
+
+void GroupTracker::forgetRefusals(std::deque<Seeker>& seekers, unsigned int groupId) {
+  for (Seeker& seeker : seekers) {
+    if (seeker.refusedBy == groupId) {
+      seeker.refusedBy = none;
+    }
+  }
+}
+
+void GroupTracker::updateGroups() {
+  if (static_cast<int>(processedFrame()) < 1) {
+    return;
+  }
+  std::deque<Seeker> seekers;
+  for (const auto& mobile : mobilesAt(processedFrame())) {
+    if (!mobile->getType().isNoise()) {
+      seekers.push_back({mobile});
+    }
+  }
+  // One mobile per group and pass; the next pass sees the groups as they have become.
+  while (updateGroupsOnce(seekers)) {
+  }
+}
+
+bool GroupTracker::updateGroupsOnce(std::deque<Seeker>& seekers) {
+  std::erase_if(seekers,
+                [this](const Seeker& seeker) { return groupIdOf(*seeker.mobile) != none; });
+  std::map<unsigned int, Candidate> candidates;
+  for (Seeker& seeker : seekers) {
+    ask(seeker, candidates);
+  }
+  bool added = false;
+  for (const auto& [home, candidate] : candidates) {
+    if (candidate.mobile) {
+      addMobileToGroup(static_cast<int>(home), candidate.mobile);
+      added = true;
+      forgetRefusals(seekers, home);
+    }
+  }
+  return added;
+}
+
+// A group that refused a mobile is not asked again before it has taken somebody in.
+void GroupTracker::ask(Seeker& seeker, std::map<unsigned int, Candidate>& candidates) const {
+  const auto& mobile = seeker.mobile;
+  const unsigned int home = probableGroup(mobile);
+  const auto target = group(home);
+  if (home == none || !target || home == seeker.refusedBy) {
+    return;
+  }
+  seeker.refusedBy = home;
+  if (target->distance(mobile, static_cast<int>(mobile->getFrame())) > maxDistGroupUpdate) {
+    return;
+  }
+  Candidate& best = candidates[home];
+  // Of equal coherences the smallest id wins, so only what is beyond the best may be left open.
+  const double limit =
+      std::min(Group::coherenceThreshold,
+               std::nextafter(best.coherence, std::numeric_limits<double>::infinity()));
+  const double coherence = target->groupCoherence(mobile, limit);
+  if (!(Group::coherenceThreshold > coherence)) {
+    return;
+  }
+  const bool wins = coherence < best.coherence || (best.mobile && coherence == best.coherence &&
+                                                   mobile->getIdent() < best.mobile->getIdent());
+  if (wins) {
+    best = {coherence, mobile};
+  }
+}
+
+void GroupTracker::detectMerge() {
+  // No best son is a key like any other: mobiles that all end here count as meeting. Only mobiles
+  // with a group can bring groups together.
+  std::map<unsigned int, std::vector<const MetaLPO*>> fathersBySon;
+  const auto first = m_mobilesByFrame.lower_bound(
+      static_cast<unsigned int>(std::max(static_cast<int>(processedFrame()), 0)));
+  for (auto entry = first; entry != m_mobilesByFrame.end(); ++entry) {
+    for (const auto& mobile : entry->second) {
+      if (mobile->getGroupId() != MetaLPO::noId && mobile->isRemembered()) {
+        fathersBySon[static_cast<unsigned int>(mobile->getBestSonId())].push_back(mobile.data());
+      }
+    }
+  }
+  for (const auto& [son, fathers] : fathersBySon) {
+    std::set<unsigned int> ids;
+    for (const MetaLPO* father : fathers) {
+      ids.insert(static_cast<unsigned int>(father->getGroupId()));
+    }
+    if (ids.size() > 1) {
+      mergeGroups(ids);
+    }
+  }
+}
+
+void GroupTracker::mergeGroups(const std::set<unsigned int>& ids) {
+  int oldest = std::numeric_limits<int>::max();
+  QSharedPointer<Group> target;
+  for (const unsigned int id : ids) {
+    Diagnostics::print("{} ", static_cast<int>(id));
+    const auto candidate = group(id);
+    if (candidate && candidate->getStartFrame() < oldest) {
+      oldest = candidate->getStartFrame();
+      target = candidate;
+    }
+  }
+  if (!target) {
+    return;
+  }
+  moveToGroup(ids, target->getId());
+  for (const unsigned int id : ids) {
+    const auto absorbed = group(id);
+    if (!absorbed || absorbed == target) {
+      continue;
+    }
+    target->doMerge(absorbed);
+    m_groups.remove(static_cast<int>(id));
+    target->addMerge(static_cast<int>(id), static_cast<int>(processedFrame()));
+  }
+}
+
+// The mobiles of a group are its members. Only where an id was declared again, or old members left
+// while no frame was taken in, may a remembered mobile carry the id of a group that it is not in.
+void GroupTracker::moveToGroup(const std::set<unsigned int>& from, int to) {
+  const auto move = [&](MetaLPO& mobile) {
+    if (mobile.getGroupId() != MetaLPO::noId &&
+        from.contains(static_cast<unsigned int>(mobile.getGroupId()))) {
+      mobile.setGroupId(to);
+    }
+  };
+  if (m_mobiles.hasNamesakes() || m_intakeWasCutShort) {
+    for (const auto& [id, mobile] : m_mobiles.inOrder()) {
+      move(*mobile);
+    }
+    return;
+  }
+  for (const unsigned int id : from) {
+    if (const auto left = group(id)) {
+      for (const auto& [ident, mobile] : left->getMobiles()) {
+        move(*mobile);
+      }
+    }
+  }
+}
+
+/// Looks among a member's ancestors for one that is in another group. Members of one group mostly
+/// descend from each other, so a search ends where that of an ancestor began.
+class GroupTracker::SplitSearch {
+ public:
+  SplitSearch(const GroupTracker& tracker, int groupId) : m_tracker(tracker), m_groupId(groupId) {}
+
+  /// The id of the other group; none when there is none within the generations.
+  int find(const MetaLPO& member) const {
+    MetaLPO::SplitWalk& walk = member.splitWalk();
+    walk = {m_tracker.m_currentFrame, m_groupId, MetaLPO::noId, 0};
+    const MetaLPO* ancestor = member.ancestorNode();
+    if (ancestor == nullptr && member.endsHistory()) {
+      ancestor = &member;  // the start of a history stands for its own ancestor
+      settle(walk, otherGroup(*ancestor), 1);
+      return walk.found;
+    }
+    for (int generation = 1; ancestor != nullptr && generation <= splitGenerations; ++generation) {
+      settle(walk, otherGroup(*ancestor), generation);
+      const MetaLPO::SplitWalk& earlier = ancestor->splitWalk();
+      const bool isKnown = earlier.frame == m_tracker.m_currentFrame &&
+                           earlier.askedFor == m_groupId && ancestor != &member;
+      if (walk.found == MetaLPO::noId && isKnown) {
+        if (generation + earlier.generations <= splitGenerations) {
+          settle(walk, earlier.found, generation + earlier.generations);
+        }
+        return walk.found;
+      }
+      if (walk.found != MetaLPO::noId) {
+        return walk.found;
+      }
+      ancestor = ancestor->ancestorNode();
+    }
+    return walk.found;
+  }
+
+ private:
+  int otherGroup(const MetaLPO& ancestor) const {
+    const int home = static_cast<int>(m_tracker.groupIdOf(ancestor));
+    return home == m_groupId ? MetaLPO::noId : home;
+  }
+
+  static void settle(MetaLPO::SplitWalk& walk, int found, int generations) {
+    walk.found = found;
+    walk.generations = found == MetaLPO::noId ? 0 : generations;
+  }
+
+  const GroupTracker& m_tracker;
+  int m_groupId;
+};
+
+void GroupTracker::detectSplit() {
+  for (const auto& group : std::as_const(m_groups)) {
+    const SplitSearch search(*this, group->getId());
+    // From the oldest frame on, so that most searches end at once; told in the order of the ids.
+    std::map<int, int> otherByMember;
+    for (const auto& frame : group->frames()) {
+      for (const MetaLPO* member : frame.members()) {
+        const int other = search.find(*member);
+        if (other != MetaLPO::noId) {
+          otherByMember.emplace(member->getIdent(), other);
+        }
+      }
+    }
+    for (const auto& [id, other] : otherByMember) {
+      Diagnostics::write("Split between ", other, " and ", group->getId(), "\n");
+      group->addSplit(other, static_cast<int>(m_currentFrame));
+    }
+  }
+}
+
+std::map<int, QSharedPointer<MetaLPO>> GroupTracker::rememberedAt(unsigned int frame) const {
+  std::map<int, QSharedPointer<MetaLPO>> remembered;
+  const auto mobiles = m_mobilesByFrame.find(frame);
+  if (mobiles != m_mobilesByFrame.end()) {
+    for (const auto& mobile : mobiles->second) {
+      if (mobile->isRemembered()) {
+        remembered.emplace(mobile->getIdent(), mobile);
+      }
+    }
+  }
+  return remembered;
+}
+
+void GroupTracker::closeFrame() {
+  std::list<int> emptied;
+  const auto nodes = rememberedAt(processedFrame());
+  for (const auto& closing : std::as_const(m_groups)) {
+    closing->updateProperties(m_currentFrame);
+    if (!closing->isUpdated() && closing->getEndFrame() == -1) {
+      closing->setEndFrame(static_cast<int>(processedFrame()) - 1);
+    }
+    closing->closeFrame(processedFrame(), nodes, m_currentImage);
+    if (closing->getMobiles().empty()) {
+      emptied.push_back(closing->getId());
+    }
+  }
+  for (const int id : emptied) {
+    removeGroup(static_cast<unsigned int>(id));
+  }
+}
