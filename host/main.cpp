@@ -3,6 +3,7 @@
 #include "host/commands/CalibrateCommand.h"
 #include "host/commands/CheckCommand.h"
 #include "host/commands/Command.h"
+#include "host/commands/CommandLine.h"
 #include "host/commands/ConvertCommand.h"
 #include "host/commands/EvaluateCommand.h"
 #include "host/commands/EventsCommand.h"
@@ -14,7 +15,6 @@
 #include "host/pictures/window/RunBesideWindow.h"
 #include "host/run/ProcessRunner.h"
 
-#include <CLI/CLI.hpp>
 #include <QCoreApplication>
 #include <fmt/format.h>
 #include <opencv2/core/utility.hpp>
@@ -87,21 +87,18 @@ int runWithin(Command& command, int& argc, char** argv) {
 
 int main(int argc, char** argv) {
   silenceOpenCv();
-  CLI::App program("Turns the people whom a tracker sees into groups that live over time");
-  program.set_version_flag("--version", GROUPTRACKER_VERSION);
-  program.require_subcommand(1);
-  std::vector<std::pair<CLI::App*, std::unique_ptr<Command>>> commands;
+  CommandLine line("Turns the people whom a tracker sees into groups that live over time",
+                   GROUPTRACKER_VERSION);
+  std::vector<std::pair<Options, std::unique_ptr<Command>>> commands;
   for (auto& command : allCommands()) {
-    CLI::App* const choice = command->declare(program);
-    commands.emplace_back(choice, std::move(command));
+    const Options options = command->declare(line);
+    commands.emplace_back(options, std::move(command));
   }
-  try {
-    program.parse(argc, argv);
-  } catch (const CLI::ParseError& failure) {
-    return program.exit(failure) == 0 ? finished : wrongInput;
+  if (const auto status = line.parse(argc, argv)) {
+    return *status;
   }
-  for (const auto& [choice, command] : commands) {
-    if (choice->parsed()) {
+  for (const auto& [options, command] : commands) {
+    if (options.wereChosen()) {
       return runWithin(*command, argc, argv);
     }
   }

@@ -47,18 +47,16 @@ void printCamera(const PeopleCamera& camera, double bodyHeight) {
 
 }  // namespace
 
-CLI::App* CalibrateCommand::declare(CLI::App& program) {
-  CLI::App* const command = program.add_subcommand(
-      "calibrate", "Estimates the camera from the boxes of people who walk on a flat ground");
-  command->footer(example);
-  declareInput(*command, m_choice);
-  declareImageSize(*command, m_choice);
-  command->add_option("--body-height", m_bodyHeight, "mean height of the people in metres")
-      ->check(CLI::Range(0.5, 2.5))
-      ->capture_default_str();
-  command->add_option("--output", m_outputFile, "the camera, OpenCV yml")
-      ->required()
-      ->type_name("FILE");
+Options CalibrateCommand::declare(CommandLine& program) {
+  Options command = program.addCommand(
+      "calibrate", "Estimates the camera from the boxes of people who walk on a flat ground",
+      example);
+  declareInput(command, m_choice);
+  declareImageSize(command, m_choice);
+  command.add("--body-height", m_bodyHeight, "mean height of the people in metres")
+      .within(0.5, 2.5)
+      .showDefault();
+  command.add("--output", m_outputFile, "the camera, OpenCV yml").required().typeName("FILE");
   return command;
 }
 

@@ -12,7 +12,7 @@ namespace grouptracker {
 /// what it found, and writes it as a calibration file.
 class CalibrateCommand : public Command {
  public:
-  CLI::App* declare(CLI::App& program) override;
+  Options declare(CommandLine& program) override;
   int run() override;
 
  private:

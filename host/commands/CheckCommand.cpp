@@ -59,17 +59,14 @@ void checkFrames(const OpenedInput& input, CheckReport& report) {
 
 }  // namespace
 
-CLI::App* CheckCommand::declare(CLI::App& program) {
-  CLI::App* const command =
-      program.add_subcommand("check", "Looks through an input and its files without running");
-  command->footer(example);
-  declareInput(*command, m_choice);
-  declareCalibration(*command, m_choice);
-  declareImageSize(*command, m_choice);
-  command->add_option("--parameters", m_parameterFile, "the tracker's 47 parameters")
-      ->type_name("FILE");
-  command->add_option("--context", m_contextFile, "description of the scene, JSON")
-      ->type_name("FILE");
+Options CheckCommand::declare(CommandLine& program) {
+  Options command =
+      program.addCommand("check", "Looks through an input and its files without running", example);
+  declareInput(command, m_choice);
+  declareCalibration(command, m_choice);
+  declareImageSize(command, m_choice);
+  command.add("--parameters", m_parameterFile, "the tracker's 47 parameters").typeName("FILE");
+  command.add("--context", m_contextFile, "description of the scene, JSON").typeName("FILE");
   return command;
 }
 

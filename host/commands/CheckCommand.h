@@ -13,7 +13,7 @@ namespace grouptracker {
 /// warnings only, 2 with problems.
 class CheckCommand : public Command {
  public:
-  CLI::App* declare(CLI::App& program) override;
+  Options declare(CommandLine& program) override;
   int run() override;
 
  private:

@@ -31,19 +31,16 @@ std::string cameraText(const OpenedInput& input) {
 
 }  // namespace
 
-CLI::App* ConvertCommand::declare(CLI::App& program) {
-  CLI::App* const command = program.add_subcommand(
-      "convert", "Writes an input as a scene file with all that a run needs");
-  command->footer(example);
-  declareInput(*command, m_choice);
-  declareCalibration(*command, m_choice);
-  declareImageSize(*command, m_choice);
-  declareLinks(*command, m_choice);
-  command->add_option("--images", m_imageFolder, "images by sorted name, for inputs that name none")
-      ->type_name("FOLDER");
-  command->add_option("--output", m_outputFile, "the scene file *.jsonl")
-      ->required()
-      ->type_name("FILE");
+Options ConvertCommand::declare(CommandLine& program) {
+  Options command = program.addCommand(
+      "convert", "Writes an input as a scene file with all that a run needs", example);
+  declareInput(command, m_choice);
+  declareCalibration(command, m_choice);
+  declareImageSize(command, m_choice);
+  declareLinks(command, m_choice);
+  command.add("--images", m_imageFolder, "images by sorted name, for inputs that name none")
+      .typeName("FOLDER");
+  command.add("--output", m_outputFile, "the scene file *.jsonl").required().typeName("FILE");
   return command;
 }
 

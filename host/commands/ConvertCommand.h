@@ -10,7 +10,7 @@ namespace grouptracker {
 /// `grouptracker convert`: writes any input as a scene file that a run takes as it would the input.
 class ConvertCommand : public Command {
  public:
-  CLI::App* declare(CLI::App& program) override;
+  Options declare(CommandLine& program) override;
   int run() override;
 
  private:

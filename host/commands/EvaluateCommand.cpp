@@ -18,44 +18,41 @@ namespace {
 const char* const example = R"(Example:
   grouptracker evaluate groups.jsonl --truth seq_eth/groups.txt --baselines)";
 
-void declareScores(CLI::App& command, EvaluationOptions& options) {
+void declareScores(Options& command, EvaluationOptions& options) {
   command
-      .add_option("--window", options.window.length,
-                  "time steps of a window; windows follow each other")
-      ->check(CLI::PositiveNumber)
-      ->capture_default_str();
+      .add("--window", options.window.length, "time steps of a window; windows follow each other")
+      .positive()
+      .showDefault();
   command
-      .add_option("--together", options.window.together,
-                  "time steps of a window in one group that make two persons one group")
-      ->check(CLI::PositiveNumber)
-      ->capture_default_str();
+      .add("--together", options.window.together,
+           "time steps of a window in one group that make two persons one group")
+      .positive()
+      .showDefault();
   command
-      .add_option("--event-tolerance", options.eventTolerance,
-                  "time steps between a found merge or split and the true one")
-      ->capture_default_str();
+      .add("--event-tolerance", options.eventTolerance,
+           "time steps between a found merge or split and the true one")
+      .showDefault();
 }
 
 }  // namespace
 
-CLI::App* EvaluateCommand::declare(CLI::App& program) {
-  CLI::App* const command =
-      program.add_subcommand("evaluate", "Scores the groups of a run against annotated ones");
-  command->footer(example);
-  command->add_option("GROUPS", m_groupsFile, "the groups that a run wrote, JSON Lines")
-      ->required();
+Options EvaluateCommand::declare(CommandLine& program) {
+  Options command =
+      program.addCommand("evaluate", "Scores the groups of a run against annotated ones", example);
+  command.add("GROUPS", m_groupsFile, "the groups that a run wrote, JSON Lines").required();
   command
-      ->add_option("--truth", m_truthFile,
-                   "annotated groups: one a line for the whole sequence, or per frame in *.jsonl")
-      ->required()
-      ->type_name("FILE");
-  command->add_option("--output", m_outputFile, "all numbers as JSON")->type_name("FILE");
-  command->add_option("--errors", m_errorsFile, "who is in the wrong company at which frame, CSV")
-      ->type_name("FILE");
-  command->add_flag("--baselines", m_baselines,
-                    "also score everybody alone and a crude rule over the window");
-  command->add_option("--input", m_input,
-                      "the input of the run, for --baselines (default: the folder of the truth)");
-  declareScores(*command, m_options);
+      .add("--truth", m_truthFile,
+           "annotated groups: one a line for the whole sequence, or per frame in *.jsonl")
+      .required()
+      .typeName("FILE");
+  command.add("--output", m_outputFile, "all numbers as JSON").typeName("FILE");
+  command.add("--errors", m_errorsFile, "who is in the wrong company at which frame, CSV")
+      .typeName("FILE");
+  command.addFlag("--baselines", m_baselines,
+                  "also score everybody alone and a crude rule over the window");
+  command.add("--input", m_input,
+              "the input of the run, for --baselines (default: the folder of the truth)");
+  declareScores(command, m_options);
   return command;
 }
 

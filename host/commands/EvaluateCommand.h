@@ -10,7 +10,7 @@ namespace grouptracker {
 /// `grouptracker evaluate`: scores the groups of a run against annotated ones.
 class EvaluateCommand : public Command {
  public:
-  CLI::App* declare(CLI::App& program) override;
+  Options declare(CommandLine& program) override;
   int run() override;
 
  private:

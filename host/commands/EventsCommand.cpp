@@ -51,17 +51,14 @@ void replay(const std::string& path, const Sinks& sinks) {
 
 }  // namespace
 
-CLI::App* EventsCommand::declare(CLI::App& program) {
-  CLI::App* const command =
-      program.add_subcommand("events", "Tells what happened to the groups of a run");
-  command->footer(example);
-  command->add_option("GROUPS", m_groupsFile, "the groups file of a run, - for standard input")
-      ->required();
-  command
-      ->add_option("--output", m_outputFile, "the events, JSON Lines, instead of standard output")
-      ->type_name("FILE");
-  command->add_option("--graph", m_graphFile, "the family tree of the groups, for Graphviz")
-      ->type_name("FILE");
+Options EventsCommand::declare(CommandLine& program) {
+  Options command =
+      program.addCommand("events", "Tells what happened to the groups of a run", example);
+  command.add("GROUPS", m_groupsFile, "the groups file of a run, - for standard input").required();
+  command.add("--output", m_outputFile, "the events, JSON Lines, instead of standard output")
+      .typeName("FILE");
+  command.add("--graph", m_graphFile, "the family tree of the groups, for Graphviz")
+      .typeName("FILE");
   return command;
 }
 

@@ -10,7 +10,7 @@ namespace grouptracker {
 /// events that the run itself writes.
 class EventsCommand : public Command {
  public:
-  CLI::App* declare(CLI::App& program) override;
+  Options declare(CommandLine& program) override;
   int run() override;
 
  private:

@@ -19,26 +19,23 @@ const char* const example = R"(Example:
 
 }  // namespace
 
-CLI::App* ExplainCommand::declare(CLI::App& program) {
-  CLI::App* const command =
-      program.add_subcommand("explain", "Tells why the tracker made the groups of a run");
-  command->footer(example);
-  command->add_option("DIAGNOSTICS", m_diagnosticsFile, "the diagnostics of a run")->required();
-  auto* const what = command->add_option_group("what to explain");
-  what->add_option("--group", m_group, "the life of a group")->type_name("G");
-  what->add_option("--uncertain", m_uncertain, "the N decisions closest to the threshold")
-      ->type_name("N");
-  what->require_option(1, 2);
-  command->add_option("--frame", m_frame, "of the life only what is about this reported frame")
-      ->type_name("F");
+Options ExplainCommand::declare(CommandLine& program) {
+  Options command =
+      program.addCommand("explain", "Tells why the tracker made the groups of a run", example);
+  command.add("DIAGNOSTICS", m_diagnosticsFile, "the diagnostics of a run").required();
+  Options what = command.addChoice("what to explain", 1, 2);
+  what.add("--group", m_group, "the life of a group").typeName("G");
+  what.add("--uncertain", m_uncertain, "the N decisions closest to the threshold").typeName("N");
+  command.add("--frame", m_frame, "of the life only what is about this reported frame")
+      .typeName("F");
   command
-      ->add_option("--mobile-dump", m_dumpFile,
-                   "the mobile dump of the same run: tells links, shared sons and ancestors")
-      ->type_name("FILE");
+      .add("--mobile-dump", m_dumpFile,
+           "the mobile dump of the same run: tells links, shared sons and ancestors")
+      .typeName("FILE");
   command
-      ->add_option("--parameters", m_parameterFile,
-                   "the parameters, if not at the place that the diagnostics name")
-      ->type_name("FILE");
+      .add("--parameters", m_parameterFile,
+           "the parameters, if not at the place that the diagnostics name")
+      .typeName("FILE");
   return command;
 }
 

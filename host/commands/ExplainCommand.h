@@ -12,7 +12,7 @@ namespace grouptracker {
 /// `grouptracker explain`: tells from the diagnostics of a run why a group is what it is.
 class ExplainCommand : public Command {
  public:
-  CLI::App* declare(CLI::App& program) override;
+  Options declare(CommandLine& program) override;
   int run() override;
 
  private:

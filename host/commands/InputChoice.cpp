@@ -33,61 +33,58 @@ std::optional<cv::Size> parseSize(std::string_view text) {
 
 }  // namespace
 
-void declareInput(CLI::App& command, InputChoice& choice) {
+void declareInput(Options& command, InputChoice& choice) {
   command
-      .add_option("INPUT", choice.input,
-                  "scene file *.jsonl, - for a scene on standard input, folder with obsmat.txt and "
-                  "H.txt, MOTChallenge file or sequence folder, or XML file with boxes")
-      ->required();
+      .add("INPUT", choice.input,
+           "scene file *.jsonl, - for a scene on standard input, folder with obsmat.txt and "
+           "H.txt, MOTChallenge file or sequence folder, or XML file with boxes")
+      .required();
   command
-      .add_option("--format", choice.format,
-                  "the format of INPUT, if it is not to be recognised by its content")
-      ->check(CLI::IsMember(inputFormats()));
-  command.add_option("--min-confidence", choice.minConfidence,
-                     "for MOTChallenge files: boxes of a lower confidence are passed over");
+      .add("--format", choice.format,
+           "the format of INPUT, if it is not to be recognised by its content")
+      .oneOf(inputFormats());
+  command.add("--min-confidence", choice.minConfidence,
+              "for MOTChallenge files: boxes of a lower confidence are passed over");
 }
 
-void declareCalibration(CLI::App& command, InputChoice& choice) {
+void declareCalibration(Options& command, InputChoice& choice) {
   command
-      .add_option(
-          "--calibration", choice.calibrationFile,
-          "camera: OpenCV yml, xml or json; Tsai's model as XML; or a text of 3 x 3 numbers, "
-          "the homography from the image to the ground")
-      ->type_name("FILE");
+      .add("--calibration", choice.calibrationFile,
+           "camera: OpenCV yml, xml or json; Tsai's model as XML; or a text of 3 x 3 numbers, "
+           "the homography from the image to the ground")
+      .typeName("FILE");
   command
-      .add_option("--homography-order", choice.homographyOrder,
-                  "what a homography in a text takes: column before row, or row before column "
-                  "(default colrow)")
-      ->check(CLI::IsMember({rowFirst, columnFirst}))
-      ->type_name("rowcol|colrow");
+      .add("--homography-order", choice.homographyOrder,
+           "what a homography in a text takes: column before row, or row before column "
+           "(default colrow)")
+      .oneOf({rowFirst, columnFirst})
+      .typeName("rowcol|colrow");
 }
 
-void declareLinks(CLI::App& command, InputChoice& choice) {
+void declareLinks(Options& command, InputChoice& choice) {
   for (const LinkArgument& argument : linkArguments()) {
     std::visit(
         [&](auto member) {
           command
-              .add_option(argument.name, choice.links.*member,
-                          std::string("for inputs without links: ") + argument.meaning)
-              ->check(CLI::NonNegativeNumber)
-              ->capture_default_str();
+              .add(argument.name, choice.links.*member,
+                   std::string("for inputs without links: ") + argument.meaning)
+              .notNegative()
+              .showDefault();
         },
         argument.member);
   }
 }
 
-CLI::Option* declareImageSize(CLI::App& command, InputChoice& choice) {
-  return command
-      .add_option_function<std::string>(
-          "--image-size",
-          [&choice](const std::string& text) {
-            choice.imageSize = parseSize(text);
-            if (!choice.imageSize) {
-              throw CLI::ValidationError("--image-size", "WxH is expected, such as 768x576");
-            }
-          },
-          "width and height of the video's images in pixels, where the input does not say them")
-      ->type_name("WxH");
+void declareImageSize(Options& command, InputChoice& choice) {
+  const auto take = [&choice](const std::string& text) {
+    choice.imageSize = parseSize(text);
+    return choice.imageSize.has_value();
+  };
+  command
+      .addParsed("--image-size", take, "WxH is expected, such as 768x576",
+                 "width and height of the video's images in pixels, where the input does not say "
+                 "them")
+      .typeName("WxH");
 }
 
 InputOptions inputOptions(const InputChoice& choice) {

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "host/commands/CommandLine.h"
 #include "host/input/OpenedInput.h"
 
-#include <CLI/CLI.hpp>
 #include <opencv2/core/types.hpp>
 
 #include <optional>
@@ -23,13 +23,13 @@ struct InputChoice {
 };
 
 /// Adds INPUT and the options that say how to read it.
-void declareInput(CLI::App& command, InputChoice& choice);
+void declareInput(Options& command, InputChoice& choice);
 /// Adds `--calibration` and what belongs to it.
-void declareCalibration(CLI::App& command, InputChoice& choice);
+void declareCalibration(Options& command, InputChoice& choice);
 /// Adds the options for the links of inputs that have none.
-void declareLinks(CLI::App& command, InputChoice& choice);
+void declareLinks(Options& command, InputChoice& choice);
 /// Adds `--image-size WxH`.
-CLI::Option* declareImageSize(CLI::App& command, InputChoice& choice);
+void declareImageSize(Options& command, InputChoice& choice);
 
 /// What the choice means for the reader; reads the calibration file. The file may be a camera, or
 /// three lines of three numbers: a homography from the image to the ground.

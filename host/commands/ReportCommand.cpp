@@ -86,36 +86,33 @@ std::string nameOf(const std::string& path) {
 
 }  // namespace
 
-CLI::App* ReportCommand::declare(CLI::App& program) {
-  CLI::App* const command =
-      program.add_subcommand("report", "Makes one HTML file that shows a run");
-  command->footer(example);
-  command->add_option("INPUT", m_input, "what was given to run")->required();
-  command->add_option("GROUPS", m_groupsFile, "the groups file of the run")->required();
-  command->add_option("--output", m_outputFile, "the report")->required()->type_name("FILE");
-  command->add_option("--calibration", m_calibrationFile, "as it was given to run")
-      ->type_name("FILE");
+Options ReportCommand::declare(CommandLine& program) {
+  Options command = program.addCommand("report", "Makes one HTML file that shows a run", example);
+  command.add("INPUT", m_input, "what was given to run").required();
+  command.add("GROUPS", m_groupsFile, "the groups file of the run").required();
+  command.add("--output", m_outputFile, "the report").required().typeName("FILE");
+  command.add("--calibration", m_calibrationFile, "as it was given to run").typeName("FILE");
   command
-      ->add_option("--images", m_imageFolder,
-                   "images by sorted name, for inputs that name none; none leaves images out")
-      ->type_name("FOLDER|none");
+      .add("--images", m_imageFolder,
+           "images by sorted name, for inputs that name none; none leaves images out")
+      .typeName("FOLDER|none");
   command
-      ->add_option("--truth", m_truthFile,
-                   "the true groups, as evaluate takes them: frames that differ are marked")
-      ->type_name("FILE");
+      .add("--truth", m_truthFile,
+           "the true groups, as evaluate takes them: frames that differ are marked")
+      .typeName("FILE");
   command
-      ->add_option("--diagnostics", m_diagnosticsFile,
-                   "the diagnostics of the run: the report then tells why")
-      ->type_name("FILE");
+      .add("--diagnostics", m_diagnosticsFile,
+           "the diagnostics of the run: the report then tells why")
+      .typeName("FILE");
   command
-      ->add_option("--parameters", m_parameterFile,
-                   "the parameters, if not at the place that the diagnostics name")
-      ->type_name("FILE");
+      .add("--parameters", m_parameterFile,
+           "the parameters, if not at the place that the diagnostics name")
+      .typeName("FILE");
   command
-      ->add_option("--rate", m_framesPerSecond,
-                   "frames of the input per second: speeds are then per second")
-      ->check(CLI::PositiveNumber)
-      ->type_name("N");
+      .add("--rate", m_framesPerSecond,
+           "frames of the input per second: speeds are then per second")
+      .positive()
+      .typeName("N");
   return command;
 }
 

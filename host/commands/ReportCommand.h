@@ -9,7 +9,7 @@ namespace grouptracker {
 /// `grouptracker report`: makes one HTML file that shows a run.
 class ReportCommand : public Command {
  public:
-  CLI::App* declare(CLI::App& program) override;
+  Options declare(CommandLine& program) override;
   int run() override;
 
  private:

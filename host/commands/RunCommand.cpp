@@ -20,60 +20,58 @@ const char* const example = R"(Example:
 const std::string skip = "skip";
 const std::string stop = "stop";
 
-void declareFiles(CLI::App& command, RunOptions& options) {
+void declareFiles(Options& command, RunOptions& options) {
   declareInput(command, options);
-  command.add_option("--parameters", options.parameterFile, "the tracker's 47 parameters")
-      ->required()
-      ->type_name("FILE");
-  command.add_option("--output", options.outputFile, "groups of every frame, JSON Lines")
-      ->required()
-      ->type_name("FILE");
+  command.add("--parameters", options.parameterFile, "the tracker's 47 parameters")
+      .required()
+      .typeName("FILE");
+  command.add("--output", options.outputFile, "groups of every frame, JSON Lines")
+      .required()
+      .typeName("FILE");
   declareCalibration(command, options);
   declareImageSize(command, options);
-  command.add_option("--context", options.contextFile, "description of the scene, JSON")
-      ->type_name("FILE");
+  command.add("--context", options.contextFile, "description of the scene, JSON").typeName("FILE");
   command
-      .add_option("--images", options.imageFolder,
-                  "folder with images by sorted name, or a video file, for inputs that name none; "
-                  "read only when the parameters ask for output images, or pictures are drawn")
-      ->type_name("FOLDER|VIDEO");
-  command.add_option("--plugin", options.pluginFile, "the plugin, if not beside the program")
-      ->type_name("FILE");
+      .add("--images", options.imageFolder,
+           "folder with images by sorted name, or a video file, for inputs that name none; "
+           "read only when the parameters ask for output images, or pictures are drawn")
+      .typeName("FOLDER|VIDEO");
+  command.add("--plugin", options.pluginFile, "the plugin, if not beside the program")
+      .typeName("FILE");
 }
 
-void declareTexts(CLI::App& command, RunOptions& options) {
+void declareTexts(Options& command, RunOptions& options) {
   command
-      .add_option("--diagnostics", options.diagnostics,
-                  "where the process's lines go instead of standard output; none saves their cost")
-      ->type_name("FILE|none");
+      .add("--diagnostics", options.diagnostics,
+           "where the process's lines go instead of standard output; none saves their cost")
+      .typeName("FILE|none");
   command
-      .add_option("--mobile-dump", options.mobileDump,
-                  "the file to which all remembered mobiles are appended at every frame, instead "
-                  "of metas*.txt in the working directory; none saves its cost")
-      ->type_name("FILE|none");
-  command.add_flag("--quiet", options.quiet, "no progress and no summary");
+      .add("--mobile-dump", options.mobileDump,
+           "the file to which all remembered mobiles are appended at every frame, instead "
+           "of metas*.txt in the working directory; none saves its cost")
+      .typeName("FILE|none");
+  command.addFlag("--quiet", options.quiet, "no progress and no summary");
 }
 
-void declareBehaviour(CLI::App& command, RunOptions& options) {
+void declareBehaviour(Options& command, RunOptions& options) {
+  const auto takeRange = [&options](const std::string& text) {
+    const auto range = FrameRange::parse(text);
+    options.frames = range.value_or(options.frames);
+    return range.has_value();
+  };
   command
-      .add_option_function<std::string>(
-          "--frames",
-          [&options](const std::string& text) {
-            const auto range = FrameRange::parse(text);
-            if (!range) {
-              throw CLI::ValidationError("--frames", "A:B, A: or :B is expected, with A <= B");
-            }
-            options.frames = *range;
-          },
-          "only the frames from A to B, by the input's own numbers")
-      ->type_name("A:B");
+      .addParsed("--frames", takeRange, "A:B, A: or :B is expected, with A <= B",
+                 "only the frames from A to B, by the input's own numbers")
+      .typeName("A:B");
+  const auto takeChoice = [&options](const std::string& choice) {
+    options.skipsFailedFrames = choice == skip;
+    return true;
+  };
   command
-      .add_option_function<std::string>(
-          "--on-error",
-          [&options](const std::string& choice) { options.skipsFailedFrames = choice == skip; },
-          "what to do when the process fails at a frame (default stop)")
-      ->check(CLI::IsMember({skip, stop}))
-      ->type_name("skip|stop");
+      .addParsed("--on-error", takeChoice, "",
+                 "what to do when the process fails at a frame (default stop)")
+      .oneOf({skip, stop})
+      .typeName("skip|stop");
   declareLinks(command, options);
 }
 
@@ -91,14 +89,13 @@ void printSummary(const RunSummary& summary) {
 
 }  // namespace
 
-CLI::App* RunCommand::declare(CLI::App& program) {
-  CLI::App* const command =
-      program.add_subcommand("run", "Tracks the groups of an input and writes them");
-  command->footer(example);
-  declareFiles(*command, m_options);
-  declareTexts(*command, m_options);
-  declareStepOptions(*command, m_options.steps);
-  declareBehaviour(*command, m_options);
+Options RunCommand::declare(CommandLine& program) {
+  Options command =
+      program.addCommand("run", "Tracks the groups of an input and writes them", example);
+  declareFiles(command, m_options);
+  declareTexts(command, m_options);
+  declareStepOptions(command, m_options.steps);
+  declareBehaviour(command, m_options);
   return command;
 }
 

@@ -10,7 +10,7 @@ namespace grouptracker {
 /// `grouptracker run`: feeds an input to the process, frame by frame, and writes the groups.
 class RunCommand : public Command {
  public:
-  CLI::App* declare(CLI::App& program) override;
+  Options declare(CommandLine& program) override;
   bool needsScreen() const override { return m_options.steps.showsWindow; }
   int run() override;
 

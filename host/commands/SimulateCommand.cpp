@@ -22,38 +22,33 @@ const char* const example = R"(Example:
 constexpr int mostPeople = 100000;
 constexpr int mostFrames = 100000000;
 
-void declareScene(CLI::App& command, SimulationOptions& options) {
-  command.add_option("--output", options.outputFolder, "where the scene goes; made when absent")
-      ->required()
-      ->type_name("FOLDER");
-  command.add_option("--seed", options.seed, "another number, another scene")
-      ->capture_default_str();
-  command.add_option("--people", options.people, "people who come in the course of the scene")
-      ->check(CLI::Range(1, mostPeople))
-      ->capture_default_str();
+void declareScene(Options& command, SimulationOptions& options) {
+  command.add("--output", options.outputFolder, "where the scene goes; made when absent")
+      .required()
+      .typeName("FOLDER");
+  command.add("--seed", options.seed, "another number, another scene").showDefault();
+  command.add("--people", options.people, "people who come in the course of the scene")
+      .within(1, mostPeople)
+      .showDefault();
   command
-      .add_option("--groups", options.groupSizes,
-                  "sizes of the groups in which they come, such as 2,2,3; all others come alone")
-      ->delimiter(',')
-      ->check(CLI::Range(smallestGroup, largestGroup))
-      ->type_name("SIZES");
+      .add("--groups", options.groupSizes,
+           "sizes of the groups in which they come, such as 2,2,3; all others come alone")
+      .separatedBy(',')
+      .within(smallestGroup, largestGroup)
+      .typeName("SIZES");
   command
-      .add_option("--group-share", options.groupShare,
-                  "without --groups: share of the people who come in groups of drawn sizes")
-      ->check(CLI::Range(0.0, 1.0))
-      ->capture_default_str();
-  command.add_option("--frames", options.frames, "frames to write")
-      ->check(CLI::Range(1, mostFrames))
-      ->capture_default_str();
-  command.add_option("--rate", options.rate, "frames a second")
-      ->check(CLI::Range(0.1, 1000.0))
-      ->capture_default_str();
-  command.add_flag("--images", options.images, "renders the frames, too");
+      .add("--group-share", options.groupShare,
+           "without --groups: share of the people who come in groups of drawn sizes")
+      .within(0.0, 1.0)
+      .showDefault();
+  command.add("--frames", options.frames, "frames to write").within(1, mostFrames).showDefault();
+  command.add("--rate", options.rate, "frames a second").within(0.1, 1000.0).showDefault();
+  command.addFlag("--images", options.images, "renders the frames, too");
 }
 
-void declareEvents(CLI::App& command, SimulationOptions& options) {
+void declareEvents(Options& command, SimulationOptions& options) {
   const auto declare = [&command](const char* name, int& count, const char* meaning) {
-    command.add_option(name, count, meaning)->check(CLI::NonNegativeNumber)->capture_default_str();
+    command.add(name, count, meaning).notNegative().showDefault();
   };
   declare("--joins", options.joins, "people on their own who join a group");
   declare("--leaves", options.leaves, "people who leave their group of three or more");
@@ -61,27 +56,24 @@ void declareEvents(CLI::App& command, SimulationOptions& options) {
   declare("--splits", options.splits, "groups of four or more that split");
 }
 
-void declareSensing(CLI::App& command, SimulationOptions& options) {
-  command
-      .add_option("--missed", options.missed,
-                  "probability that a person is not observed at a frame")
-      ->check(CLI::Range(0.0, 1.0))
-      ->capture_default_str();
-  command.add_option("--noise", options.noise, "deviation of the observed positions in metres")
-      ->check(CLI::NonNegativeNumber)
-      ->capture_default_str();
+void declareSensing(Options& command, SimulationOptions& options) {
+  command.add("--missed", options.missed, "probability that a person is not observed at a frame")
+      .within(0.0, 1.0)
+      .showDefault();
+  command.add("--noise", options.noise, "deviation of the observed positions in metres")
+      .notNegative()
+      .showDefault();
 }
 
 }  // namespace
 
-CLI::App* SimulateCommand::declare(CLI::App& program) {
-  CLI::App* const command =
-      program.add_subcommand("simulate", "Makes a scene of walking people with known groups");
-  command->footer(example);
-  declareScene(*command, m_options);
-  declareEvents(*command, m_options);
-  declareSensing(*command, m_options);
-  command->add_flag("--quiet", m_isQuiet, "no summary");
+Options SimulateCommand::declare(CommandLine& program) {
+  Options command =
+      program.addCommand("simulate", "Makes a scene of walking people with known groups", example);
+  declareScene(command, m_options);
+  declareEvents(command, m_options);
+  declareSensing(command, m_options);
+  command.addFlag("--quiet", m_isQuiet, "no summary");
   return command;
 }
 

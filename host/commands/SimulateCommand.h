@@ -8,7 +8,7 @@ namespace grouptracker {
 /// `grouptracker simulate`: makes a scene with known groups.
 class SimulateCommand : public Command {
  public:
-  CLI::App* declare(CLI::App& program) override;
+  Options declare(CommandLine& program) override;
   int run() override;
 
  private:

@@ -40,32 +40,30 @@ std::vector<std::string> StepOptions::files() const {
   return files;
 }
 
-void declareStepOptions(CLI::App& command, StepOptions& options) {
+void declareStepOptions(Options& command, StepOptions& options) {
   for (const FileOption& option : fileOptions) {
-    command.add_option(option.name, options.*option.file, option.help)
-        ->type_name("FILE")
-        ->group(heading);
+    command.add(option.name, options.*option.file, option.help).typeName("FILE").heading(heading);
   }
   command
-      .add_option("--video", options.pictures.path,
-                  "draws every reported frame into a film (.mp4, .mkv, .avi) or a folder of images")
-      ->type_name("FILE|FOLDER")
-      ->group(heading);
+      .add("--video", options.pictures.path,
+           "draws every reported frame into a film (.mp4, .mkv, .avi) or a folder of images")
+      .typeName("FILE|FOLDER")
+      .heading(heading);
   command
-      .add_flag("--top-view", options.pictures.showsTopView,
-                "draws the ground from above beside the images; without images it stands alone")
-      ->group(heading);
+      .addFlag("--top-view", options.pictures.showsTopView,
+               "draws the ground from above beside the images; without images it stands alone")
+      .heading(heading);
   command
-      .add_flag("--show", options.showsWindow,
-                "shows the same pictures in a window while running: space pauses, the arrow keys "
-                "step, Escape closes it")
-      ->group(heading);
+      .addFlag("--show", options.showsWindow,
+               "shows the same pictures in a window while running: space pauses, the arrow keys "
+               "step, Escape closes it")
+      .heading(heading);
   command
-      .add_option("--video-rate", options.pictures.rate,
-                  "pictures per second of the film, and at most in the window")
-      ->check(CLI::Range(slowest, fastest))
-      ->capture_default_str()
-      ->group(heading);
+      .add("--video-rate", options.pictures.rate,
+           "pictures per second of the film, and at most in the window")
+      .within(slowest, fastest)
+      .showDefault()
+      .heading(heading);
 }
 
 }  // namespace grouptracker

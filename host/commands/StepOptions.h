@@ -1,8 +1,7 @@
 #pragma once
 
+#include "host/commands/CommandLine.h"
 #include "host/pictures/PictureWriter.h"
-
-#include <CLI/CLI.hpp>
 
 #include <string>
 #include <vector>
@@ -27,6 +26,6 @@ struct StepOptions {
 };
 
 /// Adds the options to a command; they outlive the parsing.
-void declareStepOptions(CLI::App& command, StepOptions& options);
+void declareStepOptions(Options& command, StepOptions& options);
 
 }  // namespace grouptracker

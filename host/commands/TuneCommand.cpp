@@ -10,62 +10,57 @@ const char* const example = R"(Example:
   grouptracker tune seq_eth:seq_eth/groups.txt zara01:zara01/groups.txt \
     --base samples/parameters/walking.txt --output best.txt --trials 300 --log trials.csv)";
 
-void declareFiles(CLI::App& command, TuneOptions& options) {
+void declareFiles(Options& command, TuneOptions& options) {
   command
-      .add_option("INPUT:TRUTH", options.sequences,
-                  "annotated inputs, each with the file of its groups")
-      ->required();
+      .add("INPUT:TRUTH", options.sequences, "annotated inputs, each with the file of its groups")
+      .required();
   command
-      .add_option("--further", options.further,
-                  "inputs that --leave-one-out never leaves out, such as simulated scenes")
-      ->type_name("INPUT:TRUTH");
-  command.add_option("--base", options.baseFile, "the values of what is not searched for")
-      ->required()
-      ->type_name("FILE");
-  command.add_option("--output", options.outputFile, "the parameters found")
-      ->required()
-      ->type_name("FILE");
+      .add("--further", options.further,
+           "inputs that --leave-one-out never leaves out, such as simulated scenes")
+      .typeName("INPUT:TRUTH");
+  command.add("--base", options.baseFile, "the values of what is not searched for")
+      .required()
+      .typeName("FILE");
+  command.add("--output", options.outputFile, "the parameters found").required().typeName("FILE");
   command
-      .add_option("--space", options.spaceFile,
-                  "what is tuned and how far, `name low high linear|logarithmic|whole` a line")
-      ->type_name("FILE");
-  command.add_option("--log", options.logFile, "all trials as they finish, CSV")->type_name("FILE");
-  command.add_flag("--resume", options.resume, "take the trials that the log holds from there");
+      .add("--space", options.spaceFile,
+           "what is tuned and how far, `name low high linear|logarithmic|whole` a line")
+      .typeName("FILE");
+  command.add("--log", options.logFile, "all trials as they finish, CSV").typeName("FILE");
+  command.addFlag("--resume", options.resume, "take the trials that the log holds from there");
 }
 
-void declareSearch(CLI::App& command, TuneOptions& options) {
-  command.add_option("--trials", options.search.trials, "candidates that are tried")
-      ->check(CLI::PositiveNumber)
-      ->capture_default_str();
-  command.add_option("--seed", options.search.seed, "the same seed makes the same search")
-      ->capture_default_str();
-  command.add_option("--jobs", options.jobs, "processes at a time; changes no result")
-      ->check(CLI::PositiveNumber)
-      ->capture_default_str();
+void declareSearch(Options& command, TuneOptions& options) {
+  command.add("--trials", options.search.trials, "candidates that are tried")
+      .positive()
+      .showDefault();
+  command.add("--seed", options.search.seed, "the same seed makes the same search").showDefault();
+  command.add("--jobs", options.jobs, "processes at a time; changes no result")
+      .positive()
+      .showDefault();
   command
-      .add_option("--worst-share", options.search.worstShare,
-                  "share of the worst sequence's score, beside the mean of all")
-      ->check(CLI::Range(0.0, 1.0))
-      ->capture_default_str();
-  command.add_option("--score", options.scoreName, "what is maximised")
-      ->check(CLI::IsMember({"sliding", "windowed", "whole", "groups", "pairs"}))
-      ->capture_default_str();
-  command.add_option("--patience", options.patience, "seconds after which a trial is given up")
-      ->check(CLI::PositiveNumber)
-      ->capture_default_str();
-  command.add_flag("--leave-one-out", options.leaveOneOut,
-                   "also tune without each sequence in turn and score it with the result");
-  command.add_flag("--quiet", options.quiet, "no progress");
+      .add("--worst-share", options.search.worstShare,
+           "share of the worst sequence's score, beside the mean of all")
+      .within(0.0, 1.0)
+      .showDefault();
+  command.add("--score", options.scoreName, "what is maximised")
+      .oneOf({"sliding", "windowed", "whole", "groups", "pairs"})
+      .showDefault();
+  command.add("--patience", options.patience, "seconds after which a trial is given up")
+      .positive()
+      .showDefault();
+  command.addFlag("--leave-one-out", options.leaveOneOut,
+                  "also tune without each sequence in turn and score it with the result");
+  command.addFlag("--quiet", options.quiet, "no progress");
 }
 
 }  // namespace
 
-CLI::App* TuneCommand::declare(CLI::App& program) {
-  CLI::App* const command = program.add_subcommand(
-      "tune", "Searches for the parameters that score best on annotated inputs");
-  command->footer(example);
-  declareFiles(*command, m_options);
-  declareSearch(*command, m_options);
+Options TuneCommand::declare(CommandLine& program) {
+  Options command = program.addCommand(
+      "tune", "Searches for the parameters that score best on annotated inputs", example);
+  declareFiles(command, m_options);
+  declareSearch(command, m_options);
   return command;
 }
 

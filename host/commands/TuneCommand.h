@@ -8,7 +8,7 @@ namespace grouptracker {
 /// `grouptracker tune`: searches for the parameters and links that score best on annotated inputs.
 class TuneCommand : public Command {
  public:
-  CLI::App* declare(CLI::App& program) override;
+  Options declare(CommandLine& program) override;
   int run() override;
 
  private:

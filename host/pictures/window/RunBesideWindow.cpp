@@ -1,5 +1,6 @@
 #include "host/pictures/window/RunBesideWindow.h"
 
+#include "host/base/ExitStatus.h"
 #include "host/pictures/window/ShowWindow.h"
 
 #include <QApplication>
@@ -15,11 +16,10 @@ namespace {
 
 /// What Qt says while it looks for a screen: hints that help nobody, and then that it gives up.
 void endWithoutScreen(QtMsgType type, const QMessageLogContext&, const QString&) {
-  constexpr int status = 4;  // the program's status for outputs that fail
   if (type == QtFatalMsg) {
     fmt::print(stderr, "the screen: cannot be opened, so --show has no place for its window\n");
     std::fflush(stderr);
-    std::_Exit(status);
+    std::_Exit(outputFailed);
   }
 }
 

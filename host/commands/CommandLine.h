@@ -1,0 +1,87 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+class Option;
+}  // namespace CLI
+
+namespace grouptracker {
+
+/// One option of a command, about which more can be said. The parser that stands behind it is known
+/// to CommandLine.cpp only, because its headers take longer to compile than any command.
+class Option {
+ public:
+  explicit Option(CLI::Option* option) : m_option(option) {}
+
+  Option& required();
+  /// What the help says in place of the value's type, such as "FILE".
+  Option& typeName(const char* name);
+  /// The heading under which the help lists the option.
+  Option& heading(const char* text);
+  /// Lets the help say the value that holds without the option.
+  Option& showDefault();
+  Option& within(double lowest, double highest);
+  Option& within(int lowest, int highest);
+  Option& positive();
+  Option& notNegative();
+  Option& oneOf(const std::vector<std::string>& words);
+  /// Takes several values out of one text, such as "2,2,3".
+  Option& separatedBy(char separator);
+
+ private:
+  CLI::Option* m_option;
+};
+
+/// The options of one command. Values are written where the option says once the command line is
+/// parsed; they outlive the parsing.
+class Options {
+ public:
+  explicit Options(CLI::App* command) : m_command(command) {}
+
+  /// An option with a value, or an argument by its place when the name has no dashes. The types are
+  /// those that are instantiated in the .cpp file.
+  template <typename Value>
+  Option add(const std::string& name, Value& value, const std::string& help);
+  /// An option that is there or not.
+  Option addFlag(const std::string& name, bool& flag, const std::string& help);
+  /// An option whose text `take` understands, or refuses by false: the user is then told what is
+  /// `expected`.
+  Option addParsed(const std::string& name, std::function<bool(const std::string&)> take,
+                   const std::string& expected, const std::string& help);
+  /// Options of which the user gives at least and at most so many.
+  Options addChoice(const std::string& name, std::size_t least, std::size_t most);
+
+  /// Whether the user chose this command.
+  bool wereChosen() const;
+
+ private:
+  CLI::App* m_command;
+};
+
+/// The program's command line.
+class CommandLine {
+ public:
+  CommandLine(const std::string& description, const std::string& version);
+  CommandLine(const CommandLine&) = delete;
+  CommandLine& operator=(const CommandLine&) = delete;
+  ~CommandLine();
+
+  /// Adds a command; `footer` ends its help.
+  Options addCommand(const std::string& name, const std::string& description,
+                     const std::string& footer);
+  /// Parses what the user wrote. The help, the version or what is wrong is then printed, and the
+  /// exit status returned; none when a command was chosen.
+  std::optional<int> parse(int argc, char** argv);
+
+ private:
+  std::unique_ptr<CLI::App> m_program;
+};
+
+}  // namespace grouptracker
