@@ -2,7 +2,7 @@
 
 #include <fmt/format.h>
 
-#include <iterator>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -13,9 +13,13 @@ namespace json_line {
 
 using Line = fmt::memory_buffer;
 
+/// Apart from its callers, since each source that formats into a buffer by itself would compile
+/// most of the library anew.
+void appendArguments(Line& line, fmt::string_view text, fmt::format_args arguments);
+
 template <typename... Args>
 void append(Line& line, fmt::format_string<Args...> text, Args&&... args) {
-  fmt::format_to(std::back_inserter(line), text, std::forward<Args>(args)...);
+  appendArguments(line, text, fmt::make_format_args(args...));
 }
 
 /// A JSON array of the items, each written by `write`.
@@ -35,6 +39,19 @@ void appendArray(Line& line, const Items& items, const Write& write) {
 template <typename Numbers>
 void appendNumbers(Line& line, const Numbers& numbers) {
   appendArray(line, numbers, [&line](auto number) { append(line, "{}", number); });
+}
+
+/// The items one behind the other. Much quicker to compile than `fmt::join`.
+template <typename Items>
+std::string joined(const Items& items, std::string_view separator) {
+  std::string text;
+  bool isFirst = true;
+  for (const auto& item : items) {
+    text += isFirst ? std::string_view() : separator;
+    text += fmt::format("{}", item);
+    isFirst = false;
+  }
+  return text;
 }
 
 }  // namespace json_line

@@ -1,10 +1,17 @@
 #include "host/base/JsonText.h"
 
+#include "host/base/JsonLine.h"
+
 #include <fmt/format.h>
 
 #include <cmath>
+#include <iterator>
 
 namespace grouptracker {
+
+void json_line::appendArguments(Line& line, fmt::string_view text, fmt::format_args arguments) {
+  fmt::vformat_to(std::back_inserter(line), text, arguments);
+}
 
 std::string jsonText(std::string_view text) {
   // Through QString, so that damaged UTF-8 cannot leave the file unreadable.

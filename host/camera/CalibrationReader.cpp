@@ -8,13 +8,13 @@
 #include "host/camera/TsaiCalibration.h"
 #include "host/camera/TsaiReader.h"
 
+#include <QRegularExpression>
 #include <opencv2/core.hpp>
 
 #include <algorithm>
 #include <cmath>
 #include <exception>
 #include <filesystem>
-#include <regex>
 #include <system_error>
 #include <vector>
 
@@ -54,10 +54,11 @@ bool isSize(const cv::FileNode& node) {
 
 /// OpenCV's message carries the line in brackets behind the file's name.
 InputError storageError(const std::string& path, const cv::Exception& failure) {
-  const std::string text = failure.what();
-  std::smatch found;
-  if (std::regex_search(text, found, std::regex(R"(\((\d+)\): ([^'\n]*))"))) {
-    return {path, std::stoull(found[1]), "not a readable OpenCV file: " + found[2].str()};
+  static const QRegularExpression lineAndProblem(R"(\((\d+)\): ([^'\n]*))");
+  const auto found = lineAndProblem.match(QString::fromUtf8(failure.what()));
+  if (found.hasMatch()) {
+    return {path, found.captured(1).toULongLong(),
+            "not a readable OpenCV file: " + found.captured(2).toStdString()};
   }
   return {path, 1, "not a readable OpenCV file"};
 }

@@ -1,9 +1,9 @@
 #include "host/camera/CalibrationWriter.h"
 
+#include "host/base/JsonLine.h"
 #include "host/base/OutputFile.h"
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
 namespace grouptracker {
 
@@ -12,7 +12,7 @@ void writeCalibration(const HostCalibration& camera, const std::string& path) {
   for (const CalibrationNode& node : camera.nodes()) {
     text +=
         fmt::format("{}: !!opencv-matrix\n   rows: {}\n   cols: {}\n   dt: d\n   data: [ {} ]\n",
-                    node.name, node.rows, node.columns, fmt::join(node.values, ", "));
+                    node.name, node.rows, node.columns, json_line::joined(node.values, ", "));
   }
   OutputFile(path).writeLines(text);
 }
@@ -21,7 +21,7 @@ std::string calibrationText(const HostCalibration& camera) {
   std::string text;
   for (const CalibrationNode& node : camera.nodes()) {
     text += fmt::format(R"({}"{}": [{}])", text.empty() ? "{" : ", ", node.name,
-                        fmt::join(node.values, ", "));
+                        json_line::joined(node.values, ", "));
   }
   return text + "}";
 }

@@ -1,9 +1,9 @@
 #include "host/evaluation/ErrorList.h"
 
+#include "host/base/JsonLine.h"
 #include "host/base/OutputFile.h"
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <iterator>
@@ -45,9 +45,9 @@ std::string errorsOf(std::int64_t frame, const PartitionPair& step) {
     const PersonGroup& wanted = truth[person];
     const PersonGroup& got = found[person];
     if (wanted != got) {
-      lines +=
-          fmt::format("{},{},{},{},{}\n", frame, person, describe(wanted, got),
-                      fmt::join(without(wanted, got), " "), fmt::join(without(got, wanted), " "));
+      lines += fmt::format("{},{},{},{},{}\n", frame, person, describe(wanted, got),
+                           json_line::joined(without(wanted, got), " "),
+                           json_line::joined(without(got, wanted), " "));
     }
   }
   return lines;

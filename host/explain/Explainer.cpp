@@ -1,9 +1,9 @@
 #include "host/explain/Explainer.h"
 
 #include "host/base/InputFile.h"
+#include "host/base/JsonLine.h"
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <cmath>
@@ -69,9 +69,9 @@ std::string Explainer::explainGroup(int group, std::optional<std::int32_t> frame
   }
   if (frame) {
     const auto members = m_log.membersAt(group, *frame);
-    text = members.empty()
-               ? text
-               : fmt::format("members at frame {}: {}\n{}", *frame, fmt::join(members, ", "), text);
+    text = members.empty() ? text
+                           : fmt::format("members at frame {}: {}\n{}", *frame,
+                                         json_line::joined(members, ", "), text);
   }
   return text;
 }

@@ -2,7 +2,7 @@
 
 #include <fmt/format.h>
 
-#include <iterator>
+#include <string>
 
 namespace grouptracker {
 
@@ -14,20 +14,18 @@ void CsvExport::write(const ReportedStep& step) {
   if (!step.groups.inputFrame) {
     return;
   }
-  fmt::memory_buffer lines;
-  const auto out = std::back_inserter(lines);
+  std::string lines;
   for (const GroupState& group : step.groups.groups) {
     if (!group.isVisible) {
       continue;
     }
     for (const GroupMember& member : group.members) {
-      fmt::format_to(out, "{},{},", *step.groups.inputFrame, group.id);
-      member.person ? fmt::format_to(out, "{}", *member.person) : out;
-      member.place ? fmt::format_to(out, ",{},{}\n", member.place->x, member.place->y)
-                   : fmt::format_to(out, ",,\n");
+      lines += fmt::format("{},{},", *step.groups.inputFrame, group.id);
+      lines += member.person ? fmt::format("{}", *member.person) : "";
+      lines += member.place ? fmt::format(",{},{}\n", member.place->x, member.place->y) : ",,\n";
     }
   }
-  m_file.writeLines({lines.data(), lines.size()});
+  m_file.writeLines(lines);
 }
 
 }  // namespace grouptracker

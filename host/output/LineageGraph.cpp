@@ -1,7 +1,8 @@
 #include "host/output/LineageGraph.h"
 
+#include "host/base/JsonLine.h"
+
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
 namespace grouptracker {
 
@@ -32,7 +33,7 @@ void LineageGraph::finish() {
       "  edge [fontname=\"sans-serif\", fontsize=10];\n";
   for (const auto& [id, life] : m_lives) {
     text += fmt::format("  g{} [label=\"group {}\\nframes {} to {}\\npersons {}\"];\n", id, id,
-                        life.first, life.last, fmt::join(life.persons, ", "));
+                        life.first, life.last, json_line::joined(life.persons, ", "));
   }
   for (const Tie& tie : m_ties) {
     text += fmt::format("  g{} -> g{} [label=\"{} {}\"{}];\n", tie.from, tie.to, nameOf(tie.kind),

@@ -1,7 +1,8 @@
 #include "host/run/TrackedEvent.h"
 
+#include "host/base/JsonLine.h"
+
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
 #include <array>
 #include <cstddef>
@@ -16,10 +17,10 @@ constexpr std::array<const char*, eventKinds> names{"created", "split", "merged"
 std::string participants(const TrackedEvent& event) {
   switch (event.kind) {
     case EventKind::Created:
-      return fmt::format(R"(, "persons": [{}])", fmt::join(event.persons, ", "));
+      return fmt::format(R"(, "persons": [{}])", json_line::joined(event.persons, ", "));
     case EventKind::Merged:
       return fmt::format(R"(, "into": {}, "from": {}, "persons": [{}])", event.group, *event.other,
-                         fmt::join(event.persons, ", "));
+                         json_line::joined(event.persons, ", "));
     case EventKind::Split:
       return fmt::format(R"(, "from": {})", *event.other);
     case EventKind::Joined:
@@ -48,7 +49,8 @@ std::string toJsonLine(const TrackedEvent& event) {
 std::string describe(const TrackedEvent& event) {
   switch (event.kind) {
     case EventKind::Created:
-      return fmt::format("group {} created: {}", event.group, fmt::join(event.persons, ", "));
+      return fmt::format("group {} created: {}", event.group,
+                         json_line::joined(event.persons, ", "));
     case EventKind::Merged:
       return fmt::format("group {} merged into {}", *event.other, event.group);
     case EventKind::Split:

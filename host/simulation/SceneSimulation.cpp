@@ -1,5 +1,6 @@
 #include "host/simulation/SceneSimulation.h"
 
+#include "host/base/JsonLine.h"
 #include "host/base/OutputError.h"
 #include "host/base/OutputFile.h"
 #include "host/output/SceneWriter.h"
@@ -32,7 +33,7 @@ void makeFolder(const fs::path& folder) {
 
 std::string yamlMatrix(const char* name, const cv::Mat1d& matrix) {
   return fmt::format("{}: !!opencv-matrix\n   rows: {}\n   cols: {}\n   dt: d\n   data: [ {} ]\n",
-                     name, matrix.rows, matrix.cols, fmt::join(matrix.begin(), matrix.end(), ", "));
+                     name, matrix.rows, matrix.cols, json_line::joined(matrix, ", "));
 }
 
 void writeCalibration(const fs::path& path) {

@@ -154,7 +154,7 @@ void TruthRecorder::writeGroups() {
   }
   for (const auto& [first, persons] : groups) {
     m_line.clear();
-    append(m_line, "{}\n", fmt::join(persons, " "));
+    append(m_line, "{}\n", json_line::joined(persons, " "));
     m_groupFile.writeLines({m_line.data(), m_line.size()});
   }
 }

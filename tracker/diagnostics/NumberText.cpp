@@ -1,7 +1,5 @@
 #include "tracker/diagnostics/NumberText.h"
 
-#include <fmt/format.h>
-
 #include <bit>
 #include <charconv>
 #include <cstdint>
@@ -94,7 +92,7 @@ char* NumberText::writeGeneral(char* out, double value) {
   constexpr double largest = 999999.0;
   const double magnitude = value < 0 ? -value : value;
   if (value == 0 || !(magnitude >= smallest && magnitude < largest)) {
-    return fmt::format_to(out, "{:g}", value);
+    return std::to_chars(out, out + generalSize, value, std::chars_format::general, 6).ptr;
   }
   // The number of decimals with which six digits are significant.
   int decimals = 9;
@@ -123,7 +121,7 @@ char* NumberText::writeFixed(char* out, double value) {
   const bool isNegative = std::bit_cast<std::int64_t>(value) < 0;
   const double magnitude = isNegative ? -value : value;
   if (!(magnitude < largestExact)) {
-    return fmt::format_to(out, "{:f}", value);
+    return std::to_chars(out, out + fixedSize, value, std::chars_format::fixed, 6).ptr;
   }
   if (isNegative) {
     *out++ = '-';

@@ -39,7 +39,7 @@ class TextBuffer {
   /// Adds formatted text.
   template <typename... Args>
   void print(fmt::format_string<Args...> text, Args&&... args) {
-    fmt::format_to(fmt::appender(m_text), text, std::forward<Args>(args)...);
+    printArguments(text, fmt::make_format_args(args...));
   }
 
   /// Adds texts, ids and measures one behind the other; a measure has six decimals. For what there
@@ -54,6 +54,10 @@ class TextBuffer {
   }
 
  private:
+  // Apart from its callers, since each source that formats into a buffer by itself would compile
+  // most of the library anew.
+  void printArguments(fmt::string_view text, fmt::format_args arguments);
+
   static std::size_t room(std::string_view text) { return text.size(); }
   static std::size_t room(int) { return NumberText::intSize; }
   static std::size_t room(double) { return NumberText::fixedSize; }
