@@ -13,7 +13,8 @@ constexpr std::size_t seenAtMost = 29;  // mobiles of an actor before the curren
 
 }  // namespace
 
-RandomScene::RandomScene(const Options& options) : m_options(options), m_random(options.seed) {}
+RandomScene::RandomScene(const Options& options)
+    : m_options(options), m_random(options.seed), m_nextIdent(options.firstIdent) {}
 
 // The distributions of the standard library differ between systems.
 bool RandomScene::chance(double probability) {

@@ -23,6 +23,8 @@ class RandomScene {
     /// Whether ids are declared again, sometimes with themselves as father.
     bool reusesIds = false;
     unsigned int memory = 60;  ///< frames
+    /// Ids from 2147483648 on are negative where they are compared.
+    unsigned int firstIdent = 1;
   };
 
   explicit RandomScene(const Options& options);
@@ -57,7 +59,7 @@ class RandomScene {
   Scene m_scene;
   unsigned int m_frame = 0;
   unsigned int m_nextActor = 1;
-  unsigned int m_nextIdent = 1;
+  unsigned int m_nextIdent;
   std::vector<Walker> m_walkers;
   std::vector<unsigned int> m_recent;  ///< ids declared within the memory; each may be linked to
   std::vector<unsigned int> m_declaredNow;

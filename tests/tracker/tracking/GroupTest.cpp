@@ -129,6 +129,70 @@ TEST_F(GroupTest, ClosingAFrameCountsItAndForgetsOldMembers) {
   EXPECT_EQ(printed([&] { group.printMobiles(); }), "Mobiles of group 0: 2, 3, \n");
 }
 
+TEST_F(GroupTest, BoxesHoldTheMembersOfTheFrame) {
+  const auto seen = [](unsigned int ident, const cv::Rect& box, float x, float height) {
+    return nodeOf(SceneMobile(ident).at(x, 2 * x).size(1, 2, height).box2D(box), 5);
+  };
+  Group group;
+  EXPECT_EQ(group.bbox2D(5), cv::Rect(0, 0, 0, 0));
+  add(group, {seen(1, {10, 20, 30, 40}, -1, 1.5F), seen(2, {50, 10, 20, 20}, 3, 2), person(3, 6)});
+  EXPECT_EQ(group.bbox2D(5), cv::Rect(10, 10, 60, 50));
+  const BoundingBox3D box = group.bbox3D(5);
+  EXPECT_EQ(box.b0, 3.5F);
+  EXPECT_EQ(box.b1, 7.0F);
+  EXPECT_EQ(box.b2, 2.0F);
+  EXPECT_EQ(box.b3, -1.5F);
+  EXPECT_EQ(box.b4, -3.0F);
+  EXPECT_EQ(box.b5, 0.0F);
+  const BoundingBox3D none = group.bbox3D(4);
+  EXPECT_EQ(none.b0, 0.0F);
+  EXPECT_EQ(none.b5, 0.0F);
+
+  Group outside;
+  add(outside, {seen(1, {-30, -50, 10, 20}, 0, 2)});
+  EXPECT_EQ(outside.bbox2D(5), cv::Rect(-30, -50, 30, 50)) << "the far edges count as 0";
+}
+
+TEST_F(GroupTest, KeepsThePatchesOfTheLastFrames) {
+  GroupTracker::maxFrames = 2;
+  cv::Mat pixels(40, 60, CV_8UC3);
+  for (int y = 0; y < pixels.rows; ++y) {
+    for (int x = 0; x < pixels.cols; ++x) {
+      pixels.at<cv::Vec3b>(y, x) = cv::Vec3b(static_cast<uchar>(x), static_cast<uchar>(y), 201);
+    }
+  }
+  const auto image = QSharedPointer<kelDataImage>::create(pixels);
+  Group group;
+  for (frame = 1; frame <= 6; ++frame) {
+    const cv::Rect box(static_cast<int>(frame), 10, 20, 15);
+    add(group, {nodeOf(SceneMobile(frame).box2D(box), frame)});
+    group.closeFrame(frame, {}, image);
+  }
+  group.closeFrame(7, {}, image);
+  EXPECT_EQ(group.getROIs().size(), 3U) << "what is too old goes";
+  EXPECT_EQ(group.getROIs().begin()->first, 5);
+  const ROI& patch = group.getROIs().at(6);
+  EXPECT_EQ(patch.getRect(), cv::Rect(6, 10, 20, 15));
+  ASSERT_EQ(patch.getImage().type(), CV_32FC3);
+  ASSERT_EQ(patch.getImage().size(), cv::Size(20, 15));
+  EXPECT_EQ(patch.getImage().at<cv::Vec3f>(0, 0), cv::Vec3f(6, 10, 201));
+  EXPECT_EQ(patch.getImage().at<cv::Vec3f>(14, 19), cv::Vec3f(25, 24, 201));
+  EXPECT_TRUE(group.getROIs().at(7).getImage().empty()) << "nobody is there";
+
+  // Of a box that reaches beyond the image only the inner part has pixels.
+  add(group, {nodeOf(SceneMobile(8).box2D({-2, 35, 10, 10}), 8)});
+  group.closeFrame(8, {}, image);
+  const cv::Mat& cut = group.getROIs().at(8).getImage();
+  ASSERT_EQ(cut.size(), cv::Size(10, 10));
+  EXPECT_EQ(cut.at<cv::Vec3f>(0, 2), cv::Vec3f(0, 35, 201));
+  EXPECT_EQ(cut.at<cv::Vec3f>(4, 9), cv::Vec3f(7, 39, 201));
+
+  group.freeROIs();
+  EXPECT_EQ(group.getROIs().size(), 3U);
+  EXPECT_TRUE(group.getROIs().at(8).getImage().empty());
+  EXPECT_EQ(group.getROIs().at(8).getRect(), cv::Rect(0, 0, 0, 0));
+}
+
 TEST_F(GroupTest, IsRepresentedByWhoIsNearestToWhereItWasBefore) {
   Group group;
   EXPECT_EQ(group.centerOfGravity(5), cv::Point3f(0, 0, 0));

@@ -131,4 +131,19 @@ TEST_F(MetaLPOTest, CachesOnlySpeedsAboveAStandstill) {
   EXPECT_EQ(walking->computeDirection(), cv::Point3f(0, 0, 0));
 }
 
+TEST_F(MetaLPOTest, ScoresTheAncestryOfAnObjectByItsBestLine) {
+  MetaLPO::recentLinkWeight = 0.5;
+  scene.frame(1).person(1);
+  scene.frame(2).person(2).from(1, 0.5);
+  scene.frame(3).person(3).from(1, 0.875).from(2, 0.75);
+  scene.actors(3);
+  const MetaLPO node;
+  const auto score = [&](unsigned int depth) { return node.fatherScore(scene.mobile(3), depth); };
+  EXPECT_EQ(score(0), 0.0);
+  EXPECT_EQ(score(1), 0.4375) << "the strongest link";
+  EXPECT_EQ(score(2), 0.375 + 0.125) << "the line through the second one";
+  EXPECT_EQ(score(9), 0.5);
+  EXPECT_EQ(node.fatherScore(scene.mobile(1), 9), 0.0);
+}
+
 }  // namespace

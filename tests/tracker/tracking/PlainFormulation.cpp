@@ -5,8 +5,10 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 #include <set>
+#include <sstream>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -245,4 +247,80 @@ std::string PlainFormulation::splitLines(const GroupTracker& tracker) {
     }
   }
   return lines;
+}
+
+std::map<int, QSharedPointer<MetaLPO>> PlainFormulation::remembered(GroupTracker& tracker,
+                                                                    unsigned int currentFrame) {
+  std::map<int, QSharedPointer<MetaLPO>> nodes;
+  for (unsigned int frame = 1; frame <= currentFrame; ++frame) {
+    for (const auto& mobile : tracker.mobilesAt(frame)) {
+      if (tracker.node(mobile->getIdent()) == mobile) {
+        nodes[mobile->getIdent()] = mobile;
+      }
+    }
+  }
+  return nodes;
+}
+
+std::string PlainFormulation::dump(GroupTracker& tracker, unsigned int currentFrame) {
+  std::ostringstream text;
+  text << "------------ Mobiles with Groups at frame " << currentFrame << '\n';
+  for (const auto& [id, node] : remembered(tracker, currentFrame)) {
+    text << "mobile " << id << " @ frame " << node->getFrame() << " has best father "
+         << node->getBestFatherId() << " has best son " << node->getBestSonId()
+         << " and is in group " << node->getGroupId() << '\n';
+    for (const auto& link : node->getFatherLinks()) {
+      if (link.getFather() && link.getSon()) {
+        text << "\tlink from " << link.getFather()->getIdent() << " to "
+             << link.getSon()->getIdent() << " with reliability " << link.getReliability() << '\n';
+      }
+    }
+    text << "\tLTT chain: ";
+    for (const auto& entry : node->chain()) {
+      text << entry.ident << " (" << entry.reliability << ") - ";
+    }
+    text << '\n';
+  }
+  text << "--------------------\n";
+  return text.str();
+}
+
+std::string PlainFormulation::groupLines(const GroupTracker& tracker) {
+  std::string lines = "------------ Groups:\n";
+  for (const auto& group : tracker.getGroups()) {
+    lines += fmt::format("- {}, mobiles: ", group->getId());
+    for (const auto& object : group->getLPOs()) {
+      lines += fmt::format("{} ", static_cast<int>(object->getIdent()));
+    }
+    lines += fmt::format("startFrame={}, endFrame={}, isUpdated={}\n", group->getStartFrame(),
+                         group->getEndFrame(), group->isUpdated());
+  }
+  return lines + "--------------------\n";
+}
+
+void PlainFormulation::updateGroups(GroupTracker& tracker, unsigned int processedFrame) {
+  std::map<int, std::map<int, double>> candidates;  // by group and mobile
+  for (const auto& mobile : tracker.mobilesAt(processedFrame)) {
+    const int home = static_cast<int>(tracker.probableGroup(mobile));
+    const auto group = tracker.getGroups().value(home);
+    if (mobile->getType().isNoise() || !group ||
+        tracker.groupId(mobile->getPhysicalObject()) != GroupTracker::none ||
+        group->distance(mobile, static_cast<int>(mobile->getFrame())) >
+            GroupTracker::maxDistGroupUpdate) {
+      continue;
+    }
+    const double coherence = group->groupCoherence(mobile);
+    if (Group::coherenceThreshold > coherence) {
+      candidates[home][mobile->getIdent()] = coherence;
+    }
+  }
+  for (const auto& [home, coherences] : candidates) {
+    const auto best =
+        std::min_element(coherences.begin(), coherences.end(),
+                         [](const auto& a, const auto& b) { return a.second < b.second; });
+    tracker.addMobileToGroup(home, static_cast<unsigned int>(best->first));
+  }
+  if (!candidates.empty()) {
+    updateGroups(tracker, processedFrame);
+  }
 }

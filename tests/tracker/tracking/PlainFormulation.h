@@ -21,5 +21,13 @@ std::pair<double, double> spreads(const Group& group);
 std::map<const MetaLPO*, const MetaLPO*> bestSons(GroupTracker& tracker, unsigned int currentFrame);
 /// The lines that tell of splits.
 std::string splitLines(const GroupTracker& tracker);
+/// The remembered mobiles by id, found among those of all frames so far.
+std::map<int, QSharedPointer<MetaLPO>> remembered(GroupTracker& tracker, unsigned int currentFrame);
+/// What the mobile dump says of a frame.
+std::string dump(GroupTracker& tracker, unsigned int currentFrame);
+/// The groups as `printGroups` prints them, without the events.
+std::string groupLines(const GroupTracker& tracker);
+/// Lets mobiles join groups: everybody asks anew in every pass.
+void updateGroups(GroupTracker& tracker, unsigned int processedFrame);
 
 }  // namespace PlainFormulation

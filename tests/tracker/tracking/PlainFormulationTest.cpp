@@ -1,7 +1,9 @@
+#include "tests/support/base/TempFolder.h"
 #include "tests/support/process/Printed.h"
 #include "tests/support/process/RandomScene.h"
 #include "tests/support/process/StaticsGuard.h"
 #include "tests/support/process/TestParameters.h"
+#include "tests/tracker/tracking/PlainChains.h"
 #include "tests/tracker/tracking/PlainFormulation.h"
 #include "tracker/geometry/Util.h"
 #include "tracker/tracking/GroupTracker.h"
@@ -9,6 +11,9 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <filesystem>
+#include <map>
+#include <ostream>
 #include <string>
 
 namespace {
@@ -17,7 +22,12 @@ struct Case {
   const char* name;
   bool hasOddities;
   bool reusesIds;
+  unsigned int firstIdent = 1;
 };
+
+void PrintTo(const Case& row, std::ostream* out) {
+  *out << row.name;
+}
 
 bool haveSameBits(double a, double b) {
   return std::memcmp(&a, &b, sizeof a) == 0;
@@ -31,16 +41,14 @@ class FastFormulation : public testing::TestWithParam<Case> {
   template <typename Look>
   void overRandomScenes(Look look) {
     for (unsigned int seed = 1; seed <= 6; ++seed) {
-      Util::temporalWinSize = 1 + seed % 4;
-      GroupTracker::maxFrames = 2 + 3 * (seed % 3);
-      RandomScene scene({.seed = seed,
-                         .people = 12,
-                         .hasOddities = GetParam().hasOddities,
-                         .reusesIds = GetParam().reusesIds});
+      RandomScene scene = sceneOf(seed);
       GroupTracker tracker;
+      tracker.setMobileDump(dump.string());
       for (unsigned int frame = 1; frame <= 40; ++frame) {
         printed([&] {
-          tracker.initFrame(scene.next(), {}, frame);
+          std::filesystem::remove(dump);
+          handedIn = scene.next();
+          tracker.initFrame(handedIn, {}, frame);
           look(tracker, frame);
           tracker.trackGroups();
         });
@@ -50,6 +58,21 @@ class FastFormulation : public testing::TestWithParam<Case> {
       }
     }
   }
+
+  /// A scene with its own delay and memory.
+  static RandomScene sceneOf(unsigned int seed) {
+    Util::temporalWinSize = 1 + seed % 4;
+    GroupTracker::maxFrames = 2 + 3 * (seed % 3);
+    return RandomScene({.seed = seed,
+                        .people = 12,
+                        .hasOddities = GetParam().hasOddities,
+                        .reusesIds = GetParam().reusesIds,
+                        .firstIdent = GetParam().firstIdent});
+  }
+
+  const TempFolder folder;
+  const std::filesystem::path dump = folder.path() / "dump.txt";  ///< of the present frame
+  PlainChains::Actors handedIn;                                   ///< in the present frame
 
  private:
   StaticsGuard m_statics;
@@ -106,10 +129,102 @@ TEST_P(FastFormulation, FindsThePlainSplits) {
   EXPECT_GT(lines, 0U);
 }
 
+TEST_P(FastFormulation, ReadsThePlainChains) {
+  PlainChains plain;
+  std::size_t compared = 0;
+  overRandomScenes([&](GroupTracker& tracker, unsigned int frame) {
+    if (frame == 1) {
+      plain = {};
+    }
+    plain.takeIn(handedIn, static_cast<int>(frame));
+    std::map<int, PlainChains::Chain> chains;
+    for (const auto& [id, node] : PlainFormulation::remembered(tracker, frame)) {
+      for (const auto& entry : node->chain()) {
+        chains[id].emplace_back(entry.ident, entry.reliability);
+      }
+      chains[id];
+    }
+    ASSERT_EQ(chains, plain.all());
+    compared += chains.size();
+  });
+  EXPECT_GT(compared, 1000U);
+}
+
+TEST_P(FastFormulation, DumpsWhatTheNodesAre) {
+  int compared = 0;
+  overRandomScenes([&](GroupTracker& tracker, unsigned int frame) {
+    if (std::filesystem::exists(dump)) {  // not when the intake was cut short
+      ASSERT_EQ(textOf(dump), PlainFormulation::dump(tracker, frame));
+      ++compared;
+    }
+  });
+  EXPECT_GT(compared, 100);
+}
+
+TEST_P(FastFormulation, PrintsTheMembersOfTheGroups) {
+  overRandomScenes([&](GroupTracker& tracker, unsigned int) {
+    std::string found;
+    Diagnostics::flush();
+    testing::internal::GetCapturedStdout();
+    found = printed([&] { tracker.printGroups(); });
+    testing::internal::CaptureStdout();
+    for (const char* const event : {", merged with", ", splitted from"}) {
+      for (auto from = found.find(event); from != std::string::npos; from = found.find(event)) {
+        found.erase(from, std::min(found.find(", s", from + 1), found.find('\n', from)) - from);
+      }
+    }
+    ASSERT_EQ(found, PlainFormulation::groupLines(tracker));
+  });
+}
+
+TEST_P(FastFormulation, LeavesNobodyInAGroupThatIsGone) {
+  overRandomScenes([&](GroupTracker& tracker, unsigned int frame) {
+    for (const auto& [id, node] : PlainFormulation::remembered(tracker, frame)) {
+      ASSERT_TRUE(node->getGroupId() == MetaLPO::noId ||
+                  tracker.getGroups().contains(node->getGroupId()))
+          << id;
+    }
+  });
+}
+
+TEST_P(FastFormulation, LetsTheSameMobilesJoinAsAskingEverybodyAnewDoes) {
+  std::size_t joined = 0;
+  for (unsigned int seed = 1; seed <= 6; ++seed) {
+    RandomScene scene = sceneOf(seed);
+    GroupTracker fast;
+    GroupTracker plain;
+    int nextId = 0;  // each tracker gives its own ids
+    for (unsigned int frame = 1; frame <= 40; ++frame) {
+      const auto& actors = scene.next();
+      const unsigned int processed = frame - Util::temporalWinSize;
+      printed([&] {
+        Group::currentId = nextId;
+        fast.initFrame(actors, {}, frame);
+        fast.updateGroups();
+        plain.initFrame(actors, {}, frame);
+        if (static_cast<int>(processed) > 0) {
+          PlainFormulation::updateGroups(plain, processed);
+        }
+        for (const auto& mobile : fast.mobilesAt(processed)) {
+          joined += mobile->getGroupId() != MetaLPO::noId ? 1 : 0;
+        }
+        fast.trackGroups();
+        Group::currentId = nextId;
+        plain.trackGroups();
+        nextId = Group::currentId;
+      });
+      ASSERT_EQ(PlainFormulation::groupLines(fast), PlainFormulation::groupLines(plain))
+          << "seed " << seed << ", frame " << frame;
+    }
+  }
+  EXPECT_GT(joined, 500U);
+}
+
 INSTANTIATE_TEST_SUITE_P(Scenes, FastFormulation,
                          testing::Values(Case{"Plain", false, false}, Case{"Odd", true, false},
                                          Case{"ReusedIds", false, true},
-                                         Case{"OddAndReused", true, true}),
+                                         Case{"OddAndReused", true, true},
+                                         Case{"IdsTurnNegative", true, false, 2147483500}),
                          [](const auto& row) { return std::string(row.param.name); });
 
 }  // namespace

@@ -77,6 +77,24 @@ TEST_F(TrackGroups, AThirdPersonJoinsThroughALinkToANeighbour) {
   EXPECT_EQ(groupOf(35), -1);
 }
 
+TEST_F(TrackGroups, OfEqualCoherencesTheSmallerIdJoins) {
+  //  302
+  //  102  101
+  //  301
+  Group::speedSimWeight = Group::dirSimWeight = 0;
+  scene.frame(1).person(101).at(1, 1);
+  scene.frame(1).person(102).at(0, 1);
+  scene.frame(2).person(302).at(0, 3).from(102, 0.9);
+  scene.frame(2).person(301).at(0, -1).from(102, 0.9);
+  run(3);
+  Group::coherenceThreshold = 25;  // between that of the first to join, 20, and the second's, 30
+  EXPECT_EQ(tracker.getGroups().first()->groupCoherence(node(301)),
+            tracker.getGroups().first()->groupCoherence(node(302)));
+  step();
+  EXPECT_EQ(groupOf(301), 0);
+  EXPECT_EQ(groupOf(302), -1);
+}
+
 TEST_F(TrackGroups, TheOlderGroupAbsorbsTheYoungerWhenTheyShareASon) {
   //  frame 1    frame 2     frame 3
   //  101, 102 - 201, 202 --\.
