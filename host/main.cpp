@@ -1,4 +1,5 @@
 #include "host/base/InputError.h"
+#include "host/base/Interruption.h"
 #include "host/base/OutputError.h"
 #include "host/commands/CalibrateCommand.h"
 #include "host/commands/CheckCommand.h"
@@ -70,6 +71,8 @@ int runCommand(Command& command) {
     return report(failure, outputFailed);
   } catch (const ProcessError& failure) {
     return report(failure, processFailed);
+  } catch (const Interruption&) {
+    return finished;
   } catch (const std::exception& failure) {
     return report(std::runtime_error(std::string("unexpected: ") + failure.what()), processFailed);
   }

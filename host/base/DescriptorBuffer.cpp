@@ -1,5 +1,7 @@
 #include "host/base/DescriptorBuffer.h"
 
+#include "host/base/Interruption.h"
+
 #include <array>
 #include <cerrno>
 #include <poll.h>

@@ -1,17 +1,10 @@
 #pragma once
 
 #include <cstddef>
-#include <stdexcept>
 #include <streambuf>
 #include <vector>
 
 namespace grouptracker {
-
-/// Thrown out of a read that waits for more input when the program is asked to stop.
-class InputInterrupted : public std::runtime_error {
- public:
-  InputInterrupted() : std::runtime_error("stopped while waiting for input") {}
-};
 
 /// Reads an open file, pipe or terminal as the bytes arrive: a read returns what is there instead
 /// of waiting for a full buffer, so that a live tracker's line is seen at once. While it waits, a

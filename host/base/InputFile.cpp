@@ -1,9 +1,9 @@
 #include "host/base/InputFile.h"
 
 #include "host/base/InputError.h"
+#include "host/base/SystemProblem.h"
 
 #include <cerrno>
-#include <cstring>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -17,7 +17,7 @@ FileDescriptor open(const std::string& path) {
   }
   FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
   if (!file.isOpen()) {
-    throw InputError(path, std::string("cannot be opened: ") + std::strerror(errno));
+    throw InputError(path, systemProblem("cannot be opened"));
   }
   return file;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "host/base/InputError.h"
+
 #include <simdjson.h>
 
 #include <array>
@@ -17,13 +19,13 @@
 namespace grouptracker {
 
 /// Values out of parsed JSON with the checks that every reader wants. Each function throws
-/// `std::invalid_argument` that says in a few words what is wrong with the value called `name`.
+/// `ValueProblem` that says in a few words what is wrong with the value called `name`.
 namespace json {
 
 using Value = simdjson::dom::element;
 
-inline std::invalid_argument problem(const std::string& text) {
-  return std::invalid_argument(text);
+inline ValueProblem problem(const std::string& text) {
+  return ValueProblem(text);
 }
 
 /// The document of a text; a text with spare capacity is parsed in place.
@@ -105,7 +107,7 @@ void readArray(Value value, const char* name, const Read& read, std::vector<Item
   for (const Value item : values) {
     try {
       items.push_back(read(item));
-    } catch (const std::invalid_argument& inner) {
+    } catch (const ValueProblem& inner) {
       throw problem(std::string(name) + "[" + std::to_string(items.size()) + "]: " + inner.what());
     }
   }

@@ -12,10 +12,4 @@ class OutputError : public std::runtime_error {
       : std::runtime_error(file + ": " + problem) {}
 };
 
-/// The reader of a pipe that the program writes to has gone; the program then ends quietly.
-class ClosedPipe : public std::runtime_error {
- public:
-  ClosedPipe() : std::runtime_error("nobody reads the output any more") {}
-};
-
 }  // namespace grouptracker

@@ -1,9 +1,10 @@
 #include "host/base/OutputFile.h"
 
+#include "host/base/Interruption.h"
 #include "host/base/OutputError.h"
+#include "host/base/SystemProblem.h"
 
 #include <cerrno>
-#include <cstring>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -19,7 +20,7 @@ OutputFile::OutputFile(const std::string& path)
     : m_path(path),
       m_file(::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, readableByAll)) {
   if (!m_file.isOpen()) {
-    throw OutputError(path, std::string("cannot be written: ") + std::strerror(errno));
+    throw OutputError(path, systemProblem("cannot be written"));
   }
 }
 
@@ -41,7 +42,7 @@ void OutputFile::fail(int error) {
   if (error == EPIPE) {
     throw ClosedPipe();
   }
-  throw OutputError(m_path, std::string("cannot be written: ") + std::strerror(error));
+  throw OutputError(m_path, systemProblem("cannot be written", error));
 }
 
 }  // namespace grouptracker

@@ -1,10 +1,10 @@
 #include "host/base/TemporaryFile.h"
 
 #include "host/base/OutputError.h"
+#include "host/base/SystemProblem.h"
 
 #include <cerrno>
 #include <cstdlib>
-#include <cstring>
 #include <unistd.h>
 
 namespace grouptracker {
@@ -15,8 +15,7 @@ FileDescriptor openTemporaryFile(std::string& folder) {
   std::string name = folder + "/grouptracker-XXXXXX";
   FileDescriptor file(::mkstemp(name.data()));
   if (!file.isOpen()) {
-    throw OutputError(folder,
-                      std::string("no temporary file can be made: ") + std::strerror(errno));
+    throw OutputError(folder, systemProblem("no temporary file can be made"));
   }
   ::unlink(name.c_str());
   return file;

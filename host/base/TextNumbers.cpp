@@ -1,5 +1,7 @@
 #include "host/base/TextNumbers.h"
 
+#include "host/base/InputError.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -30,8 +32,8 @@ double parseNumber(std::string_view piece) {
   double number = 0.0;
   const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
   if (error != std::errc() || end != digits.data() + digits.size() || !std::isfinite(number)) {
-    throw std::invalid_argument("a number is expected instead of \"" +
-                                std::string(piece.substr(0, longestQuote)) + "\"");
+    throw ValueProblem("a number is expected instead of \"" +
+                       std::string(piece.substr(0, longestQuote)) + "\"");
   }
   return number;
 }
@@ -47,8 +49,8 @@ void parseCommaNumbers(std::string_view line, std::vector<double>& numbers) {
 
 std::int64_t wholeNumber(double value, double largest, const char* name) {
   if (value != std::floor(value) || value < 0.0 || value > largest) {
-    throw std::invalid_argument(std::string("the ") + name + " must be a whole number from 0 to " +
-                                std::to_string(static_cast<std::int64_t>(largest)));
+    throw ValueProblem(std::string("the ") + name + " must be a whole number from 0 to " +
+                       std::to_string(static_cast<std::int64_t>(largest)));
   }
   return static_cast<std::int64_t>(value);
 }

@@ -6,7 +6,7 @@
 
 namespace grouptracker {
 
-/// Numbers out of text; never depends on the locale. Each function throws `std::invalid_argument`
+/// Numbers out of text; never depends on the locale. Each function throws `ValueProblem`
 /// whose text says in a few words what is wrong.
 
 /// Splits a line at blanks and tabulators and reads every piece as a finite number. Numbers may

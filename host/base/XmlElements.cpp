@@ -1,5 +1,6 @@
 #include "host/base/XmlElements.h"
 
+#include "host/base/InputError.h"
 #include "host/base/TextNumbers.h"
 
 #include <QByteArray>
@@ -51,13 +52,13 @@ double XmlElements::number(const char* attribute) const {
   const auto attributes = m_xml.attributes();
   const QStringRef value = attributes.value(QLatin1String(attribute));
   if (value.isNull()) {
-    throw std::invalid_argument("the attribute " + std::string(attribute) + " is missing");
+    throw ValueProblem("the attribute " + std::string(attribute) + " is missing");
   }
   const QByteArray text = value.trimmed().toUtf8();
   try {
     return parseNumber({text.constData(), static_cast<std::size_t>(text.size())});
-  } catch (const std::invalid_argument& problem) {
-    throw std::invalid_argument(std::string(attribute) + ": " + problem.what());
+  } catch (const ValueProblem& problem) {
+    throw ValueProblem(std::string(attribute) + ": " + problem.what());
   }
 }
 

@@ -28,7 +28,7 @@ class XmlElements {
   bool starts(const char* element) const;
   bool ends(const char* element) const;
   /// The number in an attribute of the current element. One that is missing or no finite number
-  /// throws `std::invalid_argument`.
+  /// throws `ValueProblem`.
   double number(const char* attribute) const;
 
   std::uint64_t line() const { return static_cast<std::uint64_t>(m_xml.lineNumber()); }

@@ -1,5 +1,6 @@
 #include "host/camera/Homography.h"
 
+#include "host/base/InputError.h"
 #include "host/base/InputFile.h"
 #include "host/base/LineReader.h"
 #include "host/base/TextNumbers.h"
@@ -23,7 +24,7 @@ void readRow(LineReader& lines, double* row) {
   std::vector<double> numbers;
   try {
     parseNumbers(lines.line(), numbers);
-  } catch (const std::invalid_argument& problem) {
+  } catch (const ValueProblem& problem) {
     throw lines.error(problem.what());
   }
   if (numbers.size() != size) {
@@ -70,7 +71,7 @@ bool isHomographyFile(const std::string& path) {
     if (lines.nextFilled()) {
       parseNumbers(lines.line(), numbers);
     }
-  } catch (const std::invalid_argument&) {
+  } catch (const ValueProblem&) {
     return false;
   } catch (const InputError&) {
     return false;  // too long a line, at which the reader of another calibration stops in turn

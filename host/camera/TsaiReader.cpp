@@ -1,5 +1,6 @@
 #include "host/camera/TsaiReader.h"
 
+#include "host/base/InputError.h"
 #include "host/base/XmlElements.h"
 
 #include <stdexcept>
@@ -11,7 +12,7 @@ namespace {
 double nonZero(const XmlElements& xml, const char* attribute) {
   const double number = xml.number(attribute);
   if (number == 0.0) {
-    throw std::invalid_argument(std::string(attribute) + " must not be 0");
+    throw ValueProblem(std::string(attribute) + " must not be 0");
   }
   return number;
 }
@@ -50,7 +51,7 @@ TsaiCamera readTsaiCamera(std::istream& in, const std::string& name) {
   while (xml.next()) {
     try {
       found |= takeElement(xml, camera);
-    } catch (const std::invalid_argument& problem) {
+    } catch (const ValueProblem& problem) {
       throw xml.error(problem.what());
     }
   }

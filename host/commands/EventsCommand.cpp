@@ -3,6 +3,7 @@
 #include "host/base/FileIdentity.h"
 #include "host/base/InputFile.h"
 #include "host/base/OutputError.h"
+#include "host/base/SystemProblem.h"
 #include "host/output/EventWriter.h"
 #include "host/output/GroupsReader.h"
 #include "host/output/LineageGraph.h"
@@ -10,7 +11,6 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <memory>
 #include <vector>
 
@@ -29,8 +29,7 @@ class EventPrinter : public StepSink {
       std::fputs(toJsonLine(event).c_str(), stdout);
     }
     if (!step.events.empty() && std::fflush(stdout) != 0) {
-      throw OutputError("standard output",
-                        std::string("cannot be written: ") + std::strerror(errno));
+      throw OutputError("standard output", systemProblem("cannot be written"));
     }
   }
 };

@@ -1,5 +1,6 @@
 #include "host/evaluation/RunRecordReader.h"
 
+#include "host/base/InputError.h"
 #include "host/base/InputFile.h"
 #include "host/base/JsonAccess.h"
 #include "host/base/LineReader.h"
@@ -104,7 +105,7 @@ RunRecord readRunRecord(std::istream& in, const std::string& name) {
   while (lines.nextFilled()) {
     try {
       addLine(json::parse(parser, lines.line()), run);
-    } catch (const std::invalid_argument& problem) {
+    } catch (const ValueProblem& problem) {
       throw lines.error(problem.what());
     }
   }

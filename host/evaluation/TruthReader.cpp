@@ -1,5 +1,6 @@
 #include "host/evaluation/TruthReader.h"
 
+#include "host/base/InputError.h"
 #include "host/base/InputFile.h"
 #include "host/base/JsonAccess.h"
 #include "host/base/LineReader.h"
@@ -86,7 +87,7 @@ void addFrame(json::Value line, GroupTruth& truth) {
   }
   const auto lists = json::required(groups, "groups");
   if (ids && ids->size() != lists.size()) {
-    throw std::invalid_argument("\"ids\" must have one id for each group");
+    throw ValueProblem("\"ids\" must have one id for each group");
   }
   Grouping joined = joinOverlapping(lists);
   GroupIds joinedIds = ids ? idsOf(joined, lists, *ids) : GroupIds();
@@ -119,7 +120,7 @@ GroupTruth readGroupsPerFrame(std::istream& in, const std::string& name) {
   while (lines.nextFilled()) {
     try {
       addFrame(json::parse(parser, lines.line()), truth);
-    } catch (const std::invalid_argument& problem) {
+    } catch (const ValueProblem& problem) {
       throw lines.error(problem.what());
     }
   }

@@ -1,5 +1,6 @@
 #include "host/input/CvmlReader.h"
 
+#include "host/base/InputError.h"
 #include "host/base/InputFile.h"
 #include "host/base/TextNumbers.h"
 #include "host/base/XmlElements.h"
@@ -29,10 +30,10 @@ cv::Rect2d boxOf(const XmlElements& xml) {
   const double centreX = xml.number("xc");
   const double centreY = xml.number("yc");
   if (width < 0.0 || height < 0.0) {
-    throw std::invalid_argument("the box has a negative width or height");
+    throw ValueProblem("the box has a negative width or height");
   }
   if (std::max({width, height, std::abs(centreX), std::abs(centreY)}) > farthestBox) {
-    throw std::invalid_argument("the box lies too far away to be pixels");
+    throw ValueProblem("the box lies too far away to be pixels");
   }
   return {centreX - width / 2.0, centreY - height / 2.0, width, height};
 }
@@ -61,7 +62,7 @@ std::unique_ptr<ObservationTable> readCvml(std::istream& in, const std::string& 
   while (xml.next()) {
     try {
       takeStart(xml, place, *table);
-    } catch (const std::invalid_argument& problem) {
+    } catch (const ValueProblem& problem) {
       onProblem(xml.error(problem.what()));
     }
     if (xml.ends("frame") || xml.ends("object")) {

@@ -1,12 +1,12 @@
 #include "host/input/MobileArchive.h"
 
 #include "host/base/OutputError.h"
+#include "host/base/SystemProblem.h"
 #include "host/base/TemporaryFile.h"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstring>
 #include <limits>
 #include <unistd.h>
 
@@ -92,7 +92,7 @@ std::uint64_t MobileArchive::appendText(const std::string& text) {
 }
 
 void MobileArchive::fail(const char* what) const {
-  throw OutputError(m_folder, std::string(what) + ": " + std::strerror(errno));
+  throw OutputError(m_folder, systemProblem(what));
 }
 
 }  // namespace grouptracker

@@ -1,5 +1,6 @@
 #include "host/input/MotReader.h"
 
+#include "host/base/InputError.h"
 #include "host/base/InputFile.h"
 #include "host/base/LineReader.h"
 #include "host/base/TextNumbers.h"
@@ -51,10 +52,10 @@ bool counts(const std::vector<double>& row, const MotChoice& choice) {
 cv::Rect2d boxOf(const std::vector<double>& row) {
   const cv::Rect2d box(row[leftColumn], row[topColumn], row[widthColumn], row[heightColumn]);
   if (box.width < 0.0 || box.height < 0.0) {
-    throw std::invalid_argument("the box has a negative width or height");
+    throw ValueProblem("the box has a negative width or height");
   }
   if (std::max({std::abs(box.x), std::abs(box.y), box.width, box.height}) > farthestBox) {
-    throw std::invalid_argument("the box lies too far away to be pixels");
+    throw ValueProblem("the box lies too far away to be pixels");
   }
   return box;
 }
@@ -68,7 +69,7 @@ std::optional<cv::Point2d> positionOf(const std::vector<double>& row) {
   }
   const cv::Point2d position(row[xColumn], row[yColumn]);
   if (std::max(std::abs(position.x), std::abs(position.y)) > farthestPosition) {
-    throw std::invalid_argument("the position lies too far away to be metres");
+    throw ValueProblem("the position lies too far away to be metres");
   }
   return position;
 }
@@ -76,12 +77,11 @@ std::optional<cv::Point2d> positionOf(const std::vector<double>& row) {
 void addRow(const std::vector<double>& row, std::uint64_t line, const MotChoice& choice,
             ObservationTable& table) {
   if (row.size() < fewestColumns || row.size() > mostColumns) {
-    throw std::invalid_argument(std::to_string(fewestColumns) + " to " +
-                                std::to_string(mostColumns) + " numbers are expected, not " +
-                                std::to_string(row.size()));
+    throw ValueProblem(std::to_string(fewestColumns) + " to " + std::to_string(mostColumns) +
+                       " numbers are expected, not " + std::to_string(row.size()));
   }
   if (row[personColumn] == unset) {
-    throw std::invalid_argument(
+    throw ValueProblem(
         "the id is -1: these are detections that nobody has tracked; run a tracker on them first");
   }
   const std::int64_t frame = wholeNumber(row[frameColumn], largestFrame, "frame");
@@ -107,7 +107,7 @@ std::unique_ptr<ObservationTable> readMot(std::istream& in, const std::string& n
     try {
       parseCommaNumbers(lines.line(), row);
       addRow(row, lines.number(), choice, *table);
-    } catch (const std::invalid_argument& problem) {
+    } catch (const ValueProblem& problem) {
       onProblem(lines.error(problem.what()));
     }
   }
@@ -124,7 +124,7 @@ bool isMotLine(const std::string& line) {
   std::vector<double> row;
   try {
     parseCommaNumbers(line, row);
-  } catch (const std::invalid_argument&) {
+  } catch (const ValueProblem&) {
     return false;
   }
   return row.size() >= fewestColumns && row.size() <= mostColumns;

@@ -1,5 +1,6 @@
 #include "host/input/MotSequence.h"
 
+#include "host/base/InputError.h"
 #include "host/base/InputFile.h"
 #include "host/base/LineReader.h"
 #include "host/base/TextNumbers.h"
@@ -66,7 +67,7 @@ SequenceInfo readSequenceInfo(std::istream& in, const std::string& name) {
       } else if (entry.key == "imHeight") {
         size.height = static_cast<int>(whole(largestImage));
       }
-    } catch (const std::invalid_argument& problem) {
+    } catch (const ValueProblem& problem) {
       throw lines.error(problem.what());
     }
   }

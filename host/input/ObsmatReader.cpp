@@ -1,5 +1,6 @@
 #include "host/input/ObsmatReader.h"
 
+#include "host/base/InputError.h"
 #include "host/base/InputFile.h"
 #include "host/base/LineReader.h"
 #include "host/base/TextNumbers.h"
@@ -18,14 +19,14 @@ enum Column { frameColumn = 0, personColumn = 1, xColumn = 2, yColumn = 4, colum
 
 void addRow(const std::vector<double>& row, std::uint64_t line, ObservationTable& table) {
   if (row.size() != columnCount) {
-    throw std::invalid_argument(std::to_string(columnCount) + " numbers are expected, not " +
-                                std::to_string(row.size()));
+    throw ValueProblem(std::to_string(columnCount) + " numbers are expected, not " +
+                       std::to_string(row.size()));
   }
   const std::int64_t frame = wholeNumber(row[frameColumn], largestFrame, "frame");
   const std::int64_t person = wholeNumber(row[personColumn], largestPerson, "person");
   const cv::Point2d position(row[xColumn], row[yColumn]);
   if (std::abs(position.x) > farthestPosition || std::abs(position.y) > farthestPosition) {
-    throw std::invalid_argument("the position lies too far away to be metres");
+    throw ValueProblem("the position lies too far away to be metres");
   }
   table.add(frame, {static_cast<std::uint32_t>(person), position, std::nullopt}, line);
 }
@@ -41,7 +42,7 @@ std::unique_ptr<ObservationTable> readObsmat(std::istream& in, const std::string
     try {
       parseNumbers(lines.line(), row);
       addRow(row, lines.number(), *table);
-    } catch (const std::invalid_argument& problem) {
+    } catch (const ValueProblem& problem) {
       onProblem(lines.error(problem.what()));
     }
   }

@@ -1,5 +1,6 @@
 #include "host/input/PeopleBoxes.h"
 
+#include "host/base/InputError.h"
 #include "host/base/InputFile.h"
 #include "host/base/LineReader.h"
 #include "host/input/SceneLineParser.h"
@@ -47,7 +48,7 @@ std::vector<PersonBox> peopleBoxes(const std::string& sceneFile) {
       parser.parse(lines.line(), scene);
       appendPeople(scene, step, boxes);
     }
-  } catch (const std::invalid_argument&) {
+  } catch (const ValueProblem&) {
     // The reader says what is wrong when it comes to that line.
   }
   return boxes;
@@ -62,7 +63,7 @@ bool needsCamera(const std::string& sceneFile) {
     while (scene.mobiles.empty() && lines.nextFilled()) {
       parser.parse(lines.line(), scene);
     }
-  } catch (const std::invalid_argument&) {
+  } catch (const ValueProblem&) {
     return false;
   }
   return !scene.mobiles.empty() && !(scene.mobiles.front().box3D && scene.mobiles.front().position);

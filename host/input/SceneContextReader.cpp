@@ -23,18 +23,13 @@ constexpr std::size_t chunkSize = std::size_t{16} * 1024;           // bytes
 constexpr int deepestValue = 64;                                    // values around it
 constexpr std::size_t coordinates = 3;
 
-/// A value that is missing or of a wrong type, with its path in the document.
-struct WrongValue {
-  std::string problem;
-};
-
 const Json& member(const Json& object, const std::string& path, const char* key) {
   if (!object.is_object()) {
-    throw WrongValue{path + " must be an object"};
+    throw ValueProblem(path + " must be an object");
   }
   const auto found = object.find(key);
   if (found == object.end()) {
-    throw WrongValue{"\"" + std::string(key) + "\" is missing in " + path};
+    throw ValueProblem("\"" + std::string(key) + "\" is missing in " + path);
   }
   return *found;
 }
@@ -42,7 +37,7 @@ const Json& member(const Json& object, const std::string& path, const char* key)
 const Json& array(const Json& object, const std::string& path, const char* key) {
   const Json& value = member(object, path, key);
   if (!value.is_array()) {
-    throw WrongValue{path + "." + key + " must be an array"};
+    throw ValueProblem(path + "." + key + " must be an array");
   }
   return value;
 }
@@ -50,7 +45,7 @@ const Json& array(const Json& object, const std::string& path, const char* key) 
 std::string text(const Json& object, const std::string& path, const char* key) {
   const Json& value = member(object, path, key);
   if (!value.is_string()) {
-    throw WrongValue{path + "." + key + " must be a string"};
+    throw ValueProblem(path + "." + key + " must be a string");
   }
   return value.get<std::string>();
 }
@@ -64,7 +59,7 @@ cv::Point3d vertex(const Json& value, const std::string& path) {
                        std::all_of(value.begin(), value.end(),
                                    [](const Json& number) { return number.is_number(); });
   if (!isPoint) {
-    throw WrongValue{path + " must be three numbers"};
+    throw ValueProblem(path + " must be three numbers");
   }
   return {value[0].get<double>(), value[1].get<double>(), value[2].get<double>()};
 }
@@ -97,7 +92,7 @@ std::string readAll(std::istream& in, const std::string& name) {
 /// Stops the parser at a depth that no context has, before a file of brackets fills the memory.
 bool refuseDeepValues(int depth, Json::parse_event_t, Json&) {
   if (depth > deepestValue) {
-    throw WrongValue{"values are nested too deep"};
+    throw ValueProblem("values are nested too deep");
   }
   return true;
 }
@@ -124,8 +119,8 @@ QSharedPointer<kelDataContext> readSceneContext(std::istream& in, const std::str
     throw InputError(name, lineOf(content, failure.byte), "not valid JSON");
   } catch (const Json::out_of_range& failure) {
     throw InputError(name, 1, "holds a number that is not finite");
-  } catch (const WrongValue& wrong) {
-    throw InputError(name, 1, wrong.problem);
+  } catch (const ValueProblem& wrong) {
+    throw InputError(name, 1, wrong.what());
   }
 }
 

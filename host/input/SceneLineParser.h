@@ -16,7 +16,7 @@ namespace grouptracker {
 ///      "actors": [{"id": 7, "type": "PERSON", "box3d": [...], "mobiles": [80, 95, 101]}]}
 ///
 /// Unknown keys are passed over. A wrong type, a missing key, a number that is not finite or does
-/// not fit and a negative width or height throw `std::invalid_argument` with the reason. The parser
+/// not fit and a negative width or height throw `ValueProblem` with the reason. The parser
 /// keeps its buffers from line to line.
 class SceneLineParser {
  public:

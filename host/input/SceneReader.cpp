@@ -1,5 +1,6 @@
 #include "host/input/SceneReader.h"
 
+#include "host/base/InputError.h"
 #include "host/camera/BoxLifter.h"
 
 #include <algorithm>
@@ -11,8 +12,8 @@ namespace grouptracker {
 
 namespace {
 
-struct Undeclared : std::invalid_argument {
-  using std::invalid_argument::invalid_argument;
+struct Undeclared : ValueProblem {
+  using ValueProblem::ValueProblem;
 };
 
 Undeclared undeclared(std::uint32_t id, const std::string& by) {
@@ -57,7 +58,7 @@ bool SceneReader::next(InputFrame& frame) {
     }
   } catch (const Undeclared& problem) {
     throw UndeclaredMobile(m_lines.error(problem.what()));
-  } catch (const std::invalid_argument& problem) {
+  } catch (const ValueProblem& problem) {
     throw m_lines.error(problem.what());
   }
   if (!m_scene.image.empty()) {
@@ -84,14 +85,13 @@ void SceneReader::observe(const SceneMobile& mobile, InputFrame& frame) {
   frame.observed.push_back(observed);
   linkFathers(mobile, frame);
   if (!m_mobiles.declare(observed)) {
-    throw std::invalid_argument("mobile " + std::to_string(mobile.id) +
-                                " is declared twice in this frame");
+    throw ValueProblem("mobile " + std::to_string(mobile.id) + " is declared twice in this frame");
   }
 }
 
 QSharedPointer<kelDataPhysicalObject> SceneReader::physicalObject(const SceneMobile& mobile) const {
   const auto fail = [&](const std::string& problem) {
-    return std::invalid_argument("mobile " + std::to_string(mobile.id) + ": " + problem);
+    return ValueProblem("mobile " + std::to_string(mobile.id) + ": " + problem);
   };
   if ((!mobile.box3D || !mobile.position) && !m_calibration) {
     throw fail(std::string("\"") + (mobile.box3D ? "position" : "box3d") +
@@ -133,8 +133,8 @@ QSharedPointer<kelDataActor> SceneReader::makeActor(const SceneActor& scene) {
   }
   if (!scene.mobiles.empty()) {
     if (!m_mobiles.isOfThisFrame(scene.mobiles.back())) {
-      throw std::invalid_argument("the last mobile of " + name + ", " +
-                                  std::to_string(scene.mobiles.back()) + ", is not of this frame");
+      throw ValueProblem("the last mobile of " + name + ", " +
+                         std::to_string(scene.mobiles.back()) + ", is not of this frame");
     }
     const auto& current = *actor->getLinkedPhysicalObjectList().back()->getPhysicalObject();
     actor->setType(current.getType());
@@ -155,8 +155,7 @@ void SceneReader::refuseRepeatedActors() const {
   std::sort(ids.begin(), ids.end());
   const auto repeated = std::adjacent_find(ids.begin(), ids.end());
   if (repeated != ids.end()) {
-    throw std::invalid_argument("actor " + std::to_string(*repeated) +
-                                " stands twice in this frame");
+    throw ValueProblem("actor " + std::to_string(*repeated) + " stands twice in this frame");
   }
 }
 

@@ -1,16 +1,16 @@
 #include "host/output/Database.h"
 
 #include "host/base/OutputError.h"
+#include "host/base/SystemProblem.h"
 
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 
 namespace grouptracker {
 
 Database::Database(const std::string& path) : m_path(path) {
   if (std::remove(path.c_str()) != 0 && errno != ENOENT) {
-    throw OutputError(path, std::string("cannot be replaced: ") + std::strerror(errno));
+    throw OutputError(path, systemProblem("cannot be replaced"));
   }
   sqlite3* handle = nullptr;
   const int result = sqlite3_open(path.c_str(), &handle);

@@ -1,5 +1,6 @@
 #include "host/output/GroupsReader.h"
 
+#include "host/base/InputError.h"
 #include "host/base/JsonAccess.h"
 
 #include <array>
@@ -111,7 +112,7 @@ bool GroupsReader::next(GroupsFrame& frame) {
   }
   try {
     frame = readFrame(json::parse(m_parser, m_lines.line()));
-  } catch (const std::invalid_argument& problem) {
+  } catch (const ValueProblem& problem) {
     throw m_lines.error(problem.what());
   }
   return true;

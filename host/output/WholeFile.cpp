@@ -2,10 +2,10 @@
 
 #include "host/base/OutputError.h"
 #include "host/base/OutputFile.h"
+#include "host/base/SystemProblem.h"
 
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 
 namespace grouptracker {
@@ -18,7 +18,7 @@ WholeFile::WholeFile(const std::string& path) : m_path(path), m_partPath(path) {
   try {
     const OutputFile attempt(m_partPath);
   } catch (const OutputError&) {
-    throw OutputError(path, std::string("cannot be written: ") + std::strerror(errno));
+    throw OutputError(path, systemProblem("cannot be written"));
   }
 }
 
@@ -31,7 +31,7 @@ WholeFile::~WholeFile() {
 void WholeFile::write(std::string_view text) {
   OutputFile(m_partPath).writeLines(text);
   if (m_partPath != m_path && std::rename(m_partPath.c_str(), m_path.c_str()) != 0) {
-    throw OutputError(m_path, std::string("cannot be written: ") + std::strerror(errno));
+    throw OutputError(m_path, systemProblem("cannot be written"));
   }
 }
 

@@ -1,11 +1,11 @@
 #include "host/people/ObservationSpool.h"
 
 #include "host/base/OutputError.h"
+#include "host/base/SystemProblem.h"
 #include "host/base/TemporaryFile.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <tuple>
 #include <type_traits>
 #include <unistd.h>
@@ -127,7 +127,7 @@ bool ObservationSpool::isLater(std::size_t a, std::size_t b) const {
 }
 
 void ObservationSpool::fail(const char* what) const {
-  throw OutputError(m_folder, std::string(what) + ": " + std::strerror(errno));
+  throw OutputError(m_folder, systemProblem(what));
 }
 
 }  // namespace grouptracker

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <stdexcept>
+
+namespace grouptracker {
+
+/// An end that somebody outside wished and that is nobody's fault: the program then ends quietly,
+/// with the status of success. A run ends its outputs first; everywhere else the program itself
+/// takes care of it.
+class Interruption : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// The reader of a pipe that the program writes to has gone.
+class ClosedPipe : public Interruption {
+ public:
+  ClosedPipe() : Interruption("nobody reads the output any more") {}
+};
+
+/// The program is asked to stop while a read waits for more input.
+class InputInterrupted : public Interruption {
+ public:
+  InputInterrupted() : Interruption("stopped while waiting for input") {}
+};
+
+}  // namespace grouptracker
