@@ -10,7 +10,6 @@
 #include <fmt/format.h>
 
 #include <cstdio>
-#include <fstream>
 #include <optional>
 
 namespace grouptracker {
@@ -101,8 +100,7 @@ void CheckCommand::checkParameters(CheckReport& report) const {
     report.problem(*parameters.problem);
     return;
   }
-  std::ifstream file(m_parameterFile);
-  checkParameterValues(file, m_parameterFile, report);
+  checkParameterValues(parameters, m_parameterFile, report);
 }
 
 void CheckCommand::checkInput(CheckReport& report) const {

@@ -3,7 +3,9 @@
 #include "host/base/DescriptorBuffer.h"
 #include "host/base/FileDescriptor.h"
 #include "host/base/FileIdentity.h"
+#include "host/base/Interruption.h"
 #include "host/base/OutputError.h"
+#include "host/base/SystemProblem.h"
 #include "host/input/ImageFolder.h"
 #include "host/input/InputFormats.h"
 #include "host/input/SceneContextReader.h"
@@ -16,7 +18,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <fcntl.h>
 #include <filesystem>
 #include <unistd.h>
@@ -35,7 +36,7 @@ FileDescriptor openForWriting(const std::string& path, int flags) {
   constexpr mode_t readableByAll = 0666;  // less what the user's mask takes away
   FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | flags, readableByAll));
   if (!file.isOpen()) {
-    throw OutputError(path, std::string("cannot be written: ") + std::strerror(errno));
+    throw OutputError(path, systemProblem("cannot be written"));
   }
   return file;
 }
@@ -115,7 +116,7 @@ void RunSession::openOutputs() {
 
 void RunSession::startProcess(std::unique_ptr<kelAbstractProcessGroupTracker> tracker) {
   if (m_parameters.problem) {
-    fmt::print(stderr, "{}\n", *m_parameters.problem);
+    fmt::print(stderr, "{}\n", m_parameters.problem->what());
   }
   ProcessOptions options;
   options.parameterFile = m_options.parameterFile;
@@ -214,9 +215,8 @@ void RunSession::checkStandardOutput() {
     throw ClosedPipe();
   }
   if (!isWritten) {
-    throw OutputError("standard output",
-                      std::string("cannot be written: ") +
-                          std::strerror(m_processErrno != 0 ? m_processErrno : EIO));
+    throw OutputError("standard output", systemProblem("cannot be written",
+                                                       m_processErrno != 0 ? m_processErrno : EIO));
   }
 }
 

@@ -40,7 +40,7 @@ TunedSequence openSequence(const std::string& text) {
   return {name, input, readTruth(text.substr(colon + 1))};
 }
 
-TuningSpace readSpace(const std::string& path, const ParameterText& base) {
+TuningSpace readSpace(const std::string& path, const ParameterFile& base) {
   if (path.empty()) {
     return TuningSpace::standard(base.number("useClustering:") != 0.0);
   }
@@ -85,7 +85,7 @@ std::string scoresOf(const Trial& trial, const std::vector<const TunedSequence*>
 
 TuneSession::TuneSession(const TuneOptions& options)
     : m_options(options),
-      m_base(ParameterText::read(options.baseFile)),
+      m_base(readValidParameterFile(options.baseFile)),
       m_space(readSpace(options.spaceFile, m_base)) {
   refuseOverwriting({options.outputFile, options.logFile}, {options.baseFile, options.spaceFile});
   for (const auto* sequences : {&options.sequences, &options.further}) {

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "host/evaluation/search/ParameterText.h"
 #include "host/evaluation/search/TrialRunner.h"
 #include "host/evaluation/search/TuningSearch.h"
+#include "host/run/ParameterFile.h"
 
 #include <cstddef>
 #include <string>
@@ -50,7 +50,7 @@ class TuneSession {
   void leaveEachOut(const Trial& result);
 
   TuneOptions m_options;
-  ParameterText m_base;
+  ParameterFile m_base;
   TuningSpace m_space;
   std::vector<TunedSequence> m_sequences;  ///< the further ones at the end
   double m_bestWorth = 0.0;                ///< of the search that goes on

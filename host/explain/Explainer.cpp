@@ -1,7 +1,7 @@
 #include "host/explain/Explainer.h"
 
-#include "host/base/InputFile.h"
 #include "host/base/JsonLine.h"
+#include "host/run/ParameterFile.h"
 
 #include <fmt/format.h>
 
@@ -141,15 +141,7 @@ std::string Explainer::comparison(const Decision& decision) const {
 }
 
 double readCoherenceThreshold(const std::string& parameterFile) {
-  InputFile file(parameterFile);
-  std::string label;
-  double threshold = 0.0;
-  while (file.stream() >> label) {
-    if (label == "coherenceThreshold:" && file.stream() >> threshold) {
-      return threshold;
-    }
-  }
-  throw InputError(parameterFile, "holds no coherenceThreshold:");
+  return readValidParameterFile(parameterFile).number("coherenceThreshold:");
 }
 
 }  // namespace grouptracker

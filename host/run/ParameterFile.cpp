@@ -1,108 +1,54 @@
 #include "host/run/ParameterFile.h"
 
-#include "host/base/InputError.h"
+#include "host/base/SystemProblem.h"
 
+#include <fmt/format.h>
+
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <string_view>
+#include <sstream>
 #include <system_error>
-#include <variant>
+#include <utility>
 
 namespace grouptracker {
 
 namespace {
 
-using Value = std::variant<double, std::uint32_t, int, bool, std::string>;
-
-const Value number = 0.0;
-const Value positive = std::uint32_t{0};
-const Value integer = 0;
-const Value flag = false;
-const Value text = std::string();
-
 /// What a user is told to write, by the type of the value.
-const std::array<const char*, std::variant_size_v<Value>> expectations{
+const std::array<const char*, std::variant_size_v<ParameterValue>> expectations{
     "a number", "a whole number", "a whole number", "0 or 1", "a text without blanks"};
-
-struct Parameter {
-  const char* label;
-  Value value;  ///< shows the type
-};
 
 const char* const delayLabel = "temporalWinSize:";
 const char* const saveLabel = "saveOutput:";
 const char* const displayLabel = "extDisplayOn:";
 
-/// All pairs, in the only order in which the tracker accepts them.
-const std::array<Parameter, 47> parameters{{
-    {"coherenceThreshold:", number},
-    {"distWeight:", positive},
-    {"speedSimWeight:", positive},
-    {"dirSimWeight:", positive},
-    {"distanceThreshold:", number},
-    {"speedSimThreshold:", number},
-    {"dirSimThreshold:", number},
-    {"reliabilityThreshold:", number},
-    {delayLabel, positive},
-    {"temporalWinForRemoval:", positive},
-    {"recentLinkWeight:", number},
-    {"maxDistGroupCreation:", number},
-    {"maxDistGroupMerge:", number},
-    {"maxDistGroupUpdate:", number},
-    {"imagesFolder:", text},
-    {"fileFormat:", text},
-    {"firstImage:", integer},
-    {saveLabel, flag},
-    {"outputFolder:", text},
-    {displayLabel, flag},
-    {"openCVOutput:", flag},
-    {"useClustering:", flag},
-    {"tolerance:", number},
-    {"sonDistanceWeight:", number},
-    {"fatherDistanceWeight:", number},
-    {"minReliabilityBest:", number},
-    {"minReliabilityOthers:", number},
-    {"minCrowdWidth:", number},
-    {"minCrowdHeight:", number},
-    {"histogramDepth:", integer},
-    {"mvtAreaTh:", number},
-    {"mvtSpeedTh:", number},
-    {"mvtSpeedNFrames:", integer},
-    {"mvtFrameGap:", integer},
-    {"mvtBrightnessTh:", integer},
-    {"mvtBlobsFilter:", integer},
-    {"personWidth:", number},
-    {"personDepth:", number},
-    {"personHeight:", number},
-    {"positionNormalization:", flag},
-    {"detectSuddenMvt:", flag},
-    {"trajectoryLength:", integer},
-    {"samplingStride:", number},
-    {"samplingStrideDetection:", integer},
-    {"gaussianGridFile:", text},
-    {"alpha:", number},
-    {"minNumCells:", integer},
-}};
-
-/// Goes through the file like the tracker, with the formatted extraction of the standard streams,
+/// Goes through the text like the tracker, with the formatted extraction of the standard streams,
 /// so that both agree on what a value is; counts the lines on its way.
 class Walk {
  public:
-  explicit Walk(std::istream& in) : m_in(in) {}
+  explicit Walk(std::string content) : m_content(std::move(content)), m_in(m_content) {}
 
   /// Reads one token or value; false when there is none of that type.
   template <typename T>
   bool read(T& value) {
     skipBlanks();
+    m_begin = position();
     return static_cast<bool>(m_in >> value);
   }
+  /// What was read last, as it stands there.
+  std::string text() { return m_content.substr(m_begin, position() - m_begin); }
   std::uint64_t line() const { return m_line; }
 
  private:
+  // Asked of the buffer: at the end the stream itself has no position any more.
+  std::size_t position() {
+    return static_cast<std::size_t>(m_in.rdbuf()->pubseekoff(0, std::ios::cur, std::ios::in));
+  }
   void skipBlanks() {
     constexpr std::string_view blanks = " \t\n\v\f\r";
     for (int next = m_in.peek(); next != EOF && blanks.find(static_cast<char>(next)) != blanks.npos;
@@ -111,44 +57,82 @@ class Walk {
     }
   }
 
-  std::istream& m_in;
+  std::string m_content;
+  std::istringstream m_in;
+  std::size_t m_begin = 0;
   std::uint64_t m_line = 1;
 };
 
-void keep(const std::string& label, const Value& value, ParameterFile& file) {
+/// Reads the pair of a row; throws what is wrong with it.
+ParameterEntry readEntry(Walk& walk, const ParameterRow& row) {
+  constexpr std::size_t longestQuote = 40;  // characters of a wrong token shown to the user
+  std::string token;
+  if (!walk.read(token)) {
+    throw ValueProblem(fmt::format("the file ends where the label \"{}\" is expected", row.label));
+  }
+  if (token != row.label) {
+    throw ValueProblem(fmt::format("the label \"{}\" is expected instead of \"{}\"", row.label,
+                                   token.substr(0, longestQuote)));
+  }
+  ParameterEntry entry{&row, row.empty, {}, 0};
+  if (!std::visit([&](auto& value) { return walk.read(value); }, entry.value)) {
+    throw ValueProblem(
+        fmt::format("{} is expected after \"{}\"", expectations[row.empty.index()], row.label));
+  }
+  entry.text = walk.text();
+  entry.line = walk.line();
+  return entry;
+}
+
+void keep(const ParameterEntry& entry, ParameterFile& file) {
+  const std::string_view label = entry.row->label;
   if (label == delayLabel) {
-    file.delay = std::get<std::uint32_t>(value);
+    file.delay = std::get<unsigned int>(entry.value);
   } else if (label == saveLabel || label == displayLabel) {
-    file.needsImages = file.needsImages || std::get<bool>(value);
+    file.needsImages = file.needsImages || std::get<bool>(entry.value);
   }
 }
 
 }  // namespace
 
+double ParameterEntry::number() const {
+  return std::strtod(text.c_str(), nullptr);
+}
+
+const ParameterEntry* ParameterFile::find(std::string_view label) const {
+  const auto found = std::find_if(values.begin(), values.end(),
+                                  [label](const auto& entry) { return entry.row->label == label; });
+  return found == values.end() ? nullptr : &*found;
+}
+
+double ParameterFile::number(std::string_view label) const {
+  const ParameterEntry* const entry = find(label);
+  return entry == nullptr ? 0.0 : entry->number();
+}
+
+std::string ParameterFile::with(const std::map<std::string, double>& changes) const {
+  std::string result;
+  for (const ParameterEntry& entry : values) {
+    const auto change = changes.find(entry.row->label);
+    const std::string value =
+        change == changes.end() ? entry.text : fmt::format("{}", change->second);
+    result += fmt::format("{:<24} {}\n", entry.row->label, value);
+  }
+  return result;
+}
+
 ParameterFile readParameterFile(std::istream& in, const std::string& name) {
-  constexpr std::size_t longestQuote = 40;  // characters of a wrong token shown to the user
+  std::ostringstream content;
+  content << in.rdbuf();
+  Walk walk(content.str());
   ParameterFile file;
-  Walk walk(in);
-  const auto fail = [&](const std::string& problem) {
-    file.problem = name + ":" + std::to_string(walk.line()) + ": " + problem;
-    return file;
-  };
-  for (const Parameter& parameter : parameters) {
-    const std::string label = parameter.label;
-    std::string token;
-    if (!walk.read(token)) {
-      return fail("the file ends where the label \"" + label + "\" is expected");
+  try {
+    for (const ParameterRow& row : parameterRows()) {
+      file.values.push_back(readEntry(walk, row));
+      keep(file.values.back(), file);
     }
-    if (token != label) {
-      return fail("the label \"" + label + "\" is expected instead of \"" +
-                  token.substr(0, longestQuote) + "\"");
-    }
-    Value value = parameter.value;
-    if (!std::visit([&](auto& v) { return walk.read(v); }, value)) {
-      return fail(std::string(expectations[value.index()]) + " is expected after \"" + label +
-                  "\"");
-    }
-    keep(label, value, file);
+  } catch (const ValueProblem& problem) {
+    file.problem = InputError(name, walk.line(), problem.what());
   }
   return file;
 }
@@ -162,11 +146,21 @@ ParameterFile readParameterFile(const std::string& path) {
   std::ifstream in(path);
   if (!in.is_open()) {
     ParameterFile file;
-    file.problem = path + ":1: cannot be opened: " + std::strerror(errno) + "; the label \"" +
-                   parameters.front().label + "\" is expected";
+    file.problem =
+        InputError(path, 1,
+                   fmt::format("{}; the label \"{}\" is expected",
+                               systemProblem("cannot be opened"), parameterRows().front().label));
     return file;
   }
   return readParameterFile(in, path);
+}
+
+ParameterFile readValidParameterFile(const std::string& path) {
+  ParameterFile file = readParameterFile(path);
+  if (file.problem) {
+    throw *file.problem;
+  }
+  return file;
 }
 
 }  // namespace grouptracker

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tracker/parameters/ParameterTable.h"
+
 #include <array>
 #include <string>
 #include <variant>
@@ -10,9 +12,7 @@ struct Parameter {
   std::variant<double*, unsigned int*, int*, bool*, std::string*> member;
 };
 
-constexpr std::size_t parameterCount = 47;
-
-/// All parameters in the order of the file.
+/// All parameters in the order of the file, bound to their members.
 const std::array<Parameter, parameterCount>& parameterTable();
 
 /// Reads the parameters from the stream, label by label. A wrong label, a value that does not parse

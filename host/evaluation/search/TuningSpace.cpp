@@ -38,7 +38,7 @@ TunedValue parseValue(const std::string& line) {
                                   [&scale](const auto& name) { return name.first == scale; });
   if (!isWhole || known == scaleNames.end() ||
       (known->second == Scale::logarithmic && value.low <= 0.0)) {
-    throw std::invalid_argument(
+    throw ValueProblem(
         "a name, the lowest and highest value and linear, logarithmic or whole are expected");
   }
   value.scale = known->second;
@@ -90,7 +90,7 @@ TuningSpace TuningSpace::read(std::istream& in, const std::string& name) {
     }
     try {
       space.m_values.push_back(parseValue(lines.line()));
-    } catch (const std::invalid_argument& problem) {
+    } catch (const ValueProblem& problem) {
       throw lines.error(problem.what());
     }
   }
@@ -116,13 +116,13 @@ double TuningSpace::atPlace(const TunedValue& value, double place) {
   return std::clamp(readable, value.low, value.high);
 }
 
-Candidate TuningSpace::baseOf(const ParameterText& base) const {
+Candidate TuningSpace::baseOf(const ParameterFile& base) const {
   Candidate candidate;
   const LinkOptions links;
   for (const TunedValue& value : m_values) {
     double number = 0.0;
     if (!linkArgument(links, value.name, number)) {
-      if (!base.has(value.name)) {
+      if (base.find(value.name) == nullptr) {
         throw InputError(value.name, "neither a parameter nor a link option");
       }
       number = base.number(value.name);
@@ -133,7 +133,7 @@ Candidate TuningSpace::baseOf(const ParameterText& base) const {
   return candidate;
 }
 
-TrialSettings TuningSpace::settingsOf(const Candidate& candidate, const ParameterText& base) const {
+TrialSettings TuningSpace::settingsOf(const Candidate& candidate, const ParameterFile& base) const {
   TrialSettings settings;
   std::map<std::string, double> changes;
   for (std::size_t i = 0; i < m_values.size(); ++i) {

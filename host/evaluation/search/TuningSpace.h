@@ -1,7 +1,7 @@
 #pragma once
 
-#include "host/evaluation/search/ParameterText.h"
 #include "host/people/LinkOptions.h"
+#include "host/run/ParameterFile.h"
 
 #include <istream>
 #include <string>
@@ -47,8 +47,8 @@ class TuningSpace {
   static double placeOf(const TunedValue& value, double number);
   static double atPlace(const TunedValue& value, double place);
   /// The candidate that changes nothing, with what lies outside a range brought to its ends.
-  Candidate baseOf(const ParameterText& base) const;
-  TrialSettings settingsOf(const Candidate& candidate, const ParameterText& base) const;
+  Candidate baseOf(const ParameterFile& base) const;
+  TrialSettings settingsOf(const Candidate& candidate, const ParameterFile& base) const;
 
  private:
   std::vector<TunedValue> m_values;

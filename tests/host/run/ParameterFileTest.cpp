@@ -18,7 +18,7 @@ ParameterFile read(const std::string& text) {
 
 TEST(ParameterFile, TakesWhatTheTrackerTakes) {
   const ParameterFile plain = read(sampleParameters());
-  EXPECT_FALSE(plain.problem) << *plain.problem;
+  EXPECT_FALSE(plain.problem) << plain.problem->what();
   EXPECT_EQ(plain.delay, 2U);
   EXPECT_FALSE(plain.needsImages);
 
@@ -31,7 +31,10 @@ TEST(ParameterFile, TakesWhatTheTrackerTakes) {
 }
 
 TEST(ParameterFile, NamesTheLineAndWhatIsExpected) {
-  const auto problem = [](const std::string& text) { return read(text).problem.value_or("none"); };
+  const auto problem = [](const std::string& text) {
+    const auto found = read(text).problem;
+    return found ? std::string(found->what()) : "none";
+  };
   EXPECT_EQ(problem(""),
             "p.txt:1: the file ends where the label \"coherenceThreshold:\" is expected");
   EXPECT_EQ(problem("coherenceThreshold: 1\n\ndistweight: 1\n"),
@@ -48,8 +51,23 @@ TEST(ParameterFile, NamesTheLineAndWhatIsExpected) {
             "p.txt:48: a whole number is expected after \"minNumCells:\"");
 }
 
+TEST(ParameterFile, GivesBackTheValuesAsTheyStandWithSomeReplaced) {
+  const std::string text = sampleParameters({{"distWeight:", "+07"}, {"alpha:", "5e-1"}}, '\t');
+  const ParameterFile file = read("\n" + text);
+  EXPECT_EQ(file.find("distWeight:")->line, 2U);
+  EXPECT_EQ(file.number("distWeight:"), 7.0);
+  const ParameterFile copy = read(file.with({{"tolerance:", 0.25}}));
+  ASSERT_EQ(copy.values.size(), file.values.size());
+  for (std::size_t i = 0; i < file.values.size(); ++i) {
+    const bool isReplaced = file.values[i].row->label == std::string("tolerance:");
+    EXPECT_EQ(copy.values[i].text, isReplaced ? "0.25" : file.values[i].text);
+    EXPECT_EQ(copy.values[i].line, i + 1);
+  }
+  EXPECT_EQ(copy.find("distWeight:")->text, "+07");
+}
+
 TEST(ParameterFile, LeavesPipesAloneAndReportsMissingFiles) {
-  EXPECT_EQ(readParameterFile("/no/such.txt").problem,
+  EXPECT_EQ(errorOf([] { readValidParameterFile("/no/such.txt"); }),
             "/no/such.txt:1: cannot be opened: No such file or directory; the label "
             "\"coherenceThreshold:\" is expected");
   EXPECT_EQ(errorOf([] { readParameterFile("/dev/null"); }),

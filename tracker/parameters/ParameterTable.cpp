@@ -1,0 +1,19 @@
+#include "tracker/parameters/ParameterTable.h"
+
+namespace {
+
+constexpr UsualRange anyValue;
+
+constexpr UsualRange usual(double lowest, double highest) {
+  return {lowest, highest};
+}
+
+}  // namespace
+
+const std::array<ParameterRow, parameterCount>& parameterRows() {
+#define PARAMETER(label, member, type, unit, range, help) {label, type{}, unit, range, help},
+  static const std::array<ParameterRow, parameterCount> rows{{
+#include "tracker/parameters/Parameters.def"
+  }};
+  return rows;
+}
