@@ -52,7 +52,6 @@ Options CalibrateCommand::declare(CommandLine& program) {
       "calibrate", "Estimates the camera from the boxes of people who walk on a flat ground",
       example);
   declareInput(command, m_choice);
-  declareImageSize(command, m_choice);
   command.add("--body-height", m_bodyHeight, "mean height of the people in metres")
       .within(0.5, 2.5)
       .showDefault();

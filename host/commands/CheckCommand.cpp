@@ -62,8 +62,6 @@ Options CheckCommand::declare(CommandLine& program) {
   Options command =
       program.addCommand("check", "Looks through an input and its files without running", example);
   declareInput(command, m_choice);
-  declareCalibration(command, m_choice);
-  declareImageSize(command, m_choice);
   command.add("--parameters", m_parameterFile, "the tracker's 47 parameters").typeName("FILE");
   command.add("--context", m_contextFile, "description of the scene, JSON").typeName("FILE");
   return command;

@@ -2,15 +2,17 @@
 
 #include "host/base/FileIdentity.h"
 #include "host/camera/CalibrationWriter.h"
-#include "host/input/ImageFolder.h"
 #include "host/input/InputFormats.h"
 #include "host/output/SceneWriter.h"
+#include "host/pictures/VideoFile.h"
 
 #include <fmt/format.h>
 
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
+#include <memory>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -29,17 +31,39 @@ std::string cameraText(const OpenedInput& input) {
   return camera ? calibrationText(*camera) : std::string();
 }
 
+/// Names the images of frames as a scene file does, relative to its folder. Those that are in no
+/// file of their own, but in a video, get one each, in a folder beside the scene: scene.jsonl has
+/// scene-images.
+class SceneImages {
+ public:
+  explicit SceneImages(const fs::path& scene)
+      : m_folder(fs::absolute(scene).parent_path()), m_name(scene.stem().string() + "-images") {}
+
+  void settle(InputFrame& frame) {
+    if (!frame.imageFile.empty()) {
+      frame.imageFile = fs::absolute(frame.imageFile).lexically_proximate(m_folder);
+    } else if (frame.image) {
+      if (!m_images) {
+        m_images = std::make_unique<VideoFile>(m_folder / m_name, 1.0);
+      }
+      m_images->add(frame.image->mat(), ++m_written);
+      frame.imageFile = m_name / VideoFile::imageName(m_written);
+    }
+  }
+
+ private:
+  fs::path m_folder;
+  fs::path m_name;
+  std::unique_ptr<VideoFile> m_images;  ///< null before the first
+  std::int64_t m_written = 0;
+};
+
 }  // namespace
 
 Options ConvertCommand::declare(CommandLine& program) {
   Options command = program.addCommand(
       "convert", "Writes an input as a scene file with all that a run needs", example);
   declareInput(command, m_choice);
-  declareCalibration(command, m_choice);
-  declareImageSize(command, m_choice);
-  declareLinks(command, m_choice);
-  command.add("--images", m_imageFolder, "images by sorted name, for inputs that name none")
-      .typeName("FOLDER");
   command.add("--output", m_outputFile, "the scene file *.jsonl").required().typeName("FILE");
   return command;
 }
@@ -49,20 +73,19 @@ int ConvertCommand::run() {
   for (const std::string& note : input.notes) {
     fmt::print(stderr, "{}\n", note);
   }
-  if (!m_imageFolder.empty()) {
-    input.frames = std::make_unique<ImageFolder>(std::move(input.frames), m_imageFolder);
-  }
   std::vector<std::string> inputs = input.files;
   inputs.push_back(m_choice.calibrationFile);
   refuseOverwriting({m_outputFile}, inputs);
   SceneWriter scene(m_outputFile);
   scene.carryCalibration(cameraText(input));
-  const fs::path folder = fs::absolute(m_outputFile).parent_path();
+  scene.keepNumbers();
+  if (!m_choice.frames.isWhole()) {
+    scene.startLate();
+  }
+  SceneImages images(m_outputFile);
   std::uint64_t frames = 0;
   for (InputFrame frame; input.frames->next(frame); ++frames) {
-    if (!frame.imageFile.empty()) {
-      frame.imageFile = fs::absolute(frame.imageFile).lexically_proximate(folder);
-    }
+    images.settle(frame);
     scene.write(frame);
   }
   fmt::print(stderr, "{} frames\n", frames);

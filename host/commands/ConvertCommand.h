@@ -16,7 +16,6 @@ class ConvertCommand : public Command {
  private:
   InputChoice m_choice;
   std::string m_outputFile;
-  std::string m_imageFolder;
 };
 
 }  // namespace grouptracker

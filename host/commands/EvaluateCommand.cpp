@@ -50,9 +50,10 @@ Options EvaluateCommand::declare(CommandLine& program) {
       .typeName("FILE");
   command.addFlag("--baselines", m_baselines,
                   "also score everybody alone and a crude rule over the window");
-  command.add("--input", m_input,
+  command.add("--input", m_choice.input,
               "the input of the run, for --baselines (default: the folder of the truth)");
   declareScores(command, m_options);
+  declareReading(command, m_choice);
   return command;
 }
 
@@ -62,7 +63,9 @@ int EvaluateCommand::run() {
   const GroupTruth truth = readTruth(m_truthFile);
   EvaluationReport report = evaluate(record, truth, m_options);
   if (m_baselines) {
-    const auto input = openInput(inputOfBaselines(), {});
+    InputOptions options = inputOptions(m_choice);
+    options.decodesVideo = false;
+    const OpenedInput input = openInput(inputOfBaselines(), options);
     report.baselines = scoreBaselines(placesOf(*input.frames), truth, m_options.window);
   }
   fmt::print("{}", tableOf(report));
@@ -77,7 +80,7 @@ int EvaluateCommand::run() {
 
 std::string EvaluateCommand::inputOfBaselines() const {
   const auto folder = std::filesystem::path(m_truthFile).parent_path();
-  return m_input.empty() ? (folder.empty() ? "." : folder.string()) : m_input;
+  return m_choice.input.empty() ? (folder.empty() ? "." : folder.string()) : m_choice.input;
 }
 
 }  // namespace grouptracker

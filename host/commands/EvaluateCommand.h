@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/commands/Command.h"
+#include "host/commands/InputChoice.h"
 #include "host/evaluation/EvaluationReport.h"
 
 #include <string>
@@ -20,7 +21,7 @@ class EvaluateCommand : public Command {
   std::string m_truthFile;
   std::string m_outputFile;  ///< empty when not wanted
   std::string m_errorsFile;  ///< empty when not wanted
-  std::string m_input;       ///< empty when not given
+  InputChoice m_choice;      ///< for the baselines; the input is empty when not given
   bool m_baselines = false;
   EvaluationOptions m_options;
 };

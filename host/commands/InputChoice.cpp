@@ -14,6 +14,7 @@ namespace grouptracker {
 
 namespace {
 
+const char* const heading = "How the input is read";
 const char* const columnFirst = "colrow";
 const char* const rowFirst = "rowcol";
 
@@ -31,34 +32,43 @@ std::optional<cv::Size> parseSize(std::string_view text) {
   return isSize ? std::optional(size) : std::nullopt;
 }
 
-}  // namespace
-
-void declareInput(Options& command, InputChoice& choice) {
+void declareFrames(Options& command, InputChoice& choice) {
+  const auto take = [&choice](const std::string& text) {
+    const auto range = FrameRange::parse(text);
+    choice.frames = range.value_or(choice.frames);
+    return range.has_value();
+  };
   command
-      .add("INPUT", choice.input,
-           "scene file *.jsonl, - for a scene on standard input, folder with obsmat.txt and "
-           "H.txt, MOTChallenge file or sequence folder, or XML file with boxes")
-      .required();
-  command
-      .add("--format", choice.format,
-           "the format of INPUT, if it is not to be recognised by its content")
-      .oneOf(inputFormats());
-  command.add("--min-confidence", choice.minConfidence,
-              "for MOTChallenge files: boxes of a lower confidence are passed over");
+      .addParsed("--frames", take, "A:B, A: or :B is expected, with A <= B",
+                 "only the frames from A to B, by the input's own numbers")
+      .typeName("A:B")
+      .heading(heading);
 }
 
-void declareCalibration(Options& command, InputChoice& choice) {
+void declareCamera(Options& command, InputChoice& choice) {
   command
       .add("--calibration", choice.calibrationFile,
            "camera: OpenCV yml, xml or json; Tsai's model as XML; or a text of 3 x 3 numbers, "
            "the homography from the image to the ground")
-      .typeName("FILE");
+      .typeName("FILE")
+      .heading(heading);
   command
       .add("--homography-order", choice.homographyOrder,
            "what a homography in a text takes: column before row, or row before column "
            "(default colrow)")
       .oneOf({rowFirst, columnFirst})
-      .typeName("rowcol|colrow");
+      .typeName("rowcol|colrow")
+      .heading(heading);
+  const auto takeSize = [&choice](const std::string& text) {
+    choice.imageSize = parseSize(text);
+    return choice.imageSize.has_value();
+  };
+  command
+      .addParsed("--image-size", takeSize, "WxH is expected, such as 768x576",
+                 "width and height of the video's images in pixels, where the input does not say "
+                 "them")
+      .typeName("WxH")
+      .heading(heading);
 }
 
 void declareLinks(Options& command, InputChoice& choice) {
@@ -69,22 +79,43 @@ void declareLinks(Options& command, InputChoice& choice) {
               .add(argument.name, choice.links.*member,
                    std::string("for inputs without links: ") + argument.meaning)
               .notNegative()
-              .showDefault();
+              .showDefault()
+              .heading(heading);
         },
         argument.member);
   }
 }
 
-void declareImageSize(Options& command, InputChoice& choice) {
-  const auto take = [&choice](const std::string& text) {
-    choice.imageSize = parseSize(text);
-    return choice.imageSize.has_value();
-  };
+}  // namespace
+
+void declareInput(Options& command, InputChoice& choice) {
   command
-      .addParsed("--image-size", take, "WxH is expected, such as 768x576",
-                 "width and height of the video's images in pixels, where the input does not say "
-                 "them")
-      .typeName("WxH");
+      .add("INPUT", choice.input,
+           "scene file *.jsonl, - for a scene on standard input, folder with obsmat.txt and "
+           "H.txt, MOTChallenge file or sequence folder, or XML file with boxes")
+      .required();
+  declareReading(command, choice);
+}
+
+void declareReading(Options& command, InputChoice& choice) {
+  command
+      .add("--format", choice.format,
+           "the format of INPUT, if it is not to be recognised by its content")
+      .oneOf(inputFormats())
+      .heading(heading);
+  command
+      .add("--min-confidence", choice.minConfidence,
+           "for MOTChallenge files: boxes of a lower confidence are passed over")
+      .heading(heading);
+  declareFrames(command, choice);
+  declareCamera(command, choice);
+  command
+      .add("--images", choice.images,
+           "folder with images by sorted name, or a video file, for inputs that name none; none "
+           "leaves all images out")
+      .typeName("FOLDER|VIDEO|none")
+      .heading(heading);
+  declareLinks(command, choice);
 }
 
 InputOptions inputOptions(const InputChoice& choice) {
@@ -92,6 +123,8 @@ InputOptions inputOptions(const InputChoice& choice) {
   options.format = choice.format;
   options.imageSize = choice.imageSize;
   options.links = choice.links;
+  options.images = choice.images;
+  options.frames = choice.frames;
   options.mot.minConfidence = choice.minConfidence.value_or(options.mot.minConfidence);
   if (choice.calibrationFile.empty()) {
     return options;

@@ -11,7 +11,8 @@
 namespace grouptracker {
 
 /// What the user says about an input on the command line, the same for every command that reads
-/// one. Texts are empty when the option was not given.
+/// one: what was given to one command can be given to the next. Texts are empty when the option was
+/// not given.
 struct InputChoice {
   std::string input;
   std::string format;
@@ -19,17 +20,16 @@ struct InputChoice {
   std::string homographyOrder;        ///< "colrow" or "rowcol", of a calibration that is a text
   std::optional<cv::Size> imageSize;  ///< pixels
   std::optional<double> minConfidence;
+  std::string images;  ///< a folder, a video file, or `noImages`
+  FrameRange frames;
   LinkOptions links;
 };
 
 /// Adds INPUT and the options that say how to read it.
 void declareInput(Options& command, InputChoice& choice);
-/// Adds `--calibration` and what belongs to it.
-void declareCalibration(Options& command, InputChoice& choice);
-/// Adds the options for the links of inputs that have none.
-void declareLinks(Options& command, InputChoice& choice);
-/// Adds `--image-size WxH`.
-void declareImageSize(Options& command, InputChoice& choice);
+/// Adds the options only, for a command whose input has another name. To be added last, as they
+/// have a heading of their own.
+void declareReading(Options& command, InputChoice& choice);
 
 /// What the choice means for the reader; reads the calibration file. The file may be a camera, or
 /// three lines of three numbers: a homography from the image to the ground.

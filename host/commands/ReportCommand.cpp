@@ -2,12 +2,9 @@
 
 #include "host/base/FileIdentity.h"
 #include "host/base/InputFile.h"
-#include "host/camera/CalibrationReader.h"
-#include "host/commands/RunOptions.h"
 #include "host/evaluation/GroupTruth.h"
 #include "host/evaluation/TruthReader.h"
 #include "host/explain/Explainer.h"
-#include "host/input/ImageFolder.h"
 #include "host/input/InputFormats.h"
 #include "host/output/GroupsReader.h"
 #include "host/output/WholeFile.h"
@@ -88,14 +85,9 @@ std::string nameOf(const std::string& path) {
 
 Options ReportCommand::declare(CommandLine& program) {
   Options command = program.addCommand("report", "Makes one HTML file that shows a run", example);
-  command.add("INPUT", m_input, "what was given to run").required();
+  declareInput(command, m_choice);
   command.add("GROUPS", m_groupsFile, "the groups file of the run").required();
   command.add("--output", m_outputFile, "the report").required().typeName("FILE");
-  command.add("--calibration", m_calibrationFile, "as it was given to run").typeName("FILE");
-  command
-      .add("--images", m_imageFolder,
-           "images by sorted name, for inputs that name none; none leaves images out")
-      .typeName("FOLDER|none");
   command
       .add("--truth", m_truthFile,
            "the true groups, as evaluate takes them: frames that differ are marked")
@@ -117,35 +109,25 @@ Options ReportCommand::declare(CommandLine& program) {
 }
 
 int ReportCommand::run() {
-  refuseOverwriting({m_outputFile}, {m_input, m_groupsFile, m_diagnosticsFile});
-  InputOptions options;
-  if (!m_calibrationFile.empty()) {
-    options.calibration = readCalibration(m_calibrationFile);
-  }
-  OpenedInput input = openInput(m_input, options);
-  const bool leavesImagesOut = m_imageFolder == noOutput;
-  if (!m_imageFolder.empty() && !leavesImagesOut) {
-    input.frames = std::make_unique<ImageFolder>(std::move(input.frames), m_imageFolder);
-  }
+  refuseOverwriting({m_outputFile}, {m_choice.input, m_groupsFile, m_diagnosticsFile});
+  const OpenedInput input = openInput(m_choice.input, inputOptions(m_choice));
   WholeFile output(m_outputFile);
   ReportData data;
   ImageStrip images;
   for (InputFrame frame; input.frames->next(frame);) {
     auto people = peopleInView(frame);
     data.addFrame(frame.number, people);
-    const bool hasImage = !leavesImagesOut && !frame.imageFile.empty();
-    images.addFrame(hasImage ? frame.imageFile : "", frame.place,
-                    hasImage ? std::move(people) : std::vector<PersonPlace>());
+    images.addFrame(frame, std::move(people));
   }
   std::optional<GroupTruth> truth;
   if (!m_truthFile.empty()) {
     truth = readTruth(m_truthFile);
     data.beginTruth();
   }
-  auto inputFrames = readGroups(m_groupsFile, m_input, truth, data);
+  auto inputFrames = readGroups(m_groupsFile, m_choice.input, truth, data);
   const QByteArray page =
-      makeReportPage({nameOf(m_input), nameOf(m_groupsFile), m_framesPerSecond}, data, images,
-                     explain(m_diagnosticsFile, m_parameterFile, std::move(inputFrames)));
+      makeReportPage({nameOf(m_choice.input), nameOf(m_groupsFile), m_framesPerSecond}, data,
+                     images, explain(m_diagnosticsFile, m_parameterFile, std::move(inputFrames)));
   output.write({page.data(), static_cast<std::size_t>(page.size())});
   return finished;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/commands/Command.h"
+#include "host/commands/InputChoice.h"
 
 #include <string>
 
@@ -13,11 +14,9 @@ class ReportCommand : public Command {
   int run() override;
 
  private:
-  std::string m_input;
+  InputChoice m_choice;
   std::string m_groupsFile;
   std::string m_outputFile;
-  std::string m_calibrationFile;
-  std::string m_imageFolder;  ///< or "none"
   std::string m_truthFile;
   std::string m_diagnosticsFile;
   std::string m_parameterFile;

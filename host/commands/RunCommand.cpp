@@ -28,14 +28,7 @@ void declareFiles(Options& command, RunOptions& options) {
   command.add("--output", options.outputFile, "groups of every frame, JSON Lines")
       .required()
       .typeName("FILE");
-  declareCalibration(command, options);
-  declareImageSize(command, options);
   command.add("--context", options.contextFile, "description of the scene, JSON").typeName("FILE");
-  command
-      .add("--images", options.imageFolder,
-           "folder with images by sorted name, or a video file, for inputs that name none; "
-           "read only when the parameters ask for output images, or pictures are drawn")
-      .typeName("FOLDER|VIDEO");
   command.add("--plugin", options.pluginFile, "the plugin, if not beside the program")
       .typeName("FILE");
 }
@@ -54,15 +47,6 @@ void declareTexts(Options& command, RunOptions& options) {
 }
 
 void declareBehaviour(Options& command, RunOptions& options) {
-  const auto takeRange = [&options](const std::string& text) {
-    const auto range = FrameRange::parse(text);
-    options.frames = range.value_or(options.frames);
-    return range.has_value();
-  };
-  command
-      .addParsed("--frames", takeRange, "A:B, A: or :B is expected, with A <= B",
-                 "only the frames from A to B, by the input's own numbers")
-      .typeName("A:B");
   const auto takeChoice = [&options](const std::string& choice) {
     options.skipsFailedFrames = choice == skip;
     return true;
@@ -72,7 +56,6 @@ void declareBehaviour(Options& command, RunOptions& options) {
                  "what to do when the process fails at a frame (default stop)")
       .oneOf({skip, stop})
       .typeName("skip|stop");
-  declareLinks(command, options);
 }
 
 void printSummary(const RunSummary& summary) {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "host/commands/FrameRange.h"
 #include "host/commands/InputChoice.h"
 #include "host/commands/StepOptions.h"
 
@@ -13,11 +12,9 @@ struct RunOptions : InputChoice {
   std::string parameterFile;
   std::string outputFile;
   std::string contextFile;
-  std::string imageFolder;  ///< or a video file
   std::string pluginFile;
   std::string diagnostics;  ///< a file, or "none"; standard output when empty
   std::string mobileDump;   ///< a file, or "none"; the process's own choice when empty
-  FrameRange frames;
   StepOptions steps;
   bool skipsFailedFrames = false;
   bool quiet = false;

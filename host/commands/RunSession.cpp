@@ -6,10 +6,8 @@
 #include "host/base/Interruption.h"
 #include "host/base/OutputError.h"
 #include "host/base/SystemProblem.h"
-#include "host/input/ImageFolder.h"
 #include "host/input/InputFormats.h"
 #include "host/input/SceneContextReader.h"
-#include "host/input/VideoImages.h"
 #include "host/output/GroupsWriter.h"
 #include "host/run/PluginLoader.h"
 
@@ -70,6 +68,7 @@ RunSummary RunSession::run() {
 void RunSession::openInput() {
   InputOptions options = inputOptions(m_options);
   options.wakeDescriptor = m_signals.wakeDescriptor();
+  options.decodesVideo = m_parameters.needsImages || m_options.steps.wantsPictures();
   if (!m_options.contextFile.empty()) {
     m_context = readSceneContext(m_options.contextFile);
   }
@@ -78,15 +77,6 @@ void RunSession::openInput() {
     for (const std::string& note : m_input.notes) {
       fmt::print(stderr, "{}\n", note);
     }
-  }
-  const std::string& images = m_options.imageFolder;
-  if (!images.empty() && std::filesystem::is_regular_file(images)) {
-    // A video has to be decoded whether its frames are wanted or not, so only when they are.
-    if (m_parameters.needsImages || m_options.steps.wantsPictures()) {
-      m_input.frames = std::make_unique<VideoImages>(std::move(m_input.frames), images);
-    }
-  } else if (!images.empty()) {
-    m_input.frames = std::make_unique<ImageFolder>(std::move(m_input.frames), images);
   }
 }
 
@@ -147,24 +137,11 @@ void RunSession::runToTheEnd() {
 
 void RunSession::runFrames() {
   InputFrame frame;
-  while (!m_signals.stopRequested() && nextFrame(frame)) {
+  while (!m_signals.stopRequested() && m_input.frames->next(frame)) {
     runFrame(frame);
     checkStandardOutput();
     m_progress->update(m_process->frame());
   }
-}
-
-// Frames before the range are read all the same, since later ones may name their mobiles.
-bool RunSession::nextFrame(InputFrame& frame) {
-  while (m_input.frames->next(frame)) {
-    if (frame.number > m_options.frames.last) {
-      return false;
-    }
-    if (m_options.frames.contains(frame.number)) {
-      return true;
-    }
-  }
-  return false;
 }
 
 void RunSession::runFrame(InputFrame& frame) {

@@ -46,7 +46,6 @@ class RunSession {
   void startProcess(std::unique_ptr<kelAbstractProcessGroupTracker> tracker);
   void runFrames();
   void runToTheEnd();
-  bool nextFrame(InputFrame& frame);
   void runFrame(InputFrame& frame);
   void handOut(const FrameReport& report);
   void checkStandardOutput();

@@ -61,6 +61,7 @@ Options TuneCommand::declare(CommandLine& program) {
       "tune", "Searches for the parameters that score best on annotated inputs", example);
   declareFiles(command, m_options);
   declareSearch(command, m_options);
+  declareReading(command, m_options.reading);
   return command;
 }
 

@@ -29,7 +29,7 @@ const std::map<std::string, TunedScore> scores{{"sliding", TunedScore::sliding},
                                                {"groups", TunedScore::correctGroups},
                                                {"pairs", TunedScore::pairs}};
 
-TunedSequence openSequence(const std::string& text) {
+TunedSequence openSequence(const std::string& text, const InputOptions& options) {
   const auto colon = text.rfind(':');
   if (colon == std::string::npos) {
     throw InputError(text, "INPUT:TRUTH is expected, an input and the file of its groups");
@@ -37,7 +37,7 @@ TunedSequence openSequence(const std::string& text) {
   const std::string input = text.substr(0, colon);
   const auto path = std::filesystem::path(input);
   const auto name = path.filename().empty() ? path.parent_path().filename() : path.filename();
-  return {name, input, readTruth(text.substr(colon + 1))};
+  return {name, input, options, readTruth(text.substr(colon + 1))};
 }
 
 TuningSpace readSpace(const std::string& path, const ParameterFile& base) {
@@ -88,9 +88,12 @@ TuneSession::TuneSession(const TuneOptions& options)
       m_base(readValidParameterFile(options.baseFile)),
       m_space(readSpace(options.spaceFile, m_base)) {
   refuseOverwriting({options.outputFile, options.logFile}, {options.baseFile, options.spaceFile});
+  InputOptions reading = inputOptions(options.reading);
+  reading.decodesVideo = false;
+  m_space.startFrom(options.reading.links);
   for (const auto* sequences : {&options.sequences, &options.further}) {
     for (const std::string& sequence : *sequences) {
-      m_sequences.push_back(openSequence(sequence));
+      m_sequences.push_back(openSequence(sequence, reading));
     }
   }
 }

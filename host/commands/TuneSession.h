@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/commands/InputChoice.h"
 #include "host/evaluation/search/TrialRunner.h"
 #include "host/evaluation/search/TuningSearch.h"
 #include "host/run/ParameterFile.h"
@@ -14,6 +15,7 @@ namespace grouptracker {
 struct TuneOptions {
   std::vector<std::string> sequences;  ///< INPUT:TRUTH
   std::vector<std::string> further;    ///< INPUT:TRUTH, never left out
+  InputChoice reading;                 ///< of all inputs; of the links those that are not tuned
   std::string baseFile;
   std::string outputFile;
   std::string spaceFile;

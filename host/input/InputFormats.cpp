@@ -6,6 +6,7 @@
 #include "host/camera/SceneCalibration.h"
 #include "host/input/CameraFromPeople.h"
 #include "host/input/CvmlReader.h"
+#include "host/input/InputImages.h"
 #include "host/input/MotReader.h"
 #include "host/input/MotSequence.h"
 #include "host/input/ObservationInput.h"
@@ -133,21 +134,21 @@ OpenedInput openCvml(const std::string& path, const InputOptions& options) {
   return input;
 }
 
-PeopleView viewScene(const std::string& path, const InputOptions&) {
+PeopleView viewScene(const std::string& path, const InputOptions& options) {
   if (!isFile(path)) {
     throw InputError(path, "a camera can be estimated from a file only");
   }
-  return {peopleBoxes(path), std::nullopt};
+  return {peopleBoxes(path, options.frames), std::nullopt};
 }
 
 PeopleView viewMot(const std::string& path, const InputOptions& options) {
   OpenedInput input;
   const auto people = readMotInput(path, options, input);
-  return {peopleBoxes(*people), input.imageSize};
+  return {peopleBoxes(*people, options.frames), input.imageSize};
 }
 
 PeopleView viewCvml(const std::string& path, const InputOptions& options) {
-  return {peopleBoxes(*readCvml(path, options.onProblem)), std::nullopt};
+  return {peopleBoxes(*readCvml(path, options.onProblem), options.frames), std::nullopt};
 }
 
 const std::array<InputFormat, 4> formats{{
@@ -189,7 +190,12 @@ std::vector<std::string> inputFormats() {
 }
 
 OpenedInput openInput(const std::string& path, const InputOptions& options) {
-  return formatOf(path, options.format).open(path, options);
+  OpenedInput input = formatOf(path, options.format).open(path, options);
+  input.frames = withImages(std::move(input.frames), options.images, options.decodesVideo);
+  if (!options.frames.isWhole()) {
+    input.frames = std::make_unique<FramesWithin>(std::move(input.frames), options.frames);
+  }
+  return input;
 }
 
 PeopleView readPeopleView(const std::string& path, const InputOptions& options) {

@@ -15,6 +15,7 @@ std::vector<std::string> inputFormats();
 /// Opens an input in the chosen format, or else asks each known format in turn whether the input's
 /// content is its own.
 /// To add a format, write its reader and add a row to the table in the .cpp file.
+/// The frames come with the images and within the range that the options say.
 /// An input that cannot be opened or that no format takes is an `InputError`.
 OpenedInput openInput(const std::string& path, const InputOptions& options);
 
@@ -24,7 +25,8 @@ struct PeopleView {
   std::optional<cv::Size> imageSize;  ///< pixels; none when the input does not say
 };
 
-/// Reads the people's boxes of an input. One without image boxes is an `InputError`.
+/// Reads the people's boxes of an input within the range of frames. One without image boxes is an
+/// `InputError`.
 PeopleView readPeopleView(const std::string& path, const InputOptions& options);
 
 }  // namespace grouptracker

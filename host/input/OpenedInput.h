@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/base/ProblemHandler.h"
+#include "host/input/FrameRange.h"
 #include "host/input/MotReader.h"
 #include "host/people/FrameSource.h"
 #include "host/people/LinkOptions.h"
@@ -25,6 +26,9 @@ struct InputOptions {
   std::optional<cv::Size> imageSize;      ///< pixels; asked for only when the input does not say
   LinkOptions links;
   MotChoice mot;
+  std::string images;        ///< a folder, a video or `noImages`; empty for the input's own
+  bool decodesVideo = true;  ///< whether anybody looks at the pictures of a video
+  FrameRange frames;
   ProblemHandler onProblem = throwProblem;
   int wakeDescriptor = -1;  ///< becomes readable when the program is asked to stop
 };

@@ -26,18 +26,18 @@ void appendPeople(const SceneLine& scene, std::int64_t step, std::vector<PersonB
 
 }  // namespace
 
-std::vector<PersonBox> peopleBoxes(ObservationTable& observations) {
+std::vector<PersonBox> peopleBoxes(ObservationTable& observations, const FrameRange& frames) {
   std::vector<PersonBox> boxes;
   const std::int64_t frameStep = observations.frameStep();
   observations.visit([&](const ObservationRow& row) {
-    if (row.observation.box2D && boxes.size() < mostPeopleBoxes) {
+    if (row.observation.box2D && frames.contains(row.frame) && boxes.size() < mostPeopleBoxes) {
       boxes.push_back({row.frame / frameStep, row.observation.person, *row.observation.box2D});
     }
   });
   return boxes;
 }
 
-std::vector<PersonBox> peopleBoxes(const std::string& sceneFile) {
+std::vector<PersonBox> peopleBoxes(const std::string& sceneFile, const FrameRange& frames) {
   std::vector<PersonBox> boxes;
   InputFile file(sceneFile);
   LineReader lines(file.stream(), sceneFile);
@@ -46,7 +46,9 @@ std::vector<PersonBox> peopleBoxes(const std::string& sceneFile) {
   try {
     for (std::int64_t step = 0; boxes.size() < mostPeopleBoxes && lines.nextFilled(); ++step) {
       parser.parse(lines.line(), scene);
-      appendPeople(scene, step, boxes);
+      if (frames.contains(scene.frame.value_or(step + 1))) {
+        appendPeople(scene, step, boxes);
+      }
     }
   } catch (const ValueProblem&) {
     // The reader says what is wrong when it comes to that line.

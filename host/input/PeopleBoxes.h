@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/camera/PeopleCamera.h"
+#include "host/input/FrameRange.h"
 #include "host/people/ObservationTable.h"
 
 #include <cstddef>
@@ -9,14 +10,15 @@
 
 namespace grouptracker {
 
-/// People's boxes for estimating the camera: those of the input's first part, in order.
+/// People's boxes for estimating the camera: those of the input's first part, in order,
+/// within a range of frames.
 
 constexpr std::size_t mostPeopleBoxes = 200'000;  // enough for any camera, and bounded memory
 
 /// Those of observations; to be called before the first step is read.
-std::vector<PersonBox> peopleBoxes(ObservationTable& observations);
+std::vector<PersonBox> peopleBoxes(ObservationTable& observations, const FrameRange& frames = {});
 /// Those of a scene file's actors. Lines that are wrong are left to the scene's reader.
-std::vector<PersonBox> peopleBoxes(const std::string& sceneFile);
+std::vector<PersonBox> peopleBoxes(const std::string& sceneFile, const FrameRange& frames = {});
 /// Whether a scene's first mobile has an image box only, so that a camera is needed.
 bool needsCamera(const std::string& sceneFile);
 /// The largest column and row that a box reaches.

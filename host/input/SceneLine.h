@@ -37,7 +37,9 @@ struct SceneActor {
 
 /// One frame of a scene file: its line, taken apart and checked for types but not for meaning.
 struct SceneLine {
-  std::string image;  ///< empty when the line names none
+  std::optional<std::int64_t> frame;  ///< the input's own number of the frame
+  std::optional<double> time;         ///< seconds
+  std::string image;                  ///< empty when the line names none
   std::vector<SceneMobile> mobiles;
   std::vector<SceneActor> actors;
 };

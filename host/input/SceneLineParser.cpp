@@ -108,7 +108,11 @@ void SceneLineParser::parse(const std::string& line, SceneLine& scene) {
   bool hasMobiles = false;
   bool hasActors = false;
   for (const auto field : json::asObject(json::parse(m_buffers->json, line), "the line")) {
-    if (field.key == "image") {
+    if (field.key == "frame") {
+      scene.frame = json::as<std::int64_t>(field.value, "frame");
+    } else if (field.key == "time") {
+      scene.time = json::as<double>(field.value, "time");
+    } else if (field.key == "image") {
       scene.image = json::asText(field.value, "image");
     } else if (field.key == "mobiles") {
       hasMobiles = true;

@@ -9,7 +9,7 @@ namespace grouptracker {
 
 /// Takes the lines of a scene file apart:
 ///
-///     {"image": "images/000001.jpg",
+///     {"frame": 930, "time": 62.0, "image": "images/000001.jpg",
 ///      "mobiles": [{"id": 101, "type": "PERSON", "box2d": [x, y, width, height],
 ///                   "box3d": [b0, b1, b2, b3, b4, b5], "position": [x, y, z],
 ///                   "fathers": [{"id": 95, "reliability": 0.93}]}],

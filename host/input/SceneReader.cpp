@@ -49,6 +49,7 @@ bool SceneReader::next(InputFrame& frame) {
   m_mobiles.beginFrame();
   try {
     m_parser.parse(m_lines.line(), m_scene);
+    countFrame(frame);
     for (const SceneMobile& mobile : m_scene.mobiles) {
       observe(mobile, frame);
     }
@@ -78,6 +79,22 @@ std::optional<std::uint64_t> SceneReader::totalFrames() {
     ++frames;
   }
   return frames;
+}
+
+// A line without a number of its own is counted among all lines.
+void SceneReader::countFrame(InputFrame& frame) {
+  frame.number = m_scene.frame.value_or(frame.number);
+  frame.time = m_scene.time;
+  if (m_lastNumber && frame.number <= *m_lastNumber) {
+    throw ValueProblem("the frame is number " + std::to_string(frame.number) +
+                       ", the one before it number " + std::to_string(*m_lastNumber) +
+                       "; numbers must grow");
+  }
+  m_lastNumber = frame.number;
+  if (frame.time && m_lastTime && *frame.time <= *m_lastTime) {
+    throw ValueProblem("the time is not later than that of a frame before");
+  }
+  m_lastTime = frame.time ? frame.time : m_lastTime;
 }
 
 void SceneReader::observe(const SceneMobile& mobile, InputFrame& frame) {

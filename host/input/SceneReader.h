@@ -22,8 +22,9 @@ namespace grouptracker {
 /// over. Lines are taken as they arrive, so that a live tracker can be piped in; memory does not
 /// grow with the number of frames or ids. Boxes and positions that a mobile leaves out are derived
 /// from its image box with the calibration. Beside the errors of the parser, an id declared twice
-/// in a frame, a name for an id that was never declared and an actor whose last mobile is not of
-/// its frame are an `InputError`, behind which the next line may be read all the same.
+/// in a frame, a frame number or time that does not grow from line to line, a name for an id that
+/// was never declared and an actor whose last mobile is not of its frame are an `InputError`,
+/// behind which the next line may be read all the same.
 class SceneReader : public FrameSource {
  public:
   using Calibration = QSharedPointer<kelAbstractDataCalibration>;
@@ -39,6 +40,7 @@ class SceneReader : public FrameSource {
   std::optional<std::uint64_t> totalFrames() override;
 
  private:
+  void countFrame(InputFrame& frame);
   void observe(const SceneMobile& mobile, InputFrame& frame);
   QSharedPointer<kelDataPhysicalObject> physicalObject(const SceneMobile& mobile) const;
   void linkFathers(const SceneMobile& mobile, InputFrame& frame);
@@ -52,8 +54,10 @@ class SceneReader : public FrameSource {
   std::filesystem::path m_imageFolder;
   Calibration m_calibration;
   MobileStore m_mobiles;
-  SceneLine m_scene;  ///< the current line, kept for its buffers
-  std::int64_t m_frames = 0;
+  SceneLine m_scene;                         ///< the current line, kept for its buffers
+  std::int64_t m_frames = 0;                 ///< lines with a frame
+  std::optional<std::int64_t> m_lastNumber;  ///< of the frame before
+  std::optional<double> m_lastTime;          ///< the latest that a line gave, seconds
 };
 
 }  // namespace grouptracker

@@ -17,40 +17,58 @@ void appendBody(Line& line, const BoundingBox3D& body) {
          jsonNumber(body.b2), jsonNumber(body.b3), jsonNumber(body.b4), jsonNumber(body.b5));
 }
 
-void appendFathers(Line& line, const kelDataLinkedPhysicalObject& mobile) {
-  if (mobile.getFatherLinks().empty()) {
+}  // namespace
+
+bool SceneWriter::isDeclared(const kelDataLinkedPhysicalObject& mobile) const {
+  return !m_declared || m_declared->contains(mobile.getIdent());
+}
+
+void SceneWriter::appendFathers(const kelDataLinkedPhysicalObject& mobile) {
+  std::vector<const kelDataLinkedPhysicalObjectLink*> links;
+  for (const auto& link : mobile.getFatherLinks()) {
+    if (isDeclared(*link->getFather())) {
+      links.push_back(link.data());
+    }
+  }
+  if (links.empty()) {
     return;
   }
-  append(line, R"(, "fathers": )");
-  appendArray(line, mobile.getFatherLinks(), [&line](const auto& link) {
-    append(line, R"({{"id": {}, "reliability": {}}})", link->getFather()->getIdent(),
+  append(m_line, R"(, "fathers": )");
+  appendArray(m_line, links, [this](const auto* link) {
+    append(m_line, R"({{"id": {}, "reliability": {}}})", link->getFather()->getIdent(),
            jsonNumber(link->getReliability()));
   });
 }
 
-void appendMobile(Line& line, const kelDataLinkedPhysicalObject& mobile) {
+void SceneWriter::appendMobile(const kelDataLinkedPhysicalObject& mobile) {
   const kelDataPhysicalObject& seen = *mobile.getPhysicalObject();
   const cv::Rect& box = seen.getBoundingBox2D();
   const cv::Point3f& position = seen.getPosition();
-  append(line, R"({{"id": {}, "type": {}, "box2d": [{}, {}, {}, {}], )", mobile.getIdent(),
+  append(m_line, R"({{"id": {}, "type": {}, "box2d": [{}, {}, {}, {}], )", mobile.getIdent(),
          jsonText(seen.getType()), box.x, box.y, box.width, box.height);
-  appendBody(line, seen.getBoundingBox3D());
-  append(line, R"(, "position": [{}, {}, {}])", jsonNumber(position.x), jsonNumber(position.y),
+  appendBody(m_line, seen.getBoundingBox3D());
+  append(m_line, R"(, "position": [{}, {}, {}])", jsonNumber(position.x), jsonNumber(position.y),
          jsonNumber(position.z));
-  appendFathers(line, mobile);
-  append(line, "}}");
+  appendFathers(mobile);
+  append(m_line, "}}");
+  if (m_declared) {
+    m_declared->insert(mobile.getIdent());
+  }
 }
 
-void appendActor(Line& line, const kelDataActor& actor) {
-  append(line, R"({{"id": {}, "type": {}, )", actor.getIdent(), jsonText(actor.getType()));
-  appendBody(line, actor.getBoundingBox3D());
-  append(line, R"(, "mobiles": )");
-  appendArray(line, actor.getLinkedPhysicalObjectList(),
-              [&line](const auto& mobile) { append(line, "{}", mobile->getIdent()); });
-  append(line, "}}");
+void SceneWriter::appendActor(const kelDataActor& actor) {
+  append(m_line, R"({{"id": {}, "type": {}, )", actor.getIdent(), jsonText(actor.getType()));
+  appendBody(m_line, actor.getBoundingBox3D());
+  std::vector<std::uint32_t> mobiles;
+  for (const auto& mobile : actor.getLinkedPhysicalObjectList()) {
+    if (isDeclared(*mobile)) {
+      mobiles.push_back(mobile->getIdent());
+    }
+  }
+  append(m_line, R"(, "mobiles": )");
+  json_line::appendNumbers(m_line, mobiles);
+  append(m_line, "}}");
 }
-
-}  // namespace
 
 void SceneWriter::write(const InputFrame& frame) {
   m_line.clear();
@@ -59,14 +77,19 @@ void SceneWriter::write(const InputFrame& frame) {
     append(m_line, R"("{}": {}, )", sceneCalibrationKey, m_calibration);
     m_calibration.clear();
   }
+  if (m_keepsNumbers) {
+    append(m_line, R"("frame": {}, )", frame.number);
+    if (frame.time) {
+      append(m_line, R"("time": {}, )", jsonNumber(*frame.time));
+    }
+  }
   if (!frame.imageFile.empty()) {
     append(m_line, R"("image": {}, )", jsonText(frame.imageFile.string()));
   }
   append(m_line, R"("mobiles": )");
-  appendArray(m_line, frame.observed,
-              [this](const auto& mobile) { appendMobile(m_line, *mobile); });
+  appendArray(m_line, frame.observed, [this](const auto& mobile) { appendMobile(*mobile); });
   append(m_line, R"(, "actors": )");
-  appendArray(m_line, frame.actors, [this](const auto& actor) { appendActor(m_line, *actor); });
+  appendArray(m_line, frame.actors, [this](const auto& actor) { appendActor(*actor); });
   append(m_line, "}}\n");
   m_file.writeLines({m_line.data(), m_line.size()});
 }

@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,8 +19,9 @@ using MobilePointer = QSharedPointer<kelDataLinkedPhysicalObject>;
 
 /// What the process gets for one video frame, and what the host needs to know about it.
 struct InputFrame {
-  std::int64_t number = 0;  ///< the number that the input itself gives to the frame
-  std::string place;        ///< where the frame stands in the input, "FILE:LINE", for messages
+  std::int64_t number = 0;     ///< the number that the input itself gives to the frame
+  std::optional<double> time;  ///< seconds by the input's own clock; none when it has none
+  std::string place;           ///< where the frame stands in the input, "FILE:LINE", for messages
   QList<QSharedPointer<kelDataActor>> actors;
   std::filesystem::path imageFile;      ///< empty when the input names no image
   QSharedPointer<kelDataImage> image;   ///< null until somebody loads the image file

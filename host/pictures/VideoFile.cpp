@@ -43,6 +43,10 @@ VideoFile::VideoFile(const std::string& path, double rate)
   }
 }
 
+std::string VideoFile::imageName(std::int64_t number) {
+  return fmt::format("{:06}.png", number);
+}
+
 void VideoFile::add(const cv::Mat& picture, std::int64_t number) {
   if (m_isFilm) {
     if (!m_film.isOpened()) {
@@ -51,7 +55,7 @@ void VideoFile::add(const cv::Mat& picture, std::int64_t number) {
     m_film.write(picture);
     return;
   }
-  const auto file = std::filesystem::path(m_path) / fmt::format("{:06}.png", number);
+  const auto file = std::filesystem::path(m_path) / imageName(number);
   bool isWritten = false;
   try {
     isWritten = cv::imwrite(file.string(), picture, {cv::IMWRITE_PNG_COMPRESSION, 1});

@@ -17,6 +17,8 @@ class VideoFile : public PictureTarget {
   /// `rate` is in pictures per second.
   VideoFile(const std::string& path, double rate);
 
+  /// The name of an image within its folder.
+  static std::string imageName(std::int64_t number);
   /// `number` names the picture among images.
   void add(const cv::Mat& picture, std::int64_t number) override;
   /// Completes the film.

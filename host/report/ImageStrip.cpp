@@ -22,13 +22,44 @@ std::int16_t toPixels(double length) {
 
 }  // namespace
 
-void ImageStrip::addFrame(std::filesystem::path file, std::string place,
-                          std::vector<PersonPlace> people) {
-  m_hasImages = m_hasImages || !file.empty();
-  m_frames.push_back({std::move(file), std::move(place), std::move(people)});
+void ImageStrip::addFrame(const InputFrame& frame, std::vector<PersonPlace> people) {
+  m_frames.push_back({frame.imageFile, frame.place, {}, {}});
+  if (frame.imageFile.empty() && !frame.image) {
+    return;
+  }
+  m_hasImages = true;
+  m_frames.back().people = std::move(people);
+  if (frame.imageFile.empty()) {
+    addPicture(frame.image->mat());
+  }
+}
+
+void ImageStrip::addPicture(const cv::Mat& picture) {
+  if ((m_frames.size() - 1) % m_pictureEvery != 0) {
+    return;
+  }
+  m_frames.back().small = shrink(picture);
+  if (++m_pictures <= mostImages) {
+    return;
+  }
+  m_pictureEvery *= 2;
+  m_pictures = 0;
+  for (std::size_t i = 0; i < m_frames.size(); ++i) {
+    if (i % m_pictureEvery != 0) {
+      m_frames[i].small = {};
+    }
+    m_pictures += m_frames[i].small.jpeg.isEmpty() ? 0 : 1;
+  }
 }
 
 std::size_t ImageStrip::every() const {
+  if (m_pictures > 0) {
+    std::size_t frames = m_pictureEvery;
+    while (m_frames.size() > frames * mostImages) {
+      frames *= 2;
+    }
+    return frames;
+  }
   return m_hasImages ? (m_frames.size() + mostImages - 1) / mostImages : 0;
 }
 
@@ -37,7 +68,10 @@ std::vector<QByteArray> ImageStrip::load(ReportBody& body) const {
   Boxes boxes;
   for (std::size_t i = 0; m_hasImages && i < m_frames.size(); i += every()) {
     const Frame& frame = m_frames[i];
-    images.push_back(frame.file.empty() ? QByteArray() : shrink(frame, boxes));
+    const SmallImage image =
+        frame.file.empty() ? frame.small : shrink(readImage(frame.file, frame.place));
+    images.push_back(image.jpeg);
+    addBoxes(frame, image.factor, boxes);
     boxes.ends.push_back(static_cast<std::uint32_t>(boxes.persons.size()));
   }
   body.add("boxesEnd", boxes.ends);
@@ -49,12 +83,18 @@ std::vector<QByteArray> ImageStrip::load(ReportBody& body) const {
   return images;
 }
 
-QByteArray ImageStrip::shrink(const Frame& frame, Boxes& boxes) {
-  cv::Mat pixels = readImage(frame.file, frame.place);
+ImageStrip::SmallImage ImageStrip::shrink(const cv::Mat& pixels) {
   const double factor = std::min(1.0, static_cast<double>(width) / pixels.cols);
-  cv::resize(pixels, pixels, {}, factor, factor, cv::INTER_AREA);
+  cv::Mat small;
+  cv::resize(pixels, small, {}, factor, factor, cv::INTER_AREA);
   std::vector<uchar> bytes;
-  cv::imencode(".jpg", pixels, bytes, {cv::IMWRITE_JPEG_QUALITY, quality});
+  cv::imencode(".jpg", small, bytes, {cv::IMWRITE_JPEG_QUALITY, quality});
+  return {QByteArray(reinterpret_cast<const char*>(bytes.data()), static_cast<int>(bytes.size()))
+              .toBase64(),
+          factor};
+}
+
+void ImageStrip::addBoxes(const Frame& frame, double factor, Boxes& boxes) {
   for (const PersonPlace& person : frame.people) {
     boxes.persons.push_back(person.person);
     boxes.x.push_back(toPixels(person.box2D.x * factor));
@@ -62,8 +102,6 @@ QByteArray ImageStrip::shrink(const Frame& frame, Boxes& boxes) {
     boxes.widths.push_back(toPixels(person.box2D.width * factor));
     boxes.heights.push_back(toPixels(person.box2D.height * factor));
   }
-  return QByteArray(reinterpret_cast<const char*>(bytes.data()), static_cast<int>(bytes.size()))
-      .toBase64();
 }
 
 }  // namespace grouptracker

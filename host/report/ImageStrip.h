@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/people/InputFrame.h"
 #include "host/report/ReportBody.h"
 #include "host/run/ReportedStep.h"
 
@@ -17,8 +18,10 @@ namespace grouptracker {
 /// the frames, so that a report of any length can be opened.
 class ImageStrip {
  public:
-  /// `people` are those in view with their boxes in the image.
-  void addFrame(std::filesystem::path file, std::string place, std::vector<PersonPlace> people);
+  /// `people` are those in view with their boxes in the image. An image that is in no file of its
+  /// own, but in a video, is made small at once, and of more than some hundred of them only every
+  /// second, fourth and so on is kept.
+  void addFrame(const InputFrame& frame, std::vector<PersonPlace> people);
 
   /// Frames from one image to the next; 0 without images.
   std::size_t every() const;
@@ -27,10 +30,15 @@ class ImageStrip {
   std::vector<QByteArray> load(ReportBody& body) const;
 
  private:
+  struct SmallImage {
+    QByteArray jpeg;      ///< in base64
+    double factor = 1.0;  ///< from the pixels of the image to its own
+  };
   struct Frame {
-    std::filesystem::path file;
+    std::filesystem::path file;  ///< empty without one
     std::string place;
     std::vector<PersonPlace> people;
+    SmallImage small;  ///< empty for one that is still to be read from its file
   };
   /// Boxes in pixels of the small images; those of an image end where `ends` says.
   struct Boxes {
@@ -38,10 +46,14 @@ class ImageStrip {
     std::vector<std::int16_t> x, y, widths, heights;
   };
 
-  static QByteArray shrink(const Frame& frame, Boxes& boxes);
+  static SmallImage shrink(const cv::Mat& pixels);
+  static void addBoxes(const Frame& frame, double factor, Boxes& boxes);
+  void addPicture(const cv::Mat& picture);
 
   std::vector<Frame> m_frames;
   bool m_hasImages = false;
+  std::size_t m_pictures = 0;      ///< kept pictures of a video
+  std::size_t m_pictureEvery = 1;  ///< frames from one of them to the next
 };
 
 }  // namespace grouptracker

@@ -6,9 +6,12 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <opencv2/core.hpp>
+#include <opencv2/imgcodecs.hpp>
+#include <opencv2/videoio.hpp>
 
+#include <algorithm>
 #include <filesystem>
-#include <regex>
 #include <sstream>
 
 namespace grouptracker {
@@ -16,6 +19,7 @@ namespace grouptracker {
 namespace {
 
 using testing::HasSubstr;
+using testing::Not;
 
 /// The program in a folder with a parameter file and inputs of many formats.
 class Files : public testing::Test {
@@ -41,21 +45,27 @@ class Files : public testing::Test {
     return text.str();
   }
 
-  /// The lines and the groups of a run; the input's own frame numbers are taken out.
+  /// The lines and the groups of a run.
   std::string resultOf(const QString& input, const QStringList& more = {}) {
     Program program(folder.path());
     const int status = program.run(QStringList{"run", input, "--parameters", "p.txt", "--output",
                                                "g.jsonl", "--mobile-dump", "none"} +
                                    more);
     EXPECT_EQ(status, 0) << program.errors();
-    return program.output() + std::regex_replace(textOf(folder.path() / "g.jsonl"),
-                                                 std::regex("\"inputFrame\": [^,]*"), "");
+    return program.output() + textOf(folder.path() / "g.jsonl");
   }
   int run(const QStringList& arguments) {
     Program program(folder.path());
     const int status = program.run(arguments);
     said = program.output() + program.errors();
     return status;
+  }
+
+  /// What a command's help says about how the input is read.
+  std::string readingOf(const QString& command) {
+    EXPECT_EQ(run({command, "--help"}), 0) << said;
+    const auto begin = std::min(said.find("How the input is read:"), said.size());
+    return said.substr(begin, said.find("\n\n", begin) - begin);
   }
 
   const WalkersInView scene;
@@ -70,6 +80,78 @@ TEST_F(Files, RunTheSameOnceConvertedToAScene) {
     ASSERT_EQ(run({"convert", input, "--output", "copy.jsonl"}), 0) << said;
     EXPECT_TRUE(resultOf("copy.jsonl") == expected) << input;
   }
+}
+
+TEST_F(Files, AreReadInTheSameWaysByEveryCommand) {
+  const std::string expected = readingOf("run");
+  EXPECT_THAT(expected, HasSubstr("--motion-steps"));
+  for (const char* const command :
+       {"convert", "calibrate", "check", "report", "evaluate", "tune"}) {
+    EXPECT_EQ(readingOf(command), expected) << command;
+  }
+}
+
+TEST_F(Files, GiveEveryCommandWhatTheyGaveToTheRun) {
+  folder.write("truth.txt", "1 2\n");
+  folder.write("camera.txt", "0.02 0.0001 -7\n0.0002 -0.03 14\n0.00001 -0.0005 1\n");
+  std::string boxes = scene.motFile();
+  for (int frame = 1; frame <= 80; ++frame) {
+    boxes += std::to_string(frame) + ",99,300,300,30,80,0.2,-1,-1,-1\n";
+  }
+  folder.write("doubtful.txt", boxes);
+  const QStringList reading{"--calibration", "camera.txt", "--min-confidence", "0.5",
+                            "--frames",      "11:60",      "--own-links",      "2"};
+  const std::string expected = resultOf("doubtful.txt", reading);
+  EXPECT_EQ(expected.find("\"inputFrame\": 10,"), std::string::npos);
+  EXPECT_EQ(expected.find("TPO 99\n"), std::string::npos);
+
+  ASSERT_EQ(run(QStringList{"report", "doubtful.txt", "g.jsonl", "--output", "r.html"} + reading),
+            0)
+      << said;
+  EXPECT_THAT(textOf(folder.path() / "r.html"), HasSubstr("\"frames\":50,"));
+  EXPECT_EQ(run(QStringList{"check", "doubtful.txt"} + reading), 1) << said;
+  EXPECT_THAT(said, HasSubstr("0 problems"));
+  EXPECT_EQ(run(QStringList{"evaluate", "g.jsonl", "--truth", "truth.txt", "--baselines", "--input",
+                            "doubtful.txt"} +
+                reading),
+            0)
+      << said;
+  EXPECT_EQ(run(QStringList{"tune", "doubtful.txt:truth.txt", "--base", "p.txt", "--output",
+                            "best.txt", "--trials", "1", "--quiet"} +
+                reading),
+            0)
+      << said;
+  ASSERT_EQ(run(QStringList{"convert", "doubtful.txt", "--output", "copy.jsonl"} + reading), 0)
+      << said;
+  EXPECT_TRUE(resultOf("copy.jsonl") == expected);
+}
+
+TEST_F(Files, TakeTheirImagesFromAFilm) {
+  const cv::Size size(64, 48);
+  cv::VideoWriter film(folder.path() / "film.avi", cv::VideoWriter::fourcc('M', 'J', 'P', 'G'),
+                       10.0, size);
+  if (!film.isOpened()) {
+    GTEST_SKIP() << "no codec to write a video with";
+  }
+  for (int frame = 0; frame < 12; ++frame) {
+    film.write(cv::Mat(size, CV_8UC3, cv::Scalar::all(20.0 * frame)));
+  }
+  film.release();
+  ASSERT_EQ(run({"convert", "scene.jsonl", "--images", "film.avi", "--output", "copy.jsonl"}), 0)
+      << said;
+  EXPECT_THAT(textOf(folder.path() / "copy.jsonl"),
+              HasSubstr(R"({"frame": 12, "image": "copy-images/000012.png", )"));
+  EXPECT_NEAR(cv::mean(cv::imread(folder.path() / "copy-images/000012.png"))[0], 220, 3);
+  resultOf("scene.jsonl");
+  const auto page = [this](const QString& images) {
+    EXPECT_EQ(run({"report", "scene.jsonl", "g.jsonl", "--output", "r.html", "--images", images}),
+              0)
+        << said;
+    return textOf(folder.path() / "r.html");
+  };
+  EXPECT_THAT(page("film.avi"), HasSubstr("id=\"image-11\""));
+  EXPECT_THAT(page("copy-images"), HasSubstr("id=\"image-11\""));
+  EXPECT_THAT(page("none"), Not(HasSubstr("id=\"image-0\"")));
 }
 
 TEST_F(Files, SeeTheSameThroughAHomographyInEitherOrder) {

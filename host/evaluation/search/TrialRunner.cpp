@@ -50,7 +50,7 @@ double scoreOf(const RunRecord& run, const GroupTruth& truth, TunedScore score) 
 double runTrial(const TunedSequence& sequence, const TrialSettings& settings, TunedScore score,
                 const std::string& parameterFile) {
   OutputFile(parameterFile).writeLines(settings.parameters);
-  InputOptions options;
+  InputOptions options = sequence.options;
   options.links = settings.links;
   const OpenedInput input = openInput(sequence.input, options);
   ProcessOptions process;

@@ -3,6 +3,7 @@
 #include "host/evaluation/GroupTruth.h"
 #include "host/evaluation/WindowScores.h"
 #include "host/evaluation/search/TuningSpace.h"
+#include "host/input/OpenedInput.h"
 
 #include <string>
 
@@ -12,6 +13,7 @@ namespace grouptracker {
 struct TunedSequence {
   std::string name;
   std::string input;
+  InputOptions options;  ///< how to read it; of the links those that are not searched for
   GroupTruth truth;
 };
 

@@ -118,10 +118,9 @@ double TuningSpace::atPlace(const TunedValue& value, double place) {
 
 Candidate TuningSpace::baseOf(const ParameterFile& base) const {
   Candidate candidate;
-  const LinkOptions links;
   for (const TunedValue& value : m_values) {
     double number = 0.0;
-    if (!linkArgument(links, value.name, number)) {
+    if (!linkArgument(m_links, value.name, number)) {
       if (base.find(value.name) == nullptr) {
         throw InputError(value.name, "neither a parameter nor a link option");
       }
@@ -135,6 +134,7 @@ Candidate TuningSpace::baseOf(const ParameterFile& base) const {
 
 TrialSettings TuningSpace::settingsOf(const Candidate& candidate, const ParameterFile& base) const {
   TrialSettings settings;
+  settings.links = m_links;
   std::map<std::string, double> changes;
   for (std::size_t i = 0; i < m_values.size(); ++i) {
     const TunedValue& value = m_values[i];

@@ -41,6 +41,8 @@ class TuningSpace {
   /// start with # are passed over. Bad input is an `InputError`.
   static TuningSpace read(std::istream& in, const std::string& name);
 
+  /// The links of which those that are tuned are changed.
+  void startFrom(const LinkOptions& links) { m_links = links; }
   const std::vector<TunedValue>& values() const { return m_values; }
   /// The place from 0 to 1 within the range of a value, and back; what comes back is rounded to
   /// three digits, or to a whole number, and never leaves the range.
@@ -52,6 +54,7 @@ class TuningSpace {
 
  private:
   std::vector<TunedValue> m_values;
+  LinkOptions m_links;
 };
 
 }  // namespace grouptracker

@@ -1,6 +1,6 @@
 #include "host/input/ImageLoader.h"
+#include "host/input/InputImages.h"
 #include "host/input/SceneReader.h"
-#include "host/input/VideoImages.h"
 #include "tests/support/base/Errors.h"
 #include "tests/support/base/TempFolder.h"
 

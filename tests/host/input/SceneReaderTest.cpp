@@ -67,6 +67,27 @@ TEST(SceneReader, BuildsMobilesActorsAndLinks) {
   EXPECT_EQ(frames[1].actors[1]->getBoundingBox3D(), (BoundingBox3D{1, 2, 3, 4, 5, 0.1F}));
 }
 
+TEST(SceneReader, TakesTheNumbersAndTimesOfTheInputItself) {
+  const auto numbered = [](const std::string& numbers) {
+    return "{" + numbers + R"("mobiles": [], "actors": []})" + "\n";
+  };
+  const auto frames = readAll(numbered(R"("frame": -4, "time": 0.5, )") + numbered("") +
+                              numbered(R"("frame": 780, "time": 62, )"));
+  EXPECT_EQ(frames[0].number, -4);
+  EXPECT_EQ(frames[0].time, 0.5);
+  EXPECT_EQ(frames[1].number, 2) << "without a number of its own a frame has that of its line";
+  EXPECT_FALSE(frames[1].time);
+  EXPECT_EQ(frames[2].number, 780);
+  EXPECT_EQ(errorOf([&] { readAll(numbered(R"("frame": 5, )") + numbered("")); }),
+            "s.jsonl:2: the frame is number 2, the one before it number 5; numbers must grow");
+  EXPECT_EQ(errorOf([&] {
+              readAll(numbered(R"("time": 5, )") + numbered("") + numbered(R"("time": 5, )"));
+            }),
+            "s.jsonl:3: the time is not later than that of a frame before");
+  EXPECT_EQ(errorOf([&] { readAll(numbered(R"("frame": 1.5, )")); }),
+            "s.jsonl:1: frame must be an integer from -9223372036854775808 to 9223372036854775807");
+}
+
 TEST(SceneReader, AnIdDeclaredAgainNamesItsLatestObservation) {
   const auto frames = readAll(line(mobile("1")) + line(mobile("1", father("1"))) +
                               line(mobile("2"), R"({"id": 7, "mobiles": [1, 2]})"));

@@ -1,7 +1,10 @@
 #pragma once
 
+#include "host/people/FrameSource.h"
+
 #include <cstdint>
 #include <limits>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -19,6 +22,20 @@ struct FrameRange {
   bool isWhole() const { return *this == FrameRange(); }
   bool contains(std::int64_t frame) const { return frame >= first && frame <= last; }
   bool operator==(const FrameRange&) const = default;
+};
+
+/// The frames of an input that lie within a range. Those before it are read all the same, since
+/// later ones may name their mobiles; those behind it are not.
+class FramesWithin : public FrameSource {
+ public:
+  FramesWithin(std::unique_ptr<FrameSource> source, const FrameRange& range)
+      : m_source(std::move(source)), m_range(range) {}
+
+  bool next(InputFrame& frame) override;
+
+ private:
+  std::unique_ptr<FrameSource> m_source;
+  FrameRange m_range;
 };
 
 }  // namespace grouptracker

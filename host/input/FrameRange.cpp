@@ -1,4 +1,4 @@
-#include "host/commands/FrameRange.h"
+#include "host/input/FrameRange.h"
 
 #include <charconv>
 #include <string_view>
@@ -26,6 +26,18 @@ std::optional<FrameRange> FrameRange::parse(const std::string& text) {
   const bool isRange = readEnd(view.substr(0, colon), range.first) &&
                        readEnd(view.substr(colon + 1), range.last) && range.first <= range.last;
   return isRange ? std::optional(range) : std::nullopt;
+}
+
+bool FramesWithin::next(InputFrame& frame) {
+  while (m_source->next(frame)) {
+    if (frame.number > m_range.last) {
+      return false;
+    }
+    if (m_range.contains(frame.number)) {
+      return true;
+    }
+  }
+  return false;
 }
 
 }  // namespace grouptracker

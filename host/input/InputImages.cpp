@@ -1,0 +1,106 @@
+#include "host/input/InputImages.h"
+
+#include "host/base/InputError.h"
+#include "host/base/InputFile.h"
+
+#include <algorithm>
+#include <system_error>
+#include <utility>
+
+namespace grouptracker {
+
+namespace {
+
+/// An input whose images nobody wants.
+class WithoutImages : public FrameSource {
+ public:
+  explicit WithoutImages(std::unique_ptr<FrameSource> source) : m_source(std::move(source)) {}
+
+  bool next(InputFrame& frame) override {
+    const bool hasNext = m_source->next(frame);
+    frame.imageFile.clear();
+    return hasNext;
+  }
+  std::optional<std::uint64_t> totalFrames() override { return m_source->totalFrames(); }
+
+ private:
+  std::unique_ptr<FrameSource> m_source;
+};
+
+}  // namespace
+
+std::unique_ptr<FrameSource> withImages(std::unique_ptr<FrameSource> source,
+                                        const std::string& images, bool decodesVideo) {
+  if (images.empty()) {
+    return source;
+  }
+  if (images == noImages) {
+    return std::make_unique<WithoutImages>(std::move(source));
+  }
+  if (!std::filesystem::is_regular_file(images)) {
+    return std::make_unique<ImageFolder>(std::move(source), images);
+  }
+  return decodesVideo ? std::make_unique<VideoImages>(std::move(source), images)
+                      : std::move(source);
+}
+
+ImageFolder::ImageFolder(std::unique_ptr<FrameSource> source, const std::string& folder)
+    : m_source(std::move(source)), m_folder(folder) {
+  std::error_code failure;
+  for (const auto& entry : std::filesystem::directory_iterator(folder, failure)) {
+    if (entry.is_regular_file()) {
+      m_images.push_back(entry.path());
+    }
+  }
+  if (failure) {
+    throw InputError(folder, "cannot be read: " + failure.message());
+  }
+  std::sort(m_images.begin(), m_images.end());
+}
+
+bool ImageFolder::next(InputFrame& frame) {
+  if (!m_source->next(frame)) {
+    return false;
+  }
+  if (frame.imageFile.empty()) {
+    if (m_next == m_images.size()) {
+      throw InputError(frame.place, m_folder + " has only " + std::to_string(m_images.size()) +
+                                        " images, none for frame " + std::to_string(m_next + 1));
+    }
+    frame.imageFile = m_images[m_next];
+  }
+  ++m_next;
+  return true;
+}
+
+VideoImages::VideoImages(std::unique_ptr<FrameSource> source, const std::string& file)
+    : m_source(std::move(source)), m_file(file) {
+  const InputFile canBeOpened(file);
+  try {
+    m_video.open(file);
+  } catch (const cv::Exception&) {
+    m_video.release();  // the same as a file that is no video
+  }
+  if (!m_video.isOpened()) {
+    throw InputError(file, "neither a folder of images nor a readable video");
+  }
+}
+
+bool VideoImages::next(InputFrame& frame) {
+  if (!m_source->next(frame)) {
+    return false;
+  }
+  cv::Mat pixels;
+  if (!m_video.read(pixels) || pixels.empty()) {
+    throw InputError(frame.place, m_file + " has only " + std::to_string(m_frames) +
+                                      " frames, none for frame " + std::to_string(m_frames + 1));
+  }
+  ++m_frames;
+  if (frame.imageFile.empty()) {
+    // A copy of its own: the video's reader writes the next frame over this one.
+    frame.image = QSharedPointer<kelDataImage>::create(pixels.clone());
+  }
+  return true;
+}
+
+}  // namespace grouptracker

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "host/people/FrameSource.h"
+
+#include <opencv2/videoio.hpp>
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace grouptracker {
+
+/// The word that stands for no images where a folder or a video could stand.
+inline constexpr const char* noImages = "none";
+
+/// Gives the frames of an input that names no images those of `images`: a folder, a video file, or
+/// `noImages`, which also takes away what the input itself names. An empty text changes nothing. A
+/// video has to be decoded whether anybody looks at its pictures or not: `decodesVideo` tells
+/// whether somebody does.
+std::unique_ptr<FrameSource> withImages(std::unique_ptr<FrameSource> source,
+                                        const std::string& images, bool decodesVideo);
+
+/// Gives the frames of an input that names no images the images of a folder: the first frame the
+/// first file in sorted order, and so on. An image that the input names itself is kept. A folder
+/// that cannot be read or that ends before the input is an `InputError`.
+class ImageFolder : public FrameSource {
+ public:
+  ImageFolder(std::unique_ptr<FrameSource> source, const std::string& folder);
+
+  bool next(InputFrame& frame) override;
+  std::optional<std::uint64_t> totalFrames() override { return m_source->totalFrames(); }
+
+ private:
+  std::unique_ptr<FrameSource> m_source;
+  std::string m_folder;
+  std::vector<std::filesystem::path> m_images;  ///< sorted by name
+  std::size_t m_next = 0;
+};
+
+/// The same with the pictures of a video file. A file that is no readable video or that ends before
+/// the input is an `InputError`.
+class VideoImages : public FrameSource {
+ public:
+  VideoImages(std::unique_ptr<FrameSource> source, const std::string& file);
+
+  bool next(InputFrame& frame) override;
+  std::optional<std::uint64_t> totalFrames() override { return m_source->totalFrames(); }
+
+ private:
+  std::unique_ptr<FrameSource> m_source;
+  std::string m_file;
+  cv::VideoCapture m_video;
+  std::uint64_t m_frames = 0;
+};
+
+}  // namespace grouptracker
