@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/base/InputError.h"
-#include "host/people/FrameSource.h"
+#include "host/people/InputFrame.h"
 #include "host/people/ObservationSource.h"
 
 #include <cstddef>

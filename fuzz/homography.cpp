@@ -1,6 +1,5 @@
-#include "host/camera/Homography.h"
-
 #include "fuzz/FuzzedInput.h"
+#include "host/camera/GroundPlaneCalibration.h"
 
 namespace grouptracker {
 

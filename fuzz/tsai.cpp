@@ -1,5 +1,5 @@
 #include "fuzz/FuzzedInput.h"
-#include "host/camera/TsaiReader.h"
+#include "host/camera/TsaiCalibration.h"
 
 namespace grouptracker {
 

@@ -26,4 +26,13 @@ std::optional<BoundingBox3D> liftBox(const kelAbstractDataCalibration& camera,
 /// see one of them.
 cv::Rect projectBox(const kelAbstractDataCalibration& camera, const BoundingBox3D& body);
 
+/// The body of a person of whom only the place is known: 0.5 x 0.5 x 1.7 m, upright on its foot
+/// point. Metres, z up; the first corner is the upper one.
+inline BoundingBox3D standingBody(const cv::Point3f& foot) {
+  constexpr float halfWidth = 0.25F;
+  constexpr float height = 1.7F;
+  return {foot.x + halfWidth, foot.y + halfWidth, height,
+          foot.x - halfWidth, foot.y - halfWidth, 0.0F};
+}
+
 }  // namespace grouptracker

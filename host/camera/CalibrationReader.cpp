@@ -3,24 +3,99 @@
 #include "host/base/InputError.h"
 #include "host/base/InputFile.h"
 #include "host/base/LineReader.h"
-#include "host/camera/CalibrationNodes.h"
-#include "host/camera/StorageCheck.h"
+#include "host/base/XmlElements.h"
+#include "host/camera/HostCalibration.h"
 #include "host/camera/TsaiCalibration.h"
-#include "host/camera/TsaiReader.h"
 
 #include <QRegularExpression>
+#include <nlohmann/json.hpp>
 #include <opencv2/core.hpp>
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
 #include <exception>
 #include <filesystem>
+#include <optional>
+#include <sstream>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 namespace grouptracker {
 
 namespace {
+
+constexpr std::size_t longestLine = 64 * 1024;  // bytes
+// Together they bound how deep OpenCV's parser of YAML can call itself.
+constexpr std::size_t longestYamlLine = 1024;  // bytes
+constexpr int deepestValue = 16;               // brackets around it
+
+bool isControl(char c) {
+  return static_cast<unsigned char>(c) < ' ' && c != '\t';
+}
+
+int opened(char c) {
+  return c == '[' || c == '{' ? 1 : (c == ']' || c == '}' ? -1 : 0);
+}
+
+/// All lines; those of YAML are looked at on the way, since no other parser does.
+std::string readText(std::istream& in, const std::string& name) {
+  LineReader lines(in, name, longestLine);
+  std::string text;
+  int depth = 0;
+  while (lines.next()) {
+    const std::string& line = lines.line();
+    if (std::any_of(line.begin(), line.end(), isControl)) {
+      throw lines.error("holds bytes that are no text");
+    }
+    text += line;
+    text += '\n';
+    for (const char c : line) {
+      depth = std::max(0, depth + opened(c));
+      if (depth > deepestValue) {
+        throw lines.error("values are nested too deep");
+      }
+    }
+    if (text.front() != '<' && text.front() != '{' && line.size() > longestYamlLine) {
+      throw lines.error("the line is longer than " + std::to_string(longestYamlLine) + " bytes");
+    }
+  }
+  return text;
+}
+
+void refuseBrokenXml(const std::string& text, const std::string& name) {
+  std::istringstream in(text);
+  XmlElements xml(in, name);
+  while (xml.next()) {
+  }
+}
+
+void refuseBrokenJson(const std::string& text, const std::string& name) {
+  try {
+    const auto ignored = nlohmann::json::parse(text, nullptr, true, true);
+  } catch (const nlohmann::json::parse_error& failure) {
+    const auto end =
+        text.begin() + static_cast<std::ptrdiff_t>(std::min(failure.byte, text.size()));
+    const auto line = 1 + static_cast<std::uint64_t>(std::count(text.begin(), end, '\n'));
+    throw InputError(name, line, "not valid JSON");
+  } catch (const nlohmann::json::out_of_range&) {
+    throw InputError(name, 1, "holds a number that is not finite");
+  }
+}
+
+/// Looks through the text of an OpenCV storage file (YAML, XML or JSON) before OpenCV does. Its
+/// parsers trust what they read: zero bytes, broken XML or values nested without end can end the
+/// program. Such a text is an `InputError`; anything else wrong is left to OpenCV.
+void refuseUnsoundStorage(std::istream& in, const std::string& name) {
+  const std::string text = readText(in, name);
+  if (text.starts_with('<')) {
+    refuseBrokenXml(text, name);
+  } else if (text.starts_with('{')) {
+    refuseBrokenJson(text, name);
+  }
+}
 
 constexpr std::uintmax_t largestFile =
     std::uintmax_t{1024} * 1024;        // bytes; a camera takes less than one thousand
@@ -145,6 +220,57 @@ bool isTsaiFile(const std::string& path) {
   return false;
 }
 
+using Json = nlohmann::json;
+
+/// Keeps of the scene's line the camera only, so that the rest, however much, takes no memory.
+bool keepCamera(int depth, Json::parse_event_t event, const Json& parsed) {
+  constexpr int depthOfNodes = 3;  // the line, the camera, a node's array
+  const bool isOther = event == Json::parse_event_t::key && depth == 1;
+  return depth <= depthOfNodes && (!isOther || parsed == sceneCalibrationKey);
+}
+
+/// The nodes of a camera in a JSON object; problems are those of the line that holds it.
+class JsonNodes : public CalibrationNodes {
+ public:
+  JsonNodes(Json object, const LineReader& lines) : m_object(std::move(object)), m_lines(lines) {}
+
+  bool has(const char* node) const override { return m_object.contains(node); }
+  std::vector<double> numbers(const char* node,
+                              const std::vector<std::size_t>& counts) const override;
+  [[noreturn]] void fail(const char* node, const std::string& problem) const override {
+    throw m_lines.error(node + problem);
+  }
+
+ private:
+  Json m_object;
+  const LineReader& m_lines;
+};
+
+std::vector<double> JsonNodes::numbers(const char* node,
+                                       const std::vector<std::size_t>& counts) const {
+  const auto found = m_object.find(node);
+  const bool isArray = found != m_object.end() && found->is_array() &&
+                       std::all_of(found->begin(), found->end(), [](const Json& value) {
+                         return value.is_number() && std::isfinite(value.get<double>());
+                       });
+  if (!isArray || std::find(counts.begin(), counts.end(), found->size()) == counts.end()) {
+    fail(node, " is missing or has not as many numbers as it should");
+  }
+  return found->get<std::vector<double>>();
+}
+
+/// The camera's object in the line; none when there is none or the line is no JSON.
+std::optional<Json> cameraIn(const std::string& line) {
+  if (line.find(sceneCalibrationKey) == std::string::npos) {
+    return std::nullopt;
+  }
+  const Json scene = Json::parse(line, keepCamera, false);
+  if (!scene.is_object() || !scene.contains(sceneCalibrationKey)) {
+    return std::nullopt;
+  }
+  return scene[sceneCalibrationKey];
+}
+
 }  // namespace
 
 QSharedPointer<kelAbstractDataCalibration> readCalibration(const std::string& path) {
@@ -156,6 +282,23 @@ QSharedPointer<kelAbstractDataCalibration> readCalibration(const std::string& pa
   const auto calibration = makeCalibration(file);
   if (!calibration) {
     throw InputError(path, 1, "neither camera_matrix nor homography found");
+  }
+  return calibration;
+}
+
+QSharedPointer<HostCalibration> readSceneCalibration(const std::string& path) {
+  InputFile file(path);
+  LineReader lines(file.stream(), path);
+  std::optional<Json> camera;
+  if (lines.nextFilled()) {
+    camera = cameraIn(lines.line());
+  }
+  if (!camera) {
+    return nullptr;
+  }
+  auto calibration = camera->is_object() ? makeCalibration(JsonNodes(*camera, lines)) : nullptr;
+  if (!calibration) {
+    throw lines.error(std::string(sceneCalibrationKey) + " describes no camera");
   }
   return calibration;
 }

@@ -1,5 +1,8 @@
 #include "host/camera/TsaiCalibration.h"
 
+#include "host/base/InputError.h"
+#include "host/base/XmlElements.h"
+
 #include <cmath>
 #include <limits>
 
@@ -40,6 +43,39 @@ double distort(double undistorted, double kappa) {
   return std::numeric_limits<double>::quiet_NaN();
 }
 
+double nonZero(const XmlElements& xml, const char* attribute) {
+  const double number = xml.number(attribute);
+  if (number == 0.0) {
+    throw ValueProblem(std::string(attribute) + " must not be 0");
+  }
+  return number;
+}
+
+/// The elements of which each must be there.
+enum Element : unsigned { none = 0, geometry = 1, intrinsic = 2, extrinsic = 4, all = 7 };
+
+unsigned takeElement(const XmlElements& xml, TsaiCamera& camera) {
+  if (xml.starts("Geometry")) {
+    camera.dpx = nonZero(xml, "dpx");
+    camera.dpy = nonZero(xml, "dpy");
+    return geometry;
+  }
+  if (xml.starts("Intrinsic")) {
+    camera.focal = nonZero(xml, "focal");
+    camera.kappa1 = xml.number("kappa1");
+    camera.cx = xml.number("cx");
+    camera.cy = xml.number("cy");
+    camera.sx = nonZero(xml, "sx");
+    return intrinsic;
+  }
+  if (xml.starts("Extrinsic")) {
+    camera.translation = {xml.number("tx"), xml.number("ty"), xml.number("tz")};
+    camera.rotation = {xml.number("rx"), xml.number("ry"), xml.number("rz")};
+    return extrinsic;
+  }
+  return none;
+}
+
 }  // namespace
 
 TsaiCalibration::TsaiCalibration(const TsaiCamera& camera)
@@ -73,6 +109,23 @@ std::vector<CalibrationNode> TsaiCalibration::nodes() const {
   return {{"tsai_camera", 1, 7, {c.dpx, c.dpy, c.focal, c.kappa1, c.cx, c.cy, c.sx}},
           {"tsai_rotation", 3, 1, {c.rotation[0], c.rotation[1], c.rotation[2]}},
           {"tsai_translation", 3, 1, {c.translation[0], c.translation[1], c.translation[2]}}};
+}
+
+TsaiCamera readTsaiCamera(std::istream& in, const std::string& name) {
+  TsaiCamera camera;
+  XmlElements xml(in, name);
+  unsigned found = none;
+  while (xml.next()) {
+    try {
+      found |= takeElement(xml, camera);
+    } catch (const ValueProblem& problem) {
+      throw xml.error(problem.what());
+    }
+  }
+  if (found != all) {
+    throw xml.error("a camera needs the elements Geometry, Intrinsic and Extrinsic");
+  }
+  return camera;
 }
 
 }  // namespace grouptracker

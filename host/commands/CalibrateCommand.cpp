@@ -2,7 +2,7 @@
 
 #include "host/base/FileIdentity.h"
 #include "host/base/InputError.h"
-#include "host/camera/CalibrationWriter.h"
+#include "host/camera/HostCalibration.h"
 #include "host/input/CameraFromPeople.h"
 #include "host/input/InputFormats.h"
 

@@ -1,7 +1,7 @@
 #include "host/commands/ConvertCommand.h"
 
 #include "host/base/FileIdentity.h"
-#include "host/camera/CalibrationWriter.h"
+#include "host/camera/HostCalibration.h"
 #include "host/input/InputFormats.h"
 #include "host/output/SceneWriter.h"
 #include "host/pictures/VideoFile.h"

@@ -2,9 +2,9 @@
 
 #include "host/base/InputError.h"
 #include "host/camera/CalibrationReader.h"
-#include "host/camera/Homography.h"
+#include "host/camera/GroundPlaneCalibration.h"
 #include "host/input/InputFormats.h"
-#include "host/people/LinkArguments.h"
+#include "host/people/LinkOptions.h"
 
 #include <charconv>
 #include <string_view>

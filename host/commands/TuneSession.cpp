@@ -10,6 +10,8 @@
 #include "host/input/InputFormats.h"
 #include "host/run/PluginLoader.h"
 
+#include <QDir>
+#include <QTemporaryDir>
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -51,23 +53,17 @@ TuningSpace readSpace(const std::string& path, const ParameterFile& base) {
 /// A folder for the parameter files of the trials that goes when the search does.
 class TrialFolder {
  public:
-  TrialFolder() {
-    std::string name = std::filesystem::temp_directory_path() / "grouptracker-tune-XXXXXX";
-    if (::mkdtemp(name.data()) == nullptr) {
-      throw OutputError(name, "cannot be made");
+  TrialFolder() : m_folder(QDir::temp().filePath("grouptracker-tune-XXXXXX")) {
+    if (!m_folder.isValid()) {
+      throw OutputError(m_folder.path().toStdString(), "cannot be made");
     }
-    m_path = name;
   }
-  TrialFolder(const TrialFolder&) = delete;
-  TrialFolder& operator=(const TrialFolder&) = delete;
-  ~TrialFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(m_path, ignored);
+  std::string file(std::size_t number) const {
+    return m_folder.filePath(QString::number(number)).toStdString();
   }
-  std::string file(std::size_t number) const { return m_path / std::to_string(number); }
 
  private:
-  std::filesystem::path m_path;
+  QTemporaryDir m_folder;
 };
 
 std::string scoresOf(const Trial& trial, const std::vector<const TunedSequence*>& sequences) {

@@ -3,7 +3,7 @@
 #include "host/evaluation/GroupTruth.h"
 #include "host/evaluation/PartitionScores.h"
 #include "host/evaluation/WindowScores.h"
-#include "host/people/FrameSource.h"
+#include "host/people/InputFrame.h"
 
 #include <opencv2/core/types.hpp>
 

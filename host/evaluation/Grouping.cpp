@@ -1,5 +1,7 @@
 #include "host/evaluation/Grouping.h"
 
+#include "host/base/JoinedSets.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <map>
@@ -8,34 +10,20 @@
 
 namespace grouptracker {
 
-namespace {
-
-/// Finds a set's root and shortens the way there.
-std::size_t rootOf(std::vector<std::size_t>& parents, std::size_t item) {
-  while (parents[item] != item) {
-    parents[item] = parents[parents[item]];
-    item = parents[item];
-  }
-  return item;
-}
-
-}  // namespace
-
 Grouping joinOverlapping(const std::vector<PersonGroup>& lists) {
   std::map<Person, std::size_t> listOf;  // any list that holds the person
-  std::vector<std::size_t> parents(lists.size());
-  std::iota(parents.begin(), parents.end(), std::size_t{0});
+  JoinedSets sets(lists.size());
   for (std::size_t i = 0; i < lists.size(); ++i) {
     for (const Person person : lists[i]) {
       const auto [seen, isNew] = listOf.emplace(person, i);
       if (!isNew) {
-        parents[rootOf(parents, i)] = rootOf(parents, seen->second);
+        sets.join(i, seen->second);
       }
     }
   }
   std::map<std::size_t, PersonGroup> joined;
   for (const auto& [person, list] : listOf) {
-    joined[rootOf(parents, list)].push_back(person);
+    joined[sets.rootOf(list)].push_back(person);
   }
   Grouping groups;
   for (auto& [root, group] : joined) {

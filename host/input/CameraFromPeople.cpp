@@ -1,7 +1,7 @@
 #include "host/input/CameraFromPeople.h"
 
 #include "host/base/InputError.h"
-#include "host/camera/CameraEstimate.h"
+#include "host/camera/GroundPlaneCalibration.h"
 #include "host/input/PeopleBoxes.h"
 
 #include <fmt/format.h>

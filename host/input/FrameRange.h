@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/people/FrameSource.h"
+#include "host/people/InputFrame.h"
 
 #include <cstdint>
 #include <limits>

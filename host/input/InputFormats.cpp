@@ -3,7 +3,7 @@
 #include "host/base/InputError.h"
 #include "host/base/InputFile.h"
 #include "host/base/LineReader.h"
-#include "host/camera/SceneCalibration.h"
+#include "host/camera/CalibrationReader.h"
 #include "host/input/CameraFromPeople.h"
 #include "host/input/CvmlReader.h"
 #include "host/input/InputImages.h"

@@ -2,7 +2,39 @@
 
 #include <opencv2/core/types.hpp>
 
+#include <cstring>
+#include <span>
+#include <utility>
+
 namespace grouptracker {
+
+void MobileArchive::store(std::uint32_t id, const ArchivedMobile& mobile) {
+  if (!m_table) {
+    auto database = Database::temporary();
+    database->execute("CREATE TABLE mobiles (id INTEGER PRIMARY KEY, type BLOB, box BLOB)");
+    const Database& made = *database;
+    m_table.emplace(Table{std::move(database),
+                          Statement(made, "INSERT OR REPLACE INTO mobiles VALUES (?, ?, ?)"),
+                          Statement(made, "SELECT type, box FROM mobiles WHERE id = ?")});
+  }
+  m_table->insertion.row(std::int64_t{id}, std::as_bytes(std::span(mobile.type)),
+                         std::as_bytes(std::span(&mobile.box3D, 1)));
+}
+
+std::optional<ArchivedMobile> MobileArchive::load(std::uint32_t id) {
+  if (!m_table) {
+    return std::nullopt;
+  }
+  m_table->query.start(std::int64_t{id});
+  if (!m_table->query.next()) {
+    return std::nullopt;
+  }
+  ArchivedMobile mobile;
+  const auto type = m_table->query.bytes(0);
+  mobile.type.assign(reinterpret_cast<const char*>(type.data()), type.size());
+  std::memcpy(&mobile.box3D, m_table->query.bytes(1).data(), sizeof mobile.box3D);
+  return mobile;
+}
 
 void MobileStore::beginFrame() {
   ++m_frame;

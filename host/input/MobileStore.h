@@ -1,14 +1,46 @@
 #pragma once
 
-#include "host/input/MobileArchive.h"
+#include "host/base/Database.h"
 #include "host/people/InputFrame.h"
+
+#include <kel/BoundingBox3D.h>
 
 #include <cstdint>
 #include <deque>
+#include <memory>
+#include <optional>
+#include <string>
 #include <unordered_map>
 #include <vector>
 
 namespace grouptracker {
+
+/// What can still be printed of a mobile that the tracker has forgotten.
+struct ArchivedMobile {
+  std::string type;
+  BoundingBox3D box3D;  ///< metres
+
+  bool operator==(const ArchivedMobile&) const = default;
+};
+
+/// Remembers mobiles by id in a temporary database, so that memory does not grow with their number;
+/// it is made when the first mobile is stored. What goes wrong is an `OutputError`.
+class MobileArchive {
+ public:
+  /// Remembers a mobile; an older one of the same id is replaced.
+  void store(std::uint32_t id, const ArchivedMobile& mobile);
+  /// The mobile of that id; none when nothing was ever stored under it.
+  std::optional<ArchivedMobile> load(std::uint32_t id);
+
+ private:
+  struct Table {
+    std::unique_ptr<Database> database;
+    Statement insertion;
+    Statement query;
+  };
+
+  std::optional<Table> m_table;  ///< none as long as nothing is stored
+};
 
 /// Finds mobiles by id for an input whose later frames may name any mobile of earlier ones. An id
 /// names its latest observation. The observations of the last `window` frames are kept whole; of

@@ -4,7 +4,7 @@
 #include "host/base/InputFile.h"
 #include "host/base/LineReader.h"
 #include "host/base/TextNumbers.h"
-#include "host/people/ObservationLimits.h"
+#include "host/people/ObservationSource.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,6 @@
 #include "host/input/ObservationInput.h"
 
 #include "host/base/InputError.h"
-#include "host/camera/CameraEstimate.h"
 #include "host/camera/GroundPlaneCalibration.h"
 #include "host/input/CameraFromPeople.h"
 #include "host/input/PeopleBoxes.h"

@@ -3,7 +3,7 @@
 #include "host/base/ProblemHandler.h"
 #include "host/input/FrameRange.h"
 #include "host/input/MotReader.h"
-#include "host/people/FrameSource.h"
+#include "host/people/InputFrame.h"
 #include "host/people/LinkOptions.h"
 
 #include <kel/kelAbstractDataCalibration.h>

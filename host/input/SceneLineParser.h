@@ -1,11 +1,49 @@
 #pragma once
 
-#include "host/input/SceneLine.h"
+#include <kel/BoundingBox3D.h>
 
+#include <opencv2/core/types.hpp>
+
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace grouptracker {
+
+/// A link to a mobile of an earlier frame, as a scene line gives it.
+struct SceneFather {
+  std::uint32_t id = 0;
+  double reliability = 0.0;
+};
+
+/// A mobile as a scene line gives it; what may be derived from the image box may be missing.
+struct SceneMobile {
+  std::uint32_t id = 0;
+  std::string type;
+  cv::Rect box2D;                       ///< pixels
+  std::optional<BoundingBox3D> box3D;   ///< metres
+  std::optional<cv::Point3f> position;  ///< metres
+  std::vector<SceneFather> fathers;
+};
+
+/// An actor as a scene line gives it.
+struct SceneActor {
+  std::uint32_t id = 0;
+  std::optional<std::string> type;
+  std::optional<BoundingBox3D> box3D;  ///< metres
+  std::vector<std::uint32_t> mobiles;  ///< ids, from the oldest to the current one
+};
+
+/// One frame of a scene file: its line, taken apart and checked for types but not for meaning.
+struct SceneLine {
+  std::optional<std::int64_t> frame;  ///< the input's own number of the frame
+  std::optional<double> time;         ///< seconds
+  std::string image;                  ///< empty when the line names none
+  std::vector<SceneMobile> mobiles;
+  std::vector<SceneActor> actors;
+};
 
 /// Takes the lines of a scene file apart:
 ///

@@ -3,9 +3,8 @@
 #include "host/base/InputFile.h"
 #include "host/base/LineReader.h"
 #include "host/input/MobileStore.h"
-#include "host/input/SceneLine.h"
 #include "host/input/SceneLineParser.h"
-#include "host/people/FrameSource.h"
+#include "host/people/InputFrame.h"
 
 #include <kel/kelAbstractDataCalibration.h>
 

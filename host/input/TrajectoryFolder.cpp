@@ -1,6 +1,6 @@
 #include "host/input/TrajectoryFolder.h"
 
-#include "host/camera/Homography.h"
+#include "host/camera/GroundPlaneCalibration.h"
 #include "host/input/ObservationInput.h"
 #include "host/input/ObsmatReader.h"
 #include "host/people/TrackAssembler.h"

@@ -2,7 +2,7 @@
 
 #include "host/base/JsonLine.h"
 #include "host/base/JsonText.h"
-#include "host/camera/SceneCalibration.h"
+#include "host/camera/CalibrationReader.h"
 
 namespace grouptracker {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/output/Database.h"
+#include "host/base/Database.h"
 #include "host/run/StepSink.h"
 
 #include <cstdint>
@@ -36,12 +36,12 @@ class SqliteExport : public StepSink {
   void commit();
 
   Database m_database;
-  Insertion m_frames;
-  Insertion m_groups;
-  Insertion m_members;
-  Insertion m_events;
-  Insertion m_eventPersons;
-  Insertion m_merged;
+  Statement m_frames;
+  Statement m_groups;
+  Statement m_members;
+  Statement m_events;
+  Statement m_eventPersons;
+  Statement m_merged;
   std::int64_t m_lastEvent = 0;
   int m_framesInPortion = 0;
 };

@@ -4,8 +4,10 @@
 
 #include <opencv2/core/types.hpp>
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <limits>
 #include <optional>
 #include <string>
 #include <vector>
@@ -42,5 +44,13 @@ class ObservationSource {
   /// The number of steps, when it is known.
   virtual std::optional<std::uint64_t> totalSteps() const { return std::nullopt; }
 };
+
+/// What no true observation exceeds; values beyond are damaged or in another unit.
+
+constexpr double largestFrame = 1e15;  // whole numbers up to here are exact
+constexpr double largestPerson = std::numeric_limits<std::uint32_t>::max();
+constexpr double farthestPosition = 1e9;       // m
+constexpr double farthestBox = 1e6;            // pixels
+constexpr std::size_t longestRow = 64 * 1024;  // bytes of a line of numbers
 
 }  // namespace grouptracker

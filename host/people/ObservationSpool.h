@@ -1,11 +1,12 @@
 #pragma once
 
-#include "host/base/FileDescriptor.h"
+#include "host/base/Database.h"
 #include "host/people/ObservationSource.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <string>
+#include <memory>
+#include <optional>
 #include <vector>
 
 namespace grouptracker {
@@ -17,10 +18,8 @@ struct ObservationRow {
   Observation observation;
 };
 
-/// Sorts any number of observations by frame, person and line in bounded memory: what does not fit
-/// into the buffer is written, sorted, to a temporary file, and the sorted runs are merged while
-/// reading. A file that is in order already makes a single run however long it is.
-/// A temporary file that cannot be made, written or read is an `OutputError`.
+/// Sorts any number of observations by frame, person and line in bounded memory: those that do not
+/// fit into the buffer go to a temporary database. What goes wrong there is an `OutputError`.
 class ObservationSpool {
  public:
   static constexpr std::size_t defaultCapacity = 128 * 1024;  // rows; about 11 MB
@@ -37,30 +36,19 @@ class ObservationSpool {
   bool next(ObservationRow& row);
 
  private:
-  /// A sorted part of the file, and what of it is in memory.
-  struct Run {
-    std::uint64_t begin = 0;  ///< rows from the start of the file
-    std::uint64_t end = 0;
-    std::uint64_t next = 0;  ///< the first row that is not in the window yet
-    std::vector<ObservationRow> window;
-    std::size_t head = 0;  ///< the first row of the window that was not handed out
+  /// The rows that were too many for memory.
+  struct Table {
+    std::unique_ptr<Database> database;
+    Statement insertion;
+    Statement query;  ///< all rows in order
   };
 
-  void sortBuffer();
-  void writeBuffer();
-  void fillWindow(Run& run) const;
-  bool isLater(std::size_t a, std::size_t b) const;
-  [[noreturn]] void fail(const char* what) const;
+  void moveToTable();
 
   std::size_t m_capacity;
-  std::vector<ObservationRow> m_rows;  ///< not written yet; all rows when nothing had to be
+  std::vector<ObservationRow> m_rows;  ///< all of them, or those that are not in the table yet
   std::size_t m_nextRow = 0;
-  std::string m_folder;
-  FileDescriptor m_file;        ///< closed as long as all rows fit into memory
-  std::uint64_t m_written = 0;  ///< rows
-  ObservationRow m_lastWritten;
-  std::vector<Run> m_runs;
-  std::vector<std::size_t> m_heap;  ///< runs with rows left, that with the first row in front
+  std::optional<Table> m_table;  ///< none as long as all rows fit into memory
 };
 
 }  // namespace grouptracker

@@ -2,7 +2,6 @@
 
 #include "host/base/InputError.h"
 #include "host/camera/BoxLifter.h"
-#include "host/camera/StandingBody.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/people/FrameSource.h"
+#include "host/people/InputFrame.h"
 #include "host/people/LinkOptions.h"
 #include "host/people/ObservationSource.h"
 

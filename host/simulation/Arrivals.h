@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/simulation/RandomNumbers.h"
+#include "host/base/RandomNumbers.h"
 #include "host/simulation/SimulationOptions.h"
 
 #include <opencv2/core/types.hpp>

@@ -1,6 +1,6 @@
 #include "host/simulation/Crowd.h"
 
-#include "host/simulation/SocialForce.h"
+#include "host/simulation/Walker.h"
 
 #include <cmath>
 

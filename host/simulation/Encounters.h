@@ -1,8 +1,7 @@
 #pragma once
 
+#include "host/base/RandomNumbers.h"
 #include "host/simulation/Crowd.h"
-#include "host/simulation/GroupEvent.h"
-#include "host/simulation/RandomNumbers.h"
 #include "host/simulation/SimulatedView.h"
 #include "host/simulation/SimulationOptions.h"
 
@@ -12,6 +11,17 @@
 #include <vector>
 
 namespace grouptracker {
+
+/// What happened to a simulated group.
+struct GroupEvent {
+  enum class Kind { created, joined, left, merged, split, ended };
+  static constexpr int none = 0;  ///< no group
+
+  Kind kind = Kind::created;
+  int group = none;
+  int other = none;  ///< the group that merged into `group`, or from which it split
+  std::vector<std::uint32_t> persons;  ///< who came, went, or made the group
+};
 
 /// Lets people join and leave groups and groups merge and split, at times drawn beforehand, as soon
 /// as people in view are fit for it. A change begins when somebody heads for another company; the

@@ -33,9 +33,9 @@ cv::Scalar clothes(std::uint32_t person, int part) {
                                 : cv::Vec3b(cv::saturate_cast<uchar>(hue), 90, 90));
   cv::Mat3b bgr;
   cv::cvtColor(hsv, bgr, cv::COLOR_HSV2BGR);
-  const cv::Vec3b& color = bgr(0, 0);
-  return {static_cast<double>(color[0]), static_cast<double>(color[1]),
-          static_cast<double>(color[2])};
+  const cv::Vec3b& colour = bgr(0, 0);
+  return {static_cast<double>(colour[0]), static_cast<double>(colour[1]),
+          static_cast<double>(colour[2])};
 }
 
 cv::Point fine(const cv::Point2d& point) {
@@ -43,8 +43,8 @@ cv::Point fine(const cv::Point2d& point) {
   return {cvRound(point.x * scale), cvRound(point.y * scale)};
 }
 
-void fill(cv::Mat& image, const std::vector<cv::Point>& outline, const cv::Scalar& color) {
-  cv::fillConvexPoly(image, outline, color, cv::LINE_AA, subPixelBits);
+void fill(cv::Mat& image, const std::vector<cv::Point>& outline, const cv::Scalar& colour) {
+  cv::fillConvexPoly(image, outline, colour, cv::LINE_AA, subPixelBits);
 }
 
 }  // namespace
@@ -112,14 +112,14 @@ void FrameRenderer::drawFigure(cv::Mat& image, const Walker& walker) const {
 }
 
 void FrameRenderer::drawPart(cv::Mat& image, const Walker& walker, double low, double high,
-                             double width, const cv::Scalar& color) const {
+                             double width, const cv::Scalar& colour) const {
   const double left = walker.position.x - width / 2.0;
   const double right = walker.position.x + width / 2.0;
   const double y = walker.position.y;
   fill(image,
        {fine(m_view.project({left, y, low})), fine(m_view.project({right, y, low})),
         fine(m_view.project({right, y, high})), fine(m_view.project({left, y, high}))},
-       color);
+       colour);
 }
 
 }  // namespace grouptracker

@@ -21,7 +21,7 @@ class FrameRenderer {
   void drawShadow(cv::Mat& shade, const Walker& walker) const;
   void drawFigure(cv::Mat& image, const Walker& walker) const;
   void drawPart(cv::Mat& image, const Walker& walker, double low, double high, double width,
-                const cv::Scalar& color) const;
+                const cv::Scalar& colour) const;
 
   const SimulatedView& m_view;
   cv::Mat m_ground;

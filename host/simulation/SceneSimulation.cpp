@@ -1,6 +1,5 @@
 #include "host/simulation/SceneSimulation.h"
 
-#include "host/base/JsonLine.h"
 #include "host/base/OutputError.h"
 #include "host/base/OutputFile.h"
 #include "host/output/SceneWriter.h"
@@ -31,19 +30,6 @@ void makeFolder(const fs::path& folder) {
   }
 }
 
-std::string yamlMatrix(const char* name, const cv::Mat1d& matrix) {
-  return fmt::format("{}: !!opencv-matrix\n   rows: {}\n   cols: {}\n   dt: d\n   data: [ {} ]\n",
-                     name, matrix.rows, matrix.cols, json_line::joined(matrix, ", "));
-}
-
-void writeCalibration(const fs::path& path) {
-  OutputFile file(path);
-  file.writeLines("%YAML:1.0\n---\n" +
-                  yamlMatrix("camera_matrix", cv::Mat1d(SimulatedView::cameraMatrix)) +
-                  yamlMatrix("rotation_vector", cv::Mat1d(SimulatedView::rotation)) +
-                  yamlMatrix("translation_vector", cv::Mat1d(SimulatedView::translation)));
-}
-
 void writeContext(const fs::path& path) {
   OutputFile file(path);
   file.writeLines(R"({"elements": [{"kind": "zone", "shape": "polygon",)"
@@ -62,10 +48,10 @@ void writeImage(const fs::path& path, const cv::Mat& image) {
 SimulationSummary simulateScene(const SimulationOptions& options) {
   const fs::path folder = options.outputFolder;
   makeFolder(options.images ? folder / "images" : folder);
-  writeCalibration(folder / "calibration.yml");
   writeContext(folder / "context.json");
 
   const SimulatedView view;
+  writeCalibration(*view.camera(), folder / "calibration.yml");
   const FrameRenderer renderer(view);
   auto owned = std::make_unique<SimulatedSource>(options, view);
   const SimulatedSource& source = *owned;

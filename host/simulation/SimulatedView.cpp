@@ -1,7 +1,6 @@
 #include "host/simulation/SimulatedView.h"
 
 #include "host/camera/BoxLifter.h"
-#include "host/camera/StandingBody.h"
 
 namespace grouptracker {
 

@@ -1,5 +1,6 @@
 #include "host/simulation/TruthRecorder.h"
 
+#include "host/base/JoinedSets.h"
 #include "host/base/JsonLine.h"
 
 #include <algorithm>
@@ -136,23 +137,19 @@ void TruthRecorder::writeEvents() {
 }
 
 void TruthRecorder::writeGroups() {
-  std::map<std::uint32_t, std::uint32_t> parents;  // a forest; its trees are the groups
-  const std::function<std::uint32_t(std::uint32_t)> root = [&](std::uint32_t person) {
-    const auto parent = parents.find(person);
-    return parent == parents.end() || parent->second == person ? person : root(parent->second);
-  };
+  std::set<std::uint32_t> grouped;
+  JoinedSets sets(m_persons.empty() ? 0 : *m_persons.rbegin() + std::size_t{1});
   for (const auto& [pair, counts] : m_pairs) {
     if (2 * counts.together > counts.seen) {
-      parents.try_emplace(pair.first, pair.first);
-      parents.try_emplace(pair.second, pair.second);
-      parents[root(pair.second)] = root(pair.first);
+      grouped.insert({pair.first, pair.second});
+      sets.join(pair.second, pair.first);
     }
   }
-  std::map<std::uint32_t, std::vector<std::uint32_t>> groups;
-  for (const auto& [person, parent] : parents) {
-    groups[root(person)].push_back(person);
+  std::map<std::size_t, std::vector<std::uint32_t>> groups;
+  for (const std::uint32_t person : grouped) {
+    groups[sets.rootOf(person)].push_back(person);
   }
-  for (const auto& [first, persons] : groups) {
+  for (const auto& [root, persons] : groups) {
     m_line.clear();
     append(m_line, "{}\n", json_line::joined(persons, " "));
     m_groupFile.writeLines({m_line.data(), m_line.size()});

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/base/OutputFile.h"
-#include "host/simulation/GroupEvent.h"
+#include "host/simulation/Encounters.h"
 #include "host/simulation/Walker.h"
 
 #include <fmt/format.h>

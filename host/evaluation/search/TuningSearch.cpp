@@ -75,7 +75,8 @@ std::vector<TuningSearch::Places> TuningSearch::draw(std::size_t count, bool isF
     for (std::size_t i = 0; i < places.size(); ++i) {
       // Again instead of cutting off, or the ends of the ranges would be tried far too often.
       do {
-        places[i] = isFirst ? uniform() : m_middle[i] + normal() * m_spread[i];
+        places[i] =
+            isFirst ? m_random.uniform(0.0, 1.0) : m_middle[i] + m_random.normal(m_spread[i]);
       } while (places[i] < 0.0 || places[i] > 1.0);
     }
   }
@@ -122,22 +123,6 @@ Candidate TuningSearch::candidateAt(const Places& places) const {
     candidate.push_back(TuningSpace::atPlace(m_space.values()[i], places[i]));
   }
   return candidate;
-}
-
-// Not the standard distributions, whose numbers differ from library to library.
-double TuningSearch::uniform() {
-  constexpr int mantissa = 53;
-  return static_cast<double>(m_random() >> (64 - mantissa)) /
-         static_cast<double>(std::uint64_t{1} << mantissa);
-}
-
-double TuningSearch::normal() {
-  constexpr int terms = 12;  // uniform numbers whose sum is close to normal, with variance 1
-  double sum = -terms / 2.0;
-  for (int term = 0; term < terms; ++term) {
-    sum += uniform();
-  }
-  return sum;
 }
 
 }  // namespace grouptracker

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "host/base/RandomNumbers.h"
 #include "host/evaluation/search/TrialLog.h"
 #include "host/evaluation/search/TuningSpace.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <random>
 #include <vector>
 
 namespace grouptracker {
@@ -50,12 +50,10 @@ class TuningSearch {
   void narrow(std::vector<std::size_t> ranking, const std::vector<Places>& drawn, bool isFirst);
   std::vector<std::size_t> ranked(const std::vector<Trial>& trials) const;
   Candidate candidateAt(const Places& places) const;
-  double uniform();
-  double normal();
 
   const TuningSpace& m_space;
   SearchOptions m_options;
-  std::mt19937_64 m_random;
+  RandomNumbers m_random;
   Places m_middle;
   Places m_spread;  ///< standard deviations
   std::size_t m_tried = 0;

@@ -2,7 +2,7 @@
 
 #include "host/base/InputError.h"
 #include "host/base/LineReader.h"
-#include "host/people/LinkArguments.h"
+#include "host/people/LinkOptions.h"
 
 #include <fmt/format.h>
 

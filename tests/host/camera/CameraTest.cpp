@@ -1,8 +1,6 @@
 #include "host/camera/BoxLifter.h"
 #include "host/camera/CalibrationReader.h"
-#include "host/camera/CameraEstimate.h"
 #include "host/camera/GroundPlaneCalibration.h"
-#include "host/camera/Homography.h"
 #include "host/camera/PinholeCalibration.h"
 #include "host/input/SceneContextReader.h"
 #include "tests/support/base/Errors.h"

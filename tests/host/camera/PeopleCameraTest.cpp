@@ -1,6 +1,6 @@
 #include "host/camera/CalibrationReader.h"
 #include "host/camera/PeopleCamera.h"
-#include "host/camera/TsaiReader.h"
+#include "host/camera/TsaiCalibration.h"
 #include "host/input/CvmlReader.h"
 #include "host/input/PeopleBoxes.h"
 #include "tests/support/base/Errors.h"

@@ -1,5 +1,5 @@
 #include "host/camera/GroundPlaneCalibration.h"
-#include "host/input/MobileArchive.h"
+#include "host/input/MobileStore.h"
 #include "host/input/SceneReader.h"
 #include "tests/support/base/Errors.h"
 

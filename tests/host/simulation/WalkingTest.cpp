@@ -1,5 +1,5 @@
+#include "host/base/RandomNumbers.h"
 #include "host/simulation/Crowd.h"
-#include "host/simulation/RandomNumbers.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

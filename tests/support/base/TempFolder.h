@@ -1,22 +1,20 @@
 #pragma once
 
+#include <QTemporaryDir>
+
 #include <filesystem>
 #include <string>
 
 /// A folder of its own for the length of a scope.
 class TempFolder {
  public:
-  TempFolder();
-  TempFolder(const TempFolder&) = delete;
-  TempFolder& operator=(const TempFolder&) = delete;
-  ~TempFolder();
-
   const std::filesystem::path& path() const { return m_path; }
   /// Writes a file into the folder; returns its full name.
   std::string write(const std::string& name, const std::string& text) const;
 
  private:
-  std::filesystem::path m_path;
+  QTemporaryDir m_folder;
+  std::filesystem::path m_path = m_folder.path().toStdString();
 };
 
 /// All of a file as text; empty when it cannot be read.

@@ -1,4 +1,4 @@
-#include "host/people/LinkArguments.h"
+#include "host/people/LinkOptions.h"
 
 #include <type_traits>
 

@@ -1,4 +1,4 @@
-#include "host/simulation/SocialForce.h"
+#include "host/simulation/Walker.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,0 +1,88 @@
+#pragma once
+
+#include <sqlite3.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+
+namespace grouptracker {
+
+/// An SQLite database that is written from scratch. What goes wrong is an `OutputError` that names
+/// the file.
+class Database {
+ public:
+  /// In a file; an existing one is replaced.
+  explicit Database(const std::string& path);
+  /// For what would take too much memory: a temporary file, in the folder of the environment
+  /// variable TMPDIR or in /var/tmp, which vanishes with the program however that ends.
+  static std::unique_ptr<Database> temporary();
+
+  void execute(const char* sql);
+  sqlite3* handle() const { return m_handle.get(); }
+  [[noreturn]] void fail() const;
+
+ private:
+  struct Close {
+    void operator()(sqlite3* handle) const { sqlite3_close(handle); }
+  };
+
+  Database() = default;
+  void open(const std::string& file);
+
+  std::string m_name;  ///< for messages
+  std::unique_ptr<sqlite3, Close> m_handle;
+};
+
+/// A prepared statement. The database outlives it.
+class Statement {
+ public:
+  using Bytes = std::span<const std::byte>;
+
+  Statement(const Database& database, const char* sql);
+
+  /// Carries out an insertion: one row of as many values as the statement has places. Texts and
+  /// bytes are used during the call only.
+  template <typename... Values>
+  void row(const Values&... values) {
+    start(values...);
+    next();
+    sqlite3_reset(m_statement.get());
+  }
+
+  /// Begins a query anew; `next()` moves from row to row.
+  template <typename... Values>
+  void start(const Values&... values) {
+    sqlite3_reset(m_statement.get());
+    int place = 0;
+    (bind(++place, values), ...);
+  }
+
+  /// Moves to the first or next row; false behind the last.
+  bool next();
+  /// The bytes or characters of a column of the row, 0 the first; they hold until the next move.
+  Bytes bytes(int column) const;
+
+ private:
+  struct Finalize {
+    void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
+  };
+
+  void bind(int place, std::int64_t value);
+  void bind(int place, double value);
+  void bind(int place, const char* text);
+  void bind(int place, Bytes bytes);
+  template <typename Value>
+  void bind(int place, const std::optional<Value>& value) {
+    value ? bind(place, *value) : bindNull(place);
+  }
+  void bindNull(int place);
+
+  const Database& m_database;
+  std::unique_ptr<sqlite3_stmt, Finalize> m_statement;
+};
+
+}  // namespace grouptracker
