@@ -11,6 +11,7 @@ constexpr UsualRange usual(double lowest, double highest) {
 }  // namespace
 
 const std::array<ParameterRow, parameterCount>& parameterRows() {
+// NOLINTNEXTLINE(bugprone-macro-parentheses): a row is no expression
 #define PARAMETER(label, member, type, unit, range, help) {label, type{}, unit, range, help},
   static const std::array<ParameterRow, parameterCount> rows{{
 #include "tracker/parameters/Parameters.def"

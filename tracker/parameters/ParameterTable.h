@@ -27,6 +27,7 @@ struct ParameterRow {
   const char* help;  ///< what the parameter does
 };
 
+// NOLINTNEXTLINE(bugprone-macro-parentheses): the rows are a sum
 #define PARAMETER(...) +1
 inline constexpr std::size_t parameterCount = 0
 #include "tracker/parameters/Parameters.def"

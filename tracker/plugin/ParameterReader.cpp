@@ -14,6 +14,7 @@
 #include <istream>
 
 const std::array<Parameter, parameterCount>& parameterTable() {
+// NOLINTNEXTLINE(bugprone-macro-parentheses): a row is no expression
 #define PARAMETER(label, member, type, unit, range, help) {label, static_cast<type*>(&member)},
   static const std::array<Parameter, parameterCount> table{{
 #include "tracker/parameters/Parameters.def"
