@@ -41,7 +41,7 @@ void DecisionLog::take(const std::string& line) {
   if (line.starts_with("********** Frame ")) {
     std::sscanf(line.c_str(), "********** Frame %" SCNu32, &m_frame);
     m_dumped = m_dump != nullptr ? &m_dump->at(m_frame) : nullptr;
-    m_person = -1;
+    m_person = none;
   } else if (line.starts_with("   id: ") || line.starts_with("TPO id: ")) {
     takeInput(line);
   } else if (line.starts_with("mobiles at processed frame ")) {
@@ -182,7 +182,7 @@ void DecisionLog::takeGroup(const GroupLine& line) {
     }
   }
   findJoins(now, before);
-  if (line.endFrame != -1 && before != nullptr && before->line.endFrame == -1) {
+  if (line.endFrame != none && before != nullptr && before->line.endFrame == none) {
     add(DecisionKind::Ended, line.id, {}).processedFrame = line.endFrame;
   }
   m_now.insert_or_assign(line.id, std::move(now));

@@ -58,7 +58,7 @@ class DecisionLog {
   const MobileDump::Mobiles* m_dumped = nullptr;  ///< of the frame in work; null without dump
   std::uint32_t m_frame = 0;
   std::int32_t m_processedFrame = 0;
-  std::int64_t m_person = -1;                                 ///< whose mobiles are listed
+  std::int64_t m_person = none;                               ///< whose mobiles are listed
   std::unordered_map<std::int64_t, std::int64_t> m_personOf;  ///< by mobile
   Ids m_processed;                                            ///< mobiles of the processed frame
   std::map<int, Listed> m_before;                             ///< the latest list of groups

@@ -45,9 +45,9 @@ std::string DecisionLog::sharedSon(const Listed& group, int other) const {
   std::map<std::int64_t, std::pair<std::int64_t, std::int64_t>> fathers;  // by son: of each group
   for (const auto& [id, mobile] : *m_dumped) {
     if (mobile.frame >= m_processedFrame && group.line.id == mobile.group) {
-      fathers.try_emplace(mobile.bestSon, id, -1).first->second.first = id;
+      fathers.try_emplace(mobile.bestSon, id, none).first->second.first = id;
     } else if (mobile.frame >= m_processedFrame && other == mobile.group) {
-      fathers.try_emplace(mobile.bestSon, -1, id).first->second.second = id;
+      fathers.try_emplace(mobile.bestSon, none, id).first->second.second = id;
     }
   }
   for (const auto& [son, pair] : fathers) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "host/base/None.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -16,7 +18,7 @@ struct GroupLine {
 
   int id = 0;
   std::vector<std::int64_t> mobiles;  ///< of all remembered frames
-  int endFrame = -1;
+  int endFrame = none;                ///< `none` while the group lives
   Ties merges;
   Ties splits;
 

@@ -2,6 +2,7 @@
 
 #include "host/base/InputFile.h"
 #include "host/base/LineReader.h"
+#include "host/base/None.h"
 
 #include <cstdint>
 #include <map>
@@ -16,19 +17,19 @@ namespace grouptracker {
 ///     mobile 51 @ frame 18 has best father 46 has best son 56 and is in group 3
 ///     	link from 46 to 51 with reliability 0.9
 ///
-/// Ids are signed, -1 for none. Lines of other kinds are passed over; a file without any frame is
-/// an `InputError`.
+/// Ids are signed, `none` where there is none. Lines of other kinds are passed over; a file without
+/// any frame is an `InputError`.
 class MobileDump {
  public:
   struct Link {
-    std::int64_t father = -1;
+    std::int64_t father = none;
     double reliability = 0.0;
   };
   struct Mobile {
-    std::int64_t bestFather = -1;
-    std::int64_t bestSon = -1;
+    std::int64_t bestFather = none;
+    std::int64_t bestSon = none;
     int frame = 0;
-    int group = -1;  ///< before the frame's decisions
+    int group = none;  ///< before the frame's decisions
     std::vector<Link> links;
   };
   using Mobiles = std::map<std::int64_t, Mobile>;

@@ -25,6 +25,19 @@ std::vector<std::string> linesRead(const std::string& text) {
   return result;
 }
 
+TEST(InputError, KeepsApartWhatItsTextJoins) {
+  std::istringstream in("one\ntwo\n");
+  LineReader lines(in, "C:/a: b.txt");
+  lines.next();
+  lines.next();
+  const InputError error = lines.error("wrong: 3");
+  EXPECT_STREQ(error.what(), "C:/a: b.txt:2: wrong: 3");
+  EXPECT_EQ(error.file(), "C:/a: b.txt");
+  EXPECT_EQ(error.line(), 2U);
+  EXPECT_EQ(error.problem(), "wrong: 3");
+  EXPECT_FALSE(InputError("a.txt", "cannot be opened").line());
+}
+
 TEST(LineReader, TakesEveryKindOfLineEndAndDropsTheByteOrderMark) {
   EXPECT_EQ(linesRead("\xEF\xBB\xBF"
                       "a\r\n\nb\r\nc"),
