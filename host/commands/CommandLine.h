@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+// NOLINTNEXTLINE(readability-identifier-naming): the name is the parser's own
 namespace CLI {
 class App;
 class Option;
