@@ -4,7 +4,7 @@
 #include "host/commands/RunOptions.h"
 #include "host/commands/StepOutputs.h"
 #include "host/commands/StopSignals.h"
-#include "host/input/ImageLoader.h"
+#include "host/input/InputImages.h"
 #include "host/input/OpenedInput.h"
 #include "host/run/FrameReporter.h"
 #include "host/run/FrameSink.h"

@@ -9,10 +9,9 @@
 #include "host/input/InputImages.h"
 #include "host/input/MotReader.h"
 #include "host/input/MotSequence.h"
-#include "host/input/ObservationInput.h"
-#include "host/input/PeopleBoxes.h"
+#include "host/input/ObsmatReader.h"
+#include "host/input/OpenedInput.h"
 #include "host/input/SceneReader.h"
-#include "host/input/TrajectoryFolder.h"
 
 #include <array>
 #include <filesystem>

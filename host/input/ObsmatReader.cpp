@@ -4,11 +4,17 @@
 #include "host/base/InputFile.h"
 #include "host/base/LineReader.h"
 #include "host/base/TextNumbers.h"
+#include "host/camera/GroundPlaneCalibration.h"
+#include "host/input/OpenedInput.h"
 #include "host/people/ObservationSource.h"
+#include "host/people/TrackAssembler.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <filesystem>
 #include <stdexcept>
+#include <utility>
 #include <vector>
 
 namespace grouptracker {
@@ -29,6 +35,21 @@ void addRow(const std::vector<double>& row, std::uint64_t line, ObservationTable
     throw ValueProblem("the position lies too far away to be metres");
   }
   table.add(frame, {static_cast<std::uint32_t>(person), position, std::nullopt}, line);
+}
+
+std::string observationFile(const std::string& folder) {
+  return std::filesystem::path(folder) / "obsmat.txt";
+}
+
+/// The largest column and row at which anybody is seen through the homography.
+cv::Point2d farthestSeen(ObservationTable& observations, const cv::Matx33d& homography) {
+  const cv::Matx33d groundToImage = homography.inv();
+  cv::Point2d farthest;
+  observations.visit([&](const ObservationRow& row) {
+    const cv::Point2d seen = mapPoint(groundToImage, *row.observation.position);
+    farthest = {std::max(farthest.x, seen.x), std::max(farthest.y, seen.y)};
+  });
+  return farthest;
 }
 
 }  // namespace
@@ -54,6 +75,30 @@ std::unique_ptr<ObservationTable> readObsmat(const std::string& path,
                                              const ProblemHandler& onProblem) {
   InputFile file(path);
   return readObsmat(file.stream(), path, onProblem);
+}
+
+bool isTrajectoryFolder(const std::string& path) {
+  return std::filesystem::exists(observationFile(path));
+}
+
+OpenedInput openTrajectoryFolder(const std::string& path, const InputOptions& options) {
+  OpenedInput input;
+  input.files.push_back(observationFile(path));
+  auto observations = readObsmat(input.files.back(), options.onProblem);
+  input.calibration = options.calibration;
+  input.imageSize = options.imageSize;
+  if (!input.calibration) {
+    auto homography = options.homography;
+    if (!homography) {
+      input.files.push_back(std::filesystem::path(path) / "H.txt");
+      homography = readHomography(input.files.back(), ImageOrder::RowColumn);
+    }
+    input.calibration =
+        cameraOf(*homography, input.imageSize, farthestSeen(*observations, *homography));
+  }
+  input.frames =
+      std::make_unique<TrackAssembler>(std::move(observations), input.calibration, options.links);
+  return input;
 }
 
 }  // namespace grouptracker

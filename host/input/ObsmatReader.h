@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/input/OpenedInput.h"
 #include "host/people/ObservationTable.h"
 
 #include <istream>
@@ -21,5 +22,12 @@ std::unique_ptr<ObservationTable> readObsmat(std::istream& in, const std::string
 /// The same for a file.
 std::unique_ptr<ObservationTable> readObsmat(const std::string& path,
                                              const ProblemHandler& onProblem = throwProblem);
+
+/// Whether the folder holds `obsmat.txt`.
+bool isTrajectoryFolder(const std::string& path);
+
+/// Opens a folder with `obsmat.txt` (see `readObsmat`) and, unless a calibration is given, `H.txt`,
+/// a homography that takes (row, column, 1); the camera's position is then estimated.
+OpenedInput openTrajectoryFolder(const std::string& path, const InputOptions& options);
 
 }  // namespace grouptracker

@@ -5,6 +5,7 @@
 #include "host/input/MotReader.h"
 #include "host/people/InputFrame.h"
 #include "host/people/LinkOptions.h"
+#include "host/people/ObservationTable.h"
 
 #include <kel/kelAbstractDataCalibration.h>
 
@@ -42,5 +43,18 @@ struct OpenedInput {
   std::vector<std::string> notes;     ///< what the user should know about how it is read
   std::optional<cv::Size> imageSize;  ///< pixels; none when nobody said
 };
+
+/// Completes an input that consists of observations: chooses its camera and assembles its frames.
+/// The camera is the given one; else that of the given homography, with the camera's position
+/// estimated; else, when people have image boxes only, the one that the boxes show.
+/// `input` holds the files and, when known, the image size.
+void assembleInput(std::unique_ptr<ObservationTable> observations, const InputOptions& options,
+                   OpenedInput& input);
+
+/// The camera behind a homography; `farthest` is the largest column and row at which anything is
+/// seen, which gives the image size when nobody knows it.
+QSharedPointer<kelAbstractDataCalibration> cameraOf(const cv::Matx33d& homography,
+                                                    const std::optional<cv::Size>& imageSize,
+                                                    const cv::Point2d& farthest);
 
 }  // namespace grouptracker

@@ -1,6 +1,6 @@
 #include "host/pictures/StepPainter.h"
 
-#include "host/input/ImageLoader.h"
+#include "host/input/InputImages.h"
 #include "host/pictures/Brush.h"
 #include "host/pictures/CameraPainter.h"
 

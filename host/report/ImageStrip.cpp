@@ -1,6 +1,6 @@
 #include "host/report/ImageStrip.h"
 
-#include "host/input/ImageLoader.h"
+#include "host/input/InputImages.h"
 
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>

@@ -1,8 +1,8 @@
 #include "host/camera/CalibrationReader.h"
 #include "host/camera/PeopleCamera.h"
 #include "host/camera/TsaiCalibration.h"
+#include "host/input/CameraFromPeople.h"
 #include "host/input/CvmlReader.h"
-#include "host/input/PeopleBoxes.h"
 #include "tests/support/base/Errors.h"
 #include "tests/support/host/WalkersInView.h"
 

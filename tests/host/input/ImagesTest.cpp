@@ -1,4 +1,3 @@
-#include "host/input/ImageLoader.h"
 #include "host/input/InputImages.h"
 #include "host/input/SceneReader.h"
 #include "tests/support/base/Errors.h"

@@ -1,6 +1,26 @@
+#include <kel/kelAbstractData.h>
+#include <kel/kelAbstractDataCalibration.h>
+#include <kel/kelDataActor.h>
 #include <kel/kelDataLinkedPhysicalObject.h>
 
 #include <utility>
+
+// What the records do beyond holding values.
+
+kelAbstractData::~kelAbstractData() = default;
+
+void kelAbstractData::addSpecificProperty(const QString& name, const QVariant& value) {
+  m_properties.insert(name, value);
+}
+
+kelAbstractDataCalibration::~kelAbstractDataCalibration() = default;
+
+kelDataActor::~kelDataActor() = default;
+
+void kelDataActor::addLinkedPhysicalObject(
+    const QSharedPointer<kelDataLinkedPhysicalObject>& object) {
+  m_objects.push_back(object);
+}
 
 kelDataLinkedPhysicalObject::kelDataLinkedPhysicalObject(
     unsigned int ident, QSharedPointer<kelDataPhysicalObject> object)

@@ -1,9 +1,8 @@
-#include "host/input/ObservationInput.h"
+#include "host/input/OpenedInput.h"
 
 #include "host/base/InputError.h"
 #include "host/camera/GroundPlaneCalibration.h"
 #include "host/input/CameraFromPeople.h"
-#include "host/input/PeopleBoxes.h"
 #include "host/people/TrackAssembler.h"
 
 #include <algorithm>

@@ -1,3 +1,0 @@
-#include <kel/kelAbstractDataCalibration.h>
-
-kelAbstractDataCalibration::~kelAbstractDataCalibration() = default;

@@ -1,6 +1,0 @@
-#include <mox/moxLogger.h>
-
-moxLogger& moxLogger::instance() {
-  static moxLogger logger;
-  return logger;
-}

@@ -1,5 +1,0 @@
-#include <mox/moxPlugin.h>
-
-moxPlugin::moxPlugin(QObject* parent) : QObject(parent) {}
-
-moxPlugin::~moxPlugin() = default;
