@@ -16,6 +16,12 @@
 /// distance serves both ways.
 class DistanceLines {
  public:
+  DistanceLines() = default;
+  /// What is kept is but room, so a copy makes its own.
+  DistanceLines(const DistanceLines& /*other*/) : DistanceLines() {}
+  DistanceLines& operator=(const DistanceLines&) = delete;
+  ~DistanceLines() = default;
+
   void print(const std::list<QSharedPointer<MetaLPO>>& mobiles);
 
  private:

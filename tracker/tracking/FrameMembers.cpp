@@ -1,7 +1,6 @@
 #include "tracker/tracking/FrameMembers.h"
 
 #include "tracker/tracking/MobileTypes.h"
-#include "tracker/tracking/MotionChanges.h"
 
 #include <algorithm>
 #include <cmath>
@@ -40,6 +39,11 @@ QVarLengthArray<MetaLPO*, FrameMembers::usualSize>::iterator FrameMembers::place
 }
 
 void FrameMembers::insert(MetaLPO* mobile) {
+  if (m_members.empty()) {
+    m_motions = mobile->motions();
+  } else if (m_motions != mobile->motions()) {
+    m_motions = nullptr;
+  }
   m_members.insert(placeOf(mobile->getIdent()), mobile);
   m_presence += ::presence(mobile->getType());
   forget();
@@ -105,14 +109,14 @@ cv::Point3f FrameMembers::center() const {
 }
 
 bool FrameMembers::hasCurrentSpreads() const {
-  return m_hasSpreads && m_motionVersion == MotionChanges::version(m_frame);
+  return m_hasSpreads && m_motions != nullptr && m_motionVersion == m_motions->version(m_frame);
 }
 
 Spreads FrameMembers::spreads() const {
   if (!hasCurrentSpreads()) {
     m_spreads = spreadsOf(members());
     m_hasSpreads = true;
-    m_motionVersion = MotionChanges::version(m_frame);
+    m_motionVersion = m_motions == nullptr ? 0 : m_motions->version(m_frame);
   }
   return m_spreads;
 }

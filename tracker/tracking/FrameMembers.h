@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tracker/tracking/MetaLPO.h"
+#include "tracker/tracking/MotionChanges.h"
 
 #include <QVarLengthArray>
 #include <opencv2/core/types.hpp>
@@ -43,7 +44,7 @@ class FrameMembers {
   /// The mean of the members' centres, metres.
   cv::Point3f center() const;
   Spreads spreads() const;
-  /// Whether the spreads are still those of the last call.
+  /// Whether the spreads are surely still those of the last call.
   bool hasCurrentSpreads() const;
 
  private:
@@ -54,6 +55,7 @@ class FrameMembers {
 
   unsigned int m_frame;
   QVarLengthArray<MetaLPO*, usualSize> m_members;
+  const MotionChanges* m_motions = nullptr;  ///< of all members; null when they share none
   int m_presence = 0;
   mutable bool m_hasDistances = false;
   mutable double m_distanceSum = 0.0;

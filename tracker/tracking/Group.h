@@ -80,8 +80,6 @@ class Group {
   void removeMobile(int id);
   bool contains(const QSharedPointer<kelDataLinkedPhysicalObject>& object) const;
   const Members& getMobiles() const { return m_members.byId(); }
-  /// The ids of all members, ascending, each with a blank behind it.
-  const std::string& memberIds() const { return m_members.ids(); }
   /// The frames with members, ascending.
   const std::vector<FrameMembers>& frames() const { return m_members.frames(); }
   /// The members at a frame, in the order of their ids.

@@ -4,7 +4,6 @@
 
 #include <cmath>
 #include <limits>
-#include <map>
 #include <vector>
 
 namespace {
@@ -16,7 +15,7 @@ constexpr double emptyHeight = 0.001;          // metres; a lower 3D box holds n
 // The weights of a walk into the future: the first steps weigh most, and the longer the walk the
 // slower they fall.
 struct WalkWeights {
-  explicit WalkWeights(int steps) {
+  explicit WalkWeights(int steps = 0) {
     const double decay = steps + 1;
     for (int i = 0; i < steps; ++i) {
       weights.push_back(10.0 * std::exp(-static_cast<double>(i) / decay) / decay);
@@ -28,10 +27,18 @@ struct WalkWeights {
   double sum = 0.0;
 };
 
-// Walks have few lengths, up to that of the window; their weights are computed once.
-const WalkWeights& weightsOfWalk(int steps) {
-  static std::map<int, WalkWeights> known;
-  return known.try_emplace(steps, steps).first->second;
+constexpr int usualSteps = 64;  // walks are as long as the window at most
+
+// The weights of all walks of usual length; never changed once they are made.
+const std::vector<WalkWeights>& usualWeights() {
+  static const std::vector<WalkWeights> weights = [] {
+    std::vector<WalkWeights> all;
+    for (int steps = 0; steps <= usualSteps; ++steps) {
+      all.emplace_back(steps);
+    }
+    return all;
+  }();
+  return weights;
 }
 
 // The coherences along a walk, weighted. The coherence before the walk enters without a weight and
@@ -39,13 +46,20 @@ const WalkWeights& weightsOfWalk(int steps) {
 class WeightedCoherence {
  public:
   WeightedCoherence(double firstCoherence, int steps)
-      : m_weights(weightsOfWalk(steps)), m_sum(firstCoherence) {}
+      : m_ownWeights(steps > usualSteps ? steps : 0),
+        m_weights(steps > usualSteps ? m_ownWeights
+                                     : usualWeights()[static_cast<std::size_t>(steps)]),
+        m_sum(firstCoherence) {}
+  WeightedCoherence(const WeightedCoherence&) = delete;
+  WeightedCoherence& operator=(const WeightedCoherence&) = delete;
+  ~WeightedCoherence() = default;
 
   void add(double coherence) { m_sum += m_weights.weights[m_count++] * coherence; }
   /// Only grows with what is added, as coherences are never negative.
   double value() const { return m_sum / m_weights.sum * 10.0; }
 
  private:
+  const WalkWeights m_ownWeights;  ///< of an unusually long walk
   const WalkWeights& m_weights;
   double m_sum;
   std::size_t m_count = 0;

@@ -1,17 +1,7 @@
 #include "tracker/tracking/GroupMembers.h"
 
-#include "tracker/tracking/MotionChanges.h"
-
 #include <algorithm>
 #include <iterator>
-
-namespace {
-
-std::string idText(int id) {
-  return std::to_string(id) + ' ';
-}
-
-}  // namespace
 
 MetaLPO* GroupMembers::find(int id) const {
   const auto member = m_byId.find(id);
@@ -33,8 +23,6 @@ void GroupMembers::add(const QSharedPointer<MetaLPO>& mobile) {
   }
   if (place) {
     unfile(*place);
-  } else {
-    insertId(mobile->getIdent());
   }
   place = mobile;
   file(mobile.data());
@@ -45,40 +33,9 @@ bool GroupMembers::remove(int id) {
   if (member == m_byId.end()) {
     return false;
   }
-  if (m_hasIds && member == m_byId.begin()) {
-    m_ids.erase(0, m_ids.find(' ') + 1);
-  } else {
-    m_hasIds = false;
-  }
   unfile(*member->second);
   m_byId.erase(member);
   return true;
-}
-
-// Puts the id of a new member into the text, when no more than a few ids are behind it.
-void GroupMembers::insertId(int id) {
-  constexpr int few = 16;
-  std::size_t place = m_ids.size();
-  int passed = 0;
-  for (auto later = m_byId.rbegin(); later->first != id && passed < few; ++later) {
-    place = place < 2 ? 0 : m_ids.rfind(' ', place - 2) + 1;
-    ++passed;
-  }
-  m_hasIds = m_hasIds && passed < few;
-  if (m_hasIds) {
-    m_ids.insert(place, idText(id));
-  }
-}
-
-const std::string& GroupMembers::ids() const {
-  if (!m_hasIds) {
-    m_ids.clear();
-    for (const auto& [id, member] : m_byId) {
-      m_ids += idText(id);
-    }
-    m_hasIds = true;
-  }
-  return m_ids;
 }
 
 void GroupMembers::trim(int firstKeptFrame) {
@@ -108,6 +65,11 @@ const FrameMembers* GroupMembers::at(unsigned int frame) const {
 }
 
 void GroupMembers::file(MetaLPO* mobile) {
+  if (m_frames.empty()) {
+    m_motions = mobile->motions();
+  } else if (m_motions != mobile->motions()) {
+    m_motions = nullptr;
+  }
   const std::size_t place = firstFrom(mobile->getFrame());
   if (place == m_frames.size() || m_frames[place].frame() != mobile->getFrame()) {
     m_frames.emplace(m_frames.begin() + static_cast<std::ptrdiff_t>(place), mobile->getFrame());
@@ -137,10 +99,10 @@ void GroupMembers::changedAt(std::size_t place) {
 
 // Drops the sums from the first frame on whose motions have changed.
 void GroupMembers::compareMotions() const {
-  if (m_comparedChanges == MotionChanges::latest()) {
+  if (m_frames.empty() || (m_motions != nullptr && m_comparedChanges == m_motions->latest())) {
     return;
   }
-  m_comparedChanges = MotionChanges::latest();
+  m_comparedChanges = m_motions == nullptr ? 0 : m_motions->latest();
   const auto changed =
       std::find_if(m_frames.begin(), m_frames.end(),
                    [](const FrameMembers& frame) { return !frame.hasCurrentSpreads(); });

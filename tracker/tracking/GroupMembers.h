@@ -6,7 +6,6 @@
 #include <QSharedPointer>
 
 #include <map>
-#include <string>
 #include <vector>
 
 /// All members of a group: by mobile id, where an id has at most its latest node, and filed by
@@ -22,8 +21,6 @@ class GroupMembers {
 
   const ById& byId() const { return m_byId; }
   bool contains(int id) const { return m_byId.contains(id); }
-  /// The ids of all members, ascending, each with a blank behind it.
-  const std::string& ids() const;
   /// The member with the id; null when there is none.
   MetaLPO* find(int id) const;
   /// The member with the next lower id that is not negative; null when there is none.
@@ -55,14 +52,12 @@ class GroupMembers {
   void file(MetaLPO* mobile);
   void unfile(const MetaLPO& mobile);
   void changedAt(std::size_t place);
-  void insertId(int id);
   void compareMotions() const;
 
   ById m_byId;
-  mutable std::string m_ids;  ///< changed near its ends, where members mostly come and go
-  mutable bool m_hasIds = true;
   std::vector<FrameMembers> m_frames;
   int m_crowdedFrames = 0;
+  const MotionChanges* m_motions = nullptr;  ///< of all members; null when they share none
   // Element i is the sum over the first i frames; so many of them hold as the motions have not
   // changed since they were last compared.
   mutable std::vector<Spreads> m_sums{Spreads()};

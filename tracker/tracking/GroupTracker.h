@@ -1,7 +1,10 @@
 #pragma once
 
+#include "tracker/tracking/DistanceLines.h"
 #include "tracker/tracking/Group.h"
 #include "tracker/tracking/MetaLPO.h"
+#include "tracker/tracking/MobileDump.h"
+#include "tracker/tracking/MotionChanges.h"
 #include "tracker/tracking/RememberedNodes.h"
 
 #include <kel/kelDataActor.h>
@@ -53,7 +56,7 @@ class GroupTracker {
   virtual ~GroupTracker();
 
   /// The file to which the remembered mobiles are dumped at every intake; empty for no dump.
-  void setMobileDump(const std::string& fileName) { m_mobileDump = fileName; }
+  void setMobileDump(const std::string& fileName) { m_dump.setFile(fileName); }
 
   // The scene's bounds on the ground, metres
 
@@ -91,7 +94,7 @@ class GroupTracker {
   void detectSplit();
   void closeFrame();
   void printGroups() const;
-  void printMetaMobiles() const;
+  void printMetaMobiles();
 
   // Look-ups and changes
 
@@ -123,7 +126,6 @@ class GroupTracker {
   struct Candidate;
   struct PairMember;
   class ChainWalk;
-  class SplitSearch;
 
   /// The frame that decisions are about: "temporalWinSize:" frames back.
   unsigned int processedFrame() const;
@@ -133,6 +135,7 @@ class GroupTracker {
 
   // Intake
   QSharedPointer<MetaLPO> takeIn(const kelDataActor& actor);
+  QSharedPointer<MetaLPO> makeNode(const QSharedPointer<kelDataLinkedPhysicalObject>& object);
   void linkToFathers(const QSharedPointer<MetaLPO>& mobile) const;
   void readChain(const kelDataActor& actor, MetaLPO& mobile) const;
   void electBestFather(const QSharedPointer<MetaLPO>& mobile) const;
@@ -174,6 +177,7 @@ class GroupTracker {
   void mergeGroups(const std::set<unsigned int>& ids);
   void moveToGroup(const std::set<unsigned int>& from, int to);
   unsigned int groupIdOf(const MetaLPO& mobile) const;
+  int splitFrom(const MetaLPO& member, int groupId) const;
   std::map<int, QSharedPointer<MetaLPO>> rememberedAt(unsigned int frame) const;
 
   float m_minX = 0.0F;
@@ -187,5 +191,8 @@ class GroupTracker {
   RememberedNodes m_mobiles;
   std::map<unsigned int, MobileList> m_mobilesByFrame;
   QSharedPointer<kelDataImage> m_currentImage;  ///< of the current frame; may be null
-  std::string m_mobileDump;
+  std::size_t m_intakes = 0;                    ///< nodes made so far
+  QSharedPointer<MotionChanges> m_motions = QSharedPointer<MotionChanges>::create();
+  DistanceLines m_distanceLines;
+  MobileDump m_dump;
 };

@@ -23,15 +23,15 @@ bool mayBeSon(unsigned int fatherFrame, unsigned int sonFrame, unsigned int curr
   return fatherFrame < sonFrame;
 }
 
-// Finds the best sons of the nodes of the last frames in one walk over the links of their sons:
-// each node keeps the best score so far.
+// Finds the best sons of the nodes of the last frames in one walk over the links of their sons: of
+// each node the best score so far is kept.
 class BestSonSearch {
  public:
   BestSonSearch(unsigned int firstFatherFrame, unsigned int currentFrame)
       : m_firstFatherFrame(firstFatherFrame), m_currentFrame(currentFrame) {}
 
   void addFather(const QSharedPointer<MetaLPO>& father) {
-    father->setSonSearchScore(MetaLPO::noSonScore);
+    makeRoomFor(father->getIntakeNumber());
     if (father->hasNamesake()) {
       m_namesakes[father->getIdent()].push_back(father.data());
     }
@@ -59,10 +59,26 @@ class BestSonSearch {
   }
 
  private:
-  void offer(const QSharedPointer<MetaLPO>& son, double score, MetaLPO& father) const {
-    if (score > father.getSonSearchScore() && father.getFrame() >= m_firstFatherFrame &&
-        mayBeSon(father.getFrame(), son->getFrame(), m_currentFrame)) {
-      father.setSonSearchScore(score);
+  static constexpr double noScore = -1.0;  // below every score that makes a best son
+
+  void makeRoomFor(std::size_t number) {
+    if (m_bestScores.empty()) {
+      m_firstFather = number;
+    } else if (number < m_firstFather) {
+      m_bestScores.insert(m_bestScores.begin(), m_firstFather - number, noScore);
+      m_firstFather = number;
+    }
+    m_bestScores.resize(std::max(m_bestScores.size(), number - m_firstFather + 1), noScore);
+  }
+
+  void offer(const QSharedPointer<MetaLPO>& son, double score, MetaLPO& father) {
+    if (father.getFrame() < m_firstFatherFrame ||
+        !mayBeSon(father.getFrame(), son->getFrame(), m_currentFrame)) {
+      return;
+    }
+    double& best = m_bestScores[father.getIntakeNumber() - m_firstFather];
+    if (score > best) {
+      best = score;
       father.setBestSon(son);
       father.setBestSonId(son->getIdent());
       father.setBestSonScore(score);
@@ -71,6 +87,8 @@ class BestSonSearch {
 
   unsigned int m_firstFatherFrame;
   unsigned int m_currentFrame;
+  std::size_t m_firstFather = 0;     // its number of intake
+  std::vector<double> m_bestScores;  // from that one on
   std::unordered_map<int, std::vector<MetaLPO*>> m_namesakes;
 };
 
@@ -103,7 +121,7 @@ void GroupTracker::setTrackedMobiles(const QList<QSharedPointer<kelDataActor>>& 
 
 QSharedPointer<MetaLPO> GroupTracker::takeIn(const kelDataActor& actor) {
   const auto& objects = actor.getLinkedPhysicalObjectList();
-  auto mobile = QSharedPointer<MetaLPO>::create(objects.back(), m_currentFrame);
+  const auto mobile = makeNode(objects.back());
   m_mobiles.add(mobile);
   mobile->setChainLength(static_cast<double>(objects.size()));
   linkToFathers(mobile);
@@ -113,6 +131,13 @@ QSharedPointer<MetaLPO> GroupTracker::takeIn(const kelDataActor& actor) {
   preferPredecessor(actor, mobile);
   mobile->computeSpeed();
   return mobile;
+}
+
+QSharedPointer<MetaLPO> GroupTracker::makeNode(
+    const QSharedPointer<kelDataLinkedPhysicalObject>& object) {
+  auto node = QSharedPointer<MetaLPO>::create(object, m_currentFrame);
+  node->enterTracker(m_intakes++, m_motions);
+  return node;
 }
 
 void GroupTracker::linkToFathers(const QSharedPointer<MetaLPO>& mobile) const {

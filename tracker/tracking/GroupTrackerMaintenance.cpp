@@ -172,64 +172,30 @@ void GroupTracker::moveToGroup(const std::set<unsigned int>& from, int to) {
   }
 }
 
-/// Looks among a member's ancestors for one that is in another group. Members of one group mostly
-/// descend from each other, so a search ends where that of an ancestor began.
-class GroupTracker::SplitSearch {
- public:
-  SplitSearch(const GroupTracker& tracker, int groupId) : m_tracker(tracker), m_groupId(groupId) {}
-
-  /// The id of the other group; none when there is none within the generations.
-  int find(const MetaLPO& member) const {
-    MetaLPO::SplitWalk& walk = member.splitWalk();
-    walk = {m_tracker.m_currentFrame, m_groupId, MetaLPO::noId, 0};
-    const MetaLPO* ancestor = member.ancestorNode();
-    if (ancestor == nullptr && member.endsHistory()) {
-      ancestor = &member;  // the start of a history stands for its own ancestor
-      settle(walk, otherGroup(*ancestor), 1);
-      return walk.found;
+// The first other group among the ancestors of a member; none when there is none within the
+// generations.
+int GroupTracker::splitFrom(const MetaLPO& member, int groupId) const {
+  const MetaLPO* ancestor = member.ancestorNode();
+  if (ancestor == nullptr && member.endsHistory()) {
+    ancestor = &member;  // the start of a history stands for its own ancestor
+  }
+  for (int generation = 1; ancestor != nullptr && generation <= splitGenerations; ++generation) {
+    const int home = static_cast<int>(groupIdOf(*ancestor));
+    if (home != MetaLPO::noId && home != groupId) {
+      return home;
     }
-    for (int generation = 1; ancestor != nullptr && generation <= splitGenerations; ++generation) {
-      settle(walk, otherGroup(*ancestor), generation);
-      const MetaLPO::SplitWalk& earlier = ancestor->splitWalk();
-      const bool isKnown = earlier.frame == m_tracker.m_currentFrame &&
-                           earlier.askedFor == m_groupId && ancestor != &member;
-      if (walk.found == MetaLPO::noId && isKnown) {
-        if (generation + earlier.generations <= splitGenerations) {
-          settle(walk, earlier.found, generation + earlier.generations);
-        }
-        return walk.found;
-      }
-      if (walk.found != MetaLPO::noId) {
-        return walk.found;
-      }
-      ancestor = ancestor->ancestorNode();
-    }
-    return walk.found;
+    ancestor = ancestor->ancestorNode();
   }
-
- private:
-  int otherGroup(const MetaLPO& ancestor) const {
-    const int home = static_cast<int>(m_tracker.groupIdOf(ancestor));
-    return home == m_groupId ? MetaLPO::noId : home;
-  }
-
-  static void settle(MetaLPO::SplitWalk& walk, int found, int generations) {
-    walk.found = found;
-    walk.generations = found == MetaLPO::noId ? 0 : generations;
-  }
-
-  const GroupTracker& m_tracker;
-  int m_groupId;
-};
+  return MetaLPO::noId;
+}
 
 void GroupTracker::detectSplit() {
   for (const auto& group : std::as_const(m_groups)) {
-    const SplitSearch search(*this, group->getId());
-    // From the oldest frame on, so that most searches end at once; told in the order of the ids.
+    // Frame by frame, as ancestors lie together; told in the order of the ids.
     std::map<int, int> otherByMember;
     for (const auto& frame : group->frames()) {
       for (const MetaLPO* member : frame.members()) {
-        const int other = search.find(*member);
+        const int other = splitFrom(*member, group->getId());
         if (other != MetaLPO::noId) {
           otherByMember.emplace(member->getIdent(), other);
         }

@@ -1,6 +1,5 @@
 #include "tracker/diagnostics/Diagnostics.h"
 #include "tracker/geometry/Util.h"
-#include "tracker/tracking/DistanceLines.h"
 #include "tracker/tracking/GroupTracker.h"
 #include "tracker/tracking/MobileTypes.h"
 
@@ -41,8 +40,7 @@ void GroupTracker::printProcessedMobiles() {
     Diagnostics::write(mobile->getIdent(), " (", mobile->getType().nameOf(), "), ");
   }
   Diagnostics::print("\n");
-  static DistanceLines lines;  // kept for its room
-  lines.print(mobiles);
+  m_distanceLines.print(mobiles);
   Diagnostics::print("\n");
 }
 

@@ -2,7 +2,6 @@
 
 #include "tracker/geometry/Util.h"
 #include "tracker/tracking/GroupTracker.h"
-#include "tracker/tracking/MotionChanges.h"
 
 #include <algorithm>
 #include <utility>
@@ -54,26 +53,13 @@ MetaLPO::MetaLPO(const MetaLPO& other)
 
 MetaLPO::~MetaLPO() {
   for (const unsigned int frame : m_sonFrames) {
-    MotionChanges::note(frame);
+    noteMotionAt(frame);
   }
 }
 
-void MetaLPO::setGroupId(int groupId) {
-  if (m_groupId != groupId) {
-    m_groupId = groupId;
-    m_dumpText.head.clear();
-  }
-}
-
-void MetaLPO::setBestSon(const QSharedPointer<MetaLPO>& son) {
-  m_bestSon = son;
-  m_bestSonNode = son.data();
-}
-
-void MetaLPO::setBestSonId(int id) {
-  if (m_bestSonId != id) {
-    m_bestSonId = id;
-    m_dumpText.head.clear();
+void MetaLPO::noteMotionAt(unsigned int frame) const {
+  if (m_motions) {
+    m_motions->note(frame);
   }
 }
 
@@ -87,7 +73,7 @@ void MetaLPO::resetLinks() {
 }
 
 void MetaLPO::eraseOldLinks(int firstKeptFrame) {
-  const auto erased = std::erase_if(m_fatherLinks, [&](const MetaLPOLink& link) {
+  std::erase_if(m_fatherLinks, [&](const MetaLPOLink& link) {
     const MetaLPO* father = link.fatherNode();
     if (father == nullptr) {
       return true;
@@ -100,16 +86,12 @@ void MetaLPO::eraseOldLinks(int firstKeptFrame) {
     }
     return true;
   });
-  if (erased > 0) {
-    m_dumpText.hasLinks = false;
-  }
 }
 
 void MetaLPO::loseBestFather() {
   m_bestFatherId = noId;
-  m_bestFather.clear();
-  m_dumpText.head.clear();
-  MotionChanges::note(m_frame);
+  m_bestFather = WeakNode();
+  noteMotionAt(m_frame);
 }
 
 // The links to known fathers, the most recent fathers first and those of one frame in the order of
@@ -153,24 +135,22 @@ QSharedPointer<MetaLPO> MetaLPO::getBestFather() const {
   if (m_bestFatherId == noId) {
     return QSharedPointer<MetaLPO>::create(*this);
   }
-  return m_bestFather.toStrongRef();
+  return m_bestFather.share();
 }
 
 QSharedPointer<MetaLPO> MetaLPO::ancestor() const {
-  auto father = m_bestFather.toStrongRef();
+  auto father = m_bestFather.share();
   return father.data() == this ? QSharedPointer<MetaLPO>() : father;
 }
 
 void MetaLPO::overrideBestFather(const QSharedPointer<MetaLPO>& father, double reliability) {
-  m_bestFather = father;
-  m_bestFatherNode = father.data();
+  m_bestFather = WeakNode(father);
   m_bestFatherId = father->m_ident;
   m_bestFatherReliability = reliability;
   m_step = Util::motionVector3D(father->observation().getBoundingBox3D(),
                                 observation().getBoundingBox3D());
   father->m_sonFrames.push_back(m_frame);
-  m_dumpText.head.clear();
-  MotionChanges::note(m_frame);
+  noteMotionAt(m_frame);
 }
 
 QSharedPointer<MetaLPO> MetaLPO::getFather(unsigned int id) const {

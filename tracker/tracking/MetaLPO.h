@@ -2,16 +2,17 @@
 
 #include "tracker/geometry/ObjectType.h"
 #include "tracker/tracking/MetaLPOLink.h"
+#include "tracker/tracking/MotionChanges.h"
+#include "tracker/tracking/WeakNode.h"
 
 #include <kel/kelDataLinkedPhysicalObject.h>
 
 #include <QSharedPointer>
 #include <QVarLengthArray>
-#include <QWeakPointer>
 #include <opencv2/core/types.hpp>
 
+#include <cstddef>
 #include <limits>
-#include <string>
 #include <vector>
 
 /// The history node of one mobile at one frame: the group it was put in, its links to the nodes it
@@ -22,8 +23,6 @@
 /// step between a node and its best father, directions in metres.
 class MetaLPO {
  public:
-  static constexpr double noSonScore = -1.0;  ///< below every score that makes a best son
-
   static constexpr int noId = -1;  ///< no group, father or son; 0xFFFFFFFF as an unsigned id
 
   static double recentLinkWeight;  ///< share of the most recent link in `fatherScore`
@@ -36,15 +35,6 @@ class MetaLPO {
     double step;         ///< reliability of the one step from the entry before
   };
   static constexpr int afterGap = std::numeric_limits<int>::min();
-
-  /// The node's lines in the mobile dump, kept between frames because few of them change; an empty
-  /// text is still to be made.
-  struct DumpText {
-    std::string head;   ///< the line of the node itself: best father, best son and group
-    std::string links;  ///< the lines of its links; none needs `hasLinks` to be told from not made
-    std::string chain;
-    bool hasLinks = false;
-  };
 
   MetaLPO() = default;
   MetaLPO(const QSharedPointer<kelDataLinkedPhysicalObject>& lpo, unsigned int frame);
@@ -66,7 +56,17 @@ class MetaLPO {
   unsigned int getFrame() const { return m_frame; }
 
   int getGroupId() const { return m_groupId; }
-  void setGroupId(int groupId);
+  void setGroupId(int groupId) { m_groupId = groupId; }
+
+  /// Makes the node one of a tracker's: the how-manieth that was taken in, from 0 on, and where
+  /// those note it who lose their best father. To be called before there are links.
+  void enterTracker(std::size_t intakeNumber, const QSharedPointer<MotionChanges>& motions) {
+    m_intakeNumber = intakeNumber;
+    m_motions = motions;
+  }
+  std::size_t getIntakeNumber() const { return m_intakeNumber; }
+  /// Shared by all nodes of a tracker; null for a node outside, whose motion may change unseen.
+  const MotionChanges* motions() const { return m_motions.data(); }
 
   /// Whether the tracker finds this node under its mobile id; no longer so when the id was declared
   /// again or the node is too old.
@@ -102,11 +102,12 @@ class MetaLPO {
   QSharedPointer<MetaLPO> ancestor() const;
   /// The same without a share in it.
   const MetaLPO* ancestorNode() const {
-    return m_bestFather.isNull() || m_bestFatherNode == this ? nullptr : m_bestFatherNode;
+    const MetaLPO* const father = m_bestFather.get();
+    return father == this ? nullptr : father;
   }
   /// Whether the history starts here: no best father was elected, or it is this very node. Not so
   /// when the best father is gone.
-  bool endsHistory() const { return m_bestFatherId == noId || !m_bestFather.isNull(); }
+  bool endsHistory() const { return m_bestFatherId == noId || m_bestFather.get() != nullptr; }
   int getBestFatherId() const { return m_bestFatherId; }
   double getBestFatherReliability() const { return m_bestFatherReliability; }
   /// Makes `father` the best father, whatever was elected.
@@ -120,21 +121,19 @@ class MetaLPO {
                      unsigned int depth) const;
 
   /// The best son; null when unset or gone.
-  QSharedPointer<MetaLPO> getBestSon() const { return m_bestSon.toStrongRef(); }
+  QSharedPointer<MetaLPO> getBestSon() const { return m_bestSon.share(); }
   /// The same without a share in it.
-  const MetaLPO* bestSonNode() const { return m_bestSon.isNull() ? nullptr : m_bestSonNode; }
+  const MetaLPO* bestSonNode() const { return m_bestSon.get(); }
   /// The best son for a walk forward in time; null also when it is this very node.
   MetaLPO* descendant() const {
-    return m_bestSon.isNull() || m_bestSonNode == this ? nullptr : m_bestSonNode;
+    MetaLPO* const son = m_bestSon.get();
+    return son == this ? nullptr : son;
   }
   int getBestSonId() const { return m_bestSonId; }
   double getBestSonScore() const { return m_bestSonScore; }
-  void setBestSon(const QSharedPointer<MetaLPO>& son);
-  void setBestSonId(int id);
+  void setBestSon(const QSharedPointer<MetaLPO>& son) { m_bestSon = WeakNode(son); }
+  void setBestSonId(int id) { m_bestSonId = id; }
   void setBestSonScore(double score) { m_bestSonScore = score; }
-  /// The best score so far of the search for sons that is under way.
-  double getSonSearchScore() const { return m_sonSearchScore; }
-  void setSonSearchScore(double score) { m_sonSearchScore = score; }
 
   /// The length of the upstream tracker's list at this node.
   void setChainLength(double length) { m_chainLength = length; }
@@ -153,22 +152,12 @@ class MetaLPO {
   double getSpeed() const { return m_speed; }
   int getSpeedSamples() const { return m_speedSamples; }
 
-  DumpText& dumpText() const { return m_dumpText; }
-
-  /// What the search for splits found from this node on; see `GroupTracker::detectSplit`.
-  struct SplitWalk {
-    unsigned int frame = 0;  ///< current frame of the search; 0 before the first
-    int askedFor = noId;     ///< the group whose members search
-    int found = noId;        ///< the other group
-    int generations = 0;     ///< how far back it was
-  };
-  SplitWalk& splitWalk() const { return m_splitWalk; }
-
  private:
   using Links = QVarLengthArray<const MetaLPOLink*, 16>;
 
-  bool hasStep() const { return !m_bestFather.isNull() && m_bestFatherId != m_ident; }
+  bool hasStep() const { return m_bestFather.get() != nullptr && m_bestFatherId != m_ident; }
   void loseBestFather();
+  void noteMotionAt(unsigned int frame) const;
   Links linksByRecentFather() const;
 
   // What walks along the history ask of a node comes first, so that it lies together.
@@ -179,15 +168,11 @@ class MetaLPO {
   int m_bestSonId = noId;
   bool m_isRemembered = false;
   bool m_hasNamesake = false;
-  QWeakPointer<MetaLPO> m_bestFather;
-  const MetaLPO* m_bestFatherNode = nullptr;  ///< the same; valid while that is not gone
-  mutable SplitWalk m_splitWalk;
-  QWeakPointer<MetaLPO> m_bestSon;
-  MetaLPO* m_bestSonNode = nullptr;  ///< the same; valid while that is not gone
+  WeakNode m_bestFather;
+  std::size_t m_intakeNumber = 0;
+  WeakNode m_bestSon;
   double m_bestSonScore = 0.0;
-  double m_sonSearchScore = noSonScore;
   std::vector<MetaLPOLink> m_fatherLinks;
-  mutable DumpText m_dumpText;
   double m_speed = -1.0;                 ///< metres per step; -1 until first computed
   int m_speedSamples = 0;                ///< steps averaged into the speed
   cv::Point3f m_step;                    ///< displacement from the best father, metres
@@ -199,4 +184,5 @@ class MetaLPO {
   double m_chainLength = 0.0;
   std::vector<ChainEntry> m_chain;        ///< from the most recent predecessor back
   std::vector<unsigned int> m_sonFrames;  ///< of the nodes that elected this one
+  QSharedPointer<MotionChanges> m_motions;
 };

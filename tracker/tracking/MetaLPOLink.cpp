@@ -5,7 +5,6 @@
 MetaLPOLink::MetaLPOLink(const QSharedPointer<MetaLPO>& father, const QSharedPointer<MetaLPO>& son,
                          double reliability)
     : m_father(father),
-      m_fatherNode(father.data()),
       m_fatherId(father ? father->getIdent() : MetaLPO::noId),
       m_son(son),
       m_reliability(reliability) {}

@@ -1,9 +1,8 @@
 #pragma once
 
-#include <QSharedPointer>
-#include <QWeakPointer>
+#include "tracker/tracking/WeakNode.h"
 
-class MetaLPO;
+#include <QSharedPointer>
 
 /// A link from a history node of an earlier frame, the father, to a node of a later frame, the son,
 /// with the reliability that the upstream tracker gave it. Both ends are held weakly: the tracker
@@ -16,13 +15,13 @@ class MetaLPOLink {
               double reliability);
 
   /// The older node; null when it was never known or is gone.
-  QSharedPointer<MetaLPO> getFather() const { return m_father.toStrongRef(); }
+  QSharedPointer<MetaLPO> getFather() const { return m_father.share(); }
   /// The newer node; null when it is gone.
-  QSharedPointer<MetaLPO> getSon() const { return m_son.toStrongRef(); }
+  QSharedPointer<MetaLPO> getSon() const { return m_son.share(); }
   /// The father without a share in it, for a walk during which nothing is released.
-  MetaLPO* fatherNode() const { return m_father.isNull() ? nullptr : m_fatherNode; }
+  MetaLPO* fatherNode() const { return m_father.get(); }
   /// Whether the father is still there and has the id.
-  bool leadsTo(int fatherId) const { return m_fatherId == fatherId && !m_father.isNull(); }
+  bool leadsTo(int fatherId) const { return m_fatherId == fatherId && m_father.get() != nullptr; }
   double getReliability() const { return m_reliability; }
 
   /// Orders links from the least to the most reliable.
@@ -31,9 +30,8 @@ class MetaLPOLink {
   }
 
  private:
-  QWeakPointer<MetaLPO> m_father;
-  MetaLPO* m_fatherNode = nullptr;
-  int m_fatherId = -1;
-  QWeakPointer<MetaLPO> m_son;
+  WeakNode m_father;
+  int m_fatherId = -1;  ///< looked for without touching the father
+  WeakNode m_son;
   double m_reliability = 0.0;
 };

@@ -8,19 +8,20 @@
 /// happens to few frames at a time. Whoever keeps something computed from a frame's motions keeps
 /// the version with it and computes anew when the version has moved on.
 ///
-/// Frames share slots: a change may look like one of another frame, never the other way round.
+/// The nodes of one tracker share one. Frames share slots: a change may look like one of another
+/// frame, never the other way round.
 class MotionChanges {
  public:
   /// Notes that a node of the frame lost its best father.
-  static void note(unsigned int frame) { s_versions[frame % slotCount] = ++s_latest; }
+  void note(unsigned int frame) { m_versions[frame % slotCount] = ++m_latest; }
   /// Changes whenever something was noted for the frame.
-  static unsigned int version(unsigned int frame) { return s_versions[frame % slotCount]; }
+  unsigned int version(unsigned int frame) const { return m_versions[frame % slotCount]; }
   /// Changes whenever something was noted for any frame.
-  static unsigned int latest() { return s_latest; }
+  unsigned int latest() const { return m_latest; }
 
  private:
   static constexpr std::size_t slotCount = 1024;
 
-  static inline std::array<unsigned int, slotCount> s_versions{};
-  static inline unsigned int s_latest = 0;
+  std::array<unsigned int, slotCount> m_versions{};
+  unsigned int m_latest = 0;
 };

@@ -79,6 +79,24 @@ TEST_F(Intake, PrefersThePredecessorOfTheChainWhenItIsReliableEnough) {
   }
 }
 
+TEST_F(Intake, ACopyOfTheTrackerGoesOnByItself) {
+  const TempFolder folder;
+  const auto dump = folder.path() / "dump.txt";
+  tracker.setMobileDump(dump.string());
+  scene.walk(1, 1, 4, {0, 0});
+  scene.walk(2, 1, 4, {0, 1});
+  run(3);
+  GroupTracker copy(tracker);
+  std::filesystem::remove(dump);
+  tracker.initFrame(scene.actors(4), {}, 4);
+  const std::string dumped = textOf(dump);
+  std::filesystem::remove(dump);
+  copy.initFrame(scene.actors(4), {}, 4);
+  EXPECT_EQ(textOf(dump), dumped);
+  EXPECT_NE(copy.node(401), tracker.node(401));
+  EXPECT_EQ(copy.node(301), tracker.node(301));
+}
+
 TEST_F(Intake, GivesSonsOfTheCurrentFrameToTheFrameJustBeforeOnly) {
   //  frame 1   2   3   4
   //  1 ----------- 3

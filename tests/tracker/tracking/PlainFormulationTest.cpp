@@ -12,9 +12,11 @@
 
 #include <cstring>
 #include <filesystem>
+#include <list>
 #include <map>
 #include <ostream>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -218,6 +220,35 @@ TEST_P(FastFormulation, LetsTheSameMobilesJoinAsAskingEverybodyAnewDoes) {
     }
   }
   EXPECT_GT(joined, 500U);
+}
+
+TEST_P(FastFormulation, IsNotDisturbedByAnotherTracker) {
+  // Runs over some scenes side by side, each with its own ids of groups; returns their lines.
+  const auto run = [&](const std::vector<unsigned int>& seeds) {
+    struct Run {
+      RandomScene scene;
+      GroupTracker tracker;
+      int nextId = 0;
+      std::string lines;
+    };
+    std::list<Run> runs;
+    for (const unsigned int seed : seeds) {
+      runs.push_back({sceneOf(seed), {}, 0, {}});
+    }
+    sceneOf(3);
+    for (unsigned int frame = 1; frame <= 30; ++frame) {
+      for (Run& each : runs) {
+        Group::currentId = each.nextId;
+        each.lines += printed([&] {
+          each.tracker.initFrame(each.scene.next(), {}, frame);
+          each.tracker.trackGroups();
+        });
+        each.nextId = Group::currentId;
+      }
+    }
+    return runs.front().lines;
+  };
+  EXPECT_TRUE(run({1}) == run({1, 2, 4}));
 }
 
 INSTANTIATE_TEST_SUITE_P(Scenes, FastFormulation,
