@@ -46,7 +46,7 @@ void extendCovariance(Matrix& covariance, const double* point, const double* new
                       const std::vector<double>& offset, double n) {
   const std::size_t size = offset.size();
   if (covariance.rows() != size || covariance.cols() != size) {
-    covariance += Matrix(size, size);  // throws what a sum of such matrices throws
+    throw math::matrix_error(math::additionError);  // as the sum of such matrices does
   }
   const double factor = 1.0 / n;
   for (std::size_t r = 0; r < size; ++r) {
@@ -67,18 +67,18 @@ Matrix indexMatrix(std::size_t point) {
 }  // namespace
 
 ClusterBuilder::ClusterBuilder(const Points& allPoints, double reach, const Output& output)
-    : points(allPoints),
-      out(output),
-      centers(points.dimension(), points.count()),
-      radius(reach, std::max(points.magnitude(), magnitude(*out.centers, clusterCount())),
-             points.dimension()),
-      place(points.dimension()),
-      offset(points.dimension()) {
-  if (out.centers->rows() != points.dimension()) {
+    : m_points(allPoints),
+      m_out(output),
+      m_centers(m_points.dimension(), m_points.count()),
+      m_radius(reach, std::max(m_points.magnitude(), magnitude(*m_out.centers, clusterCount())),
+               m_points.dimension()),
+      m_place(m_points.dimension()),
+      m_offset(m_points.dimension()) {
+  if (m_out.centers->rows() != m_points.dimension()) {
     return;  // the first comparison reports it
   }
   for (std::size_t k = 0; k < clusterCount(); ++k) {
-    centers.append(center(k));
+    m_centers.append(center(k));
   }
 }
 
@@ -95,10 +95,10 @@ std::size_t ClusterBuilder::firstNear(const double* mode) {
   if (clusterCount() > 0) {
     requireComparableCenters();
   }
-  const auto isWithin = [&](std::size_t k) { return radius.contains(center(k), mode); };
-  centers.aim(mode);
-  for (std::size_t tile = 0; tile < centers.tileCount(); ++tile) {
-    if (const std::uint32_t near = centers.within(tile, radius, isWithin); near != 0) {
+  const auto isWithin = [&](std::size_t k) { return m_radius.contains(center(k), mode); };
+  m_centers.aim(mode);
+  for (std::size_t tile = 0; tile < m_centers.tileCount(); ++tile) {
+    if (const std::uint32_t near = m_centers.within(tile, m_radius, isWithin); near != 0) {
       return tile * PointTable::tileSize + static_cast<std::size_t>(std::countr_zero(near));
     }
   }
@@ -106,60 +106,60 @@ std::size_t ClusterBuilder::firstNear(const double* mode) {
 }
 
 void ClusterBuilder::join(std::size_t cluster, std::size_t point, const double* mode) {
-  const double n = ++out.sizes[cluster];
-  setOffset(points[point], center(cluster));
+  const double n = ++m_out.sizes[cluster];
+  setOffset(m_points[point], center(cluster));
   moveCenter(cluster, mode, n);
-  if (out.covariances != nullptr) {
-    extendCovariance(out.covariances[cluster], points[point], place.data(), offset, n);
+  if (m_out.covariances != nullptr) {
+    extendCovariance(m_out.covariances[cluster], m_points[point], m_place.data(), m_offset, n);
   }
-  if (out.members != nullptr) {
-    out.members[cluster] &= indexMatrix(point);
+  if (m_out.members != nullptr) {
+    m_out.members[cluster] &= indexMatrix(point);
   }
 }
 
 void ClusterBuilder::found(std::size_t point, const double* mode) {
   const std::size_t cluster = clusterCount();
-  for (std::size_t r = 0; r < points.dimension(); ++r) {
-    (*out.centers)(r, cluster) = mode[r];
+  for (std::size_t r = 0; r < m_points.dimension(); ++r) {
+    (*m_out.centers)(r, cluster) = mode[r];
   }
-  centers.append(mode);
-  out.sizes[cluster] = 1;
-  if (out.covariances != nullptr) {
+  m_centers.append(mode);
+  m_out.sizes[cluster] = 1;
+  if (m_out.covariances != nullptr) {
     requireComparableCenters();
-    setOffset(points[point], mode);
-    startCovariance(out.covariances[cluster], offset);
+    setOffset(m_points[point], mode);
+    startCovariance(m_out.covariances[cluster], m_offset);
   }
-  if (out.members != nullptr) {
-    out.members[cluster] = indexMatrix(point);
+  if (m_out.members != nullptr) {
+    m_out.members[cluster] = indexMatrix(point);
   }
-  *out.nClusters += 1;
+  *m_out.nClusters += 1;
 }
 
 /// The centre, which is at hand, becomes the running mean of the modes of its points.
 void ClusterBuilder::moveCenter(std::size_t cluster, const double* mode, double newSize) {
   const double factor = 1.0 / newSize;
-  for (std::size_t r = 0; r < place.size(); ++r) {
-    place[r] = ((newSize - 1.0) * place[r] + mode[r]) * factor;
-    (*out.centers)(r, cluster) = place[r];
+  for (std::size_t r = 0; r < m_place.size(); ++r) {
+    m_place[r] = ((newSize - 1.0) * m_place[r] + mode[r]) * factor;
+    (*m_out.centers)(r, cluster) = m_place[r];
   }
-  centers.replace(cluster, place.data());
+  m_centers.replace(cluster, m_place.data());
 }
 
 const double* ClusterBuilder::center(std::size_t cluster) {
-  const Matrix& all = *out.centers;
-  for (std::size_t r = 0; r < place.size(); ++r) {
-    place[r] = all(r, cluster);
+  const Matrix& all = *m_out.centers;
+  for (std::size_t r = 0; r < m_place.size(); ++r) {
+    m_place[r] = all(r, cluster);
   }
-  return place.data();
+  return m_place.data();
 }
 
 void ClusterBuilder::setOffset(const double* point, const double* from) {
-  std::transform(point, point + offset.size(), from, offset.begin(), std::minus<>());
+  std::transform(point, point + m_offset.size(), from, m_offset.begin(), std::minus<>());
 }
 
 /// Centres with more features than the points are refused in the words of the subtraction.
 void ClusterBuilder::requireComparableCenters() const {
-  if (out.centers->rows() != points.dimension()) {
-    Matrix(out.centers->rows()) -= Matrix(points.dimension());
+  if (m_out.centers->rows() != m_points.dimension()) {
+    throw math::matrix_error(math::subtractionError);
   }
 }

@@ -36,17 +36,17 @@ class ClusterBuilder {
   std::size_t firstNear(const double* mode);
   void join(std::size_t cluster, std::size_t point, const double* mode);
   void found(std::size_t point, const double* mode);
-  std::size_t clusterCount() const { return static_cast<std::size_t>(*out.nClusters); }
+  std::size_t clusterCount() const { return static_cast<std::size_t>(*m_out.nClusters); }
   /// Copies a centre out of the caller's matrix.
   const double* center(std::size_t cluster);
   void moveCenter(std::size_t cluster, const double* mode, double newSize);
   void setOffset(const double* point, const double* from);
   void requireComparableCenters() const;
 
-  const Points& points;
-  Output out;
-  PointTable centers;
-  SearchRadius radius;
-  std::vector<double> place;   ///< of the centre at hand
-  std::vector<double> offset;  ///< of a point from a centre
+  const Points& m_points;
+  Output m_out;
+  PointTable m_centers;
+  SearchRadius m_radius;
+  std::vector<double> m_place;   ///< of the centre at hand
+  std::vector<double> m_offset;  ///< of a point from a centre
 };

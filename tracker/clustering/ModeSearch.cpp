@@ -20,58 +20,59 @@ double distance(const double* a, const double* b, std::size_t dimension) {
 /// A mean in the making, in place. Points are added in ascending order, as the sum depends on it.
 class RunningMean {
  public:
-  RunningMean(double* place, std::size_t rows) : mean(place), dimension(rows) {
-    std::fill_n(mean, dimension, 0.0);
+  RunningMean(double* place, std::size_t rows) : m_mean(place), m_dimension(rows) {
+    std::fill_n(m_mean, m_dimension, 0.0);
   }
 
   void add(const double* point) {
-    for (std::size_t r = 0; r < dimension; ++r) {
-      mean[r] += point[r];
+    for (std::size_t r = 0; r < m_dimension; ++r) {
+      m_mean[r] += point[r];
     }
-    count += 1.0;
+    m_count += 1.0;
   }
 
-  double size() const { return count; }
+  double size() const { return m_count; }
 
   /// Without any point the mean stays the origin.
   void finish() {
-    if (count > 0.0) {
-      const double factor = 1.0 / count;
-      std::transform(mean, mean + dimension, mean, [factor](double x) { return x * factor; });
+    if (m_count > 0.0) {
+      const double factor = 1.0 / m_count;
+      std::transform(m_mean, m_mean + m_dimension, m_mean,
+                     [factor](double x) { return x * factor; });
     }
   }
 
  private:
-  double* mean;
-  std::size_t dimension;
-  double count = 0.0;
+  double* m_mean;
+  std::size_t m_dimension;
+  double m_count = 0.0;
 };
 
 }  // namespace
 
 ModeSearch::ModeSearch(const Points& allPoints, double radius)
-    : points(allPoints),
-      bandwidth(radius),
-      kernel(radius, allPoints.magnitude(), allPoints.dimension()) {
-  const bool steps = bandwidth > 0.0 && bandwidth < initialShift;
-  if (steps && std::isfinite(points.magnitude()) && points.dimension() > 0) {
-    neighbours.emplace(points, kernel);
-    means.reserve(points.count() * points.dimension());
-    meanOf.reserve(points.count());
+    : m_points(allPoints),
+      m_bandwidth(radius),
+      m_kernel(radius, allPoints.magnitude(), allPoints.dimension()) {
+  const bool steps = m_bandwidth > 0.0 && m_bandwidth < initialShift;
+  if (steps && std::isfinite(m_points.magnitude()) && m_points.dimension() > 0) {
+    m_neighbours.emplace(m_points, m_kernel);
+    m_means.reserve(m_points.count() * m_points.dimension());
+    m_meanOf.reserve(m_points.count());
   }
-  for (auto& buffer : buffers) {
-    buffer.resize(points.dimension());
+  for (auto& buffer : m_buffers) {
+    buffer.resize(m_points.dimension());
   }
 }
 
 const double* ModeSearch::modeFrom(std::size_t point) {
-  const double* estimate = points[point];
+  const double* estimate = m_points[point];
   double shift = initialShift;
-  bool knowsNeighbours = neighbours.has_value();
+  bool knowsNeighbours = m_neighbours.has_value();
   // A climb that stands still has ended, even if a negative bandwidth asks for less.
-  while (shift > bandwidth && shift != 0.0) {
+  while (shift > m_bandwidth && shift != 0.0) {
     const double* const mean = knowsNeighbours ? meanOfNeighbours(point) : meanAround(estimate);
-    shift = distance(estimate, mean, points.dimension());
+    shift = distance(estimate, mean, m_points.dimension());
     estimate = mean;
     knowsNeighbours = false;
   }
@@ -81,28 +82,28 @@ const double* ModeSearch::modeFrom(std::size_t point) {
 // Points of one compact cluster all have the same neighbours and hence the same mean. If a point
 // shares its neighbours with any before it, then with the first of them.
 const double* ModeSearch::meanOfNeighbours(std::size_t point) {
-  const std::size_t first = neighbours->first(point);
-  if (first < point && neighbours->same(first, point)) {
-    meanOf.push_back(meanOf[first]);
-    return means.data() + meanOf[point];
+  const std::size_t first = m_neighbours->first(point);
+  if (first < point && m_neighbours->same(first, point)) {
+    m_meanOf.push_back(m_meanOf[first]);
+    return m_means.data() + m_meanOf[point];
   }
-  meanOf.push_back(keptMeans);
-  means.resize(keptMeans + points.dimension());
-  RunningMean mean(means.data() + keptMeans, points.dimension());
-  neighbours->forEach(point, [&](std::size_t neighbour) { mean.add(points[neighbour]); });
+  m_meanOf.push_back(m_keptMeans);
+  m_means.resize(m_keptMeans + m_points.dimension());
+  RunningMean mean(m_means.data() + m_keptMeans, m_points.dimension());
+  m_neighbours->forEach(point, [&](std::size_t neighbour) { mean.add(m_points[neighbour]); });
   mean.finish();
   if (mean.size() > 1.0) {  // nobody asks for a loner's mean again, so its place is free
-    keptMeans += points.dimension();
+    m_keptMeans += m_points.dimension();
   }
-  return means.data() + meanOf[point];
+  return m_means.data() + m_meanOf[point];
 }
 
 const double* ModeSearch::meanAround(const double* estimate) {
-  auto& buffer = buffers[estimate == buffers[0].data() ? 1 : 0];
-  RunningMean mean(buffer.data(), points.dimension());
-  for (std::size_t i = 0; i < points.count(); ++i) {
-    if (kernel.contains(points[i], estimate)) {
-      mean.add(points[i]);
+  auto& buffer = m_buffers[estimate == m_buffers[0].data() ? 1 : 0];
+  RunningMean mean(buffer.data(), m_points.dimension());
+  for (std::size_t i = 0; i < m_points.count(); ++i) {
+    if (m_kernel.contains(m_points[i], estimate)) {
+      mean.add(m_points[i]);
     }
   }
   mean.finish();

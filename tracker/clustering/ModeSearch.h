@@ -29,12 +29,12 @@ class ModeSearch {
   const double* meanOfNeighbours(std::size_t point);
   const double* meanAround(const double* estimate);
 
-  const Points& points;
-  double bandwidth;
-  SearchRadius kernel;
-  std::optional<NeighbourSets> neighbours;  ///< when the first step takes the fast way
-  std::vector<double> means;        ///< one after the other, of the different neighbour sets
-  std::size_t keptMeans = 0;        ///< numbers in `means` that are still needed
-  std::vector<std::size_t> meanOf;  ///< where the mean of each point's neighbours begins
-  std::vector<double> buffers[2];   ///< the last two estimates of the general way
+  const Points& m_points;
+  double m_bandwidth;
+  SearchRadius m_kernel;
+  std::optional<NeighbourSets> m_neighbours;  ///< when the first step takes the fast way
+  std::vector<double> m_means;        ///< one after the other, of the different neighbour sets
+  std::size_t m_keptMeans = 0;        ///< numbers in `m_means` that are still needed
+  std::vector<std::size_t> m_meanOf;  ///< where the mean of each point's neighbours begins
+  std::vector<double> m_buffers[2];   ///< the last two estimates of the general way
 };

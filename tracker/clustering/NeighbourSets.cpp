@@ -11,22 +11,24 @@ namespace {
 class SortedPoints {
  public:
   explicit SortedPoints(const Points& allPoints)
-      : points(allPoints), order(points.count()), table(points.dimension(), points.count()) {
-    for (std::size_t i = 0; i < order.size(); ++i) {
-      order[i] = {points[i][points.widestFeature()], i};
+      : m_points(allPoints),
+        m_order(m_points.count()),
+        m_table(m_points.dimension(), m_points.count()) {
+    for (std::size_t i = 0; i < m_order.size(); ++i) {
+      m_order[i] = {m_points[i][m_points.widestFeature()], i};
     }
-    std::sort(order.begin(), order.end());
-    for (const auto& [feature, index] : order) {
-      table.append(points[index]);
+    std::sort(m_order.begin(), m_order.end());
+    for (const auto& [feature, index] : m_order) {
+      m_table.append(m_points[index]);
     }
   }
 
-  std::size_t indexAt(std::size_t place) const { return order[place].second; }
+  std::size_t indexAt(std::size_t place) const { return m_order[place].second; }
 
   /// The first place from `from` on whose widest feature alone excludes it, and hence all places
   /// that follow.
   std::size_t firstExcluded(std::size_t from, std::size_t here, const SearchRadius& radius) const {
-    while (from < order.size() && !radius.excludes(order[from].first - order[here].first)) {
+    while (from < m_order.size() && !radius.excludes(m_order[from].first - m_order[here].first)) {
       ++from;
     }
     return from;
@@ -37,13 +39,13 @@ class SortedPoints {
   template <typename Visit>
   void forEachFollower(std::size_t here, std::size_t end, const SearchRadius& radius, Visit visit) {
     constexpr std::size_t tileSize = PointTable::tileSize;
-    const double* const point = points[indexAt(here)];
+    const double* const point = m_points[indexAt(here)];
     const auto isWithin = [&](std::size_t place) {
-      return radius.contains(points[indexAt(place)], point);
+      return radius.contains(m_points[indexAt(place)], point);
     };
-    table.aim(point);
+    m_table.aim(point);
     for (std::size_t tile = (here + 1) / tileSize; tile * tileSize < end; ++tile) {
-      std::uint32_t found = table.within(tile, radius, isWithin);
+      std::uint32_t found = m_table.within(tile, radius, isWithin);
       if (tile * tileSize <= here) {
         found &= ~0U << (here + 1 - tile * tileSize);
       }
@@ -54,9 +56,9 @@ class SortedPoints {
   }
 
  private:
-  const Points& points;
-  std::vector<std::pair<double, std::size_t>> order;  ///< (widest feature, index)
-  PointTable table;
+  const Points& m_points;
+  std::vector<std::pair<double, std::size_t>> m_order;  ///< (widest feature, index)
+  PointTable m_table;
 };
 
 }  // namespace
@@ -64,7 +66,7 @@ class SortedPoints {
 // A sweep along the widest feature. Each pair is compared once: both differences have the same
 // square.
 NeighbourSets::NeighbourSets(const Points& points, const SearchRadius& radius)
-    : words((points.count() + wordBits - 1) / wordBits), bits(words * points.count()) {
+    : m_words((points.count() + wordBits - 1) / wordBits), m_bits(m_words * points.count()) {
   SortedPoints sorted(points);
   std::size_t end = 0;
   for (std::size_t here = 0; here < points.count(); ++here) {
@@ -80,11 +82,11 @@ NeighbourSets::NeighbourSets(const Points& points, const SearchRadius& radius)
 
 std::size_t NeighbourSets::first(std::size_t point) const {
   const Word* const set = row(point);
-  const Word* const word = std::find_if(set, set + words, [](Word w) { return w != 0; });
+  const Word* const word = std::find_if(set, set + m_words, [](Word w) { return w != 0; });
   return static_cast<std::size_t>(word - set) * wordBits +
          static_cast<std::size_t>(std::countr_zero(*word));
 }
 
 bool NeighbourSets::same(std::size_t a, std::size_t b) const {
-  return std::equal(row(a), row(a) + words, row(b));
+  return std::equal(row(a), row(a) + m_words, row(b));
 }

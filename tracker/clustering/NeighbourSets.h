@@ -27,19 +27,19 @@ class NeighbourSets {
   using Word = std::uint64_t;
   static constexpr std::size_t wordBits = 64;
 
-  const Word* row(std::size_t point) const { return bits.data() + point * words; }
+  const Word* row(std::size_t point) const { return m_bits.data() + point * m_words; }
   void add(std::size_t point, std::size_t neighbour) {
-    bits[point * words + neighbour / wordBits] |= Word(1) << (neighbour % wordBits);
+    m_bits[point * m_words + neighbour / wordBits] |= Word(1) << (neighbour % wordBits);
   }
 
-  std::size_t words;  ///< per point
-  std::vector<Word> bits;
+  std::size_t m_words;  ///< per point
+  std::vector<Word> m_bits;
 };
 
 template <typename Visit>
 void NeighbourSets::forEach(std::size_t point, Visit visit) const {
   const Word* const set = row(point);
-  for (std::size_t w = 0; w < words; ++w) {
+  for (std::size_t w = 0; w < m_words; ++w) {
     for (Word left = set[w]; left != 0; left &= left - 1) {
       visit(w * wordBits + static_cast<std::size_t>(std::countr_zero(left)));
     }

@@ -36,27 +36,27 @@ std::uint32_t bitsOf(const Flags (&flags)[vectors]) {
 }  // namespace
 
 PointTable::PointTable(std::size_t dimension, std::size_t expectedCount)
-    : rows(dimension), target(dimension) {
-  tiles.reserve((expectedCount + tileSize) * rows);
+    : m_rows(dimension), m_target(dimension) {
+  m_tiles.reserve((expectedCount + tileSize) * m_rows);
 }
 
 void PointTable::append(const double* point) {
-  if (pointCount % tileSize == 0) {
+  if (m_pointCount % tileSize == 0) {
     // Lanes without a point are infinitely far away, so that they never keep a tile alive.
-    tiles.resize(tiles.size() + tileSize * rows, std::numeric_limits<float>::infinity());
+    m_tiles.resize(m_tiles.size() + tileSize * m_rows, std::numeric_limits<float>::infinity());
   }
-  replace(pointCount++, point);
+  replace(m_pointCount++, point);
 }
 
 void PointTable::replace(std::size_t i, const double* point) {
-  float* const lane = tiles.data() + i / tileSize * tileSize * rows + i % tileSize;
-  for (std::size_t r = 0; r < rows; ++r) {
+  float* const lane = m_tiles.data() + i / tileSize * tileSize * m_rows + i % tileSize;
+  for (std::size_t r = 0; r < m_rows; ++r) {
     lane[r * tileSize] = static_cast<float>(point[r]);
   }
 }
 
 void PointTable::aim(const double* point) {
-  std::transform(point, point + rows, target.begin(),
+  std::transform(point, point + m_rows, m_target.begin(),
                  [](double x) { return static_cast<float>(x); });
 }
 
@@ -64,14 +64,14 @@ void PointTable::aim(const double* point) {
 // outside, which for most tiles is at the first look.
 PointTable::Verdict PointTable::compare(std::size_t tile, const SearchRadius& radius) const {
   const std::size_t first = tile * tileSize;
-  const float* const coordinates = tiles.data() + first * rows;
+  const float* const coordinates = m_tiles.data() + first * m_rows;
   const float outside = radius.surelyOutside();
   Floats sums[vectors] = {};
-  for (std::size_t r = 0; r < rows;) {
-    for (const std::size_t look = std::min(rows, r + rowsPerLook); r < look; ++r) {
+  for (std::size_t r = 0; r < m_rows;) {
+    for (const std::size_t look = std::min(m_rows, r + rowsPerLook); r < look; ++r) {
       const auto* const row = reinterpret_cast<const UnalignedFloats*>(coordinates + r * tileSize);
       for (std::size_t v = 0; v < vectors; ++v) {
-        const Floats difference = row[v] - target[r];
+        const Floats difference = row[v] - m_target[r];
         sums[v] += difference * difference;
       }
     }
@@ -90,6 +90,6 @@ PointTable::Verdict PointTable::compare(std::size_t tile, const SearchRadius& ra
     certain[v] = sums[v] < radius.surelyInside();
   }
   const std::uint32_t used =
-      first + tileSize <= pointCount ? wholeTile : (1U << (pointCount - first)) - 1U;
+      first + tileSize <= m_pointCount ? wholeTile : (1U << (m_pointCount - first)) - 1U;
   return {bitsOf(possible) & used, bitsOf(certain)};
 }

@@ -19,7 +19,7 @@ class PointTable {
 
   PointTable(std::size_t dimension, std::size_t expectedCount);
 
-  std::size_t tileCount() const { return (pointCount + tileSize - 1) / tileSize; }
+  std::size_t tileCount() const { return (m_pointCount + tileSize - 1) / tileSize; }
 
   void append(const double* point);
   void replace(std::size_t i, const double* point);
@@ -40,10 +40,10 @@ class PointTable {
   };
   Verdict compare(std::size_t tile, const SearchRadius& radius) const;
 
-  std::size_t rows;
-  std::size_t pointCount = 0;
-  std::vector<float> tiles;
-  std::vector<float> target;
+  std::size_t m_rows;
+  std::size_t m_pointCount = 0;
+  std::vector<float> m_tiles;
+  std::vector<float> m_target;
 };
 
 template <typename IsWithin>

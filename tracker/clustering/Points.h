@@ -11,21 +11,21 @@ class Points {
  public:
   explicit Points(const math::matrix<double>& data);
 
-  std::size_t count() const { return pointCount; }
-  std::size_t dimension() const { return featureCount; }
-  const double* operator[](std::size_t i) const { return columns.data() + i * featureCount; }
+  std::size_t count() const { return m_pointCount; }
+  std::size_t dimension() const { return m_featureCount; }
+  const double* operator[](std::size_t i) const { return m_columns.data() + i * m_featureCount; }
 
   /// The largest absolute value of a feature; infinite if one is infinite or not a number.
-  double magnitude() const { return largestValue; }
+  double magnitude() const { return m_largestValue; }
   /// The feature with the greatest range, the one that tells most points apart; for finite points.
-  std::size_t widestFeature() const { return widest; }
+  std::size_t widestFeature() const { return m_widest; }
 
  private:
   void measure();
 
-  std::size_t pointCount;
-  std::size_t featureCount;
-  std::vector<double> columns;
-  double largestValue = 0.0;
-  std::size_t widest = 0;
+  std::size_t m_pointCount;
+  std::size_t m_featureCount;
+  std::vector<double> m_columns;
+  double m_largestValue = 0.0;
+  std::size_t m_widest = 0;
 };

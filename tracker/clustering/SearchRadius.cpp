@@ -35,24 +35,24 @@ constexpr double greatestSquare = 1e37;
 }  // namespace
 
 SearchRadius::SearchRadius(double length, double magnitude, std::size_t dimension)
-    : rows(dimension),
-      squareLimit(exactSquareLimit(length)),
-      outside(std::numeric_limits<float>::infinity()),
-      inside(0.0F) {
+    : m_rows(dimension),
+      m_squareLimit(exactSquareLimit(length)),
+      m_outside(std::numeric_limits<float>::infinity()),
+      m_inside(0.0F) {
   boundSinglePrecision(length, magnitude);
 }
 
 bool SearchRadius::contains(const double* a, const double* b) const {
   double sum = 0.0;
-  for (std::size_t r = 0; r < rows; ++r) {
+  for (std::size_t r = 0; r < m_rows; ++r) {
     const double difference = a[r] - b[r];
     sum += difference * difference;
     // Terms are never negative and rounding is monotone: a sum that reached the limit stays there.
-    if (!(sum < squareLimit)) {
+    if (!(sum < m_squareLimit)) {
       return false;
     }
   }
-  return sum < squareLimit;
+  return sum < m_squareLimit;
 }
 
 // Per coordinate the rounded difference is off by an absolute error, hence the distance by `slack`
@@ -62,7 +62,7 @@ void SearchRadius::boundSinglePrecision(double length, double magnitude) {
   if (!(length > 0.0)) {
     return;
   }
-  const double count = static_cast<double>(rows);
+  const double count = static_cast<double>(m_rows);
   const double slack = std::sqrt(count) * (magnitude * coordinateError + smallestNormalFloat);
   const double relativeError = (count + 8.0) * 0x1p-23;
 
@@ -71,11 +71,11 @@ void SearchRadius::boundSinglePrecision(double length, double magnitude) {
   if (!(farthestSquare > leastSquare && farthestSquare < greatestSquare)) {
     return;
   }
-  outside = static_cast<float>(farthestSquare);
+  m_outside = static_cast<float>(farthestSquare);
 
   // Half the length must remain, or the relative margin below would not cover the exact rounding.
   const double nearest = (length - slack) * (1.0 - relativeError);
   if (slack < length / 2.0 && nearest * nearest > leastSquare) {
-    inside = static_cast<float>(nearest * nearest);
+    m_inside = static_cast<float>(nearest * nearest);
   }
 }

@@ -19,16 +19,16 @@ class SearchRadius {
   bool contains(const double* a, const double* b) const;
   /// Whether the difference in one row alone puts two points outside: the squares of the other rows
   /// only add to it.
-  bool excludes(double difference) const { return !(difference * difference < squareLimit); }
+  bool excludes(double difference) const { return !(difference * difference < m_squareLimit); }
 
-  float surelyOutside() const { return outside; }
-  float surelyInside() const { return inside; }
+  float surelyOutside() const { return m_outside; }
+  float surelyInside() const { return m_inside; }
 
  private:
   void boundSinglePrecision(double length, double magnitude);
 
-  std::size_t rows;
-  double squareLimit;  ///< a sum of squares is inside if it is below this
-  float outside;       ///< infinite when single precision cannot tell
-  float inside;        ///< 0 when single precision cannot tell
+  std::size_t m_rows;
+  double m_squareLimit;  ///< a sum of squares is inside if it is below this
+  float m_outside;       ///< infinite when single precision cannot tell
+  float m_inside;        ///< 0 when single precision cannot tell
 };

@@ -104,14 +104,13 @@ void matrix<T>::combine(const matrix& other, Operation operation, const char* me
 
 template <typename T>
 matrix<T>& matrix<T>::operator+=(const matrix& other) {
-  combine(other, std::plus<T>(), "matrixT::operator+= : Inconsistent matrix sizes in addition!");
+  combine(other, std::plus<T>(), additionError);
   return *this;
 }
 
 template <typename T>
 matrix<T>& matrix<T>::operator-=(const matrix& other) {
-  combine(other, std::minus<T>(),
-          "matrixT::operator-= : Inconsistent matrix sizes in subtraction!");
+  combine(other, std::minus<T>(), subtractionError);
   return *this;
 }
 

@@ -12,6 +12,12 @@ class matrix_error : public std::logic_error {
   explicit matrix_error(const std::string& message) : std::logic_error(message) {}
 };
 
+// What the errors say whose causes others than the operation itself can see coming.
+inline constexpr const char* additionError =
+    "matrixT::operator+= : Inconsistent matrix sizes in addition!";
+inline constexpr const char* subtractionError =
+    "matrixT::operator-= : Inconsistent matrix sizes in subtraction!";
+
 /// A small dense matrix with value semantics. Copies share one representation, so that copying,
 /// passing and returning cost a counter; the first write to a shared one copies the elements.
 ///

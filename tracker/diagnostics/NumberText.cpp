@@ -59,10 +59,6 @@ char* writeSixDigits(char* out, std::uint32_t value) {
   return out + 6;
 }
 
-}  // namespace
-
-namespace {
-
 // The shape of "%g" without an exponent: six significant digits, no zeros at the end.
 char* writeSignificant(char* out, std::uint64_t digits, int decimals) {
   while (decimals > 0 && digits % 10 == 0) {
