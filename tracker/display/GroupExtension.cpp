@@ -1,7 +1,7 @@
 #include "tracker/display/GroupExtension.h"
 
 #include "tracker/diagnostics/Diagnostics.h"
-#include "tracker/geometry/Util.h"
+#include "tracker/geometry/Frames.h"
 
 #include <algorithm>
 #include <cmath>
@@ -112,7 +112,6 @@ GroupExtension::Bbox GroupExtension::toBbox(const cv::Rect& r, unsigned int iden
   return {r.x, r.y, r.x + r.width - 1, r.y + r.height - 1, static_cast<int>(ident)};
 }
 
-// Formed without sign, as every frame number of the delay is.
 int GroupExtension::drawnFrame() const {
-  return static_cast<int>(static_cast<unsigned int>(m_frameNumber) - Util::temporalWinSize);
+  return delayed(static_cast<unsigned int>(m_frameNumber));
 }

@@ -1,7 +1,7 @@
 #include "tracker/display/GroupView.h"
 
 #include "tracker/diagnostics/Diagnostics.h"
-#include "tracker/geometry/Util.h"
+#include "tracker/geometry/Frames.h"
 #include "tracker/tracking/Group.h"
 
 namespace {
@@ -36,7 +36,6 @@ void GroupView::draw() {
   }
 }
 
-// Formed without sign, as every frame number of the delay is.
 int GroupView::shownFrame() const {
-  return static_cast<int>(static_cast<unsigned int>(m_frameNumber) - Util::temporalWinSize);
+  return delayed(static_cast<unsigned int>(m_frameNumber));
 }

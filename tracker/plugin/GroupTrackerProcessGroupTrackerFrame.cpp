@@ -1,4 +1,5 @@
 #include "tracker/diagnostics/Diagnostics.h"
+#include "tracker/geometry/Frames.h"
 #include "tracker/geometry/Util.h"
 #include "tracker/plugin/GroupTrackerProcessGroupTracker.h"
 #include "tracker/plugin/GroupTrackerProcessGroupTrackerPrivate.h"
@@ -106,7 +107,7 @@ bool GroupTrackerProcessGroupTrackerPrivate::displays() {
 }
 
 int GroupTrackerProcessGroupTrackerPrivate::reportedFrame() const {
-  return static_cast<int>(frameCounter - Util::temporalWinSize);
+  return delayed(frameCounter);
 }
 
 void GroupTrackerProcessGroupTrackerPrivate::queueImage() {
@@ -126,18 +127,12 @@ void GroupTrackerProcessGroupTrackerPrivate::printActors() const {
   }
   Diagnostics::print("{} TPOs\n", actors.size());
   for (const auto& actor : actors) {
-    Diagnostics::write("TPO id: ", static_cast<int>(actor->getIdent()), "\n");
+    Diagnostics::write("TPO id: ", signedId(actor->getIdent()), "\n");
     printWithSize(actor->getBoundingBox3D(), "   type: ", actor->getType(), ", ");
     const auto& mobiles = actor->getLinkedPhysicalObjectList();
     for (const auto& mobile : mobiles) {
-      __builtin_prefetch(mobile.data());
-    }
-    for (const auto& mobile : mobiles) {
-      __builtin_prefetch(mobile->getPhysicalObject().data());
-    }
-    for (const auto& mobile : mobiles) {
       const kelDataPhysicalObject& object = *mobile->getPhysicalObject();
-      printWithSize(object.getBoundingBox3D(), "   id: ", static_cast<int>(mobile->getIdent()),
+      printWithSize(object.getBoundingBox3D(), "   id: ", signedId(mobile->getIdent()),
                     ",    type: ", object.getType(), ", ");
     }
   }
@@ -168,8 +163,7 @@ void GroupTrackerProcessGroupTrackerPrivate::reportGroups() {
   for (const auto& group : tracker.getGroups()) {
     group->setComment("");
     const auto actor = actorOf(*group, reportedFrame());
-    if (const auto split = splits.find(static_cast<unsigned int>(group->getId()));
-        split != splits.end()) {
+    if (const auto split = splits.find(unsignedId(group->getId())); split != splits.end()) {
       actor->addSpecificProperty("MobileSplit", QString::fromStdString(split->second));
     }
     actors.append(actor);
@@ -181,7 +175,7 @@ std::map<unsigned int, std::string> GroupTrackerProcessGroupTrackerPrivate::spli
     unsigned int frame) {
   std::map<unsigned int, std::string> splits;
   for (const auto& mobile : tracker.mobilesAt(frame)) {
-    if (mobile->getGroupId() == MetaLPO::noId) {
+    if (mobile->getGroupId() == noId) {
       splits[tracker.probableGroupRaw(mobile)] += std::to_string(mobile->getIdent()) + ";";
     }
   }
@@ -191,8 +185,8 @@ std::map<unsigned int, std::string> GroupTrackerProcessGroupTrackerPrivate::spli
 QSharedPointer<kelDataActor> GroupTrackerProcessGroupTrackerPrivate::actorOf(const Group& group,
                                                                              int reportedFrame) {
   auto actor = QSharedPointer<kelDataActor>::create();
-  actor->setIdent(static_cast<unsigned int>(group.getId()));
-  const bool hasEnded = group.getEndFrame() != -1;
+  actor->setIdent(unsignedId(group.getId()));
+  const bool hasEnded = group.getEndFrame() != noFrame;
   const int groupFrame = hasEnded ? std::min(reportedFrame, group.getEndFrame()) : reportedFrame;
   if (!addMembers(*actor, group, groupFrame)) {
     return actor;

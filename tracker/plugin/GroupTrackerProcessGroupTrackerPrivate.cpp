@@ -53,15 +53,13 @@ void GroupTrackerProcessGroupTrackerPrivate::updateDisplay(
     const GroupTracker::MobileList& mobiles) {
   std::list<DisplayGroup> displayed;
   for (const auto& group : groups) {
-    if (group->getEndFrame() != -1 && group->getEndFrame() < frame) {
+    if (group->getEndFrame() != noFrame && group->getEndFrame() < frame) {
       continue;
     }
     Diagnostics::print("comment (updateDisplay): {}\n", group->getComment());
-    DisplayGroup record(static_cast<unsigned int>(group->getId()), group->getColor(),
-                        group->getComment());
+    DisplayGroup record(unsignedId(group->getId()), group->getColor(), group->getComment());
     for (const MetaLPO* mobile : group->membersAt(frame)) {
-      record.addMobile(static_cast<unsigned int>(mobile->getIdent()),
-                       mobile->observation().getBoundingBox2D());
+      record.addMobile(unsignedId(mobile->getIdent()), mobile->observation().getBoundingBox2D());
     }
     displayed.push_back(record);
   }

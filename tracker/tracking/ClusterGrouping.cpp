@@ -1,3 +1,5 @@
+#include "tracker/tracking/ClusterGrouping.h"
+
 #include "tracker/clustering/MeanShift.h"
 #include "tracker/diagnostics/Diagnostics.h"
 #include "tracker/display/GroupExtension.h"
@@ -5,7 +7,6 @@
 #include "tracker/geometry/Util.h"
 #include "tracker/tracking/GroupTracker.h"
 #include "tracker/tracking/MobileTypes.h"
-#include "tracker/tracking/TrajectoryFeatures.h"
 
 #include <algorithm>
 #include <cmath>
@@ -14,7 +15,7 @@
 #include <vector>
 
 /// The clusters of one frame: where they are, who is in them and which group each one continues.
-struct GroupTracker::Clusters {
+struct ClusterGrouping::Clusters {
   struct Center {
     double x;  ///< metres
     double y;  ///< metres
@@ -58,31 +59,25 @@ void printSizes(int persons) {
 
 }  // namespace
 
-void GroupTracker::clusterGroups(const QSharedPointer<GroupExtension>& extension) {
-  if (static_cast<int>(processedFrame()) < 1) {
-    closeFrame();
-    return;
-  }
-  Clusters clusters = clusterTrajectories(countPersons());
-  showCenters(clusters, extension);
-  assignMobiles(clusters);
-  associateWithGroups(clusters);
+ClusterGrouping::ClusterGrouping(const SceneScale& scene,
+                                 const QSharedPointer<GroupExtension>& extension)
+    : m_scene(scene), m_extension(extension) {}
+
+void ClusterGrouping::beforeJoining(GroupTracker& tracker) {
+  Clusters clusters = clusterTrajectories(tracker, countPersons(tracker));
+  showCenters(clusters);
+  assignMobiles(tracker, clusters);
+  associateWithGroups(tracker, clusters);
   printClusters(clusters);
-  createClusterGroups(clusters);
-  updateGroups();
-  placeGroupMobiles();
-  detectMerge();
-  detectSplit();
-  printGroups();
-  closeFrame();
+  createGroups(tracker, clusters);
 }
 
 // Small persons are not counted here, though all are clustered: the matrix then lacks a column and
 // says so with an exception, because a person that small is a fault of the calibration.
-int GroupTracker::countPersons() {
+int ClusterGrouping::countPersons(GroupTracker& tracker) {
   int persons = 0;
-  Diagnostics::print("mobiles at processed frame {}:\n", static_cast<int>(processedFrame()));
-  for (const auto& mobile : mobilesAt(processedFrame())) {
+  Diagnostics::print("mobiles at processed frame {}:\n", tracker.processedFrame());
+  for (const auto& mobile : tracker.processedMobiles()) {
     Diagnostics::print("{} ({}), ", mobile->getIdent(), mobile->getType().nameOf());
     if (isPersonMobile(*mobile) && !isSmall(mobile->observation().getBoundingBox3D())) {
       ++persons;
@@ -93,12 +88,12 @@ int GroupTracker::countPersons() {
   return persons;
 }
 
-GroupTracker::Clusters GroupTracker::clusterTrajectories(int persons) {
-  const SceneScale scale{m_minX, m_maxX, m_minY, m_maxY};
+ClusterGrouping::Clusters ClusterGrouping::clusterTrajectories(GroupTracker& tracker,
+                                                               int persons) const {
   const int window = static_cast<int>(Util::temporalWinSize);
-  TrajectoryFeatures features(window, persons, scale);
+  TrajectoryFeatures features(window, persons, m_scene);
   std::size_t columns = 0;
-  for (const auto& mobile : mobilesAt(processedFrame())) {
+  for (const auto& mobile : tracker.processedMobiles()) {
     if (isPersonMobile(*mobile)) {
       features.fillPositions(columns++, *mobile);
     }
@@ -111,18 +106,18 @@ GroupTracker::Clusters GroupTracker::clusterTrajectories(int persons) {
   centers.Null();
   std::vector<int> sizes(columns);
   int count = 0;
-  MeanShift().meanShift(features.data(), tolerance, &count, sizes.data(), &centers, nullptr);
+  MeanShift().meanShift(features.data(), GroupTracker::tolerance, &count, sizes.data(), &centers,
+                        nullptr);
   Diagnostics::print("meanShift done, counter = {}\n", count);
 
   Clusters clusters;
   for (std::size_t k = 0; k < static_cast<std::size_t>(count); ++k) {
-    clusters.centers.push_back({scale.toSceneX(centers(0, k)), scale.toSceneY(centers(1, k))});
+    clusters.centers.push_back({m_scene.toSceneX(centers(0, k)), m_scene.toSceneY(centers(1, k))});
   }
   return clusters;
 }
 
-void GroupTracker::showCenters(const Clusters& clusters,
-                               const QSharedPointer<GroupExtension>& extension) {
+void ClusterGrouping::showCenters(const Clusters& clusters) const {
   std::vector<int> pixels;
   int k = 0;
   for (const auto& [x, y] : clusters.centers) {
@@ -133,14 +128,14 @@ void GroupTracker::showCenters(const Clusters& clusters,
       pixels.push_back(toPixel(pixel.y));
     }
   }
-  if (extension) {
-    extension->setClusterCount(clusters.count());
-    extension->setCenters(pixels);
+  if (m_extension) {
+    m_extension->setClusterCount(clusters.count());
+    m_extension->setCenters(pixels);
   }
 }
 
-void GroupTracker::assignMobiles(Clusters& clusters) {
-  for (const auto& mobile : mobilesAt(processedFrame())) {
+void ClusterGrouping::assignMobiles(GroupTracker& tracker, Clusters& clusters) {
+  for (const auto& mobile : tracker.processedMobiles()) {
     if (!isPersonMobile(*mobile)) {
       continue;
     }
@@ -159,16 +154,16 @@ void GroupTracker::assignMobiles(Clusters& clusters) {
 }
 
 // The group that most of the mobiles probably belong to; of several the one with the smallest id.
-int GroupTracker::electGroup(const std::list<int>& mobileIds) const {
+int ClusterGrouping::electGroup(const GroupTracker& tracker, const std::list<int>& mobileIds) {
   std::map<int, int> votes;
   for (const int id : mobileIds) {
-    const auto mobile = node(id);
-    const unsigned int home = mobile ? probableGroup(mobile) : none;
-    if (home != none) {
-      ++votes[static_cast<int>(home)];
+    const auto mobile = tracker.node(id);
+    const int home = mobile ? tracker.likelyHome(mobile) : noId;
+    if (home != noId) {
+      ++votes[home];
     }
   }
-  int winner = Group::noId;
+  int winner = noId;
   int most = 0;
   for (const auto& [home, count] : votes) {
     if (count > most) {
@@ -179,17 +174,18 @@ int GroupTracker::electGroup(const std::list<int>& mobileIds) const {
   return winner;
 }
 
-void GroupTracker::associateWithGroups(Clusters& clusters) const {
+void ClusterGrouping::associateWithGroups(const GroupTracker& tracker, Clusters& clusters) {
   for (int k = 0; k < clusters.count(); ++k) {
-    const int winner = electGroup(clusters.members[k]);
-    const auto home = m_groups.value(winner);
+    const int winner = electGroup(tracker, clusters.members[k]);
+    const auto home = tracker.getGroups().value(winner);
     if (!home) {
       continue;
     }
     // Asked at the current frame, so that the group's latest known place counts.
-    cv::Point3f gravity = home->centerOfGravity(static_cast<int>(m_currentFrame));
+    cv::Point3f gravity = home->centerOfGravity(tracker.currentFrame());
     gravity.z = 0.0F;
-    if (Util::distance3DPoints(clusters.centers[k].point(), gravity) <= maxDistGroupMerge) {
+    if (Util::distance3DPoints(clusters.centers[k].point(), gravity) <=
+        GroupTracker::maxDistGroupMerge) {
       clusters.groups[k] = home;
     } else {
       Diagnostics::print("too far, {} can not be associated to {}\n", winner, k);
@@ -202,12 +198,11 @@ void GroupTracker::associateWithGroups(Clusters& clusters) const {
   }
 }
 
-void GroupTracker::printClusters(const Clusters& clusters) {
+void ClusterGrouping::printClusters(const Clusters& clusters) {
   Diagnostics::print("finally:\n");
   for (int k = 0; k < clusters.count(); ++k) {
     const auto& home = clusters.groups.at(k);
-    Diagnostics::print("cluster {} --> group {} and mobiles ", k,
-                       home ? home->getId() : Group::noId);
+    Diagnostics::print("cluster {} --> group {} and mobiles ", k, home ? home->getId() : noId);
     for (const int id : clusters.members.at(k)) {
       Diagnostics::print("{} ", id);
     }
@@ -215,7 +210,7 @@ void GroupTracker::printClusters(const Clusters& clusters) {
   }
 }
 
-void GroupTracker::createClusterGroups(Clusters& clusters) {
+void ClusterGrouping::createGroups(GroupTracker& tracker, Clusters& clusters) {
   for (const auto& [k, ids] : clusters.members) {
     if (clusters.groups[k]) {
       continue;  // its mobiles join through updateGroups
@@ -223,32 +218,33 @@ void GroupTracker::createClusterGroups(Clusters& clusters) {
     if (ids.empty()) {
       Diagnostics::print("not creating group for cluster {}\n", k);
     } else if (ids.size() > 1) {
-      clusters.groups[k] = createClusterGroup(ids);
+      clusters.groups[k] = createGroup(tracker, ids);
     }
   }
 }
 
-QSharedPointer<Group> GroupTracker::createClusterGroup(const std::list<int>& mobileIds) {
+QSharedPointer<Group> ClusterGrouping::createGroup(GroupTracker& tracker,
+                                                   const std::list<int>& mobileIds) {
   const auto created = QSharedPointer<Group>::create();
   Diagnostics::print("group {} being created with mobiles ", created->getId());
   for (const int id : mobileIds) {
     Diagnostics::print("{} ", id);
-    if (const auto mobile = node(id)) {
+    if (const auto mobile = tracker.node(id)) {
       created->addMobile(mobile);
       mobile->setGroupId(created->getId());
     }
   }
   Diagnostics::print("\n");
-  created->setStartFrame(static_cast<int>(processedFrame()));
-  created->setEndFrame(Group::noId);
-  addGroup(created);
+  created->setStartFrame(tracker.processedFrame());
+  created->setEndFrame(noFrame);
+  tracker.addGroup(created);
   return created;
 }
 
-void GroupTracker::placeGroupMobiles() {
-  for (const auto& mobile : mobilesAt(processedFrame())) {
-    if (isGroupOrCrowd(mobile->getType()) && groupId(mobile->getPhysicalObject()) == none) {
-      processGroupMobile(mobile);
+void ClusterGrouping::afterJoining(GroupTracker& tracker) {
+  for (const auto& mobile : tracker.processedMobiles()) {
+    if (isGroupOrCrowd(mobile->getType()) && tracker.homeOf(*mobile) == noId) {
+      tracker.processGroupMobile(mobile);
     }
   }
 }

@@ -56,7 +56,7 @@ Group::Group(const QSharedPointer<kelDataLinkedPhysicalObject>& object, unsigned
     : m_startFrame(static_cast<int>(frame)) {
   init();
   addMobile(object, static_cast<int>(frame));
-  m_bestMobileId = static_cast<int>(object->getIdent());
+  m_bestMobileId = signedId(object->getIdent());
 }
 
 Group::Group(const Group& other)
@@ -117,7 +117,7 @@ void Group::removeMobile(int id) {
 }
 
 bool Group::contains(const QSharedPointer<kelDataLinkedPhysicalObject>& object) const {
-  return m_members.contains(static_cast<int>(object->getIdent()));
+  return m_members.contains(signedId(object->getIdent()));
 }
 
 std::vector<QSharedPointer<kelDataLinkedPhysicalObject>> Group::getLPOs() const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tracker/display/ROI.h"
+#include "tracker/geometry/Frames.h"
 #include "tracker/tracking/Cohesion.h"
 #include "tracker/tracking/GroupMembers.h"
 #include "tracker/tracking/MetaLPO.h"
@@ -31,8 +32,6 @@ class Group {
  public:
   using Members = GroupMembers::ById;
   using Event = std::pair<int, int>;  ///< the other group's id and the frame
-
-  static constexpr int noId = -1;
 
   static double coherenceThreshold;
   static unsigned int distWeight;
@@ -164,8 +163,8 @@ class Group {
   bool m_isUpdated = true;
   GroupMembers m_members;
   int m_bestMobileId = 0;  ///< the representative; 0 also before there is one
-  int m_startFrame = -1;
-  int m_endFrame = -1;  ///< frame after which nobody joined; -1 while the group is open
+  int m_startFrame = noFrame;
+  int m_endFrame = noFrame;  ///< frame after which nobody joined; none while the group is open
   std::string m_comment;
   int m_numMobiles = 0;
   int m_framesAlone = 0;  ///< closed frames in a row with a head count of exactly 1

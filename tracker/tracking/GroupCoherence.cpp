@@ -100,7 +100,7 @@ double Group::groupCoherence(const QSharedPointer<kelDataLinkedPhysicalObject>& 
   const Spreads spreads = m_cohesion.spreads;
   addMobile(object, static_cast<int>(frame));
   const double coherence = groupCoherence();
-  removeMobile(static_cast<int>(object->getIdent()));
+  removeMobile(signedId(object->getIdent()));
   m_bestMobileId = bestMobileId;
   m_numMobiles = numMobiles;
   m_cohesion.avgIntraDist = avgIntraDist;

@@ -1,9 +1,10 @@
 #include "tracker/tracking/GroupTracker.h"
 
 #include "tracker/diagnostics/Diagnostics.h"
-#include "tracker/geometry/Util.h"
+#include "tracker/geometry/Frames.h"
+#include "tracker/tracking/ClusterGrouping.h"
 
-#include <algorithm>
+#include <iterator>
 
 double GroupTracker::reliabilityThreshold = 0.0;
 unsigned int GroupTracker::maxFrames = 0;
@@ -18,29 +19,55 @@ double GroupTracker::minReliabilityOthers = 0.0;
 
 GroupTracker::~GroupTracker() = default;
 
-unsigned int GroupTracker::processedFrame() const {
-  return m_currentFrame - Util::temporalWinSize;
+int GroupTracker::processedFrame() const {
+  return delayed(m_currentFrame);
+}
+
+int GroupTracker::trackGroups() {
+  groupFrame(m_pairs);
+  return 0;
+}
+
+void GroupTracker::clusterGroups(const QSharedPointer<GroupExtension>& extension) {
+  ClusterGrouping clusters(m_scene, extension);
+  groupFrame(clusters);
+}
+
+void GroupTracker::groupFrame(Grouping& mode) {
+  if (processedFrame() < earliestFrame) {
+    closeFrame();
+    return;
+  }
+  mode.beforeJoining(*this);
+  updateGroups();
+  mode.afterJoining(*this);
+  detectMerge();
+  detectSplit();
+  printGroups();
+  closeFrame();
 }
 
 unsigned int GroupTracker::groupId(
     const QSharedPointer<kelDataLinkedPhysicalObject>& object) const {
-  const MetaLPO* mobile = m_mobiles.node(static_cast<int>(object->getIdent()));
-  return mobile == nullptr ? none : static_cast<unsigned int>(mobile->getGroupId());
+  const MetaLPO* mobile = latestNode(signedId(object->getIdent()));
+  return unsignedId(mobile == nullptr ? noId : mobile->getGroupId());
 }
 
 unsigned int GroupTracker::groupId(int id) const {
-  if (id == MetaLPO::noId) {
-    return none;
-  }
-  const MetaLPO* mobile = m_mobiles.node(id);
-  return mobile == nullptr ? none : static_cast<unsigned int>(mobile->getGroupId());
+  return unsignedId(homeOf(id));
 }
 
-// The group under the mobile id of a node: that of the node itself unless its id was declared
-// again.
-unsigned int GroupTracker::groupIdOf(const MetaLPO& mobile) const {
-  return mobile.isRemembered() ? static_cast<unsigned int>(mobile.getGroupId())
-                               : groupId(mobile.getPhysicalObject());
+int GroupTracker::homeOf(int id) const {
+  const MetaLPO* mobile = id == noId ? nullptr : latestNode(id);
+  return mobile == nullptr ? noId : mobile->getGroupId();
+}
+
+int GroupTracker::homeOf(const MetaLPO& mobile) const {
+  if (mobile.isRemembered()) {
+    return mobile.getGroupId();
+  }
+  const MetaLPO* latest = latestNode(mobile.getIdent());
+  return latest == nullptr ? noId : latest->getGroupId();
 }
 
 void GroupTracker::addGroup(const QSharedPointer<Group>& group) {
@@ -55,122 +82,104 @@ unsigned int GroupTracker::createGroup(const QSharedPointer<MetaLPO>& mobile) {
   addGroup(created);
   Diagnostics::print("created new group with mobile {} and id={}\n", mobile->getIdent(),
                      created->getId());
-  return static_cast<unsigned int>(created->getId());
+  return unsignedId(created->getId());
 }
 
 void GroupTracker::addMobileToGroup(int groupId, unsigned int mobileId) {
   const auto target = m_groups.value(groupId);
-  const auto mobile = node(static_cast<int>(mobileId));
+  const auto mobile = node(signedId(mobileId));
   if (!target || !mobile) {
     return;
   }
   mobile->setGroupId(groupId);
   target->addMobile(mobile);
-  target->setEndFrame(-1);
+  target->setEndFrame(noFrame);
 }
 
 void GroupTracker::addMobileToGroup(int groupId, const QSharedPointer<MetaLPO>& mobile) {
-  addMobileToGroup(groupId, static_cast<unsigned int>(mobile->getIdent()));
+  addMobileToGroup(groupId, unsignedId(mobile->getIdent()));
 }
 
 void GroupTracker::removeGroup(unsigned int id) {
-  moveToGroup({id}, MetaLPO::noId);
-  Diagnostics::print("remove group {}\n", static_cast<int>(id));
-  const auto removed = m_groups.take(static_cast<int>(id));
+  const int gone = signedId(id);
+  moveToGroup({gone}, noId);
+  Diagnostics::print("remove group {}\n", gone);
+  const auto removed = m_groups.take(gone);
   if (removed) {
     removed->freeROIs();
   }
 }
 
-std::pair<QSharedPointer<kelDataLinkedPhysicalObject>, bool> GroupTracker::getMobile(
-    unsigned int id) const {
-  const auto found = std::find_if(m_lpoList.begin(), m_lpoList.end(),
-                                  [&](const auto& object) { return object->getIdent() == id; });
-  if (found != m_lpoList.end()) {
-    return {*found, true};
-  }
-  return {m_lpoList.empty() ? QSharedPointer<kelDataLinkedPhysicalObject>() : m_lpoList.front(),
-          false};
+unsigned int GroupTracker::probableGroupRaw(const QSharedPointer<MetaLPO>& mobile) const {
+  return unsignedId(likelyHomeRaw(mobile));
 }
 
-QSharedPointer<kelDataLinkedPhysicalObject> GroupTracker::getStrongestFather(
-    const QSharedPointer<kelDataLinkedPhysicalObject>& object, bool onlyReliable) const {
-  auto strongest = object;
-  double best = -1.0;
-  for (const auto& link : object->getFatherLinks()) {
-    const double reliability = link->getReliability();
-    const auto father = link->getFather();
-    if (!father || reliability <= best || (onlyReliable && reliability < reliabilityThreshold)) {
-      continue;
+int GroupTracker::likelyHomeRaw(const QSharedPointer<MetaLPO>& mobile) const {
+  if (const int home = homeOf(mobile->getBestFatherId()); home != noId) {
+    return home;
+  }
+  const auto& links = mobile->getFatherLinks();
+  for (auto link = links.rbegin(); link != links.rend(); ++link) {
+    if (const MetaLPO* father = link->fatherNode()) {
+      if (const int home = homeOf(*father); home != noId) {
+        return home;
+      }
     }
-    best = reliability;
-    strongest = father;
+    const bool isFirst = std::next(link) == links.rend();
+    if (isFirst || !(link->getReliability() > minReliabilityOthers)) {
+      break;
+    }
   }
-  return strongest;
+  return noId;
 }
 
-std::pair<unsigned int, cv::Rect> GroupTracker::getStrongestFather2D(
-    const QSharedPointer<kelDataLinkedPhysicalObject>& object, bool onlyReliable) const {
-  const auto father = getStrongestFather(object, onlyReliable);
-  return {father->getIdent(), father->getPhysicalObject()->getBoundingBox2D()};
+unsigned int GroupTracker::probableGroup(const QSharedPointer<MetaLPO>& mobile) const {
+  return unsignedId(likelyHome(mobile));
 }
 
-std::pair<unsigned int, BoundingBox3D> GroupTracker::getStrongestFather3D(
-    const QSharedPointer<kelDataLinkedPhysicalObject>& object, bool onlyReliable) const {
-  const auto father = getStrongestFather(object, onlyReliable);
-  return {father->getIdent(), father->getPhysicalObject()->getBoundingBox3D()};
+int GroupTracker::likelyHome(const QSharedPointer<MetaLPO>& mobile) const {
+  const int home = homeOf(mobile->getBestFatherId());
+  if (home != noId && mobile->getBestFatherReliability() > minReliabilityBest) {
+    return home;
+  }
+  for (const auto& entry : mobile->chain()) {
+    if (entry.reliability > minReliabilityOthers) {
+      if (const int found = homeOf(entry.ident); found != noId) {
+        return found;
+      }
+    }
+  }
+  if (!mobile->chain().empty()) {
+    return noId;
+  }
+  const auto& links = mobile->getFatherLinks();
+  for (auto link = links.rbegin(); link != links.rend(); ++link) {
+    if (!(link->getReliability() > 0.5 * minReliabilityOthers)) {
+      return noId;
+    }
+    if (const MetaLPO* father = link->fatherNode()) {
+      if (const int found = homeOf(*father); found != noId) {
+        return found;
+      }
+    }
+  }
+  return noId;
 }
 
 unsigned int GroupTracker::ancestorGroup(unsigned int id, int depth) const {
-  int current = static_cast<int>(id);
+  return unsignedId(ancestralHome(signedId(id), depth));
+}
+
+int GroupTracker::ancestralHome(int id, int depth) const {
   for (int left = depth; left != 0; --left) {
-    const auto mobile = node(current);
-    if (!mobile || mobile->getBestFatherId() == current ||
-        mobile->getBestFatherId() == MetaLPO::noId) {
-      return none;
+    const MetaLPO* mobile = latestNode(id);
+    if (mobile == nullptr || mobile->getBestFatherId() == id || mobile->getBestFatherId() == noId) {
+      return noId;
     }
-    current = mobile->getBestFatherId();
-    if (const unsigned int found = groupId(current); found != none) {
+    id = mobile->getBestFatherId();
+    if (const int found = homeOf(id); found != noId) {
       return found;
     }
   }
-  return none;
-}
-
-unsigned int GroupTracker::ancestorGroup(const QSharedPointer<kelDataLinkedPhysicalObject>& object,
-                                         int depth) const {
-  auto mobile = node(static_cast<int>(object->getIdent()));
-  for (int left = depth; left != 0 && mobile; --left) {
-    const auto father = mobile->ancestor();
-    if (!father || father->getIdent() == mobile->getIdent()) {
-      return none;
-    }
-    if (const unsigned int found = groupId(father->getIdent()); found != none) {
-      return found;
-    }
-    mobile = node(father->getIdent());
-  }
-  return none;
-}
-
-unsigned int GroupTracker::ancestorsInSameGroup(std::pair<unsigned int, unsigned int> ids,
-                                                int depth) const {
-  for (int left = depth; getMobile(ids.first).second && getMobile(ids.second).second; --left) {
-    const auto a = node(static_cast<int>(ids.first));
-    const auto b = node(static_cast<int>(ids.second));
-    if (!a || !b) {
-      return none;
-    }
-    const unsigned int groupA = groupId(a->getBestFatherId());
-    const unsigned int groupB = groupId(b->getBestFatherId());
-    if (groupA != none && groupA == groupB) {
-      return groupA;
-    }
-    if (left == 1) {
-      return none;
-    }
-    ids = {static_cast<unsigned int>(a->getBestFatherId()),
-           static_cast<unsigned int>(b->getBestFatherId())};
-  }
-  return none;
+  return noId;
 }

@@ -1,11 +1,12 @@
 #pragma once
 
-#include "tracker/tracking/DistanceLines.h"
 #include "tracker/tracking/Group.h"
 #include "tracker/tracking/MetaLPO.h"
 #include "tracker/tracking/MobileDump.h"
 #include "tracker/tracking/MotionChanges.h"
+#include "tracker/tracking/PairGrouping.h"
 #include "tracker/tracking/RememberedNodes.h"
+#include "tracker/tracking/TrajectoryFeatures.h"
 
 #include <kel/kelDataActor.h>
 #include <kel/kelDataImage.h>
@@ -35,7 +36,7 @@ class GroupExtension;
 /// error.
 class GroupTracker {
  public:
-  static constexpr unsigned int none = 0xFFFFFFFFU;  ///< no group, no mobile
+  static constexpr unsigned int none = unsignedId(noId);  ///< no group, no mobile
 
   using MobileList = std::list<QSharedPointer<MetaLPO>>;
 
@@ -60,17 +61,21 @@ class GroupTracker {
 
   // The scene's bounds on the ground, metres
 
-  void setSceneMinX(float x) { m_minX = x; }
-  void setSceneMaxX(float x) { m_maxX = x; }
-  void setSceneMinY(float y) { m_minY = y; }
-  void setSceneMaxY(float y) { m_maxY = y; }
+  void setSceneMinX(float x) { m_scene.minX = x; }
+  void setSceneMaxX(float x) { m_scene.maxX = x; }
+  void setSceneMinY(float y) { m_scene.minY = y; }
+  void setSceneMaxY(float y) { m_scene.maxY = y; }
 
   // The frame, in the order of the calls
 
   void initFrame(const QList<QSharedPointer<kelDataActor>>& actors,
                  const QSharedPointer<kelDataImage>& image, unsigned int frame);
+  /// Groups by pairs; always 0.
   int trackGroups();
+  /// Groups by clusters of trajectories; `extension` may be null.
   void clusterGroups(const QSharedPointer<GroupExtension>& extension);
+  /// The frame in any mode.
+  void groupFrame(Grouping& mode);
 
   // What the frame led to
 
@@ -79,10 +84,30 @@ class GroupTracker {
   const MobileList& mobilesAt(unsigned int frame) { return m_mobilesByFrame[frame]; }
   /// The remembered node of a mobile; null for an unknown id.
   QSharedPointer<MetaLPO> node(int id) const { return m_mobiles.find(id); }
+  /// The same without a share in it.
+  const MetaLPO* latestNode(int id) const { return m_mobiles.node(id); }
   /// The group that the mobile most probably belongs to, by its best father or its strongest link.
   unsigned int probableGroupRaw(const QSharedPointer<MetaLPO>& mobile) const;
   /// The same, but only through ancestors that are reliable enough.
   unsigned int probableGroup(const QSharedPointer<MetaLPO>& mobile) const;
+
+  // What modes ask. Ids have a sign here, and none is `noId`.
+
+  int currentFrame() const { return static_cast<int>(m_currentFrame); }
+  /// The frame that decisions are about.
+  int processedFrame() const;
+  const MobileList& processedMobiles() {
+    return mobilesAt(static_cast<unsigned int>(processedFrame()));
+  }
+  /// The group under a mobile id.
+  int homeOf(int id) const;
+  /// The group under the mobile id of a node: that of the node itself unless its id was declared
+  /// again.
+  int homeOf(const MetaLPO& mobile) const;
+  /// `probableGroup`.
+  int likelyHome(const QSharedPointer<MetaLPO>& mobile) const;
+  /// Whether two positions are too far apart for a pair.
+  static bool isTooFarForPair(const cv::Point3f& a, const cv::Point3f& b);
 
   // Steps of a frame
 
@@ -124,14 +149,7 @@ class GroupTracker {
  private:
   struct Seeker;
   struct Candidate;
-  struct PairMember;
   class ChainWalk;
-
-  /// The frame that decisions are about: "temporalWinSize:" frames back.
-  unsigned int processedFrame() const;
-  QSharedPointer<Group> group(unsigned int id) const {
-    return m_groups.value(static_cast<int>(id));
-  }
 
   // Intake
   QSharedPointer<MetaLPO> takeIn(const kelDataActor& actor);
@@ -145,45 +163,25 @@ class GroupTracker {
   void forgetOldFrames();
   void refreshBestSons();
 
-  // Pairwise grouping
-  void printProcessedMobiles();
-  void pairFreeMobiles();
-  void pairWithFree(const PairMember& first, const std::deque<PairMember*>& free);
-  void adopt(const QSharedPointer<Group>& group);
+  // Groups out of an ancestry
+  int likelyHomeRaw(const QSharedPointer<MetaLPO>& mobile) const;
+  int ancestralHome(int id, int depth) const;
   bool joinAncestorGroup(const QSharedPointer<MetaLPO>& mobile);
   bool foundFromAncestry(const QSharedPointer<MetaLPO>& mobile);
   void addAncestor(Group& trial, const QSharedPointer<MetaLPO>& ancestor,
                    std::list<double>& coherences);
 
-  // Clustering
-  struct Clusters;
-  int countPersons();
-  Clusters clusterTrajectories(int persons);
-  static void showCenters(const Clusters& clusters,
-                          const QSharedPointer<GroupExtension>& extension);
-  void assignMobiles(Clusters& clusters);
-  int electGroup(const std::list<int>& mobileIds) const;
-  void associateWithGroups(Clusters& clusters) const;
-  static void printClusters(const Clusters& clusters);
-  void createClusterGroups(Clusters& clusters);
-  QSharedPointer<Group> createClusterGroup(const std::list<int>& mobileIds);
-  void placeGroupMobiles();
-
   // Maintenance. Whoever is asked in a frame is kept in deques: a single large piece of memory
   // would make the allocator tidy up after all small ones, every frame anew.
   bool updateGroupsOnce(std::deque<Seeker>& seekers);
-  static void forgetRefusals(std::deque<Seeker>& seekers, unsigned int groupId);
-  void ask(Seeker& seeker, std::map<unsigned int, Candidate>& candidates) const;
-  void mergeGroups(const std::set<unsigned int>& ids);
-  void moveToGroup(const std::set<unsigned int>& from, int to);
-  unsigned int groupIdOf(const MetaLPO& mobile) const;
+  static void forgetRefusals(std::deque<Seeker>& seekers, int groupId);
+  void ask(Seeker& seeker, std::map<int, Candidate>& candidates) const;
+  void mergeGroups(const std::set<int>& ids);
+  void moveToGroup(const std::set<int>& from, int to);
   int splitFrom(const MetaLPO& member, int groupId) const;
   std::map<int, QSharedPointer<MetaLPO>> rememberedAt(unsigned int frame) const;
 
-  float m_minX = 0.0F;
-  float m_maxX = 1.0F;
-  float m_minY = 0.0F;
-  float m_maxY = 1.0F;
+  SceneScale m_scene{0.0F, 1.0F, 0.0F, 1.0F};
   QMap<int, QSharedPointer<Group>> m_groups;
   std::list<QSharedPointer<kelDataLinkedPhysicalObject>> m_lpoList;  ///< searched by `getMobile`
   unsigned int m_currentFrame = 0;
@@ -193,6 +191,6 @@ class GroupTracker {
   QSharedPointer<kelDataImage> m_currentImage;  ///< of the current frame; may be null
   std::size_t m_intakes = 0;                    ///< nodes made so far
   QSharedPointer<MotionChanges> m_motions = QSharedPointer<MotionChanges>::create();
-  DistanceLines m_distanceLines;
+  PairGrouping m_pairs;
   MobileDump m_dump;
 };

@@ -39,10 +39,3 @@ void GroupTracker::printGroups() const {
 void GroupTracker::printMetaMobiles() {
   m_dump.write(m_currentFrame, m_mobiles);
 }
-
-void GroupTracker::ancestors(const QSharedPointer<kelDataLinkedPhysicalObject>& object) const {
-  for (const auto& father : object->getFathers()) {
-    Diagnostics::print("{} ", static_cast<int>(father->getIdent()));
-    ancestors(father);
-  }
-}

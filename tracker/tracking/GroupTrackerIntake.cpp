@@ -104,7 +104,7 @@ void GroupTracker::initFrame(const QList<QSharedPointer<kelDataActor>>& actors,
 void GroupTracker::setTrackedMobiles(const QList<QSharedPointer<kelDataActor>>& actors) {
   m_intakeWasCutShort = true;
   for (const auto& actor : actors) {
-    Diagnostics::write("TPO ", static_cast<int>(actor->getIdent()), "\n");
+    Diagnostics::write("TPO ", signedId(actor->getIdent()), "\n");
     if (actor->getLinkedPhysicalObjectList().empty()) {
       // An actor without mobiles tells that the upstream tracker is still starting: the frame is
       // not to be trusted, so nothing is forgotten or refreshed by it either.
@@ -146,10 +146,9 @@ void GroupTracker::linkToFathers(const QSharedPointer<MetaLPO>& mobile) const {
   for (const auto& link : links) {
     const auto father = link->getFather();
     const auto son = link->getSon();
-    mobile->addFatherLink(
-        father ? node(static_cast<int>(father->getIdent())) : QSharedPointer<MetaLPO>(),
-        son ? node(static_cast<int>(son->getIdent())) : QSharedPointer<MetaLPO>(),
-        link->getReliability());
+    mobile->addFatherLink(father ? node(signedId(father->getIdent())) : QSharedPointer<MetaLPO>(),
+                          son ? node(signedId(son->getIdent())) : QSharedPointer<MetaLPO>(),
+                          link->getReliability());
   }
   mobile->sortLinks();
 }
@@ -213,7 +212,7 @@ class GroupTracker::ChainWalk {
   bool m_isFirst = true;
   std::span<const MetaLPO::ChainEntry> m_shared;  ///< steps that are still to come
   bool m_isOnSharedWay = false;                   ///< then the walk is at `m_currentId`
-  int m_currentId = MetaLPO::noId;
+  int m_currentId = noId;
 };
 
 void GroupTracker::readChain(const kelDataActor& actor, MetaLPO& mobile) const {
@@ -222,7 +221,7 @@ void GroupTracker::readChain(const kelDataActor& actor, MetaLPO& mobile) const {
   ChainWalk walk(*this, mobile);
   double running = 0.0;
   for (auto object = std::next(objects.rbegin()); object != objects.rend(); ++object) {
-    auto entry = walk.step(static_cast<int>((*object)->getIdent()));
+    auto entry = walk.step(signedId((*object)->getIdent()));
     if (!entry) {
       running = 0.0;
       continue;
@@ -234,11 +233,11 @@ void GroupTracker::readChain(const kelDataActor& actor, MetaLPO& mobile) const {
 }
 
 void GroupTracker::electBestFather(const QSharedPointer<MetaLPO>& mobile) const {
-  const unsigned int id = mobile->computeBestFather();
-  if (id == none) {
+  mobile->computeBestFather();
+  if (mobile->getBestFatherId() == noId) {
     return;
   }
-  if (const auto father = node(static_cast<int>(id))) {
+  if (const auto father = node(mobile->getBestFatherId())) {
     father->setBestSon(mobile);
   }
 }
@@ -249,7 +248,7 @@ void GroupTracker::preferPredecessor(const kelDataActor& actor,
   if (objects.size() < 2) {
     return;
   }
-  const int id = static_cast<int>((*std::next(objects.rbegin()))->getIdent());
+  const int id = signedId((*std::next(objects.rbegin()))->getIdent());
   const auto predecessor = node(id);
   if (!predecessor) {
     return;

@@ -1,5 +1,5 @@
 #include "tracker/diagnostics/Diagnostics.h"
-#include "tracker/geometry/Util.h"
+#include "tracker/geometry/Frames.h"
 #include "tracker/tracking/GroupTracker.h"
 #include "tracker/tracking/MobileTypes.h"
 
@@ -20,7 +20,7 @@ constexpr int splitGenerations = 5;        // how far back an ancestor in anothe
 /// A free mobile that looks for a group, and the group that it asked last, to no avail.
 struct GroupTracker::Seeker {
   QSharedPointer<MetaLPO> mobile;
-  unsigned int refusedBy = none;
+  int refusedBy = noId;
 };
 
 /// The best of those that may join a group in a pass.
@@ -29,20 +29,20 @@ struct GroupTracker::Candidate {
   QSharedPointer<MetaLPO> mobile;
 };
 
-void GroupTracker::forgetRefusals(std::deque<Seeker>& seekers, unsigned int groupId) {
+void GroupTracker::forgetRefusals(std::deque<Seeker>& seekers, int groupId) {
   for (Seeker& seeker : seekers) {
     if (seeker.refusedBy == groupId) {
-      seeker.refusedBy = none;
+      seeker.refusedBy = noId;
     }
   }
 }
 
 void GroupTracker::updateGroups() {
-  if (static_cast<int>(processedFrame()) < 1) {
+  if (processedFrame() < earliestFrame) {
     return;
   }
   std::deque<Seeker> seekers;
-  for (const auto& mobile : mobilesAt(processedFrame())) {
+  for (const auto& mobile : processedMobiles()) {
     if (!mobile->getType().isNoise()) {
       seekers.push_back({mobile});
     }
@@ -53,16 +53,15 @@ void GroupTracker::updateGroups() {
 }
 
 bool GroupTracker::updateGroupsOnce(std::deque<Seeker>& seekers) {
-  std::erase_if(seekers,
-                [this](const Seeker& seeker) { return groupIdOf(*seeker.mobile) != none; });
-  std::map<unsigned int, Candidate> candidates;
+  std::erase_if(seekers, [this](const Seeker& seeker) { return homeOf(*seeker.mobile) != noId; });
+  std::map<int, Candidate> candidates;
   for (Seeker& seeker : seekers) {
     ask(seeker, candidates);
   }
   bool added = false;
   for (const auto& [home, candidate] : candidates) {
     if (candidate.mobile) {
-      addMobileToGroup(static_cast<int>(home), candidate.mobile);
+      addMobileToGroup(home, candidate.mobile);
       added = true;
       forgetRefusals(seekers, home);
     }
@@ -71,11 +70,11 @@ bool GroupTracker::updateGroupsOnce(std::deque<Seeker>& seekers) {
 }
 
 // A group that refused a mobile is not asked again before it has taken somebody in.
-void GroupTracker::ask(Seeker& seeker, std::map<unsigned int, Candidate>& candidates) const {
+void GroupTracker::ask(Seeker& seeker, std::map<int, Candidate>& candidates) const {
   const auto& mobile = seeker.mobile;
-  const unsigned int home = probableGroup(mobile);
-  const auto target = group(home);
-  if (home == none || !target || home == seeker.refusedBy) {
+  const int home = likelyHome(mobile);
+  const auto target = m_groups.value(home);
+  if (home == noId || !target || home == seeker.refusedBy) {
     return;
   }
   seeker.refusedBy = home;
@@ -102,19 +101,19 @@ void GroupTracker::detectMerge() {
   // No best son is a key like any other: mobiles that all end here count as meeting. Only mobiles
   // with a group can bring groups together.
   std::map<unsigned int, std::vector<const MetaLPO*>> fathersBySon;
-  const auto first = m_mobilesByFrame.lower_bound(
-      static_cast<unsigned int>(std::max(static_cast<int>(processedFrame()), 0)));
+  const auto first =
+      m_mobilesByFrame.lower_bound(static_cast<unsigned int>(std::max(processedFrame(), 0)));
   for (auto entry = first; entry != m_mobilesByFrame.end(); ++entry) {
     for (const auto& mobile : entry->second) {
-      if (mobile->getGroupId() != MetaLPO::noId && mobile->isRemembered()) {
-        fathersBySon[static_cast<unsigned int>(mobile->getBestSonId())].push_back(mobile.data());
+      if (mobile->getGroupId() != noId && mobile->isRemembered()) {
+        fathersBySon[unsignedId(mobile->getBestSonId())].push_back(mobile.data());
       }
     }
   }
   for (const auto& [son, fathers] : fathersBySon) {
-    std::set<unsigned int> ids;
+    std::set<int> ids;
     for (const MetaLPO* father : fathers) {
-      ids.insert(static_cast<unsigned int>(father->getGroupId()));
+      ids.insert(father->getGroupId());
     }
     if (ids.size() > 1) {
       mergeGroups(ids);
@@ -122,12 +121,12 @@ void GroupTracker::detectMerge() {
   }
 }
 
-void GroupTracker::mergeGroups(const std::set<unsigned int>& ids) {
+void GroupTracker::mergeGroups(const std::set<int>& ids) {
   int oldest = std::numeric_limits<int>::max();
   QSharedPointer<Group> target;
-  for (const unsigned int id : ids) {
-    Diagnostics::print("{} ", static_cast<int>(id));
-    const auto candidate = group(id);
+  for (const int id : ids) {
+    Diagnostics::print("{} ", id);
+    const auto candidate = m_groups.value(id);
     if (candidate && candidate->getStartFrame() < oldest) {
       oldest = candidate->getStartFrame();
       target = candidate;
@@ -137,23 +136,22 @@ void GroupTracker::mergeGroups(const std::set<unsigned int>& ids) {
     return;
   }
   moveToGroup(ids, target->getId());
-  for (const unsigned int id : ids) {
-    const auto absorbed = group(id);
+  for (const int id : ids) {
+    const auto absorbed = m_groups.value(id);
     if (!absorbed || absorbed == target) {
       continue;
     }
     target->doMerge(absorbed);
-    m_groups.remove(static_cast<int>(id));
-    target->addMerge(static_cast<int>(id), static_cast<int>(processedFrame()));
+    m_groups.remove(id);
+    target->addMerge(id, processedFrame());
   }
 }
 
 // The mobiles of a group are its members. Only where an id was declared again, or old members left
 // while no frame was taken in, may a remembered mobile carry the id of a group that it is not in.
-void GroupTracker::moveToGroup(const std::set<unsigned int>& from, int to) {
+void GroupTracker::moveToGroup(const std::set<int>& from, int to) {
   const auto move = [&](MetaLPO& mobile) {
-    if (mobile.getGroupId() != MetaLPO::noId &&
-        from.contains(static_cast<unsigned int>(mobile.getGroupId()))) {
+    if (mobile.getGroupId() != noId && from.contains(mobile.getGroupId())) {
       mobile.setGroupId(to);
     }
   };
@@ -163,8 +161,8 @@ void GroupTracker::moveToGroup(const std::set<unsigned int>& from, int to) {
     }
     return;
   }
-  for (const unsigned int id : from) {
-    if (const auto left = group(id)) {
+  for (const int id : from) {
+    if (const auto left = m_groups.value(id)) {
       for (const auto& [ident, mobile] : left->getMobiles()) {
         move(*mobile);
       }
@@ -180,13 +178,13 @@ int GroupTracker::splitFrom(const MetaLPO& member, int groupId) const {
     ancestor = &member;  // the start of a history stands for its own ancestor
   }
   for (int generation = 1; ancestor != nullptr && generation <= splitGenerations; ++generation) {
-    const int home = static_cast<int>(groupIdOf(*ancestor));
-    if (home != MetaLPO::noId && home != groupId) {
+    const int home = homeOf(*ancestor);
+    if (home != noId && home != groupId) {
       return home;
     }
     ancestor = ancestor->ancestorNode();
   }
-  return MetaLPO::noId;
+  return noId;
 }
 
 void GroupTracker::detectSplit() {
@@ -196,14 +194,14 @@ void GroupTracker::detectSplit() {
     for (const auto& frame : group->frames()) {
       for (const MetaLPO* member : frame.members()) {
         const int other = splitFrom(*member, group->getId());
-        if (other != MetaLPO::noId) {
+        if (other != noId) {
           otherByMember.emplace(member->getIdent(), other);
         }
       }
     }
     for (const auto& [id, other] : otherByMember) {
       Diagnostics::write("Split between ", other, " and ", group->getId(), "\n");
-      group->addSplit(other, static_cast<int>(m_currentFrame));
+      group->addSplit(other, currentFrame());
     }
   }
 }
@@ -223,18 +221,19 @@ std::map<int, QSharedPointer<MetaLPO>> GroupTracker::rememberedAt(unsigned int f
 
 void GroupTracker::closeFrame() {
   std::list<int> emptied;
-  const auto nodes = rememberedAt(processedFrame());
+  const auto processed = static_cast<unsigned int>(processedFrame());
+  const auto nodes = rememberedAt(processed);
   for (const auto& closing : std::as_const(m_groups)) {
     closing->updateProperties(m_currentFrame);
-    if (!closing->isUpdated() && closing->getEndFrame() == -1) {
-      closing->setEndFrame(static_cast<int>(processedFrame()) - 1);
+    if (!closing->isUpdated() && closing->getEndFrame() == noFrame) {
+      closing->setEndFrame(processedFrame() - 1);
     }
-    closing->closeFrame(processedFrame(), nodes, m_currentImage);
+    closing->closeFrame(processed, nodes, m_currentImage);
     if (closing->getMobiles().empty()) {
       emptied.push_back(closing->getId());
     }
   }
   for (const int id : emptied) {
-    removeGroup(static_cast<unsigned int>(id));
+    removeGroup(unsignedId(id));
   }
 }

@@ -28,7 +28,7 @@ void sortFew(Elements& elements, const Less& less) {
 }  // namespace
 
 MetaLPO::MetaLPO(const QSharedPointer<kelDataLinkedPhysicalObject>& lpo, unsigned int frame)
-    : m_ident(static_cast<int>(lpo->getIdent())),
+    : m_ident(signedId(lpo->getIdent())),
       m_frame(frame),
       m_center(Util::getCenter3D(lpo->getPhysicalObject()->getBoundingBox3D())),
       m_baseCenter(Util::baseCenter3D(lpo->getPhysicalObject()->getBoundingBox3D())),
@@ -111,7 +111,7 @@ MetaLPO::Links MetaLPO::linksByRecentFather() const {
 
 unsigned int MetaLPO::computeBestFather() {
   if (m_bestFatherId != noId) {
-    return static_cast<unsigned int>(m_bestFatherId);
+    return unsignedId(m_bestFatherId);
   }
   const MetaLPOLink* winner = nullptr;
   double bestReliability = -1.0;
@@ -128,7 +128,7 @@ unsigned int MetaLPO::computeBestFather() {
   if (winner != nullptr) {
     overrideBestFather(winner->getFather(), bestReliability);
   }
-  return static_cast<unsigned int>(m_bestFatherId);
+  return unsignedId(m_bestFatherId);
 }
 
 QSharedPointer<MetaLPO> MetaLPO::getBestFather() const {
@@ -155,7 +155,7 @@ void MetaLPO::overrideBestFather(const QSharedPointer<MetaLPO>& father, double r
 
 QSharedPointer<MetaLPO> MetaLPO::getFather(unsigned int id) const {
   for (const auto& link : m_fatherLinks) {
-    if (auto father = link.getFather(); father && father->m_ident == static_cast<int>(id)) {
+    if (auto father = link.getFather(); father && father->m_ident == signedId(id)) {
       return father;
     }
   }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tracker/geometry/ObjectType.h"
+#include "tracker/tracking/Ids.h"
 #include "tracker/tracking/MetaLPOLink.h"
 #include "tracker/tracking/MotionChanges.h"
 #include "tracker/tracking/WeakNode.h"
@@ -23,8 +24,6 @@
 /// step between a node and its best father, directions in metres.
 class MetaLPO {
  public:
-  static constexpr int noId = -1;  ///< no group, father or son; 0xFFFFFFFF as an unsigned id
-
   static double recentLinkWeight;  ///< share of the most recent link in `fatherScore`
 
   /// One earlier mobile of the upstream tracker's own chain and how sure its chain is up to there.

@@ -5,6 +5,6 @@
 MetaLPOLink::MetaLPOLink(const QSharedPointer<MetaLPO>& father, const QSharedPointer<MetaLPO>& son,
                          double reliability)
     : m_father(father),
-      m_fatherId(father ? father->getIdent() : MetaLPO::noId),
+      m_fatherId(father ? father->getIdent() : noId),
       m_son(son),
       m_reliability(reliability) {}

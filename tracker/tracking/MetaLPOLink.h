@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tracker/tracking/Ids.h"
 #include "tracker/tracking/WeakNode.h"
 
 #include <QSharedPointer>
@@ -31,7 +32,7 @@ class MetaLPOLink {
 
  private:
   WeakNode m_father;
-  int m_fatherId = -1;  ///< looked for without touching the father
+  int m_fatherId = noId;  ///< looked for without touching the father
   WeakNode m_son;
   double m_reliability = 0.0;
 };

@@ -17,7 +17,7 @@ double MetaLPO::computeSpeed() {
     m_speedSamples = 0;
     return m_speed;
   }
-  const auto father = getFather(static_cast<unsigned int>(m_bestFatherId));
+  const auto father = getFather(unsignedId(m_bestFatherId));
   if (!father || father->m_speed == notComputed) {
     return computeSpeedRec();
   }

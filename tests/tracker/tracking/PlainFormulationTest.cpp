@@ -182,7 +182,7 @@ TEST_P(FastFormulation, PrintsTheMembersOfTheGroups) {
 TEST_P(FastFormulation, LeavesNobodyInAGroupThatIsGone) {
   overRandomScenes([&](GroupTracker& tracker, unsigned int frame) {
     for (const auto& [id, node] : PlainFormulation::remembered(tracker, frame)) {
-      ASSERT_TRUE(node->getGroupId() == MetaLPO::noId ||
+      ASSERT_TRUE(node->getGroupId() == noId ||
                   tracker.getGroups().contains(node->getGroupId()))
           << id;
     }
@@ -208,7 +208,7 @@ TEST_P(FastFormulation, LetsTheSameMobilesJoinAsAskingEverybodyAnewDoes) {
           PlainFormulation::updateGroups(plain, processed);
         }
         for (const auto& mobile : fast.mobilesAt(processed)) {
-          joined += mobile->getGroupId() != MetaLPO::noId ? 1 : 0;
+          joined += mobile->getGroupId() != noId ? 1 : 0;
         }
         fast.trackGroups();
         Group::currentId = nextId;

@@ -159,6 +159,36 @@ TEST_F(TrackGroups, AGroupEndsIsEmptiedAndRemoved) {
   EXPECT_TRUE(tracker.getGroups().isEmpty());
 }
 
+/// Puts all who are free into one group.
+class Everybody : public Grouping {
+ public:
+  void beforeJoining(GroupTracker& /*tracker*/) override {}
+  void afterJoining(GroupTracker& tracker) override {
+    for (const auto& mobile : tracker.processedMobiles()) {
+      if (tracker.homeOf(*mobile) != noId) {
+        continue;
+      }
+      if (tracker.getGroups().isEmpty()) {
+        tracker.createGroup(mobile);
+      } else {
+        tracker.addMobileToGroup(tracker.getGroups().first()->getId(), mobile);
+      }
+    }
+  }
+};
+
+TEST_F(TrackGroups, AFrameCanBeGroupedInAnyMode) {
+  Util::temporalWinSize = 1;
+  scene.walk(1, 1, 3, {0, 0});
+  scene.walk(2, 1, 3, {0, 50});
+  Everybody mode;
+  for (frame = 1; frame <= 3; ++frame) {
+    tracker.initFrame(scene.actors(frame), {}, frame);
+    tracker.groupFrame(mode);
+  }
+  EXPECT_EQ(line(0), "mobiles: 101 102 201 202 startFrame=1, endFrame=-1, isUpdated=false");
+}
+
 /// A pair walks to the third frame; there mobile 30 stands, labelled as a group, with links that
 /// are too weak for anything but ancestry. The processed frame is the third at the fifth step.
 class GroupMobile : public TrackingTest {
