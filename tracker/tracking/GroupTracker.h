@@ -178,7 +178,6 @@ class GroupTracker {
   void ask(Seeker& seeker, std::map<int, Candidate>& candidates) const;
   void mergeGroups(const std::set<int>& ids);
   void moveToGroup(const std::set<int>& from, int to);
-  int splitFrom(const MetaLPO& member, int groupId) const;
   std::map<int, QSharedPointer<MetaLPO>> rememberedAt(unsigned int frame) const;
 
   SceneScale m_scene{0.0F, 1.0F, 0.0F, 1.0F};

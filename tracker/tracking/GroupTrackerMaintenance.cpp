@@ -170,30 +170,86 @@ void GroupTracker::moveToGroup(const std::set<int>& from, int to) {
   }
 }
 
-// The first other group among the ancestors of a member; none when there is none within the
-// generations.
-int GroupTracker::splitFrom(const MetaLPO& member, int groupId) const {
-  const MetaLPO* ancestor = member.ancestorNode();
-  if (ancestor == nullptr && member.endsHistory()) {
-    ancestor = &member;  // the start of a history stands for its own ancestor
-  }
-  for (int generation = 1; ancestor != nullptr && generation <= splitGenerations; ++generation) {
-    const int home = homeOf(*ancestor);
-    if (home != noId && home != groupId) {
-      return home;
+namespace {
+
+/// Looks among members' ancestors for one that is in another group. Members of one group mostly
+/// descend from each other, so a search ends where that of an ancestor began.
+class SplitSearch {
+ public:
+  explicit SplitSearch(const GroupTracker& tracker) : m_tracker(tracker) {}
+
+  /// The id of the other group; none when there is none within the generations.
+  int find(const MetaLPO& member, int groupId) {
+    Walk walk{groupId, noId, 0};
+    const MetaLPO* ancestor = member.ancestorNode();
+    if (ancestor == nullptr && member.endsHistory()) {
+      walk.settle(otherGroup(member, groupId), 1);  // a start stands for its own ancestor
     }
-    ancestor = ancestor->ancestorNode();
+    for (int generation = 1; ancestor != nullptr && generation <= splitGenerations; ++generation) {
+      walk.settle(otherGroup(*ancestor, groupId), generation);
+      if (walk.found != noId) {
+        break;
+      }
+      const Walk& earlier = walkFrom(*ancestor);
+      if (earlier.askedFor == groupId && ancestor != &member) {
+        if (generation + earlier.generations <= splitGenerations) {
+          walk.settle(earlier.found, generation + earlier.generations);
+        }
+        break;
+      }
+      ancestor = ancestor->ancestorNode();
+    }
+    walkFrom(member) = walk;
+    return walk.found;
   }
-  return noId;
-}
+
+ private:
+  /// What was found from a node on.
+  struct Walk {
+    int askedFor = noId;  ///< the group whose members search
+    int found = noId;     ///< the other group
+    int generations = 0;  ///< how far back it was
+
+    void settle(int other, int generation) {
+      found = other;
+      generations = other == noId ? 0 : generation;
+    }
+  };
+
+  int otherGroup(const MetaLPO& ancestor, int groupId) const {
+    const int home = m_tracker.homeOf(ancestor);
+    return home == groupId ? noId : home;
+  }
+
+  Walk& walkFrom(const MetaLPO& node) {
+    const std::size_t number = node.getIntakeNumber();
+    if (m_walks.empty()) {
+      m_first = number;
+    }
+    for (; number < m_first; --m_first) {
+      m_walks.emplace_front();
+    }
+    if (number - m_first >= m_walks.size()) {
+      m_walks.resize(number - m_first + 1);
+    }
+    return m_walks[number - m_first];
+  }
+
+  const GroupTracker& m_tracker;
+  std::size_t m_first = 0;   ///< the number of intake of the first node below
+  std::deque<Walk> m_walks;  ///< by number of intake
+};
+
+}  // namespace
 
 void GroupTracker::detectSplit() {
+  SplitSearch search(*this);
   for (const auto& group : std::as_const(m_groups)) {
-    // Frame by frame, as ancestors lie together; told in the order of the ids.
+    // From the oldest frame on, so that most searches end at once; told in the order of the ids.
     std::map<int, int> otherByMember;
     for (const auto& frame : group->frames()) {
       for (const MetaLPO* member : frame.members()) {
-        const int other = splitFrom(*member, group->getId());
+        const int other = search.find(*member, group->getId());
         if (other != noId) {
           otherByMember.emplace(member->getIdent(), other);
         }

@@ -179,9 +179,9 @@ class MetaLPO {
   cv::Point3f m_center;
   cv::Point3f m_baseCenter;
   ObjectType m_type;
+  QSharedPointer<MotionChanges> m_motions;
   QSharedPointer<kelDataLinkedPhysicalObject> m_lpo;
   double m_chainLength = 0.0;
   std::vector<ChainEntry> m_chain;        ///< from the most recent predecessor back
   std::vector<unsigned int> m_sonFrames;  ///< of the nodes that elected this one
-  QSharedPointer<MotionChanges> m_motions;
 };

@@ -5,6 +5,12 @@
 #include <algorithm>
 #include <limits>
 
+namespace {
+
+constexpr std::size_t ahead = 8;  // nodes that are fetched while the ones before are looked at
+
+}  // namespace
+
 void MobileDump::write(unsigned int frame, const RememberedNodes& mobiles) {
   if (m_file.empty()) {
     return;
@@ -13,7 +19,13 @@ void MobileDump::write(unsigned int frame, const RememberedNodes& mobiles) {
   const std::string title = fmt::format("------------ Mobiles with Groups at frame {}\n", frame);
   m_pieces.add(title);
   std::size_t oldest = std::numeric_limits<std::size_t>::max();
-  for (const auto& [id, node] : mobiles.inOrder()) {
+  const auto& nodes = mobiles.inOrder();
+  for (std::size_t i = 0; i < nodes.size(); ++i) {
+    if (i + ahead < nodes.size()) {
+      __builtin_prefetch(nodes[i + ahead].node);
+      __builtin_prefetch(&nodes[i + ahead].node->getFatherLinks());
+    }
+    const MetaLPO* const node = nodes[i].node;
     const Texts& texts = textsOf(*node);
     m_pieces.add(texts.head);
     m_pieces.add(texts.links);
