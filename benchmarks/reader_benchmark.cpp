@@ -8,9 +8,10 @@
 #include "host/input/MotReader.h"
 #include "host/input/ObsmatReader.h"
 #include "host/input/SceneReader.h"
-#include "host/output/GroupsWriter.h"
+#include "host/output/RunFile.h"
 #include "host/people/TrackAssembler.h"
-#include "host/run/FrameReporter.h"
+#include "host/run/TrackerRun.h"
+#include "tests/support/host/FakeProcess.h"
 
 #include <benchmark/benchmark.h>
 #include <fmt/format.h>
@@ -136,12 +137,13 @@ void writeGroups(benchmark::State& state) {
   SteadyScene steady({people});
   InputFrame frame;
   frame.actors = steady.next();
-  const auto groups = groupsOf(frame.actors);
-  FrameReporter reporter(0);
-  GroupsWriter writer("/dev/null");
+  auto process = std::make_unique<FakeProcess>();
+  process->groups = groupsOf(frame.actors);
+  TrackerRun run(std::move(process));
+  run.configure({});
+  RunFileWriter writer("/dev/null");
   for ([[maybe_unused]] auto unused : state) {
-    reporter.note(frame);
-    writer.write(reporter.report(groups));
+    writer.write(run.advance(frame));
   }
   state.SetItemsProcessed(state.iterations());
 }

@@ -14,7 +14,7 @@
 #include "host/commands/SimulateCommand.h"
 #include "host/commands/TuneCommand.h"
 #include "host/pictures/window/RunBesideWindow.h"
-#include "host/run/ProcessRunner.h"
+#include "host/run/TrackerRun.h"
 
 #include <QCoreApplication>
 #include <fmt/format.h>

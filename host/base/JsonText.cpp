@@ -2,8 +2,10 @@
 
 #include "host/base/JsonLine.h"
 
+#include <QString>
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 #include <iterator>
 
@@ -13,15 +15,16 @@ void json_line::appendArguments(Line& line, fmt::string_view text, fmt::format_a
   fmt::vformat_to(std::back_inserter(line), text, arguments);
 }
 
-std::string jsonText(std::string_view text) {
-  // Through QString, so that damaged UTF-8 cannot leave the file unreadable.
-  return jsonText(QString::fromUtf8(text.data(), static_cast<int>(text.size())));
+namespace {
+
+bool isAscii(char c) {
+  return static_cast<unsigned char>(c) < 0x80;
 }
 
-std::string jsonText(const QString& text) {
+std::string inQuotes(std::string_view text) {
   constexpr unsigned char firstPrintable = 0x20;
   std::string quoted = "\"";
-  for (const char c : text.toUtf8()) {
+  for (const char c : text) {
     if (c == '"' || c == '\\') {
       quoted += '\\';
       quoted += c;
@@ -34,28 +37,16 @@ std::string jsonText(const QString& text) {
   return quoted + '"';
 }
 
-std::string jsonText(const QVariant& value) {
-  switch (static_cast<QMetaType::Type>(value.type())) {
-    case QMetaType::Bool:
-      return value.toBool() ? "true" : "false";
-    case QMetaType::QString:
-      return jsonText(value.toString());
-    case QMetaType::Int:
-    case QMetaType::Long:
-    case QMetaType::LongLong:
-    case QMetaType::Short:
-      return std::to_string(value.toLongLong());
-    case QMetaType::UInt:
-    case QMetaType::ULong:
-    case QMetaType::ULongLong:
-    case QMetaType::UShort:
-      return std::to_string(value.toULongLong());
-    case QMetaType::Float:
-    case QMetaType::Double:
-      return jsonNumber(value.toDouble());
-    default:
-      return "null";
-  }
+/// Through QString, so that damaged UTF-8 cannot leave a file unreadable.
+std::string withoutDamage(std::string_view text) {
+  return QString::fromUtf8(text.data(), static_cast<int>(text.size())).toStdString();
+}
+
+}  // namespace
+
+std::string jsonText(std::string_view text) {
+  const bool isPlain = std::all_of(text.begin(), text.end(), isAscii);
+  return inQuotes(isPlain ? std::string(text) : withoutDamage(text));
 }
 
 std::string jsonNumber(double number) {

@@ -3,7 +3,7 @@
 #include "host/base/FileIdentity.h"
 #include "host/base/OutputFile.h"
 #include "host/evaluation/ErrorList.h"
-#include "host/evaluation/RunRecordReader.h"
+#include "host/evaluation/ScoredSteps.h"
 #include "host/evaluation/TruthReader.h"
 #include "host/input/InputFormats.h"
 
@@ -59,21 +59,21 @@ Options EvaluateCommand::declare(CommandLine& program) {
 
 int EvaluateCommand::run() {
   refuseOverwriting({m_outputFile, m_errorsFile}, {m_groupsFile, m_truthFile});
-  const RunRecord record = readRunRecord(m_groupsFile);
+  const RunSteps run = readScored(m_groupsFile);
   const GroupTruth truth = readTruth(m_truthFile);
-  EvaluationReport report = evaluate(record, truth, m_options);
+  EvaluationReport report = evaluate(run, truth, m_options);
   if (m_baselines) {
     InputOptions options = inputOptions(m_choice);
     options.decodesVideo = false;
     const OpenedInput input = openInput(inputOfBaselines(), options);
-    report.baselines = scoreBaselines(placesOf(*input.frames), truth, m_options.window);
+    report.baselines = scoreBaselines(stepsWithoutGroups(*input.frames), truth, m_options.window);
   }
   fmt::print("{}", tableOf(report));
   if (!m_outputFile.empty()) {
     OutputFile(m_outputFile).writeLines(jsonOf(report));
   }
   if (!m_errorsFile.empty()) {
-    writeErrorList(record, stepsOf(record, truth), m_errorsFile);
+    writeErrorList(run, stepsOf(run, truth), m_errorsFile);
   }
   return finished;
 }

@@ -4,14 +4,15 @@
 #include "host/base/InputFile.h"
 #include "host/base/OutputError.h"
 #include "host/base/SystemProblem.h"
+#include "host/commands/StepOutputs.h"
+#include "host/input/InputFormats.h"
 #include "host/output/EventWriter.h"
-#include "host/output/GroupsReader.h"
-#include "host/output/LineageGraph.h"
-#include "host/run/EventDetector.h"
+#include "host/output/RunReplay.h"
 
 #include <cerrno>
 #include <cstdio>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace grouptracker {
@@ -24,7 +25,7 @@ const char* const example = R"(Example:
 /// Writes event lines to standard output.
 class EventPrinter : public StepSink {
  public:
-  void write(const ReportedStep& step) override {
+  void write(const RunStep& step) override {
     for (const TrackedEvent& event : step.events) {
       std::fputs(toJsonLine(event).c_str(), stdout);
     }
@@ -34,18 +35,24 @@ class EventPrinter : public StepSink {
   }
 };
 
-using Sinks = std::vector<std::unique_ptr<StepSink>>;
-
-void replay(const std::string& path, const Sinks& sinks) {
-  InputFile file(path);
-  GroupsReader reader(file.stream(), path);
-  EventDetector detector;
-  for (ReportedStep step; reader.next(step.groups);) {
-    step.events = detector.next(step.groups);
-    for (const auto& sink : sinks) {
-      sink->write(step);
+/// What was read before an error in the file is written all the same.
+void replay(RunReplay& run, StepOutputs& sinks) {
+  try {
+    for (RunStep step; run.next(step);) {
+      sinks.take(std::move(step));
     }
+  } catch (...) {
+    sinks.finishAfterFailure();
+    throw;
   }
+  sinks.finish();
+}
+
+std::unique_ptr<StepSink> openEvents(const std::string& file) {
+  if (file.empty()) {
+    return std::make_unique<EventPrinter>();
+  }
+  return std::make_unique<EventWriter>(file);
 }
 
 }  // namespace
@@ -56,26 +63,35 @@ Options EventsCommand::declare(CommandLine& program) {
   command.add("GROUPS", m_groupsFile, "the groups file of a run, - for standard input").required();
   command.add("--output", m_outputFile, "the events, JSON Lines, instead of standard output")
       .typeName("FILE");
-  command.add("--graph", m_graphFile, "the family tree of the groups, for Graphviz")
-      .typeName("FILE");
+  command
+      .add("--input", m_choice.input,
+           "what was given to run: the exports then tell where people were")
+      .typeName("INPUT");
+  declareReplayOptions(command, m_steps);
+  declareReading(command, m_choice);
   return command;
 }
 
 int EventsCommand::run() {
-  refuseOverwriting({m_outputFile, m_graphFile}, {m_groupsFile});
-  Sinks sinks;
-  if (m_outputFile.empty()) {
-    sinks.push_back(std::make_unique<EventPrinter>());
-  } else {
-    sinks.push_back(std::make_unique<EventWriter>(m_outputFile));
+  if (m_steps.wantsPictures() && m_choice.input.empty()) {
+    throw InputError(m_groupsFile, "does not tell where people were: --video needs --input");
   }
-  if (!m_graphFile.empty()) {
-    sinks.push_back(std::make_unique<LineageGraph>(m_graphFile));
+  std::vector<std::string> outputs = m_steps.files();
+  outputs.push_back(m_outputFile);
+  refuseOverwriting(outputs, {m_groupsFile, m_choice.input});
+  StepSinks own;
+  own.push_back(openEvents(m_outputFile));
+  StepOutputs sinks(m_steps, std::move(own));
+  InputFile file(m_groupsFile);
+  RunReplay run(file.stream(), m_groupsFile);
+  OpenedInput input;
+  if (!m_choice.input.empty()) {
+    InputOptions options = inputOptions(m_choice);
+    options.decodesVideo = m_steps.wantsPictures();
+    input = openInput(m_choice.input, options);
+    run.takeInputFrom(*input.frames, m_choice.input);
   }
-  replay(m_groupsFile, sinks);
-  for (const auto& sink : sinks) {
-    sink->finish();
-  }
+  replay(run, sinks);
   return finished;
 }
 

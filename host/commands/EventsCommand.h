@@ -1,6 +1,8 @@
 #pragma once
 
 #include "host/commands/Command.h"
+#include "host/commands/InputChoice.h"
+#include "host/commands/StepOptions.h"
 
 #include <string>
 
@@ -16,7 +18,8 @@ class EventsCommand : public Command {
  private:
   std::string m_groupsFile;
   std::string m_outputFile;  ///< standard output when empty
-  std::string m_graphFile;
+  InputChoice m_choice;      ///< of the run's input, which may be left out
+  StepOptions m_steps;
 };
 
 }  // namespace grouptracker

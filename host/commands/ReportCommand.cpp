@@ -3,18 +3,16 @@
 #include "host/base/FileIdentity.h"
 #include "host/base/InputFile.h"
 #include "host/evaluation/GroupTruth.h"
+#include "host/evaluation/ScoredSteps.h"
 #include "host/evaluation/TruthReader.h"
 #include "host/explain/Explainer.h"
 #include "host/input/InputFormats.h"
-#include "host/output/GroupsReader.h"
+#include "host/output/RunReplay.h"
 #include "host/output/WholeFile.h"
 #include "host/report/ReportPage.h"
-#include "host/run/EventDetector.h"
-#include "host/run/PeopleInView.h"
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -29,37 +27,25 @@ const char* const example = R"(Example:
   grouptracker report scene.jsonl groups.jsonl --output report.html)";
 
 /// Whether the visible groups are those of the truth, among everybody in view.
-bool isRight(const GroupsFrame& frame, const GroupTruth& truth) {
-  std::vector<Person> persons(frame.persons.begin(), frame.persons.end());
-  std::sort(persons.begin(), persons.end());
-  std::vector<PersonGroup> found;
-  for (const GroupState& group : frame.groups) {
-    PersonGroup& members = found.emplace_back();
-    for (const GroupMember& member : group.members) {
-      if (group.isVisible && member.person) {
-        members.push_back(*member.person);
-      }
-    }
-  }
-  return joinOverlapping(found) == restrictTo(truth.at(*frame.inputFrame), persons);
+bool isRight(const RunStep& step, const GroupTruth& truth) {
+  return groupingOf(step) == restrictTo(truth.at(*step.inputFrame), personsOf(step));
 }
 
 /// Returns the input's own numbers of the reported frames.
 Explainer::InputFrames readGroups(const std::string& path, const std::string& input,
                                   const std::optional<GroupTruth>& truth, ReportData& data) {
   InputFile file(path);
-  GroupsReader reader(file.stream(), path);
-  EventDetector detector;
+  RunReplay run(file.stream(), path);
   Explainer::InputFrames inputFrames;
-  for (GroupsFrame frame; reader.next(frame);) {
-    if (!data.addGroups(frame, detector.next(frame))) {
-      throw reader.error(fmt::format("frame {} is not in {}", *frame.inputFrame, input));
+  for (RunStep step; run.next(step);) {
+    if (!data.addGroups(step)) {
+      throw run.error(fmt::format("frame {} is not in {}", *step.inputFrame, input));
     }
-    if (frame.inputFrame) {
-      inputFrames[frame.reportedFrame] = *frame.inputFrame;
+    if (step.inputFrame) {
+      inputFrames[step.reportedFrame] = *step.inputFrame;
     }
-    if (truth && frame.inputFrame && !isRight(frame, *truth)) {
-      data.markWrong(*frame.inputFrame);
+    if (truth && step.inputFrame && !isRight(step, *truth)) {
+      data.markWrong(*step.inputFrame);
     }
   }
   return inputFrames;
@@ -115,9 +101,9 @@ int ReportCommand::run() {
   ReportData data;
   ImageStrip images;
   for (InputFrame frame; input.frames->next(frame);) {
-    auto people = peopleInView(frame);
-    data.addFrame(frame.number, people);
-    images.addFrame(frame, std::move(people));
+    auto persons = personsIn(frame);
+    data.addFrame(frame.number, persons);
+    images.addFrame(frame, std::move(persons));
   }
   std::optional<GroupTruth> truth;
   if (!m_truthFile.empty()) {

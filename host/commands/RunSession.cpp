@@ -8,7 +8,7 @@
 #include "host/base/SystemProblem.h"
 #include "host/input/InputFormats.h"
 #include "host/input/SceneContextReader.h"
-#include "host/output/GroupsWriter.h"
+#include "host/output/RunFile.h"
 #include "host/run/PluginLoader.h"
 
 #include <fmt/format.h>
@@ -59,7 +59,7 @@ RunSummary RunSession::run() {
     m_summary.pipeClosed = true;
   }
   m_progress->clear();
-  m_summary.frames = m_process->frame();
+  m_summary.frames = m_tracker->frame();
   m_summary.seconds = m_progress->seconds();
   m_summary.stoppedBy = m_signals.signalName();
   return m_summary;
@@ -89,16 +89,15 @@ void RunSession::openOutputs() {
   std::vector<std::string> outputs = m_options.steps.files();
   outputs.insert(outputs.end(), {m_options.outputFile, diagnostics, dump});
   refuseOverwriting(outputs, inputs);
-  m_sinks.push_back(std::make_unique<GroupsWriter>(m_options.outputFile));
+  StepSinks own;
+  own.push_back(std::make_unique<RunFileWriter>(m_options.outputFile));
   if (!dump.empty()) {
     openForWriting(dump, O_APPEND);  // the process opens it anew and would not say that it cannot
   }
   if (const auto& screen = m_options.steps.pictures.screen) {
     screen->endWhen([this] { return m_signals.stopRequested(); });
   }
-  if (m_options.steps.wantsAnything()) {
-    m_steps = std::make_unique<StepOutputs>(m_options.steps, m_parameters);
-  }
+  m_outputs = std::make_unique<StepOutputs>(m_options.steps, std::move(own));
   if (!diagnostics.empty()) {
     ::dup2(openForWriting(diagnostics, O_TRUNC).get(), STDOUT_FILENO);
   }
@@ -108,39 +107,43 @@ void RunSession::startProcess(std::unique_ptr<kelAbstractProcessGroupTracker> tr
   if (m_parameters.problem) {
     fmt::print(stderr, "{}\n", m_parameters.problem->what());
   }
-  ProcessOptions options;
+  TrackerRunOptions options;
   options.parameterFile = m_options.parameterFile;
+  options.delay = m_parameters.delay;
   options.calibration = m_input.calibration;
   options.sceneContext = m_context;
   options.printsDiagnostics = m_options.diagnostics != noOutput;
   options.dumpsMobiles = m_options.mobileDump != noOutput;
   options.mobileDumpFile = fileOf(m_options.mobileDump);
-  m_process = std::make_unique<ProcessRunner>(std::move(tracker), options);
-  m_reporter = std::make_unique<FrameReporter>(m_parameters.delay);
+  options.keepsImages = m_options.steps.wantsPictures();
+  options.processDrawsOnImages = m_parameters.needsImages;
+  m_tracker = std::make_unique<TrackerRun>(std::move(tracker));
+  m_tracker->configure(options);
 }
 
 void RunSession::runToTheEnd() {
   try {
     runFrames();
-  } catch (const InputInterrupted&) {
-    // The wait for the next frame ended because a stop was asked for.
-  } catch (...) {
-    if (m_steps) {
-      m_steps->finishAfterFailure();
+    for (RunStep& step : m_tracker->finish()) {
+      handOut(std::move(step));
     }
+  } catch (...) {
+    m_outputs->finishAfterFailure();
     throw;
   }
-  if (m_steps) {
-    m_steps->finish();
-  }
+  m_outputs->finish();
 }
 
 void RunSession::runFrames() {
   InputFrame frame;
-  while (!m_signals.stopRequested() && m_input.frames->next(frame)) {
-    runFrame(frame);
-    checkStandardOutput();
-    m_progress->update(m_process->frame());
+  try {
+    while (!m_signals.stopRequested() && m_input.frames->next(frame)) {
+      runFrame(frame);
+      checkStandardOutput();
+      m_progress->update(m_tracker->frame());
+    }
+  } catch (const InputInterrupted&) {
+    // The wait for the next frame ended because a stop was asked for.
   }
 }
 
@@ -149,15 +152,11 @@ void RunSession::runFrame(InputFrame& frame) {
     m_images.load(frame);
   }
   m_summary.mobiles += frame.observed.size();
-  m_reporter->note(frame);
-  if (m_steps) {
-    m_steps->note(frame);
-  }
   errno = 0;
   try {
-    const auto groups = m_process->run(frame);
+    RunStep step = m_tracker->advance(frame);
     m_processErrno = errno;  // should standard output turn out to have failed, the reason is here
-    handOut(m_reporter->report(groups));
+    handOut(std::move(step));
   } catch (const ProcessError& failure) {
     if (!m_options.skipsFailedFrames) {
       throw;
@@ -170,20 +169,20 @@ void RunSession::runFrame(InputFrame& frame) {
   }
 }
 
-void RunSession::handOut(const FrameReport& report) {
-  for (const auto& sink : m_sinks) {
-    sink->write(report);
-  }
-  if (m_steps) {
-    m_steps->write(report);
-  }
-  for (const GroupReport& group : report.groups) {
+// The way of a step from the tracker to the outputs; what makes other steps of it has its place
+// here.
+void RunSession::handOut(RunStep step) {
+  for (const RunGroup& group : step.groups) {
     // Group ids are given in ascending order, so a higher one than ever is a new group.
-    if (group.actor->getIdent() > m_newestGroup) {
-      m_newestGroup = group.actor->getIdent();
+    if (group.id > m_newestGroup) {
+      m_newestGroup = group.id;
       ++m_summary.groups;
     }
   }
+  if (m_options.steps.wantsAnything()) {
+    step.events = m_detector.next(step);
+  }
+  m_outputs->take(std::move(step));
 }
 
 void RunSession::checkStandardOutput() {

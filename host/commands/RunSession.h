@@ -6,16 +6,14 @@
 #include "host/commands/StopSignals.h"
 #include "host/input/InputImages.h"
 #include "host/input/OpenedInput.h"
-#include "host/run/FrameReporter.h"
-#include "host/run/FrameSink.h"
+#include "host/run/EventDetector.h"
 #include "host/run/ParameterFile.h"
-#include "host/run/ProcessRunner.h"
+#include "host/run/TrackerRun.h"
 
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace grouptracker {
 
@@ -47,7 +45,7 @@ class RunSession {
   void runFrames();
   void runToTheEnd();
   void runFrame(InputFrame& frame);
-  void handOut(const FrameReport& report);
+  void handOut(RunStep step);
   void checkStandardOutput();
 
   RunOptions m_options;
@@ -56,10 +54,9 @@ class RunSession {
   QSharedPointer<kelDataContext> m_context;
   OpenedInput m_input;
   ImageLoader m_images;
-  std::vector<std::unique_ptr<FrameSink>> m_sinks;
-  std::unique_ptr<StepOutputs> m_steps;  ///< null when nothing of the kind was asked for
-  std::unique_ptr<ProcessRunner> m_process;
-  std::unique_ptr<FrameReporter> m_reporter;
+  std::unique_ptr<StepOutputs> m_outputs;
+  std::unique_ptr<TrackerRun> m_tracker;
+  EventDetector m_detector;
   std::optional<Progress> m_progress;
   RunSummary m_summary;
   int m_processErrno = 0;           ///< what the last frame left in errno

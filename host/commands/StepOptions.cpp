@@ -1,37 +1,68 @@
 #include "host/commands/StepOptions.h"
 
-#include <algorithm>
+#include "host/output/CsvExport.h"
+#include "host/output/EventWriter.h"
+#include "host/output/LineageGraph.h"
+#include "host/output/MotExport.h"
+#include "host/output/SqliteExport.h"
+
 #include <array>
 
 namespace grouptracker {
 
 namespace {
 
-struct FileOption {
-  const char* name;
-  std::string StepOptions::*file;
+template <typename Sink>
+std::unique_ptr<StepSink> open(const std::string& file) {
+  return std::make_unique<Sink>(file);
+}
+
+/// A form in which the steps can be exported: all that the commands know of it.
+struct Export {
+  const char* option;
   const char* help;
+  std::unique_ptr<StepSink> (*open)(const std::string& file);
 };
 
-const std::array<FileOption, 5> fileOptions{{
-    {"--events", &StepOptions::eventFile, "what happened to the groups, JSON Lines"},
-    {"--graph", &StepOptions::graphFile, "the family tree of the groups, for Graphviz"},
-    {"--mot", &StepOptions::motFile, "the groups as boxes in the columns of the MOTChallenge"},
-    {"--csv", &StepOptions::csvFile, "the members of the groups: frame, group, person, x, y"},
-    {"--sqlite", &StepOptions::databaseFile, "frames, groups, members and events as a database"},
+const char* const eventsOption = "--events";
+
+const std::array<Export, 5> exports{{
+    {eventsOption, "what happened to the groups, JSON Lines", open<EventWriter>},
+    {"--graph", "the family tree of the groups, for Graphviz", open<LineageGraph>},
+    {"--mot", "the groups as boxes in the columns of the MOTChallenge", open<MotExport>},
+    {"--csv", "the members of the groups: frame, group, person, x, y", open<CsvExport>},
+    {"--sqlite", "frames, groups, members and events as a database", open<SqliteExport>},
 }};
 
 const char* const heading = "Results in other forms";
 constexpr double slowest = 0.1;  // pictures per second
 constexpr double fastest = 240.0;
 
+void declareExport(Options& command, const Export& row, StepOptions& options) {
+  command.add(row.option, options.exportFiles[row.option], row.help)
+      .typeName("FILE")
+      .heading(heading);
+}
+
+void declarePictures(Options& command, PictureOptions& pictures) {
+  command
+      .add("--video", pictures.path,
+           "draws every reported frame into a film (.mp4, .mkv, .avi) or a folder of images")
+      .typeName("FILE|FOLDER")
+      .heading(heading);
+  command
+      .addFlag("--top-view", pictures.showsTopView,
+               "draws the ground from above beside the images; without images it stands alone")
+      .heading(heading);
+}
+
 }  // namespace
 
 std::vector<std::string> StepOptions::files() const {
   std::vector<std::string> files;
-  for (const FileOption& option : fileOptions) {
-    if (!(this->*option.file).empty()) {
-      files.push_back(this->*option.file);
+  for (const auto& [option, file] : exportFiles) {
+    if (!file.empty()) {
+      files.push_back(file);
     }
   }
   if (!pictures.path.empty()) {
@@ -40,19 +71,25 @@ std::vector<std::string> StepOptions::files() const {
   return files;
 }
 
-void declareStepOptions(Options& command, StepOptions& options) {
-  for (const FileOption& option : fileOptions) {
-    command.add(option.name, options.*option.file, option.help).typeName("FILE").heading(heading);
+void StepOptions::open(StepSinks& atOnce, StepSinks& beside) const {
+  for (const Export& row : exports) {
+    const auto file = exportFiles.find(row.option);
+    if (file != exportFiles.end() && !file->second.empty()) {
+      // Whoever follows the events of a run wants them as they happen.
+      StepSinks& sinks = row.option == eventsOption ? atOnce : beside;
+      sinks.push_back(row.open(file->second));
+    }
   }
-  command
-      .add("--video", options.pictures.path,
-           "draws every reported frame into a film (.mp4, .mkv, .avi) or a folder of images")
-      .typeName("FILE|FOLDER")
-      .heading(heading);
-  command
-      .addFlag("--top-view", options.pictures.showsTopView,
-               "draws the ground from above beside the images; without images it stands alone")
-      .heading(heading);
+  if (wantsPictures()) {
+    beside.push_back(std::make_unique<PictureWriter>(pictures));
+  }
+}
+
+void declareStepOptions(Options& command, StepOptions& options) {
+  for (const Export& row : exports) {
+    declareExport(command, row, options);
+  }
+  declarePictures(command, options.pictures);
   command
       .addFlag("--show", options.showsWindow,
                "shows the same pictures in a window while running: space pauses, the arrow keys "
@@ -61,6 +98,19 @@ void declareStepOptions(Options& command, StepOptions& options) {
   command
       .add("--video-rate", options.pictures.rate,
            "pictures per second of the film, and at most in the window")
+      .within(slowest, fastest)
+      .showDefault()
+      .heading(heading);
+}
+
+void declareReplayOptions(Options& command, StepOptions& options) {
+  for (const Export& row : exports) {
+    if (row.option != eventsOption) {
+      declareExport(command, row, options);
+    }
+  }
+  declarePictures(command, options.pictures);
+  command.add("--video-rate", options.pictures.rate, "pictures per second of the film")
       .within(slowest, fastest)
       .showDefault()
       .heading(heading);

@@ -1,7 +1,11 @@
 #include "host/evaluation/Baselines.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <iterator>
+#include <map>
+#include <utility>
 
 namespace grouptracker {
 
@@ -13,24 +17,36 @@ double norm(const cv::Point2d& vector) {
   return std::hypot(vector.x, vector.y);
 }
 
-using Steps = std::vector<PlacedStep>::const_iterator;
+/// Where everybody is at one step; of several actors with one id the last counts.
+using Places = std::map<Person, cv::Point2d>;
 
-bool walkTogether(Person a, Person b, Steps first, Steps end) {
-  double distance = 0.0;
-  for (auto step = first; step != end; ++step) {
-    distance += norm(step->places.at(a) - step->places.at(b));
+Places placesOf(const RunStep& step) {
+  Places places;
+  for (const RunPerson& person : step.persons) {
+    if (person.seen) {
+      places[person.id] = person.seen->ground;
+    }
   }
-  const auto last = std::prev(end);
-  const cv::Point2d wayOfA = last->places.at(a) - first->places.at(a);
-  const cv::Point2d wayOfB = last->places.at(b) - first->places.at(b);
-  return distance / static_cast<double>(end - first) < limit && norm(wayOfA - wayOfB) < limit;
+  return places;
 }
 
-Grouping groupByRule(const std::vector<Person>& persons, Steps first, Steps end) {
+bool walkTogether(Person a, Person b, const std::vector<Places>& window) {
+  double distance = 0.0;
+  for (const Places& places : window) {
+    distance += norm(places.at(a) - places.at(b));
+  }
+  const cv::Point2d wayOfA = window.back().at(a) - window.front().at(a);
+  const cv::Point2d wayOfB = window.back().at(b) - window.front().at(b);
+  return distance / static_cast<double>(window.size()) < limit && norm(wayOfA - wayOfB) < limit;
+}
+
+Grouping groupByRule(const std::vector<Person>& persons, const RunSteps& steps) {
+  std::vector<Places> window;
+  std::transform(steps.begin(), steps.end(), std::back_inserter(window), placesOf);
   std::vector<PersonGroup> pairs;
   for (std::size_t i = 0; i < persons.size(); ++i) {
     for (std::size_t j = i + 1; j < persons.size(); ++j) {
-      if (walkTogether(persons[i], persons[j], first, end)) {
+      if (walkTogether(persons[i], persons[j], window)) {
         pairs.push_back({persons[i], persons[j]});
       }
     }
@@ -40,41 +56,28 @@ Grouping groupByRule(const std::vector<Person>& persons, Steps first, Steps end)
 
 }  // namespace
 
-std::vector<PlacedStep> placesOf(FrameSource& input) {
-  std::vector<PlacedStep> steps;
+RunSteps stepsWithoutGroups(FrameSource& input) {
+  RunSteps steps;
   InputFrame frame;
   while (input.next(frame)) {
-    PlacedStep step{frame.number, {}};
-    for (const auto& actor : frame.actors) {
-      if (!actor->getLinkedPhysicalObjectList().empty()) {
-        const auto& current = *actor->getLinkedPhysicalObjectList().back()->getPhysicalObject();
-        const auto& place = current.getPosition();
-        step.places[actor->getIdent()] = cv::Point2d(place.x, place.y);
-      }
-    }
-    steps.push_back(std::move(step));
+    RunStep& step = steps.emplace_back();
+    step.inputFrame = frame.number;
+    step.persons = personsIn(frame);
+    std::erase_if(step.persons, [](const RunPerson& person) { return !person.seen; });
   }
   return steps;
 }
 
-Baselines scoreBaselines(const std::vector<PlacedStep>& steps, const GroupTruth& truth,
+Baselines scoreBaselines(const RunSteps& steps, const GroupTruth& truth,
                          const WindowOptions& options) {
-  RunRecord nobody;  // a run that finds nothing: its windows have the right persons
-  for (const PlacedStep& step : steps) {
-    FoundStep& seen = nobody.emplace_back();
-    seen.frame = step.frame;
-    for (const auto& [person, place] : step.places) {
-      seen.persons.push_back(person);
-    }
-  }
   std::vector<PartitionPair> windows;
   std::vector<PartitionPair> byRule;
   const auto length = static_cast<std::ptrdiff_t>(options.length);
   for (std::ptrdiff_t i = 0; i + length <= std::ssize(steps); i += length) {
-    const RunRecord part(nobody.begin() + i, nobody.begin() + i + length);
+    const RunSteps part(steps.begin() + i, steps.begin() + i + length);
     for (PartitionPair& window : windowsOf(part, truth, options)) {
       windows.push_back(window);
-      window.found = groupByRule(window.persons, steps.begin() + i, steps.begin() + i + length);
+      window.found = groupByRule(window.persons, part);
       byRule.push_back(std::move(window));
     }
   }

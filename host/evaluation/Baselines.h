@@ -4,23 +4,12 @@
 #include "host/evaluation/PartitionScores.h"
 #include "host/evaluation/WindowScores.h"
 #include "host/people/InputFrame.h"
-
-#include <opencv2/core/types.hpp>
-
-#include <cstdint>
-#include <map>
-#include <vector>
+#include "host/run/RunStep.h"
 
 namespace grouptracker {
 
-/// Where everybody was at one time step of an input.
-struct PlacedStep {
-  std::int64_t frame = 0;
-  std::map<Person, cv::Point2d> places;  ///< on the ground, metres
-};
-
-/// All time steps of an input.
-std::vector<PlacedStep> placesOf(FrameSource& input);
+/// An input as the steps of a run that finds no groups: everybody who has a place, at every frame.
+RunSteps stepsWithoutGroups(FrameSource& input);
 
 /// Windowed scores of what needs no tracker, so that nobody is fooled by a score.
 struct Baselines {
@@ -30,7 +19,7 @@ struct Baselines {
   PrecisionRecall crudeRule;
 };
 
-Baselines scoreBaselines(const std::vector<PlacedStep>& steps, const GroupTruth& truth,
+Baselines scoreBaselines(const RunSteps& steps, const GroupTruth& truth,
                          const WindowOptions& options);
 
 }  // namespace grouptracker

@@ -6,7 +6,7 @@
 
 namespace grouptracker {
 
-EvaluationReport evaluate(const RunRecord& run, const GroupTruth& truth,
+EvaluationReport evaluate(const RunSteps& run, const GroupTruth& truth,
                           const EvaluationOptions& options) {
   EvaluationReport report;
   const auto windows = windowsOf(run, truth, options.window);

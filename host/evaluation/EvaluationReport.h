@@ -29,7 +29,7 @@ struct EvaluationReport {
   std::optional<Baselines> baselines;
 };
 
-EvaluationReport evaluate(const RunRecord& run, const GroupTruth& truth,
+EvaluationReport evaluate(const RunSteps& run, const GroupTruth& truth,
                           const EvaluationOptions& options);
 
 /// A table for people, ending with a line end.

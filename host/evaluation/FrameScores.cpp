@@ -1,13 +1,17 @@
 #include "host/evaluation/FrameScores.h"
 
+#include "host/evaluation/ScoredSteps.h"
+
 namespace grouptracker {
 
-std::vector<PartitionPair> stepsOf(const RunRecord& run, const GroupTruth& truth) {
+std::vector<PartitionPair> stepsOf(const RunSteps& run, const GroupTruth& truth) {
   std::vector<PartitionPair> steps;
   steps.reserve(run.size());
-  for (const FoundStep& step : run) {
-    steps.push_back({step.persons, restrictTo(truth.at(step.frame), step.persons),
-                     restrictTo(step.grouping(), step.persons)});
+  for (const RunStep& step : run) {
+    PartitionPair& pair = steps.emplace_back();
+    pair.persons = personsOf(step);
+    pair.truth = restrictTo(truth.at(*step.inputFrame), pair.persons);
+    pair.found = restrictTo(groupingOf(step), pair.persons);
   }
   return steps;
 }

@@ -1,9 +1,12 @@
 #include "host/evaluation/TimeScores.h"
 
+#include "host/evaluation/ScoredSteps.h"
+
 #include <algorithm>
 #include <map>
 #include <optional>
 #include <set>
+#include <utility>
 
 namespace grouptracker {
 
@@ -33,15 +36,27 @@ class TrueIdentities {
   std::map<std::uint32_t, std::size_t> m_byId;
 };
 
-const FoundGroup* correspondingTo(const PersonGroup& truth, const FoundStep& step) {
-  const FoundGroup* best = nullptr;
+/// The persons of the found groups of two and more, by the groups' ids.
+using FoundGroups = std::map<std::uint32_t, PersonGroup>;
+
+FoundGroups groupsFoundAt(const RunStep& step) {
+  FoundGroups found;
+  for (const RunGroup& group : step.groups) {
+    PersonGroup persons = personsOf(group);
+    if (persons.size() > 1) {
+      found.emplace(group.id, std::move(persons));
+    }
+  }
+  return found;
+}
+
+std::optional<std::uint32_t> correspondingTo(const PersonGroup& truth, const FoundGroups& found) {
+  std::optional<std::uint32_t> best;
   double bestOverlap = 0.0;
-  for (const FoundGroup& group : step.groups) {
-    const double common = overlap(truth, group.persons);
-    const bool isBetter =
-        common > bestOverlap || (best && common == bestOverlap && group.id < best->id);
-    if (group.persons.size() > 1 && reaches(common, correspondence) && isBetter) {
-      best = &group;
+  for (const auto& [id, persons] : found) {
+    const double common = overlap(truth, persons);
+    if (reaches(common, correspondence) && common > bestOverlap) {
+      best = id;
       bestOverlap = common;
     }
   }
@@ -50,32 +65,32 @@ const FoundGroup* correspondingTo(const PersonGroup& truth, const FoundStep& ste
 
 }  // namespace
 
-TimeScores scoreTime(const RunRecord& run, const GroupTruth& truth) {
+TimeScores scoreTime(const RunSteps& run, const GroupTruth& truth) {
   TimeScores scores;
   TrueIdentities identities;
   std::map<std::size_t, Following> trueGroups;  // by identity
   std::set<std::uint32_t> found;
   std::set<std::uint32_t> corresponding;
   for (std::size_t i = 0; i < run.size(); ++i) {
-    const FoundStep& step = run[i];
-    for (const FoundGroup& group : step.groups) {
-      if (group.persons.size() > 1) {
-        found.insert(group.id);
-      }
+    const FoundGroups now = groupsFoundAt(run[i]);
+    for (const auto& [id, persons] : now) {
+      found.insert(id);
     }
-    const Grouping& groups = truth.at(step.frame);
+    const auto inView = personsOf(run[i]);
+    const std::int64_t frame = *run[i].inputFrame;
+    const Grouping& groups = truth.at(frame);
     for (std::size_t place = 0; place < groups.size(); ++place) {
-      const Grouping present = restrictTo({groups[place]}, step.persons);
+      const Grouping present = restrictTo({groups[place]}, inView);
       if (present.empty()) {
         continue;
       }
-      const auto identity = identities.of(groups[place], truth.idsAt(step.frame), place);
+      const auto identity = identities.of(groups[place], truth.idsAt(frame), place);
       Following& following = trueGroups.try_emplace(identity, Following{i, {}, 0}).first->second;
-      if (const FoundGroup* const now = correspondingTo(present.front(), step)) {
-        corresponding.insert(now->id);
-        scores.identityChanges += following.firstFound && now->id != following.lastId ? 1 : 0;
+      if (const auto id = correspondingTo(present.front(), now)) {
+        corresponding.insert(*id);
+        scores.identityChanges += following.firstFound && *id != following.lastId ? 1 : 0;
         following.firstFound = following.firstFound ? following.firstFound : i;
-        following.lastId = now->id;
+        following.lastId = *id;
       }
     }
   }
@@ -130,16 +145,17 @@ void addJoined(const TrueStep& before, const TrueStep& now, std::size_t step,
 }
 
 /// The steps at which a found group's record of an event appears or changes.
-std::vector<Event> recorded(const RunRecord& run, int FoundGroup::*other) {
+std::vector<Event> recorded(const RunSteps& run, std::optional<std::int64_t> RunGroup::*other) {
   std::vector<Event> events;
-  std::map<std::uint32_t, int> last;
+  std::map<std::uint32_t, std::int64_t> last;
   for (std::size_t i = 0; i < run.size(); ++i) {
-    for (const FoundGroup& group : run[i].groups) {
-      int& before = last.try_emplace(group.id, -1).first->second;
-      if (group.*other != -1 && group.*other != before) {
-        events.push_back({i, group.persons});
+    for (const RunGroup& group : run[i].groups) {
+      std::int64_t& before = last.try_emplace(group.id, -1).first->second;
+      const std::int64_t now = (group.*other).value_or(-1);
+      if (now != -1 && now != before) {
+        events.push_back({i, personsOf(group)});
       }
-      before = group.*other == -1 ? before : group.*other;
+      before = now == -1 ? before : now;
     }
   }
   return events;
@@ -165,17 +181,17 @@ Counts matchEvents(const std::vector<Event>& truth, const std::vector<Event>& fo
 
 }  // namespace
 
-EventScores scoreEvents(const RunRecord& run, const GroupTruth& truth, std::size_t tolerance) {
+EventScores scoreEvents(const RunSteps& run, const GroupTruth& truth, std::size_t tolerance) {
   std::vector<Event> merges;
   std::vector<Event> splits;
   for (std::size_t i = 1; i < run.size(); ++i) {
-    const TrueStep before{truth.at(run[i - 1].frame), truth.idsAt(run[i - 1].frame)};
-    const TrueStep now{truth.at(run[i].frame), truth.idsAt(run[i].frame)};
+    const TrueStep before{truth.at(*run[i - 1].inputFrame), truth.idsAt(*run[i - 1].inputFrame)};
+    const TrueStep now{truth.at(*run[i].inputFrame), truth.idsAt(*run[i].inputFrame)};
     addJoined(before, now, i, merges);
     addJoined(now, before, i, splits);
   }
-  return {matchEvents(merges, recorded(run, &FoundGroup::merge), tolerance),
-          matchEvents(splits, recorded(run, &FoundGroup::split), tolerance)};
+  return {matchEvents(merges, recorded(run, &RunGroup::merge), tolerance),
+          matchEvents(splits, recorded(run, &RunGroup::split), tolerance)};
 }
 
 }  // namespace grouptracker

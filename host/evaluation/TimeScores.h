@@ -2,7 +2,7 @@
 
 #include "host/evaluation/GroupTruth.h"
 #include "host/evaluation/PartitionScores.h"
-#include "host/evaluation/RunRecord.h"
+#include "host/run/RunStep.h"
 
 #include <cstddef>
 
@@ -22,7 +22,7 @@ struct TimeScores {
   int falseGroups = 0;      ///< of these, never corresponding to a true one
 };
 
-TimeScores scoreTime(const RunRecord& run, const GroupTruth& truth);
+TimeScores scoreTime(const RunSteps& run, const GroupTruth& truth);
 
 /// Merges and splits that were found within a tolerance of a true one of somebody in common.
 struct EventScores {
@@ -34,6 +34,6 @@ struct EventScores {
 /// other way round. Where the truth has ids, one of the several must end (begin) there, so that a
 /// person who changes groups is neither. Only a truth per frame has such events. `tolerance` is in
 /// time steps.
-EventScores scoreEvents(const RunRecord& run, const GroupTruth& truth, std::size_t tolerance);
+EventScores scoreEvents(const RunSteps& run, const GroupTruth& truth, std::size_t tolerance);
 
 }  // namespace grouptracker

@@ -1,5 +1,6 @@
 #include "host/evaluation/WindowScores.h"
 
+#include "host/evaluation/ScoredSteps.h"
 #include "host/evaluation/Togetherness.h"
 
 #include <algorithm>
@@ -17,16 +18,17 @@ std::vector<Person> commonPersons(const std::vector<Person>& a, const std::vecto
   return common;
 }
 
-PartitionPair windowFrom(RunRecord::const_iterator first, RunRecord::const_iterator end,
+PartitionPair windowFrom(RunSteps::const_iterator first, RunSteps::const_iterator end,
                          const GroupTruth& truth, std::size_t minimum) {
   PartitionPair window;
-  window.persons = first->persons;
+  window.persons = personsOf(*first);
   Togetherness together;
   std::vector<std::int64_t> frames;
   for (auto step = first; step != end; ++step) {
-    window.persons = commonPersons(window.persons, step->persons);
-    together.add(step->grouping(), step->persons);
-    frames.push_back(step->frame);
+    const auto persons = personsOf(*step);
+    window.persons = commonPersons(window.persons, persons);
+    together.add(groupingOf(*step), persons);
+    frames.push_back(*step->inputFrame);
   }
   window.truth = restrictTo(truth.over(frames), window.persons);
   window.found = together.among(window.persons, minimum);
@@ -35,7 +37,7 @@ PartitionPair windowFrom(RunRecord::const_iterator first, RunRecord::const_itera
 
 }  // namespace
 
-std::vector<PartitionPair> windowsOf(const RunRecord& run, const GroupTruth& truth,
+std::vector<PartitionPair> windowsOf(const RunSteps& run, const GroupTruth& truth,
                                      const WindowOptions& options) {
   std::vector<PartitionPair> windows;
   const auto length = static_cast<std::ptrdiff_t>(options.length);
@@ -64,16 +66,17 @@ PrecisionRecall meanMitre(const std::vector<PartitionPair>& windows) {
   return mean;
 }
 
-PartitionPair wholeSequence(const RunRecord& run, const GroupTruth& truth,
+PartitionPair wholeSequence(const RunSteps& run, const GroupTruth& truth,
                             const WindowOptions& options) {
   PartitionPair whole;
-  std::set<Person> persons;
+  std::set<Person> everybody;
   Togetherness together;
-  for (const FoundStep& step : run) {
-    persons.insert(step.persons.begin(), step.persons.end());
-    together.add(step.grouping(), step.persons);
+  for (const RunStep& step : run) {
+    const auto persons = personsOf(step);
+    everybody.insert(persons.begin(), persons.end());
+    together.add(groupingOf(step), persons);
   }
-  whole.persons.assign(persons.begin(), persons.end());
+  whole.persons.assign(everybody.begin(), everybody.end());
   whole.truth = restrictTo(truth.whole(), whole.persons);
   whole.found = restrictTo(
       together.forPart(static_cast<double>(options.together) / static_cast<double>(options.length)),

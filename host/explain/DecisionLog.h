@@ -1,8 +1,8 @@
 #pragma once
 
-#include "host/explain/Decision.h"
 #include "host/explain/GroupLine.h"
 #include "host/explain/MobileDump.h"
+#include "host/run/Decision.h"
 
 #include <cstdint>
 #include <istream>

@@ -11,14 +11,14 @@ BackgroundSink::~BackgroundSink() {
   stop();
 }
 
-void BackgroundSink::write(const ReportedStep& step) {
+void BackgroundSink::take(RunStep&& step) {
   std::unique_lock lock(m_mutex);
   m_changed.wait(lock, [this] { return m_waiting.size() < capacity || m_isEnding; });
   rethrow();
   if (m_isEnding) {
     return;  // a sink has failed and this was said already
   }
-  m_waiting.push_back(step);
+  m_waiting.push_back(std::move(step));
   m_changed.notify_all();
 }
 
@@ -41,7 +41,7 @@ void BackgroundSink::work() {
     if (m_waiting.empty()) {
       return;
     }
-    const ReportedStep step = std::move(m_waiting.front());
+    const RunStep step = std::move(m_waiting.front());
     m_waiting.pop_front();
     m_changed.notify_all();
     lock.unlock();
@@ -50,7 +50,7 @@ void BackgroundSink::work() {
   }
 }
 
-void BackgroundSink::writeToAll(const ReportedStep& step) {
+void BackgroundSink::writeToAll(const RunStep& step) {
   try {
     for (const auto& sink : m_sinks) {
       sink->write(step);

@@ -23,20 +23,21 @@ class BackgroundSink : public StepSink {
   explicit BackgroundSink(std::vector<std::unique_ptr<StepSink>> sinks);
   ~BackgroundSink() override;
 
-  void write(const ReportedStep& step) override;
+  void write(const RunStep& step) override { take(RunStep(step)); }
+  void take(RunStep&& step) override;
   /// Waits until all steps are written, then finishes every sink.
   void finish() override;
 
  private:
   void work();
-  void writeToAll(const ReportedStep& step);
+  void writeToAll(const RunStep& step);
   void stop();
   void rethrow();
 
   std::vector<std::unique_ptr<StepSink>> m_sinks;
   std::mutex m_mutex;
   std::condition_variable m_changed;
-  std::deque<ReportedStep> m_waiting;
+  std::deque<RunStep> m_waiting;
   bool m_isEnding = false;
   std::exception_ptr m_failure;
   std::thread m_thread;

@@ -10,17 +10,17 @@ CsvExport::CsvExport(const std::string& path) : m_file(path) {
   m_file.writeLines("frame,group,person,x,y\n");
 }
 
-void CsvExport::write(const ReportedStep& step) {
-  if (!step.groups.inputFrame) {
+void CsvExport::write(const RunStep& step) {
+  if (!step.inputFrame) {
     return;
   }
   std::string lines;
-  for (const GroupState& group : step.groups.groups) {
+  for (const RunGroup& group : step.groups) {
     if (!group.isVisible) {
       continue;
     }
-    for (const GroupMember& member : group.members) {
-      lines += fmt::format("{},{},", *step.groups.inputFrame, group.id);
+    for (const RunMember& member : group.members) {
+      lines += fmt::format("{},{},", *step.inputFrame, group.id);
       lines += member.person ? fmt::format("{}", *member.person) : "";
       lines += member.place ? fmt::format(",{},{}\n", member.place->x, member.place->y) : ",,\n";
     }

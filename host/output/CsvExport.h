@@ -18,7 +18,7 @@ class CsvExport : public StepSink {
  public:
   explicit CsvExport(const std::string& path);
 
-  void write(const ReportedStep& step) override;
+  void write(const RunStep& step) override;
 
  private:
   OutputFile m_file;

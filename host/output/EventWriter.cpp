@@ -2,7 +2,7 @@
 
 namespace grouptracker {
 
-void EventWriter::write(const ReportedStep& step) {
+void EventWriter::write(const RunStep& step) {
   for (const TrackedEvent& event : step.events) {
     m_file.writeLines(toJsonLine(event));
   }

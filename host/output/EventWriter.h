@@ -13,7 +13,7 @@ class EventWriter : public StepSink {
  public:
   explicit EventWriter(const std::string& path) : m_file(path) {}
 
-  void write(const ReportedStep& step) override;
+  void write(const RunStep& step) override;
 
  private:
   OutputFile m_file;

@@ -6,11 +6,11 @@
 
 namespace grouptracker {
 
-void LineageGraph::write(const ReportedStep& step) {
-  const std::int64_t frame = step.groups.inputFrame.value_or(step.groups.reportedFrame);
-  for (const GroupState& group : step.groups.groups) {
+void LineageGraph::write(const RunStep& step) {
+  const std::int64_t frame = step.inputFrame.value_or(step.reportedFrame);
+  for (const RunGroup& group : step.groups) {
     Life& life = m_lives.try_emplace(group.id, Life{frame, frame, {}}).first->second;
-    for (const GroupMember& member : group.members) {
+    for (const RunMember& member : group.members) {
       if (group.isVisible && member.person) {
         life.persons.insert(*member.person);
       }

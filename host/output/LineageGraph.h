@@ -19,7 +19,7 @@ class LineageGraph : public StepSink {
  public:
   explicit LineageGraph(const std::string& path) : m_file(path) {}
 
-  void write(const ReportedStep& step) override;
+  void write(const RunStep& step) override;
   void finish() override;
 
  private:

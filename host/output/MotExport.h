@@ -18,7 +18,7 @@ class MotExport : public StepSink {
  public:
   explicit MotExport(const std::string& path) : m_file(path) {}
 
-  void write(const ReportedStep& step) override;
+  void write(const RunStep& step) override;
 
  private:
   OutputFile m_file;

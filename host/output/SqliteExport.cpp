@@ -55,14 +55,13 @@ SqliteExport::SqliteExport(const std::string& path)
                "INSERT INTO groups VALUES(?1, ?3, ?3, ?2) "
                "ON CONFLICT(id) DO UPDATE SET merged_into = excluded.merged_into") {}
 
-void SqliteExport::write(const ReportedStep& step) {
-  const GroupsFrame& frame = step.groups;
-  if (frame.reportedFrame < 1) {
+void SqliteExport::write(const RunStep& step) {
+  if (step.reportedFrame < 1) {
     return;
   }
-  m_frames.row(std::int64_t{frame.reportedFrame}, frame.inputFrame, std::int64_t{frame.frame},
-               static_cast<std::int64_t>(frame.persons.size()));
-  writeMembers(frame);
+  m_frames.row(std::int64_t{step.reportedFrame}, step.inputFrame, std::int64_t{step.frame},
+               static_cast<std::int64_t>(step.persons.size()));
+  writeMembers(step);
   for (const TrackedEvent& event : step.events) {
     writeEvent(event);
   }
@@ -72,14 +71,14 @@ void SqliteExport::write(const ReportedStep& step) {
   }
 }
 
-void SqliteExport::writeMembers(const GroupsFrame& frame) {
-  const std::int64_t at = frame.reportedFrame;
-  for (const GroupState& group : frame.groups) {
+void SqliteExport::writeMembers(const RunStep& step) {
+  const std::int64_t at = step.reportedFrame;
+  for (const RunGroup& group : step.groups) {
     if (!group.isVisible) {
       continue;
     }
     m_groups.row(std::int64_t{group.id}, at);
-    for (const GroupMember& member : group.members) {
+    for (const RunMember& member : group.members) {
       const auto x = member.place ? std::optional<double>(member.place->x) : std::nullopt;
       const auto y = member.place ? std::optional<double>(member.place->y) : std::nullopt;
       const auto person =

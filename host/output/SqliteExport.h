@@ -27,11 +27,11 @@ class SqliteExport : public StepSink {
  public:
   explicit SqliteExport(const std::string& path);
 
-  void write(const ReportedStep& step) override;
+  void write(const RunStep& step) override;
   void finish() override;
 
  private:
-  void writeMembers(const GroupsFrame& frame);
+  void writeMembers(const RunStep& step);
   void writeEvent(const TrackedEvent& event);
   void commit();
 

@@ -8,6 +8,6 @@ namespace grouptracker {
 
 /// Draws people and groups on the image of the reported frame: boxes, traces of the feet, and for
 /// each group a hull around its members' boxes with a label, all in the group's colour.
-void paintOnImage(cv::Mat& image, const ReportedStep& step, const RecentPast& past);
+void paintOnImage(cv::Mat& image, const RunStep& step, const RecentPast& past);
 
 }  // namespace grouptracker

@@ -15,15 +15,15 @@ PictureWriter::PictureWriter(const PictureOptions& options) : m_painter(options.
   }
 }
 
-void PictureWriter::write(const ReportedStep& step) {
+void PictureWriter::write(const RunStep& step) {
   const bool isWanted = std::any_of(m_targets.begin(), m_targets.end(),
                                     [](const auto& target) { return target->wantsMore(); });
-  if (!step.groups.inputFrame || !isWanted) {
+  if (!step.inputFrame || !isWanted) {
     return;
   }
   const cv::Mat picture = m_painter.paint(step);
   for (const auto& target : m_targets) {
-    target->add(picture, step.groups.reportedFrame);
+    target->add(picture, step.reportedFrame);
   }
 }
 

@@ -23,7 +23,7 @@ class PictureWriter : public StepSink {
  public:
   explicit PictureWriter(const PictureOptions& options);
 
-  void write(const ReportedStep& step) override;
+  void write(const RunStep& step) override;
   void finish() override;
 
  private:

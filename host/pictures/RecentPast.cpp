@@ -4,21 +4,24 @@
 
 namespace grouptracker {
 
-void RecentPast::add(const ReportedStep& step) {
+void RecentPast::add(const RunStep& step) {
   std::map<std::uint32_t, std::deque<TracePoint>> traces;
-  for (const PersonPlace& place : step.people) {
-    std::deque<TracePoint> trace = std::move(m_traces[place.person]);
-    const cv::Rect& box = place.box2D;
-    trace.push_back({place.position, {box.x + box.width / 2, box.y + box.height}});
+  for (const RunPerson& person : step.persons) {
+    if (!person.seen) {
+      continue;
+    }
+    std::deque<TracePoint> trace = std::move(m_traces[person.id]);
+    const cv::Rect& box = person.seen->box2D;
+    trace.push_back({person.seen->ground, {box.x + box.width / 2, box.y + box.height}});
     if (trace.size() > m_length) {
       trace.pop_front();
     }
-    traces[place.person] = std::move(trace);
+    traces[person.id] = std::move(trace);
   }
   m_traces = std::move(traces);
   m_groups.clear();
-  for (const GroupState& group : step.groups.groups) {
-    for (const GroupMember& member : group.members) {
+  for (const RunGroup& group : step.groups) {
+    for (const RunMember& member : group.members) {
       if (group.isVisible && member.person) {
         m_groups[*member.person] = group.id;
       }
@@ -46,7 +49,7 @@ std::vector<std::string> RecentPast::events() const {
   return texts;
 }
 
-void RecentPast::addEvents(const ReportedStep& step) {
+void RecentPast::addEvents(const RunStep& step) {
   constexpr std::size_t most = 6;  // lines in a picture
   for (Said& said : m_events) {
     ++said.age;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/run/ReportedStep.h"
+#include "host/run/RunStep.h"
 
 #include <opencv2/core/types.hpp>
 
@@ -27,7 +27,7 @@ class RecentPast {
   /// `length` is the number of steps that are remembered.
   explicit RecentPast(std::size_t length) : m_length(length) {}
 
-  void add(const ReportedStep& step);
+  void add(const RunStep& step);
   /// From the oldest to the latest; empty for somebody who is out of view.
   const std::deque<TracePoint>& traceOf(std::uint32_t person) const;
   /// The visible group of a person at the latest step, the last of several.
@@ -41,7 +41,7 @@ class RecentPast {
     std::size_t age = 0;  ///< steps
   };
 
-  void addEvents(const ReportedStep& step);
+  void addEvents(const RunStep& step);
 
   std::size_t m_length;
   std::map<std::uint32_t, std::deque<TracePoint>> m_traces;

@@ -23,7 +23,7 @@ int even(double size) {
   return std::max(2, static_cast<int>(size) / 2 * 2);
 }
 
-cv::Mat loadPixels(const ReportedStep& step) {
+cv::Mat loadPixels(const RunStep& step) {
   if (step.image && !step.image->mat().empty()) {
     return step.image->mat().clone();
   }
@@ -32,7 +32,7 @@ cv::Mat loadPixels(const ReportedStep& step) {
 
 }  // namespace
 
-cv::Mat StepPainter::paint(const ReportedStep& step) {
+cv::Mat StepPainter::paint(const RunStep& step) {
   if (!m_hasImages) {
     m_hasImages = step.image || !step.imageFile.empty();
   }
@@ -45,7 +45,7 @@ cv::Mat StepPainter::paint(const ReportedStep& step) {
   return picture;
 }
 
-cv::Mat StepPainter::paintCamera(const ReportedStep& step) {
+cv::Mat StepPainter::paintCamera(const RunStep& step) {
   if (!step.image && step.imageFile.empty()) {
     return {m_imageSize, CV_8UC3, brush::grey};  // a frame for which the input names no image
   }
@@ -72,11 +72,10 @@ TopViewPainter& StepPainter::topView() {
   return *m_topView;
 }
 
-void StepPainter::paintWords(cv::Mat& picture, const ReportedStep& step) const {
+void StepPainter::paintWords(cv::Mat& picture, const RunStep& step) const {
   constexpr int left = 8;
   constexpr int lineHeight = 17;
-  const GroupsFrame& frame = step.groups;
-  brush::text(picture, fmt::format("frame {}", frame.inputFrame.value_or(frame.reportedFrame)),
+  brush::text(picture, fmt::format("frame {}", step.inputFrame.value_or(step.reportedFrame)),
               {left, lineHeight}, brush::white, brush::ink);
   const auto events = m_past.events();
   if (events.empty()) {

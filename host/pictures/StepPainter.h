@@ -17,12 +17,12 @@ class StepPainter {
  public:
   explicit StepPainter(bool showsTopView) : m_showsTopView(showsTopView) {}
 
-  cv::Mat paint(const ReportedStep& step);
+  cv::Mat paint(const RunStep& step);
 
  private:
-  cv::Mat paintCamera(const ReportedStep& step);
+  cv::Mat paintCamera(const RunStep& step);
   TopViewPainter& topView();
-  void paintWords(cv::Mat& picture, const ReportedStep& step) const;
+  void paintWords(cv::Mat& picture, const RunStep& step) const;
 
   bool m_showsTopView;
   std::optional<bool> m_hasImages;  ///< none before the first picture

@@ -41,10 +41,12 @@ double roundLength(double limit) {
 
 }  // namespace
 
-cv::Mat TopViewPainter::paint(const ReportedStep& step, const RecentPast& past) {
+cv::Mat TopViewPainter::paint(const RunStep& step, const RecentPast& past) {
   std::vector<cv::Point2f> places;
-  for (const PersonPlace& person : step.people) {
-    places.push_back(person.position);
+  for (const RunPerson& person : step.persons) {
+    if (person.seen) {
+      places.push_back(person.seen->ground);
+    }
   }
   m_map.include(places);
   cv::Mat picture(m_size, CV_8UC3, paper);
@@ -71,12 +73,11 @@ void TopViewPainter::paintGrid(cv::Mat& picture) const {
   }
 }
 
-TopViewPainter::Outlines TopViewPainter::paintGroups(cv::Mat& picture,
-                                                     const ReportedStep& step) const {
+TopViewPainter::Outlines TopViewPainter::paintGroups(cv::Mat& picture, const RunStep& step) const {
   constexpr double opacity = 0.25;
   Outlines outlines;
-  for (const GroupState& group : step.groups.groups) {
-    for (const GroupMember& member : group.members) {
+  for (const RunGroup& group : step.groups) {
+    for (const RunMember& member : group.members) {
       if (group.isVisible && member.place) {
         const auto circle = circleAround(*member.place, m_map);
         auto& outline = outlines[group.id];
@@ -90,21 +91,24 @@ TopViewPainter::Outlines TopViewPainter::paintGroups(cv::Mat& picture,
   return outlines;
 }
 
-void TopViewPainter::paintPeople(cv::Mat& picture, const ReportedStep& step,
+void TopViewPainter::paintPeople(cv::Mat& picture, const RunStep& step,
                                  const RecentPast& past) const {
-  for (const PersonPlace& person : step.people) {
-    const auto group = past.groupOf(person.person);
+  for (const RunPerson& person : step.persons) {
+    if (!person.seen) {
+      continue;
+    }
+    const auto group = past.groupOf(person.id);
     const cv::Scalar colour = group ? colourOf(*group) : brush::grey;
     std::vector<cv::Point> trace;
-    for (const TracePoint& point : past.traceOf(person.person)) {
+    for (const TracePoint& point : past.traceOf(person.id)) {
       trace.push_back(m_map.toPicture(point.ground));
     }
     brush::trace(picture, trace, colour);
-    const cv::Point at = m_map.toPicture(person.position);
+    const cv::Point at = m_map.toPicture(person.seen->ground);
     const int radius = std::max(2, static_cast<int>(personRadius * m_map.scale()));
     cv::circle(picture, at, radius, colour, cv::FILLED, cv::LINE_AA);
     cv::circle(picture, at, radius, brush::ink, 1, cv::LINE_AA);
-    brush::text(picture, std::to_string(person.person), at + cv::Point(radius + 2, 4), brush::ink,
+    brush::text(picture, std::to_string(person.id), at + cv::Point(radius + 2, 4), brush::ink,
                 paper);
   }
 }

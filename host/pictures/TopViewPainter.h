@@ -17,16 +17,16 @@ class TopViewPainter {
  public:
   explicit TopViewPainter(cv::Size size) : m_size(size), m_map(size) {}
 
-  cv::Mat paint(const ReportedStep& step, const RecentPast& past);
+  cv::Mat paint(const RunStep& step, const RecentPast& past);
 
  private:
   using Outlines = std::map<std::uint32_t, std::vector<cv::Point>>;
 
   void paintGrid(cv::Mat& picture) const;
   void paintScaleBar(cv::Mat& picture) const;
-  void paintPeople(cv::Mat& picture, const ReportedStep& step, const RecentPast& past) const;
+  void paintPeople(cv::Mat& picture, const RunStep& step, const RecentPast& past) const;
   /// Returns the outlines by group, corners in pixels.
-  Outlines paintGroups(cv::Mat& picture, const ReportedStep& step) const;
+  Outlines paintGroups(cv::Mat& picture, const RunStep& step) const;
 
   cv::Size m_size;
   GroundMap m_map;

@@ -22,13 +22,13 @@ std::int16_t toPixels(double length) {
 
 }  // namespace
 
-void ImageStrip::addFrame(const InputFrame& frame, std::vector<PersonPlace> people) {
+void ImageStrip::addFrame(const InputFrame& frame, std::vector<RunPerson> persons) {
   m_frames.push_back({frame.imageFile, frame.place, {}, {}});
   if (frame.imageFile.empty() && !frame.image) {
     return;
   }
   m_hasImages = true;
-  m_frames.back().people = std::move(people);
+  m_frames.back().persons = std::move(persons);
   if (frame.imageFile.empty()) {
     addPicture(frame.image->mat());
   }
@@ -95,12 +95,16 @@ ImageStrip::SmallImage ImageStrip::shrink(const cv::Mat& pixels) {
 }
 
 void ImageStrip::addBoxes(const Frame& frame, double factor, Boxes& boxes) {
-  for (const PersonPlace& person : frame.people) {
-    boxes.persons.push_back(person.person);
-    boxes.x.push_back(toPixels(person.box2D.x * factor));
-    boxes.y.push_back(toPixels(person.box2D.y * factor));
-    boxes.widths.push_back(toPixels(person.box2D.width * factor));
-    boxes.heights.push_back(toPixels(person.box2D.height * factor));
+  for (const RunPerson& person : frame.persons) {
+    if (!person.seen) {
+      continue;
+    }
+    const cv::Rect& box = person.seen->box2D;
+    boxes.persons.push_back(person.id);
+    boxes.x.push_back(toPixels(box.x * factor));
+    boxes.y.push_back(toPixels(box.y * factor));
+    boxes.widths.push_back(toPixels(box.width * factor));
+    boxes.heights.push_back(toPixels(box.height * factor));
   }
 }
 

@@ -2,7 +2,7 @@
 
 #include "host/people/InputFrame.h"
 #include "host/report/ReportBody.h"
-#include "host/run/ReportedStep.h"
+#include "host/run/RunStep.h"
 
 #include <QByteArray>
 
@@ -18,10 +18,10 @@ namespace grouptracker {
 /// the frames, so that a report of any length can be opened.
 class ImageStrip {
  public:
-  /// `people` are those in view with their boxes in the image. An image that is in no file of its
+  /// `persons` are those in view with their boxes in the image. An image that is in no file of its
   /// own, but in a video, is made small at once, and of more than some hundred of them only every
   /// second, fourth and so on is kept.
-  void addFrame(const InputFrame& frame, std::vector<PersonPlace> people);
+  void addFrame(const InputFrame& frame, std::vector<RunPerson> persons);
 
   /// Frames from one image to the next; 0 without images.
   std::size_t every() const;
@@ -37,7 +37,7 @@ class ImageStrip {
   struct Frame {
     std::filesystem::path file;  ///< empty without one
     std::string place;
-    std::vector<PersonPlace> people;
+    std::vector<RunPerson> persons;
     SmallImage small;  ///< empty for one that is still to be read from its file
   };
   /// Boxes in pixels of the small images; those of an image end where `ends` says.

@@ -25,13 +25,15 @@ bool fitsStep(std::int32_t from, std::int32_t to) {
 
 }  // namespace
 
-void ReportData::addFrame(std::int64_t inputFrame, const std::vector<PersonPlace>& people) {
+void ReportData::addFrame(std::int64_t inputFrame, const std::vector<RunPerson>& persons) {
   const auto frame = static_cast<std::uint32_t>(m_frameNumbers.size());
   m_indexOf.emplace(inputFrame, frame);
   m_frameNumbers.push_back(static_cast<std::int32_t>(inputFrame));
   std::map<std::uint32_t, Run> now;
-  for (const PersonPlace& place : people) {
-    addPlace(frame, place, now);
+  for (const RunPerson& person : persons) {
+    if (person.seen) {
+      addPlace(frame, person.id, person.seen->ground, now);
+    }
   }
   for (const auto& [person, run] : m_openRuns) {
     endRun(run);
@@ -39,24 +41,24 @@ void ReportData::addFrame(std::int64_t inputFrame, const std::vector<PersonPlace
   m_openRuns = std::move(now);
 }
 
-void ReportData::addPlace(std::uint32_t frame, const PersonPlace& place,
+void ReportData::addPlace(std::uint32_t frame, std::uint32_t person, const cv::Point2f& place,
                           std::map<std::uint32_t, Run>& now) {
-  if (now.contains(place.person)) {
+  if (now.contains(person)) {
     return;
   }
-  const std::int32_t x = rounded(place.position.x);
-  const std::int32_t y = rounded(place.position.y);
-  auto open = m_openRuns.extract(place.person);
+  const std::int32_t x = rounded(place.x);
+  const std::int32_t y = rounded(place.y);
+  auto open = m_openRuns.extract(person);
   if (open && (!fitsStep(open.mapped().lastX, x) || !fitsStep(open.mapped().lastY, y))) {
     endRun(open.mapped());
     open = {};
   }
-  Run run = open ? std::move(open.mapped()) : Run{place.person, frame, x, y, x, y, {}, {}};
+  Run run = open ? std::move(open.mapped()) : Run{person, frame, x, y, x, y, {}, {}};
   run.stepX.push_back(static_cast<std::int16_t>(x - run.lastX));
   run.stepY.push_back(static_cast<std::int16_t>(y - run.lastY));
   run.lastX = x;
   run.lastY = y;
-  now.emplace(place.person, std::move(run));
+  now.emplace(person, std::move(run));
 }
 
 void ReportData::endRun(const Run& run) {
@@ -69,22 +71,22 @@ void ReportData::endRun(const Run& run) {
   m_stepY.insert(m_stepY.end(), run.stepY.begin(), run.stepY.end());
 }
 
-bool ReportData::addGroups(const GroupsFrame& frame, const std::vector<TrackedEvent>& events) {
-  const auto index = m_indexOf.find(frame.inputFrame.value_or(0));
-  if (!frame.inputFrame) {
+bool ReportData::addGroups(const RunStep& step) {
+  const auto index = m_indexOf.find(step.inputFrame.value_or(0));
+  if (!step.inputFrame) {
     return true;  // nothing is reported yet
   }
   if (index == m_indexOf.end()) {
     return false;
   }
-  for (const GroupState& group : frame.groups) {
-    for (const GroupMember& member : group.members) {
+  for (const RunGroup& group : step.groups) {
+    for (const RunMember& member : group.members) {
       if (group.isVisible && member.person) {
         addMember(index->second, {group.id, *member.person});
       }
     }
   }
-  for (const TrackedEvent& event : events) {
+  for (const TrackedEvent& event : step.events) {
     addEvent(index->second, event);
   }
   return true;

@@ -1,9 +1,7 @@
 #pragma once
 
 #include "host/report/ReportBody.h"
-#include "host/run/GroupsFrame.h"
-#include "host/run/ReportedStep.h"
-#include "host/run/TrackedEvent.h"
+#include "host/run/RunStep.h"
 
 #include <cstdint>
 #include <functional>
@@ -21,9 +19,9 @@ namespace grouptracker {
 class ReportData {
  public:
   /// Adds the input's next frame with everybody in view.
-  void addFrame(std::int64_t inputFrame, const std::vector<PersonPlace>& people);
+  void addFrame(std::int64_t inputFrame, const std::vector<RunPerson>& persons);
   /// Adds what was found at one of these frames. False when the input has no such frame.
-  bool addGroups(const GroupsFrame& frame, const std::vector<TrackedEvent>& events);
+  bool addGroups(const RunStep& step);
   /// Marks a frame as one at which the groups differ from the truth; false when it is unknown.
   bool markWrong(std::int64_t inputFrame);
   /// A report without truth marks nothing, not even right frames.
@@ -46,7 +44,8 @@ class ReportData {
   };
   using Membership = std::pair<std::uint32_t, std::uint32_t>;  ///< group and person
 
-  void addPlace(std::uint32_t frame, const PersonPlace& place, std::map<std::uint32_t, Run>& now);
+  void addPlace(std::uint32_t frame, std::uint32_t person, const cv::Point2f& place,
+                std::map<std::uint32_t, Run>& now);
   void addMember(std::uint32_t frame, const Membership& membership);
   void addEvent(std::uint32_t frame, const TrackedEvent& event);
   void endRun(const Run& run);

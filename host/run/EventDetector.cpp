@@ -25,9 +25,9 @@ Persons without(const Persons& all, const Persons& some) {
   return rest;
 }
 
-Persons personsOf(const GroupState& group) {
+Persons personsOf(const RunGroup& group) {
   Persons persons;
-  for (const GroupMember& member : group.members) {
+  for (const RunMember& member : group.members) {
     if (member.person) {
       persons.insert(*member.person);
     }
@@ -37,13 +37,13 @@ Persons personsOf(const GroupState& group) {
 
 }  // namespace
 
-std::vector<TrackedEvent> EventDetector::next(const GroupsFrame& frame) {
-  m_stamp.reportedFrame = frame.reportedFrame;
-  m_stamp.inputFrame = frame.inputFrame;
-  m_stamp.frame = frame.frame;
+std::vector<TrackedEvent> EventDetector::next(const RunStep& step) {
+  m_stamp.reportedFrame = step.reportedFrame;
+  m_stamp.inputFrame = step.inputFrame;
+  m_stamp.frame = step.frame;
   m_events.clear();
   m_cameAlong.clear();
-  KnownGroups now = listed(frame);
+  KnownGroups now = listed(step);
   findMerges(now);
   for (const auto& [id, group] : now) {
     compare(id, group);
@@ -56,9 +56,9 @@ std::vector<TrackedEvent> EventDetector::next(const GroupsFrame& frame) {
   return std::exchange(m_events, {});
 }
 
-EventDetector::KnownGroups EventDetector::listed(const GroupsFrame& frame) const {
+EventDetector::KnownGroups EventDetector::listed(const RunStep& step) const {
   KnownGroups now;
-  for (const GroupState& state : frame.groups) {
+  for (const RunGroup& state : step.groups) {
     const auto before = m_known.find(state.id);
     // A group that is not visible tells neither merge nor split; the last told values still hold.
     Known group = before == m_known.end() ? Known() : before->second;

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "host/run/GroupsFrame.h"
-#include "host/run/TrackedEvent.h"
+#include "host/run/RunStep.h"
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <set>
 #include <vector>
 
@@ -19,8 +19,8 @@ namespace grouptracker {
 /// most of its members changed; without such a group it was removed.
 class EventDetector {
  public:
-  /// The events of the next frame, ordered by kind and then by group.
-  std::vector<TrackedEvent> next(const GroupsFrame& frame);
+  /// The events of the next step, ordered by kind and then by group.
+  std::vector<TrackedEvent> next(const RunStep& step);
 
  private:
   using Persons = std::set<std::uint32_t>;
@@ -34,7 +34,7 @@ class EventDetector {
   };
   using KnownGroups = std::map<std::uint32_t, Known>;
 
-  KnownGroups listed(const GroupsFrame& frame) const;
+  KnownGroups listed(const RunStep& step) const;
   void findMerges(const KnownGroups& now);
   void addMerge(std::uint32_t into, std::uint32_t from, const KnownGroups& now);
   std::optional<std::uint32_t> heirOf(const Persons& members, const KnownGroups& now) const;

@@ -1,5 +1,4 @@
-#include "host/base/OutputError.h"
-#include "host/output/BackgroundSink.h"
+#include "host/output/RunFile.h"
 #include "tests/support/base/Lines.h"
 #include "tests/support/base/TempFolder.h"
 #include "tests/support/host/SampleParameters.h"
@@ -11,15 +10,13 @@
 #include <sqlite3.h>
 
 #include <algorithm>
-#include <chrono>
 #include <filesystem>
-#include <thread>
+#include <fstream>
 
 namespace grouptracker {
 
 namespace {
 
-using testing::ElementsAre;
 using testing::HasSubstr;
 
 /// All results of a query as one text, rows separated by blanks.
@@ -75,6 +72,54 @@ TEST_F(Export, EventsOfARunAreThoseOfItsGroupsFile) {
   EXPECT_THAT(text("tree.dot"), HasSubstr("persons 1, 2\"];\n}\n"));
 }
 
+TEST_F(Export, OfAReplayAreThoseOfTheRun) {
+  Program simulation(folder.path());
+  ASSERT_EQ(simulation.run({"simulate", "--output", "scene", "--frames", "150", "--seed", "5"}), 0);
+  std::filesystem::copy(folder.path() / "scene/scene.jsonl", folder.path() / "scene.jsonl",
+                        std::filesystem::copy_options::overwrite_existing);
+  const auto outputs = [](const QString& name) {
+    return QStringList{"--graph", name + ".dot",     "--mot",    name + ".txt",
+                       "--csv",   name + ".csv",     "--sqlite", name + ".sqlite",
+                       "--video", name + "-pictures"};
+  };
+  ASSERT_EQ(run(program, QStringList{"--events", "run.jsonl"} + outputs("run")), 0);
+  Program replay(folder.path());
+  ASSERT_EQ(replay.run(QStringList{"events", "groups.jsonl", "--input", "scene.jsonl", "--output",
+                                   "replay.jsonl"} +
+                       outputs("replay")),
+            0)
+      << replay.errors();
+  EXPECT_GT(lines("run.jsonl").size(), 3U);
+  for (const std::string end :
+       {".jsonl", ".dot", ".txt", ".csv", ".sqlite", "-pictures/000140.png"}) {
+    EXPECT_FALSE(text("run" + end).empty()) << end;
+    EXPECT_TRUE(text("run" + end) == text("replay" + end)) << end;
+  }
+}
+
+TEST_F(Export, OfAReplayNeedTheInputOfTheRun) {
+  ASSERT_EQ(run(program, {}), 0);
+  Program blind(folder.path());
+  EXPECT_EQ(blind.run({"events", "groups.jsonl", "--video", "pictures"}), 2);
+  EXPECT_EQ(blind.errors(),
+            "groups.jsonl: does not tell where people were: --video needs --input\n");
+  folder.write("scene.jsonl", walkingScene(5));
+  Program other(folder.path());
+  EXPECT_EQ(other.run({"events", "groups.jsonl", "--input", "scene.jsonl"}), 2);
+  EXPECT_EQ(other.errors(), "groups.jsonl:8: frame 6 is not in scene.jsonl\n");
+}
+
+TEST_F(Export, GroupsFileIsReadAndWrittenWithoutLoss) {
+  ASSERT_EQ(run(program, {}), 0);
+  std::ifstream in(folder.path() / "groups.jsonl");
+  RunFileReader reader(in, "groups.jsonl");
+  RunFileWriter writer(folder.path() / "again.jsonl");
+  for (RunStep step; reader.next(step);) {
+    writer.write(step);
+  }
+  EXPECT_EQ(text("again.jsonl"), text("groups.jsonl"));
+}
+
 TEST_F(Export, TablesHoldTheVisibleMembers) {
   EXPECT_EQ(run(program, {"--csv", "m.csv", "--mot", "m.txt", "--sqlite", "run.sqlite"}), 0);
   const auto csv = lines("m.csv");
@@ -116,60 +161,6 @@ TEST_F(Export, RefusesPlacesThatCannotBeWrittenBeforeTheFirstFrame) {
     EXPECT_EQ(std::count(errors.begin(), errors.end(), '\n'), 1);
     EXPECT_EQ(text("groups.jsonl"), "");
   }
-}
-
-/// Notes the steps that arrive, and fails at one of them.
-class SlowSink : public StepSink {
- public:
-  SlowSink(std::vector<std::uint32_t>& seen, std::uint32_t failsAt)
-      : m_seen(seen), m_failsAt(failsAt) {}
-  void write(const ReportedStep& step) override {
-    std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    if (step.groups.frame == m_failsAt) {
-      throw OutputError("disk", "is full");
-    }
-    m_seen.push_back(step.groups.frame);
-  }
-
- private:
-  std::vector<std::uint32_t>& m_seen;
-  std::uint32_t m_failsAt;
-};
-
-std::unique_ptr<BackgroundSink> background(std::vector<std::uint32_t>& seen,
-                                           std::uint32_t failsAt) {
-  std::vector<std::unique_ptr<StepSink>> sinks;
-  sinks.push_back(std::make_unique<SlowSink>(seen, failsAt));
-  return std::make_unique<BackgroundSink>(std::move(sinks));
-}
-
-TEST(BackgroundSink, WritesAllStepsInOrderAndTellsAFailureOnce) {
-  constexpr std::uint32_t steps = 3 * BackgroundSink::capacity;
-  std::vector<std::uint32_t> seen;
-  const auto whole = background(seen, 0);
-  ReportedStep step;
-  for (step.groups.frame = 1; step.groups.frame <= steps; ++step.groups.frame) {
-    whole->write(step);
-  }
-  whole->finish();
-  ASSERT_EQ(seen.size(), std::size_t{steps});
-  EXPECT_TRUE(std::is_sorted(seen.begin(), seen.end()));
-
-  seen.clear();
-  const auto failing = background(seen, 2);
-  step.groups.frame = 1;
-  failing->write(step);
-  int failures = 0;
-  for (step.groups.frame = 2; step.groups.frame <= steps; ++step.groups.frame) {
-    try {
-      failing->write(step);
-    } catch (const OutputError&) {
-      ++failures;
-    }
-  }
-  EXPECT_EQ(failures, 1);
-  EXPECT_NO_THROW(failing->finish());
-  EXPECT_THAT(seen, ElementsAre(1U));
 }
 
 }  // namespace

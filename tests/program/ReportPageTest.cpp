@@ -60,11 +60,15 @@ class PageNumbers {
   QByteArray m_bytes;
 };
 
-GroupsFrame groupsAt(std::int64_t inputFrame, std::uint32_t group,
-                     const std::vector<std::uint32_t>& persons) {
-  GroupsFrame frame;
+RunPerson at(std::uint32_t person, const cv::Point2f& ground) {
+  return {person, Sighting{ground, {}}};
+}
+
+RunStep groupsAt(std::int64_t inputFrame, std::uint32_t group,
+                 const std::vector<std::uint32_t>& persons) {
+  RunStep frame;
   frame.inputFrame = inputFrame;
-  GroupState state;
+  RunGroup state;
   state.id = group;
   state.isVisible = true;
   for (const std::uint32_t person : persons) {
@@ -76,14 +80,14 @@ GroupsFrame groupsAt(std::int64_t inputFrame, std::uint32_t group,
 
 TEST(ReportData, StoresWaysAsRunsAndMembersAsSpans) {
   ReportData data;
-  data.addFrame(780, {{7, {1.0F, -2.0F}, {}}});
-  data.addFrame(786, {{7, {1.5F, -2.01F}, {}}, {8, {0.0F, 0.0F}, {}}});
-  data.addFrame(792, {{8, {1000.0F, 0.0F}, {}}});  // too far for a step
-  data.addFrame(798, {{7, {3.0F, 3.0F}, {}}});
-  EXPECT_TRUE(data.addGroups(groupsAt(780, 4, {7, 8}), {}));
-  EXPECT_TRUE(data.addGroups(groupsAt(786, 4, {7}), {}));
-  EXPECT_TRUE(data.addGroups(groupsAt(798, 4, {7}), {}));
-  EXPECT_FALSE(data.addGroups(groupsAt(781, 4, {7}), {}));
+  data.addFrame(780, {at(7, {1.0F, -2.0F})});
+  data.addFrame(786, {at(7, {1.5F, -2.01F}), at(8, {0.0F, 0.0F})});
+  data.addFrame(792, {at(8, {1000.0F, 0.0F})});  // too far for a step
+  data.addFrame(798, {at(7, {3.0F, 3.0F})});
+  EXPECT_TRUE(data.addGroups(groupsAt(780, 4, {7, 8})));
+  EXPECT_TRUE(data.addGroups(groupsAt(786, 4, {7})));
+  EXPECT_TRUE(data.addGroups(groupsAt(798, 4, {7})));
+  EXPECT_FALSE(data.addGroups(groupsAt(781, 4, {7})));
   const PageNumbers page(makeReportPage({"in", "</script>", 0.0}, data, ImageStrip(), {}));
   using Numbers = std::vector<std::int64_t>;
   EXPECT_EQ(page["frameNumbers"], (Numbers{780, 786, 792, 798}));

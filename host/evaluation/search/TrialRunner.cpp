@@ -2,33 +2,33 @@
 
 #include "host/base/OutputFile.h"
 #include "host/evaluation/FrameScores.h"
-#include "host/evaluation/RunRecordReader.h"
+#include "host/evaluation/ScoredSteps.h"
 #include "host/input/InputFormats.h"
-#include "host/run/FrameReporter.h"
 #include "host/run/ParameterFile.h"
 #include "host/run/PluginLoader.h"
-#include "host/run/ProcessRunner.h"
+#include "host/run/TrackerRun.h"
 
 #include <algorithm>
 #include <cstddef>
+#include <utility>
 
 namespace grouptracker {
 
 namespace {
 
-double slidingScore(const RunRecord& run, const GroupTruth& truth) {
+double slidingScore(const RunSteps& run, const GroupTruth& truth) {
   constexpr std::size_t starts = 5;
   const WindowOptions options;
   double sum = 0.0;
   for (std::size_t i = 0; i < starts; ++i) {
     const auto skipped = std::min(run.size(), i * options.length / starts);
-    const RunRecord rest(run.begin() + static_cast<std::ptrdiff_t>(skipped), run.end());
+    const RunSteps rest(run.begin() + static_cast<std::ptrdiff_t>(skipped), run.end());
     sum += meanMitre(windowsOf(rest, truth, options)).f1;
   }
   return sum / static_cast<double>(starts);
 }
 
-double scoreOf(const RunRecord& run, const GroupTruth& truth, TunedScore score) {
+double scoreOf(const RunSteps& run, const GroupTruth& truth, TunedScore score) {
   constexpr std::size_t mostlyCorrect = 1;  // among the tolerances: two thirds
   switch (score) {
     case TunedScore::sliding:
@@ -53,17 +53,20 @@ double runTrial(const TunedSequence& sequence, const TrialSettings& settings, Tu
   InputOptions options = sequence.options;
   options.links = settings.links;
   const OpenedInput input = openInput(sequence.input, options);
-  ProcessOptions process;
-  process.parameterFile = parameterFile;
-  process.calibration = input.calibration;
-  process.printsDiagnostics = false;
-  process.dumpsMobiles = false;
-  ProcessRunner runner(loadGroupTracker(""), process);
-  FrameReporter reporter(readParameterFile(parameterFile).delay);
-  RunRecord run;
+  TrackerRunOptions setUp;
+  setUp.parameterFile = parameterFile;
+  setUp.delay = readParameterFile(parameterFile).delay;
+  setUp.calibration = input.calibration;
+  setUp.printsDiagnostics = false;
+  setUp.dumpsMobiles = false;
+  TrackerRun tracker(loadGroupTracker(""));
+  tracker.configure(setUp);
+  RunSteps run;
   for (InputFrame frame; input.frames->next(frame);) {
-    reporter.note(frame);
-    appendReport(reporter.report(runner.run(frame)), run);
+    addScored(tracker.advance(frame), run);
+  }
+  for (RunStep& step : tracker.finish()) {
+    addScored(std::move(step), run);
   }
   return scoreOf(run, sequence.truth, score);
 }

@@ -1,4 +1,4 @@
-#include "host/evaluation/RunRecordReader.h"
+#include "host/evaluation/ScoredSteps.h"
 #include "host/evaluation/TruthReader.h"
 
 #include <gmock/gmock.h>
@@ -57,12 +57,12 @@ TEST(GroupsOfARun, AreThoseThatAreVisibleAtFramesOfTheInput) {
       R"({"id": 4, "persons": [7, 3, null], "properties": {"Visible": true, "Merge": 2}},)"
       R"({"id": 5, "persons": [9], "properties": {"Visible": "false"}},)"
       R"({"id": 6, "persons": [], "properties": {}}]})");
-  const RunRecord run = readRunRecord(lines, "groups.jsonl");
+  const RunSteps run = readScored(lines, "groups.jsonl");
   ASSERT_EQ(run.size(), 1U);
-  EXPECT_EQ(run[0].frame, 780);
-  EXPECT_EQ(run[0].persons, (std::vector<Person>{3, 7, 9}));
+  EXPECT_EQ(run[0].inputFrame, 780);
+  EXPECT_EQ(personsOf(run[0]), (std::vector<Person>{3, 7, 9}));
   ASSERT_EQ(run[0].groups.size(), 1U);
-  EXPECT_EQ(run[0].groups[0].persons, (PersonGroup{3, 7}));
+  EXPECT_EQ(personsOf(run[0].groups[0]), (PersonGroup{3, 7}));
   EXPECT_EQ(run[0].groups[0].merge, 2);
 }
 

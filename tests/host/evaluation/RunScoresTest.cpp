@@ -7,18 +7,48 @@ namespace grouptracker {
 
 namespace {
 
+/// A visible group, with the group that it absorbed lately.
+struct Found {
+  std::uint32_t id = 0;
+  PersonGroup persons;
+  int merge = -1;
+};
+
+std::vector<RunPerson> inView(const std::vector<Person>& persons) {
+  std::vector<RunPerson> people;
+  for (const Person person : persons) {
+    people.push_back({person, {}});
+  }
+  return people;
+}
+
+RunGroup groupOf(const Found& found) {
+  RunGroup group;
+  group.id = found.id;
+  group.isVisible = true;
+  group.merge = found.merge;
+  for (const Person person : found.persons) {
+    group.members.push_back({100 + person, person, {}});
+  }
+  return group;
+}
+
 /// Steps 1, 2, 3 ... with the same persons in view and the groups as given for each step.
-RunRecord runOf(const std::vector<Person>& persons,
-                const std::vector<std::vector<FoundGroup>>& steps) {
-  RunRecord run;
+RunSteps runOf(const std::vector<Person>& persons, const std::vector<std::vector<Found>>& steps) {
+  RunSteps run;
   for (const auto& groups : steps) {
-    run.push_back({std::ssize(run) + 1, persons, groups});
+    RunStep& step = run.emplace_back();
+    step.inputFrame = std::ssize(run);
+    step.persons = inView(persons);
+    for (const Found& group : groups) {
+      step.groups.push_back(groupOf(group));
+    }
   }
   return run;
 }
 
-std::vector<std::vector<FoundGroup>> repeat(int times, const std::vector<FoundGroup>& groups) {
-  return std::vector<std::vector<FoundGroup>>(static_cast<std::size_t>(times), groups);
+std::vector<std::vector<Found>> repeat(int times, const std::vector<Found>& groups) {
+  return std::vector<std::vector<Found>>(static_cast<std::size_t>(times), groups);
 }
 
 TEST(Windows, HoldThoseWhoAreInViewAllTheTimeAndConnectThemFromTheWantedSteps) {
@@ -26,8 +56,8 @@ TEST(Windows, HoldThoseWhoAreInViewAllTheTimeAndConnectThemFromTheWantedSteps) {
   steps.push_back({{0, {1, 2}}, {2, {2, 3}}});
   steps.push_back({{2, {2, 3}}});
   steps.push_back({});  // not a whole window any more
-  RunRecord run = runOf({1, 2, 3, 4}, steps);
-  run[3].persons = {1, 2, 3};
+  RunSteps run = runOf({1, 2, 3, 4}, steps);
+  run[3].persons = inView({1, 2, 3});
   const auto windows = windowsOf(run, GroupTruth({{1, 2, 3, 4}}), {4, 2});
   ASSERT_EQ(windows.size(), 1U);
   EXPECT_EQ(windows[0].persons, (std::vector<Person>{1, 2, 3}));
@@ -36,8 +66,8 @@ TEST(Windows, HoldThoseWhoAreInViewAllTheTimeAndConnectThemFromTheWantedSteps) {
 }
 
 TEST(Windows, OfFewerThanTwoPersonsAreLeftOutOfTheMean) {
-  RunRecord run = runOf({1, 2}, repeat(4, {{0, {1, 2}}}));
-  run[2].persons = run[3].persons = {1};
+  RunSteps run = runOf({1, 2}, repeat(4, {{0, {1, 2}}}));
+  run[2].persons = run[3].persons = inView({1});
   const auto windows = windowsOf(run, GroupTruth({{1, 2}}), {2, 1});
   EXPECT_EQ(windows.size(), 1U);
   EXPECT_EQ(meanMitre(windows).f1, 1.0);
@@ -46,11 +76,11 @@ TEST(Windows, OfFewerThanTwoPersonsAreLeftOutOfTheMean) {
 TEST(WholeSequence, ConnectsByThePartOfTheStepsWithBothInView) {
   auto steps = repeat(2, {{0, {1, 2}}});
   steps.resize(10);
-  RunRecord run = runOf({1, 2}, steps);
+  RunSteps run = runOf({1, 2}, steps);
   const GroupTruth truth({{1, 2}});
   EXPECT_TRUE(wholeSequence(run, truth, {5, 2}).found.empty()) << "2 of 10";
   for (std::size_t i = 5; i < run.size(); ++i) {
-    run[i].persons = {1};
+    run[i].persons = inView({1});
   }
   EXPECT_EQ(wholeSequence(run, truth, {5, 2}).found, (Grouping{{1, 2}})) << "2 of 5";
 }
@@ -76,10 +106,10 @@ TEST(Events, CountOnceWithinTheTolerance) {
   for (int frame = 1; frame <= 8; ++frame) {
     truth.setAt(frame, frame < 3 ? Grouping{{1, 2}, {3, 4}} : Grouping{{1, 2, 3, 4}});
   }
-  const FoundGroup merged{0, {1, 2, 3, 4}, 5, -1};  // the record stays for many steps
+  const Found merged{0, {1, 2, 3, 4}, 5};  // the record stays for many steps
   auto steps = repeat(4, {{0, {1, 2}}, {5, {3, 4}}});
   steps.resize(8, {merged});
-  const RunRecord run = runOf({1, 2, 3, 4}, steps);
+  const RunSteps run = runOf({1, 2, 3, 4}, steps);
   const EventScores near = scoreEvents(run, truth, 2);
   EXPECT_EQ(near.merges.matched, 1);
   EXPECT_EQ(near.merges.found, 1);
@@ -94,10 +124,10 @@ TEST(Identities, OfTrueGroupsOutliveTheirMembers) {
   truth.setAt(2, {{1, 2}, {3, 4, 5}}, {7, 8});  // 3 changes groups
   truth.setAt(3, {{1, 2}, {4, 5}}, {7, 8});
   truth.setAt(4, {{1, 2, 4, 5}}, {7});
-  const RunRecord run = runOf({1, 2, 3, 4, 5}, {{{0, {1, 2, 3}}},
-                                                {{0, {1, 2}}, {1, {3, 4, 5}}},
-                                                {{2, {1, 2}}, {1, {4, 5}}},
-                                                {{2, {1, 2, 4, 5}}}});
+  const RunSteps run = runOf({1, 2, 3, 4, 5}, {{{0, {1, 2, 3}}},
+                                               {{0, {1, 2}}, {1, {3, 4, 5}}},
+                                               {{2, {1, 2}}, {1, {4, 5}}},
+                                               {{2, {1, 2, 4, 5}}}});
   const TimeScores time = scoreTime(run, truth);
   EXPECT_EQ(time.trueGroups, 2);
   EXPECT_EQ(time.identityChanges, 1) << "of the first group, at step 3";
@@ -116,10 +146,13 @@ TEST(Truth, PerFrameHoldsOverAWindowForMoreThanHalfOfIt) {
 }
 
 TEST(Baselines, TellCompanionsFromThoseWhoMeet) {
-  std::vector<PlacedStep> steps;
+  RunSteps steps;
   for (int i = 0; i < 4; ++i) {
-    const double way = i;
-    steps.push_back({i, {{1, {way, 0}}, {2, {way, 1}}, {3, {3 - way, 0.5}}}});
+    const auto at = [](float x, float y) { return Sighting{{x, y}, {}}; };
+    const auto way = static_cast<float>(i);
+    RunStep& step = steps.emplace_back();
+    step.inputFrame = i;
+    step.persons = {{1, at(way, 0)}, {2, at(way, 1)}, {3, at(3 - way, 0.5F)}};
   }
   const Baselines scores = scoreBaselines(steps, GroupTruth({{1, 2}}), {4, 1});
   EXPECT_EQ(scores.crudeRule.f1, 1.0);
@@ -127,7 +160,7 @@ TEST(Baselines, TellCompanionsFromThoseWhoMeet) {
 }
 
 TEST(Report, HasTheSameNumbersAsTableAndJson) {
-  const RunRecord run = runOf({1, 2, 3}, repeat(15, {{0, {1, 2, 3}}}));
+  const RunSteps run = runOf({1, 2, 3}, repeat(15, {{0, {1, 2, 3}}}));
   const EvaluationReport report = evaluate(run, GroupTruth({{1, 2}}), {});
   const auto json = nlohmann::json::parse(jsonOf(report));
   EXPECT_EQ(json["windowedMitre"]["f1"], 0.5);

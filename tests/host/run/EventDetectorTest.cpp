@@ -1,5 +1,3 @@
-#include "host/base/InputError.h"
-#include "host/output/GroupsReader.h"
 #include "host/run/EventDetector.h"
 
 #include <gmock/gmock.h>
@@ -8,7 +6,6 @@
 #include <map>
 #include <random>
 #include <set>
-#include <sstream>
 
 namespace grouptracker {
 
@@ -18,9 +15,9 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 /// A visible group of persons; their mobiles do not matter.
-GroupState group(std::uint32_t id, const std::vector<std::uint32_t>& persons,
-                 std::int64_t merge = -1, std::int64_t split = -1) {
-  GroupState state;
+RunGroup group(std::uint32_t id, const std::vector<std::uint32_t>& persons, std::int64_t merge = -1,
+               std::int64_t split = -1) {
+  RunGroup state;
   state.id = id;
   for (const std::uint32_t person : persons) {
     state.members.push_back({1000 + person, person, std::nullopt});
@@ -32,8 +29,8 @@ GroupState group(std::uint32_t id, const std::vector<std::uint32_t>& persons,
 }
 
 /// A group of which the output repeats the last members, and nothing else.
-GroupState ended(std::uint32_t id, const std::vector<std::uint32_t>& persons) {
-  GroupState state = group(id, persons);
+RunGroup ended(std::uint32_t id, const std::vector<std::uint32_t>& persons) {
+  RunGroup state = group(id, persons);
   state.isVisible = false;
   state.merge.reset();
   state.split.reset();
@@ -43,8 +40,8 @@ GroupState ended(std::uint32_t id, const std::vector<std::uint32_t>& persons) {
 /// Feeds frames and returns the events in words.
 class Events : public testing::Test {
  protected:
-  std::vector<std::string> at(const std::vector<GroupState>& groups) {
-    GroupsFrame frame;
+  std::vector<std::string> at(const std::vector<RunGroup>& groups) {
+    RunStep frame;
     frame.reportedFrame = ++m_frame;
     frame.frame = static_cast<std::uint32_t>(m_frame) + 2;
     frame.groups = groups;
@@ -97,7 +94,7 @@ TEST_F(Events, TellAMergeWithAGroupThatWasNeverListed) {
 }
 
 TEST_F(Events, PassOverMobilesWithoutPerson) {
-  GroupState strangers = group(1, {1, 2});
+  RunGroup strangers = group(1, {1, 2});
   strangers.members[1].person.reset();
   EXPECT_THAT(at({strangers}), ElementsAre("group 1 created: 1"));
   strangers.members[1].mobile = 77;
@@ -135,7 +132,7 @@ TEST(EventDetector, LosesNoMemberWhateverTheOutputSays) {
   EventDetector detector;
   Replay replay;
   for (std::uint32_t step = 1; step <= 3000; ++step) {
-    GroupsFrame frame;
+    RunStep frame;
     frame.frame = step;
     std::map<std::uint32_t, std::set<std::uint32_t>> expected;
     const std::uint32_t absent = below(6);  // the only one that may have gone up in another
@@ -160,33 +157,6 @@ TEST(EventDetector, LosesNoMemberWhateverTheOutputSays) {
       replay.apply(event);
     }
     ASSERT_EQ(replay.members(), expected) << "step " << step;
-  }
-}
-
-TEST(GroupsReader, ReadsWhatTheWriterWritesAndNamesDamagedLines) {
-  std::istringstream in(
-      R"({"frame": 31, "reportedFrame": 26, "inputFrame": 930, "persons": [3, 7], "groups": [)"
-      R"({"id": 4, "mobiles": [90, 91], "persons": [3, null], "position": [1.5, -2, null], )"
-      R"("box2d": [1, 2, 3, 4], "properties": {"Visible": true, "Merge": -1, "Split": 2}}, )"
-      R"({"id": 5, "mobiles": [], "persons": [], "properties": {}}, )"
-      R"({"id": 6, "mobiles": [], "persons": [], "properties": {"Visible": "false"}}]})"
-      "\n"
-      R"({"frame": 32, "reportedFrame": 27, "inputF)");
-  GroupsReader reader(in, "g.jsonl");
-  GroupsFrame frame;
-  ASSERT_TRUE(reader.next(frame));
-  EXPECT_EQ(frame.inputFrame, 930);
-  ASSERT_EQ(frame.groups.size(), 3U);
-  EXPECT_TRUE(frame.groups[0].isVisible);
-  EXPECT_FALSE(frame.groups[0].members[1].person);
-  EXPECT_EQ(frame.groups[0].position, cv::Point2f(1.5F, -2.0F));
-  EXPECT_EQ(frame.groups[0].split, 2);
-  EXPECT_FALSE(frame.groups[2].isVisible);
-  try {
-    reader.next(frame);
-    FAIL() << "a cut line was read";
-  } catch (const InputError& error) {
-    EXPECT_STREQ(error.what(), "g.jsonl:2: not valid JSON");
   }
 }
 

@@ -12,6 +12,8 @@ struct CoherenceParts {
   double distance = 0.0;   ///< metres
   double speed = 0.0;      ///< spread, metres per frame
   double direction = 0.0;  ///< spread
+
+  bool operator==(const CoherenceParts&) const = default;
 };
 
 enum class DecisionKind : std::uint8_t {
@@ -41,6 +43,8 @@ struct Decision {
   std::optional<double> coherence;    ///< a cost: lower is tighter
   std::optional<CoherenceParts> parts;
   std::string reason;  ///< what the mobile dump says about it; empty without one
+
+  bool operator==(const Decision&) const = default;
 };
 
 }  // namespace grouptracker

@@ -1,0 +1,264 @@
+#include "host/output/RunFile.h"
+
+#include "host/base/InputError.h"
+#include "host/base/JsonAccess.h"
+#include "host/base/JsonLine.h"
+#include "host/base/JsonText.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <optional>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace grouptracker {
+
+namespace {
+
+using json::Value;
+using json_line::append;
+using json_line::appendArray;
+using json_line::Line;
+
+std::string textOf(const PropertyValue& value) {
+  struct Text {
+    std::string operator()(std::monostate) const { return "null"; }
+    std::string operator()(bool truth) const { return truth ? "true" : "false"; }
+    std::string operator()(std::int64_t number) const { return std::to_string(number); }
+    std::string operator()(std::uint64_t number) const { return std::to_string(number); }
+    std::string operator()(double number) const { return jsonNumber(number); }
+    std::string operator()(const std::string& text) const { return jsonText(text); }
+  };
+  return std::visit(Text(), value);
+}
+
+void appendExtent(Line& line, const RunGroup& group) {
+  const auto appendNumber = [&line](float number) { append(line, "{}", jsonNumber(number)); };
+  if (const auto& at = group.position) {
+    append(line, R"("position": )");
+    appendArray(line, std::array{at->x, at->y, at->z}, appendNumber);
+    append(line, ", ");
+  }
+  if (const auto& box = group.box2D) {
+    append(line, R"("box2d": [{}, {}, {}, {}], )", box->x, box->y, box->width, box->height);
+  }
+  if (group.box3D) {
+    append(line, R"("box3d": )");
+    appendArray(line, *group.box3D, appendNumber);
+    append(line, ", ");
+  }
+}
+
+void appendGroup(Line& line, const RunGroup& group) {
+  append(line, R"({{"id": {}, "mobiles": )", group.id);
+  appendArray(line, group.members, [&](const auto& member) { append(line, "{}", member.mobile); });
+  append(line, R"(, "persons": )");
+  appendArray(line, group.members, [&](const auto& member) {
+    member.person ? append(line, "{}", *member.person) : append(line, "null");
+  });
+  append(line, ", ");
+  appendExtent(line, group);
+  append(line, R"("properties": {{)");
+  const char* separator = "";
+  for (const auto& [name, value] : group.properties) {
+    append(line, "{}{}: {}", separator, jsonText(name), textOf(value));
+    separator = ", ";
+  }
+  append(line, "}}}}");
+}
+
+}  // namespace
+
+void RunFileWriter::write(const RunStep& step) {
+  m_line.clear();
+  append(m_line, R"({{"frame": {}, "reportedFrame": {}, "inputFrame": )", step.frame,
+         step.reportedFrame);
+  step.inputFrame ? append(m_line, "{}", *step.inputFrame) : append(m_line, "null");
+  append(m_line, R"(, "persons": )");
+  appendArray(m_line, step.persons, [this](const auto& p) { append(m_line, "{}", p.id); });
+  append(m_line, R"(, "groups": )");
+  appendArray(m_line, step.groups, [this](const auto& group) { appendGroup(m_line, group); });
+  append(m_line, "}}\n");
+  m_file.writeLines({m_line.data(), m_line.size()});
+}
+
+namespace {
+
+template <typename Number>
+std::optional<Number> asOptional(Value value, const char* name) {
+  return value.is_null() ? std::nullopt : std::optional(json::as<Number>(value, name));
+}
+
+std::optional<std::uint32_t> asPerson(Value value) {
+  return asOptional<std::uint32_t>(value, "a person");
+}
+
+/// An array of single-precision numbers in which null stands for what is not finite.
+template <std::size_t count>
+std::array<float, count> asFloats(Value value, const std::string& name, const char* each) {
+  std::vector<float> items;
+  json::readArray(
+      value, name.c_str(),
+      [each](Value item) {
+        return asOptional<float>(item, each).value_or(std::numeric_limits<float>::quiet_NaN());
+      },
+      items);
+  if (items.size() != count) {
+    throw json::problem(name + " must be an array of " + std::to_string(count) + " numbers");
+  }
+  std::array<float, count> numbers{};
+  std::copy(items.begin(), items.end(), numbers.begin());
+  return numbers;
+}
+
+PropertyValue asProperty(Value value) {
+  switch (value.type()) {
+    case simdjson::dom::element_type::BOOL:
+      return value.get_bool().value_unsafe();
+    case simdjson::dom::element_type::INT64:
+      return value.get_int64().value_unsafe();
+    case simdjson::dom::element_type::UINT64:
+      return value.get_uint64().value_unsafe();
+    case simdjson::dom::element_type::DOUBLE:
+      return value.get_double().value_unsafe();
+    case simdjson::dom::element_type::STRING:
+      return std::string(value.get_string().value_unsafe());
+    default:
+      return {};  // no property of a group is a list or an object
+  }
+}
+
+/// Reads one line, or of it what a part of the file needs.
+class LineParser {
+ public:
+  explicit LineParser(RunFilePart part) : m_isWhole(part == RunFilePart::Whole) {}
+
+  RunStep step(Value value) const;
+
+ private:
+  /// The value of a key; one that is missing is a problem if the whole file is wanted.
+  std::optional<Value> find(simdjson::dom::object object, const char* key) const;
+  RunGroup group(Value value) const;
+  std::vector<RunMember> members(simdjson::dom::object group) const;
+  void readExtent(simdjson::dom::object object, RunGroup& group) const;
+  void readProperties(simdjson::dom::object properties, RunGroup& group) const;
+
+  bool m_isWhole;
+};
+
+std::optional<Value> optionalValue(simdjson::dom::object object, const char* key) {
+  Value value;
+  return object[key].get(value) == simdjson::SUCCESS ? std::optional(value) : std::nullopt;
+}
+
+std::optional<Value> LineParser::find(simdjson::dom::object object, const char* key) const {
+  auto value = optionalValue(object, key);
+  return m_isWhole ? json::required(value, key) : value;
+}
+
+RunStep LineParser::step(Value value) const {
+  const auto object = json::asObject(value, "the line");
+  RunStep step;
+  if (const auto frame = find(object, "frame"); frame && m_isWhole) {
+    step.frame = json::as<std::uint32_t>(*frame, "frame");
+  }
+  if (const auto frame = find(object, "reportedFrame"); frame && m_isWhole) {
+    step.reportedFrame = json::as<std::int32_t>(*frame, "reportedFrame");
+  }
+  if (const auto frame = find(object, "inputFrame")) {
+    step.inputFrame = asOptional<std::int64_t>(*frame, "inputFrame");
+  }
+  if (const auto persons = find(object, "persons")) {
+    const auto read = [](Value id) {
+      return RunPerson{json::as<std::uint32_t>(id, "a person"), {}};
+    };
+    json::readArray(*persons, "persons", read, step.persons);
+  }
+  if (const auto groups = find(object, "groups")) {
+    json::readArray(
+        *groups, "groups", [this](Value item) { return group(item); }, step.groups);
+  }
+  return step;
+}
+
+RunGroup LineParser::group(Value value) const {
+  const auto object = json::asObject(value, "a group");
+  RunGroup group;
+  if (const auto id = find(object, "id")) {
+    group.id = json::as<std::uint32_t>(*id, "id");
+  }
+  group.members = members(object);
+  if (m_isWhole) {
+    readExtent(object, group);
+  }
+  if (const auto properties = find(object, "properties")) {
+    readProperties(json::asObject(*properties, "properties"), group);
+  }
+  return group;
+}
+
+std::vector<RunMember> LineParser::members(simdjson::dom::object group) const {
+  std::vector<std::uint32_t> mobiles;
+  std::vector<std::optional<std::uint32_t>> persons;
+  if (const auto list = find(group, "mobiles"); list && m_isWhole) {
+    json::readArray(
+        *list, "mobiles", [](Value id) { return json::as<std::uint32_t>(id, "a mobile"); },
+        mobiles);
+  }
+  if (const auto list = find(group, "persons")) {
+    json::readArray(*list, "persons", asPerson, persons);
+  }
+  if (m_isWhole && mobiles.size() != persons.size()) {
+    throw json::problem("mobiles and persons must be of one length");
+  }
+  std::vector<RunMember> members(persons.size());
+  for (std::size_t i = 0; i < persons.size(); ++i) {
+    members[i].mobile = m_isWhole ? mobiles[i] : 0;
+    members[i].person = persons[i];
+  }
+  return members;
+}
+
+void LineParser::readExtent(simdjson::dom::object object, RunGroup& group) const {
+  if (const auto position = optionalValue(object, "position")) {
+    const auto [x, y, z] = asFloats<3>(*position, "position", "a coordinate");
+    group.position = cv::Point3f(x, y, z);
+  }
+  if (const auto box = optionalValue(object, "box2d")) {
+    const auto [x, y, width, height] = json::asNumbers<int, 4>(*box, "box2d");
+    group.box2D = cv::Rect(x, y, width, height);
+  }
+  if (const auto box = optionalValue(object, "box3d")) {
+    group.box3D = asFloats<6>(*box, "box3d", "a coordinate");
+  }
+}
+
+void LineParser::readProperties(simdjson::dom::object properties, RunGroup& group) const {
+  for (const char* const number : {"Merge", "Split"}) {
+    if (const auto value = optionalValue(properties, number)) {
+      json::as<std::int64_t>(*value, number);
+    }
+  }
+  for (const auto [name, value] : properties) {
+    group.properties.push_back({std::string(name), asProperty(value)});
+  }
+  group.decodeProperties();
+}
+
+}  // namespace
+
+bool RunFileReader::next(RunStep& step) {
+  if (!m_lines.nextFilled()) {
+    return false;
+  }
+  try {
+    step = LineParser(m_part).step(json::parse(m_parser, m_lines.line()));
+  } catch (const ValueProblem& problem) {
+    throw m_lines.error(problem.what());
+  }
+  return true;
+}
+
+}  // namespace grouptracker

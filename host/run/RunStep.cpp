@@ -1,0 +1,82 @@
+#include "host/run/RunStep.h"
+
+#include "host/people/InputFrame.h"
+
+#include <algorithm>
+
+namespace grouptracker {
+
+namespace {
+
+/// The mobile that an actor has at the frame; null for an actor without any.
+const kelDataLinkedPhysicalObject* currentMobile(const kelDataActor& actor) {
+  const auto& mobiles = actor.getLinkedPhysicalObjectList();
+  return mobiles.empty() ? nullptr : mobiles.back().get();
+}
+
+Sighting sightingOf(const kelDataLinkedPhysicalObject& mobile) {
+  const auto& body = *mobile.getPhysicalObject();
+  const cv::Point3f& at = body.getPosition();
+  return {{at.x, at.y}, body.getBoundingBox2D()};
+}
+
+std::optional<cv::Point2f> placeOf(const RunMember& member, const InputFrame& frame) {
+  const auto owner =
+      std::find_if(frame.actors.begin(), frame.actors.end(), [&member](const auto& actor) {
+        const auto* const mobile = currentMobile(*actor);
+        return mobile != nullptr && mobile->getIdent() == member.mobile &&
+               (!member.person || actor->getIdent() == *member.person);
+      });
+  return owner == frame.actors.end() ? std::nullopt
+                                     : std::optional(sightingOf(*currentMobile(**owner)).ground);
+}
+
+}  // namespace
+
+// Of a number that is no whole one there is nothing to decode; the process writes none.
+void RunGroup::decodeProperties() {
+  isVisible = false;
+  isCrowd = false;
+  merge.reset();
+  split.reset();
+  for (const auto& [name, value] : properties) {
+    const auto* const number = std::get_if<std::int64_t>(&value);
+    if (name == "Visible") {
+      // An old member set is marked with the word "false", a current one with the truth value.
+      isVisible = value == PropertyValue(true);
+    } else if (name == "TypeOfGroup") {
+      isCrowd = value == PropertyValue("CROWD");
+    } else if (name == "Merge" && number != nullptr) {
+      merge = *number;
+    } else if (name == "Split" && number != nullptr) {
+      split = *number;
+    }
+  }
+}
+
+std::vector<RunPerson> personsIn(const InputFrame& frame) {
+  std::vector<RunPerson> persons;
+  persons.reserve(static_cast<std::size_t>(frame.actors.size()));
+  for (const auto& actor : frame.actors) {
+    const auto* const mobile = currentMobile(*actor);
+    persons.push_back(
+        {actor->getIdent(), mobile == nullptr ? std::nullopt : std::optional(sightingOf(*mobile))});
+  }
+  return persons;
+}
+
+void addInput(const InputFrame& frame, RunStep& step) {
+  step.inputFrame = frame.number;
+  step.place = frame.place;
+  step.persons = personsIn(frame);
+  step.imageFile = frame.imageFile;
+  // An image that has a file can be read again, without what the process drew on it.
+  step.image = frame.imageFile.empty() ? frame.image : nullptr;
+  for (RunGroup& group : step.groups) {
+    for (RunMember& member : group.members) {
+      member.place = group.isVisible ? placeOf(member, frame) : std::nullopt;
+    }
+  }
+}
+
+}  // namespace grouptracker
