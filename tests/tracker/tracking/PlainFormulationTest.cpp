@@ -182,8 +182,7 @@ TEST_P(FastFormulation, PrintsTheMembersOfTheGroups) {
 TEST_P(FastFormulation, LeavesNobodyInAGroupThatIsGone) {
   overRandomScenes([&](GroupTracker& tracker, unsigned int frame) {
     for (const auto& [id, node] : PlainFormulation::remembered(tracker, frame)) {
-      ASSERT_TRUE(node->getGroupId() == noId ||
-                  tracker.getGroups().contains(node->getGroupId()))
+      ASSERT_TRUE(node->getGroupId() == noId || tracker.getGroups().contains(node->getGroupId()))
           << id;
     }
   });
