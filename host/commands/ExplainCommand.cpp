@@ -1,12 +1,15 @@
 #include "host/commands/ExplainCommand.h"
 
 #include "host/base/InputFile.h"
+#include "host/base/JsonLine.h"
+#include "host/explain/DecisionLog.h"
 #include "host/explain/Explainer.h"
 
 #include <fmt/format.h>
 
 #include <cstdio>
 #include <memory>
+#include <string>
 
 namespace grouptracker {
 
@@ -16,6 +19,14 @@ const char* const example = R"(Example:
   grouptracker run scene.jsonl --parameters p.txt --output groups.jsonl \
     --diagnostics lines.txt --mobile-dump mobiles.txt
   grouptracker explain lines.txt --group 4 --mobile-dump mobiles.txt)";
+
+/// A line with the persons of a group at a processed frame; empty when there are none.
+std::string membersLine(const DecisionLog& log, int group, std::int32_t frame) {
+  const auto members = log.membersAt(group, frame);
+  return members.empty()
+             ? std::string()
+             : fmt::format("members at frame {}: {}\n", frame, json_line::joined(members, ", "));
+}
 
 }  // namespace
 
@@ -46,10 +57,14 @@ int ExplainCommand::run() {
     dump = std::make_unique<MobileDump>(m_dumpFile);
   }
   const DecisionLog log = DecisionLog::read(file.stream(), m_diagnosticsFile, dump.get());
-  const Explainer explainer(
-      log, readCoherenceThreshold(m_parameterFile.empty() ? log.parameterFile() : m_parameterFile));
+  Explainer explainer(
+      readCoherenceThreshold(m_parameterFile.empty() ? log.parameterFile() : m_parameterFile));
+  for (const RunStep& step : log.steps()) {
+    explainer.add(step);
+  }
   if (m_group) {
-    const std::string text = explainer.explainGroup(*m_group, m_frame);
+    const std::string text = (m_frame ? membersLine(log, *m_group, *m_frame) : std::string()) +
+                             explainer.explainGroup(*m_group, m_frame);
     if (text.empty()) {
       throw InputError(m_diagnosticsFile,
                        fmt::format("says nothing about group {}{}", *m_group,

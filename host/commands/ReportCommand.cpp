@@ -5,6 +5,7 @@
 #include "host/evaluation/GroupTruth.h"
 #include "host/evaluation/ScoredSteps.h"
 #include "host/evaluation/TruthReader.h"
+#include "host/explain/DecisionLog.h"
 #include "host/explain/Explainer.h"
 #include "host/input/InputFormats.h"
 #include "host/output/RunReplay.h"
@@ -31,36 +32,30 @@ bool isRight(const RunStep& step, const GroupTruth& truth) {
   return groupingOf(step) == restrictTo(truth.at(*step.inputFrame), personsOf(step));
 }
 
-/// Returns the input's own numbers of the reported frames.
-Explainer::InputFrames readGroups(const std::string& path, const std::string& input,
-                                  const std::optional<GroupTruth>& truth, ReportData& data) {
-  InputFile file(path);
-  RunReplay run(file.stream(), path);
-  Explainer::InputFrames inputFrames;
+/// Reads the run's steps into the report and, if there is one, into what explains them.
+void readSteps(RunReplay& run, const std::string& input, const std::optional<GroupTruth>& truth,
+               ReportData& data, std::optional<Explainer>& explainer) {
   for (RunStep step; run.next(step);) {
     if (!data.addGroups(step)) {
       throw run.error(fmt::format("frame {} is not in {}", *step.inputFrame, input));
     }
-    if (step.inputFrame) {
-      inputFrames[step.reportedFrame] = *step.inputFrame;
+    if (explainer) {
+      explainer->add(step);
     }
     if (truth && step.inputFrame && !isRight(step, *truth)) {
       data.markWrong(*step.inputFrame);
     }
   }
-  return inputFrames;
 }
 
-Explanations explain(const std::string& path, const std::string& parameterFile,
-                     Explainer::InputFrames inputFrames) {
-  if (path.empty()) {
-    return {};
-  }
-  InputFile file(path);
-  const DecisionLog log = DecisionLog::read(file.stream(), path, nullptr);
-  const double threshold =
-      readCoherenceThreshold(parameterFile.empty() ? log.parameterFile() : parameterFile);
-  return Explainer(log, threshold, std::move(inputFrames)).explainAll();
+/// Has the steps of the run tell the decisions in the diagnostics; returns what explains them.
+Explainer explain(RunReplay& run, const std::string& diagnosticsFile,
+                  const std::string& parameterFile) {
+  InputFile file(diagnosticsFile);
+  const DecisionLog log = DecisionLog::read(file.stream(), diagnosticsFile, nullptr);
+  run.takeDecisions(log.decisions());
+  return Explainer(
+      readCoherenceThreshold(parameterFile.empty() ? log.parameterFile() : parameterFile));
 }
 
 std::string nameOf(const std::string& path) {
@@ -110,10 +105,16 @@ int ReportCommand::run() {
     truth = readTruth(m_truthFile);
     data.beginTruth();
   }
-  auto inputFrames = readGroups(m_groupsFile, m_choice.input, truth, data);
+  InputFile groups(m_groupsFile);
+  RunReplay run(groups.stream(), m_groupsFile);
+  std::optional<Explainer> explainer;
+  if (!m_diagnosticsFile.empty()) {
+    explainer = explain(run, m_diagnosticsFile, m_parameterFile);
+  }
+  readSteps(run, m_choice.input, truth, data, explainer);
   const QByteArray page =
       makeReportPage({nameOf(m_choice.input), nameOf(m_groupsFile), m_framesPerSecond}, data,
-                     images, explain(m_diagnosticsFile, m_parameterFile, std::move(inputFrames)));
+                     images, explainer ? explainer->explainAll() : Explanations());
   output.write({page.data(), static_cast<std::size_t>(page.size())});
   return finished;
 }

@@ -37,6 +37,17 @@ DecisionLog DecisionLog::read(std::istream& in, const std::string& name, MobileD
   return log;
 }
 
+RunSteps DecisionLog::steps() const {
+  RunSteps steps;
+  for (const Decision& decision : m_decisions) {
+    if (steps.empty() || steps.back().frame != decision.frame) {
+      steps.emplace_back().frame = decision.frame;
+    }
+    steps.back().decisions.push_back(decision);
+  }
+  return steps;
+}
+
 void DecisionLog::take(const std::string& line) {
   if (line.starts_with("********** Frame ")) {
     std::sscanf(line.c_str(), "********** Frame %" SCNu32, &m_frame);

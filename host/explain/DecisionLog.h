@@ -3,6 +3,7 @@
 #include "host/explain/GroupLine.h"
 #include "host/explain/MobileDump.h"
 #include "host/run/Decision.h"
+#include "host/run/RunStep.h"
 
 #include <cstdint>
 #include <istream>
@@ -23,7 +24,10 @@ class DecisionLog {
   /// `name` is the file's name in messages; `dump` may be null and is only read.
   static DecisionLog read(std::istream& in, const std::string& name, MobileDump* dump);
 
+  /// In order of the frames at which they were made.
   const std::vector<Decision>& decisions() const { return m_decisions; }
+  /// The steps at which something was decided, with their decisions and nothing else.
+  RunSteps steps() const;
   /// The parameter file that the diagnostics name.
   const std::string& parameterFile() const { return m_parameterFile; }
   /// The persons in a group at a processed frame; empty when there is no such group.

@@ -1,13 +1,11 @@
 #include "host/explain/Explainer.h"
 
-#include "host/base/JsonLine.h"
 #include "host/run/ParameterFile.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
 
 namespace grouptracker {
 
@@ -57,9 +55,16 @@ std::string sentence(const Decision& decision) {
 
 }  // namespace
 
+void Explainer::add(const RunStep& step) {
+  m_decisions.insert(m_decisions.end(), step.decisions.begin(), step.decisions.end());
+  if (step.inputFrame) {
+    m_inputFrames[step.reportedFrame] = *step.inputFrame;
+  }
+}
+
 std::string Explainer::explainGroup(int group, std::optional<std::int32_t> frame) const {
   std::string text;
-  for (const Decision& decision : m_log.decisions()) {
+  for (const Decision& decision : m_decisions) {
     const bool isHere = !frame || decision.processedFrame == *frame;
     if (decision.group == group && isHere) {
       text += lineOf(decision) + "\n";
@@ -67,18 +72,12 @@ std::string Explainer::explainGroup(int group, std::optional<std::int32_t> frame
       text += absorbedLineOf(decision) + "\n";
     }
   }
-  if (frame) {
-    const auto members = m_log.membersAt(group, *frame);
-    text = members.empty() ? text
-                           : fmt::format("members at frame {}: {}\n{}", *frame,
-                                         json_line::joined(members, ", "), text);
-  }
   return text;
 }
 
 std::string Explainer::listUncertain(std::size_t count) const {
   std::vector<const Decision*> decisions;
-  for (const Decision& decision : m_log.decisions()) {
+  for (const Decision& decision : m_decisions) {
     if (decision.coherence && std::isfinite(*decision.coherence)) {
       decisions.push_back(&decision);
     }
@@ -97,7 +96,7 @@ std::string Explainer::listUncertain(std::size_t count) const {
 
 std::map<std::uint32_t, std::string> Explainer::explainAll() const {
   std::map<std::uint32_t, std::string> texts;
-  for (const Decision& decision : m_log.decisions()) {
+  for (const Decision& decision : m_decisions) {
     if (decision.group) {
       texts[static_cast<std::uint32_t>(*decision.group)] += lineOf(decision) + "\n";
     }

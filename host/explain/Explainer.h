@@ -1,29 +1,28 @@
 #pragma once
 
-#include "host/explain/DecisionLog.h"
+#include "host/run/RunStep.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
-#include <utility>
+#include <vector>
 
 namespace grouptracker {
 
-/// Tells in plain text why the tracker did what it did.
+/// Tells in plain text why the tracker did what it did, from the decisions of a run's steps.
 class Explainer {
  public:
-  using InputFrames = std::map<std::int32_t, std::int64_t>;
+  /// `threshold` is the coherence that groups must stay below.
+  explicit Explainer(double threshold) : m_threshold(threshold) {}
 
-  /// `threshold` is the coherence that groups must stay below. The log outlives the explainer. The
-  /// diagnostics count frames from 1; `inputFrames` tells the input's own numbers of them, which
-  /// the text then names instead.
-  Explainer(const DecisionLog& log, double threshold, InputFrames inputFrames = {})
-      : m_log(log), m_threshold(threshold), m_inputFrames(std::move(inputFrames)) {}
+  /// Takes the next step of the run. Decisions count frames from 1; where the steps tell the
+  /// input's own numbers, the text names these instead.
+  void add(const RunStep& step);
 
-  /// The life of a group, a line per decision; only what is about `frame`, when it is given, with
-  /// the members there. Empty for a group that the log does not know.
+  /// The life of a group, a line per decision; only what is about `frame`, when it is given. Empty
+  /// for a group about which nothing was decided.
   std::string explainGroup(int group, std::optional<std::int32_t> frame = std::nullopt) const;
   /// The decisions whose coherence is closest to the threshold, the closest first.
   std::string listUncertain(std::size_t count) const;
@@ -37,9 +36,9 @@ class Explainer {
   std::string timeOf(const Decision& decision) const;
   std::string comparison(const Decision& decision) const;
 
-  const DecisionLog& m_log;
   double m_threshold;
-  InputFrames m_inputFrames;
+  std::vector<Decision> m_decisions;
+  std::map<std::int32_t, std::int64_t> m_inputFrames;  ///< by reported frame
 };
 
 /// The coherence threshold out of a tracker's parameter file. A file that cannot be read or does

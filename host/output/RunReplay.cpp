@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <utility>
+
 namespace grouptracker {
 
 void RunReplay::takeInputFrom(FrameSource& input, const std::string& name) {
@@ -14,6 +16,7 @@ bool RunReplay::next(RunStep& step) {
     return false;
   }
   step.events = m_detector.next(step);
+  addDecisions(step);
   if (m_input != nullptr && step.inputFrame) {
     findInput(*step.inputFrame);
     addInput(m_inputFrame, step);
@@ -27,6 +30,15 @@ void RunReplay::findInput(std::int64_t number) {
     m_isAtFrame = m_input->next(m_inputFrame);
     if (!m_isAtFrame) {
       throw m_reader.error(fmt::format("frame {} is not in {}", number, m_inputName));
+    }
+  }
+}
+
+void RunReplay::addDecisions(RunStep& step) {
+  while (m_nextDecision < m_decisions.size() && m_decisions[m_nextDecision].frame <= step.frame) {
+    Decision& decision = m_decisions[m_nextDecision++];
+    if (decision.frame == step.frame) {
+      step.decisions.push_back(std::move(decision));
     }
   }
 }

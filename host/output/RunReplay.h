@@ -2,15 +2,19 @@
 
 #include "host/output/RunFile.h"
 #include "host/people/InputFrame.h"
+#include "host/run/Decision.h"
 #include "host/run/EventDetector.h"
 
+#include <cstddef>
 #include <istream>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace grouptracker {
 
 /// The steps of a run out of its groups file, as the run itself handed them out: with the events,
-/// and with everything about the input when that is given once more.
+/// and with everything about the input and all decisions when these are given once more.
 class RunReplay {
  public:
   /// `name` is the groups file's name in messages. The stream must outlive the replay.
@@ -19,6 +23,10 @@ class RunReplay {
   /// Takes places and images from the input that the run had, called `name` in messages. It must
   /// outlive the replay.
   void takeInputFrom(FrameSource& input, const std::string& name);
+
+  /// Takes what the tracker decided in the run, in order of the frames at which it did. Each step
+  /// gets its own; those of a frame that is not in the groups file are left out.
+  void takeDecisions(std::vector<Decision> decisions) { m_decisions = std::move(decisions); }
 
   /// Replaces `step` by the next one; false at the end of the file. What is wrong in the file, or
   /// is about a frame that the input does not have, is an `InputError`.
@@ -29,6 +37,7 @@ class RunReplay {
 
  private:
   void findInput(std::int64_t number);
+  void addDecisions(RunStep& step);
 
   RunFileReader m_reader;
   EventDetector m_detector;
@@ -36,6 +45,8 @@ class RunReplay {
   std::string m_inputName;
   InputFrame m_inputFrame;
   bool m_isAtFrame = false;  ///< whether `m_inputFrame` is one
+  std::vector<Decision> m_decisions;
+  std::size_t m_nextDecision = 0;  ///< the first of those that are not of an earlier frame
 };
 
 }  // namespace grouptracker

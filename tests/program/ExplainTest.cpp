@@ -1,5 +1,7 @@
 #include "host/base/InputError.h"
+#include "host/explain/DecisionLog.h"
 #include "host/explain/Explainer.h"
+#include "host/output/RunReplay.h"
 #include "tests/support/base/TempFolder.h"
 #include "tests/support/host/SampleParameters.h"
 #include "tests/support/host/WalkingScene.h"
@@ -77,11 +79,19 @@ class Explanation : public testing::Test {
     std::istringstream in(diagnostics);
     return DecisionLog::read(in, "lines.txt", mobiles);
   }
+
+  static Explainer explainerOf(const DecisionLog& log) {
+    Explainer explainer(4.0);
+    for (const RunStep& step : log.steps()) {
+      explainer.add(step);
+    }
+    return explainer;
+  }
 };
 
 TEST_F(Explanation, TellsTheLifeOfAGroupFromTheLines) {
   const DecisionLog log = read();
-  const Explainer explainer(log, 4.0);
+  const Explainer explainer = explainerOf(log);
   EXPECT_EQ(
       explainer.explainGroup(0),
       "frame 1 (decided at 3): founded by the pair of person 1 (mobile 11) and person 2 "
@@ -93,13 +103,14 @@ TEST_F(Explanation, TellsTheLifeOfAGroupFromTheLines) {
       "frame 2 (decided at 4): person 2 left\n");
   EXPECT_THAT(explainer.explainGroup(1), HasSubstr("frame 1 (decided at 3): split from group 0\n"));
   EXPECT_THAT(explainer.explainGroup(1), HasSubstr("went up in group 0"));
-  EXPECT_THAT(explainer.explainGroup(0, 2), StartsWith("members at frame 2: 1, 3, 5\n"));
+  EXPECT_THAT(explainer.explainGroup(0, 2), StartsWith("frame 2 (decided at 4): group 1 went"));
+  EXPECT_THAT(log.membersAt(0, 2), ElementsAre(1, 3, 5));
   EXPECT_EQ(explainer.explainGroup(5), "");
 }
 
 TEST_F(Explanation, ListsTheClosestDecisionsFirstAlsoOutOfUnfinishedLines) {
   const DecisionLog log = read();
-  const std::string list = Explainer(log, 4.0).listUncertain(2);
+  const std::string list = explainerOf(log).listUncertain(2);
   EXPECT_THAT(list, StartsWith("group 0, frame 1 (decided at 3): founded by the pair"));
   EXPECT_THAT(list, HasSubstr("\ngroup 7, frame 1 (decided at 3): person 3 (mobile 13) was not "
                               "added in spite of an ancestor, coherence 4.200 not below"));
@@ -109,10 +120,30 @@ TEST_F(Explanation, NamesLinksAndSharedSonsOutOfTheMobileDump) {
   const TempFolder folder;
   MobileDump mobiles(folder.write("dump.txt", dump));
   const DecisionLog log = read(&mobiles);
-  const std::string text = Explainer(log, 4.0).explainGroup(0);
+  const std::string text = explainerOf(log).explainGroup(0);
   EXPECT_THAT(text, HasSubstr("group 1 went up in it: 14 and 13 share the best son 99\n"));
   EXPECT_THAT(text, HasSubstr("person 5 (mobile 25) joined: through the link to 11, reliability "
                               "0.25\n"));
+}
+
+// Frame 3 is not in the groups file, so what was decided there has no step that could tell it.
+TEST_F(Explanation, OfAReplayedRunIsInItsStepsAndNamesTheFramesOfTheInput) {
+  std::istringstream in(
+      R"({"frame": 2, "reportedFrame": 0, "inputFrame": null, "persons": [], "groups": []}
+{"frame": 4, "reportedFrame": 2, "inputFrame": 70, "persons": [], "groups": []}
+{"frame": 5, "reportedFrame": 3, "inputFrame": 80, "persons": [], "groups": []}
+)");
+  RunReplay run(in, "g.jsonl");
+  run.takeDecisions(read().decisions());
+  Explainer explainer(4.0);
+  std::vector<std::size_t> counts;
+  for (RunStep step; run.next(step);) {
+    counts.push_back(step.decisions.size());
+    explainer.add(step);
+  }
+  EXPECT_THAT(counts, ElementsAre(0U, 5U, 0U));
+  EXPECT_THAT(explainer.explainGroup(0),
+              StartsWith("frame 70 (decided 2 frames later): group 1 went up in it\n"));
 }
 
 TEST(ExplainCommand, AnswersForARunAndRefusesWhatIsNoRun) {
@@ -128,6 +159,9 @@ TEST(ExplainCommand, AnswersForARunAndRefusesWhatIsNoRun) {
   Program uncertain(folder.path());
   EXPECT_EQ(uncertain.run({"explain", "lines.txt", "--uncertain", "5"}), 0);
   EXPECT_THAT(uncertain.output(), StartsWith("group 0, frame "));
+  Program atAFrame(folder.path());
+  EXPECT_EQ(atAFrame.run({"explain", "lines.txt", "--group", "0", "--frame", "8"}), 0);
+  EXPECT_THAT(atAFrame.output(), StartsWith("members at frame 8: 1, 2"));
   Program unknown(folder.path());
   EXPECT_EQ(unknown.run({"explain", "lines.txt", "--group", "9"}), 2);
   EXPECT_EQ(unknown.errors(), "lines.txt: says nothing about group 9\n");
