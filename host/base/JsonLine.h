@@ -56,4 +56,9 @@ std::string joined(const Items& items, std::string_view separator) {
 
 }  // namespace json_line
 
+/// A quoted string; the text is UTF-8, bytes that are not become the replacement character.
+std::string jsonText(std::string_view text);
+/// The shortest text that reads as exactly this number in double precision; null unless finite.
+std::string jsonNumber(double number);
+
 }  // namespace grouptracker

@@ -3,7 +3,6 @@
 #include "host/base/InputError.h"
 #include "host/base/JsonAccess.h"
 #include "host/base/JsonLine.h"
-#include "host/base/JsonText.h"
 
 #include <algorithm>
 #include <array>

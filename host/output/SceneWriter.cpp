@@ -1,7 +1,6 @@
 #include "host/output/SceneWriter.h"
 
 #include "host/base/JsonLine.h"
-#include "host/base/JsonText.h"
 #include "host/camera/CalibrationReader.h"
 
 namespace grouptracker {

@@ -1,5 +1,3 @@
-#include "host/base/JsonText.h"
-
 #include "host/base/JsonLine.h"
 
 #include <QString>
