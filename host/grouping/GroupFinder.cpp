@@ -1,0 +1,130 @@
+#include "host/grouping/GroupFinder.h"
+
+#include "host/grouping/Ticks.h"
+
+#include <algorithm>
+#include <iterator>
+#include <limits>
+#include <utility>
+
+namespace grouptracker {
+
+namespace {
+
+std::vector<PersonId> idsOf(const std::vector<PersonAt>& people) {
+  std::vector<PersonId> ids;
+  for (const PersonAt& person : people) {
+    ids.push_back(person.person);
+  }
+  return ids;
+}
+
+cv::Point2d meanPlace(const std::vector<PersonId>& members, const std::vector<PersonAt>& people) {
+  cv::Point2d sum;
+  for (const PersonAt& person : people) {
+    if (std::binary_search(members.begin(), members.end(), person.person)) {
+      sum += person.place;
+    }
+  }
+  const auto count = static_cast<double>(members.size());
+  return {sum.x / count, sum.y / count};
+}
+
+std::vector<PersonId> common(const std::vector<PersonId>& a, const std::vector<PersonId>& b) {
+  std::vector<PersonId> both;
+  std::set_intersection(a.begin(), a.end(), b.begin(), b.end(), std::back_inserter(both));
+  return both;
+}
+
+}  // namespace
+
+GroupFinder::GroupFinder(EvidenceModel model, const GroupingOptions& options)
+    : m_options(options), m_evidence(std::move(model), options.lookAhead) {}
+
+std::vector<FrameGroups> GroupFinder::next(const PeopleFrame& frame) {
+  WaitingFrame waiting{frame, std::nullopt};
+  m_now = clock(waiting.frame);
+  // Ticks whose look-ahead ended before this frame must not see it.
+  std::vector<FrameGroups> decided = handOut(m_now - 2 * ticks::tolerance);
+  if (!m_lastTick || m_now - *m_lastTick >= ticks::interval - ticks::tolerance) {
+    m_lastTick = m_now;
+    waiting.tick = m_now;
+    m_evidence.add(m_now, frame.people);
+  }
+  m_waiting.push_back(std::move(waiting));
+  std::vector<FrameGroups> more = handOut(m_now + ticks::tolerance);
+  std::move(more.begin(), more.end(), std::back_inserter(decided));
+  return decided;
+}
+
+std::vector<FrameGroups> GroupFinder::finish() {
+  return handOut(std::numeric_limits<double>::infinity());
+}
+
+/// The seconds of a frame; fills in the time that the rate gives it.
+double GroupFinder::clock(PeopleFrame& frame) {
+  if (m_frames++ == 0) {
+    m_firstNumber = frame.number;
+  }
+  if (!frame.time && m_options.rate) {
+    frame.time = static_cast<double>(frame.number - m_firstNumber) / *m_options.rate;
+  }
+  return frame.time.value_or(static_cast<double>(m_frames - 1) * ticks::usualLength);
+}
+
+std::vector<FrameGroups> GroupFinder::handOut(double knownUntil) {
+  std::vector<FrameGroups> decided;
+  while (!m_waiting.empty()) {
+    const WaitingFrame& oldest = m_waiting.front();
+    if (oldest.tick && *oldest.tick + m_options.lookAhead > knownUntil) {
+      break;
+    }
+    if (oldest.tick) {
+      m_groups = m_identity.next(m_evidence.decide());
+      std::erase_if(m_since,
+                    [this](const auto& group) { return !m_identity.remembers(group.first); });
+    }
+    decided.push_back(describe(oldest));
+    m_waiting.pop_front();
+  }
+  return decided;
+}
+
+FrameGroups GroupFinder::describe(const WaitingFrame& waiting) {
+  const PeopleFrame& frame = waiting.frame;
+  FrameGroups line{frame.number, frame.time, {}, idsOf(frame.people)};
+  for (const TickGroup& group : m_groups) {
+    std::vector<PersonId> members = common(group.members, idsOf(frame.people));
+    if (members.size() >= 2) {
+      std::erase_if(line.alone, [&](PersonId person) {
+        return std::binary_search(members.begin(), members.end(), person);
+      });
+      line.groups.push_back(describe(group, std::move(members), frame, waiting.tick.has_value()));
+    }
+  }
+  m_listed.clear();
+  for (const FoundGroup& group : line.groups) {
+    m_listed.push_back(group.id);
+  }
+  return line;
+}
+
+FoundGroup GroupFinder::describe(const TickGroup& group, std::vector<PersonId> members,
+                                 const PeopleFrame& frame, bool isTick) {
+  FoundGroup found;
+  found.id = group.id;
+  found.position = meanPlace(members, frame.people);
+  found.members = std::move(members);
+  found.since = m_since.try_emplace(group.id, frame.number).first->second;
+  found.confidence = group.confidence;
+  found.from = isTick ? listedOrigin(group) : std::vector<GroupId>();
+  return found;
+}
+
+/// A group that was not listed in the line before, as too few of it were in view, cannot be named.
+std::vector<GroupId> GroupFinder::listedOrigin(const TickGroup& group) const {
+  std::vector<GroupId> listed = common(group.from, m_listed);
+  return listed == std::vector<GroupId>{group.id} ? std::vector<GroupId>() : listed;
+}
+
+}  // namespace grouptracker

@@ -1,0 +1,305 @@
+#include "host/grouping/GroupIdentity.h"
+
+#include "host/grouping/Partition.h"
+#include "host/grouping/Ticks.h"
+
+#include <algorithm>
+#include <cmath>
+#include <tuple>
+
+namespace grouptracker {
+
+namespace {
+
+constexpr double lowestBelief = -4.0;  // log-odds; also of those who were never near each other
+constexpr double highestBelief = 5.0;  // log-odds; one sure pair must not outvote three unsure
+constexpr double stay = 2.5;           // log-odds in favour of who is together already
+constexpr double birth = 1.0;          // log-odds from which on a new group counts
+constexpr double sureBirth = 3.0;      // log-odds from which on it counts at once
+constexpr double confirmation = 0.8;   // seconds that it must last otherwise
+constexpr double bridge = 15.0;        // seconds after which a group is over
+constexpr double coolDown = 2.0;       // seconds until who left may come back
+constexpr double absence = 1.0;        // seconds out of view that change nothing
+constexpr double realLife = 2.0;       // seconds that a group must live to merge or split
+constexpr std::size_t core = 2;        // members who carry an identity
+
+double limited(double belief) {
+  return std::clamp(belief, lowestBelief, highestBelief);
+}
+
+bool contains(const std::vector<PersonId>& ascending, PersonId person) {
+  return std::binary_search(ascending.begin(), ascending.end(), person);
+}
+
+}  // namespace
+
+std::vector<TickGroup> GroupIdentity::next(const TickBeliefs& tick) {
+  m_time = tick.time;
+  Gatherings gatherings = gather(tick);
+  inherit(gatherings);
+  nameTheRest(gatherings);
+  std::vector<TickGroup> groups;
+  for (const Gathering& gathering : gatherings) {
+    const auto members = gathering.id ? membersOf(gathering) : std::vector<PersonId>();
+    if (members.size() >= core) {
+      groups.push_back({*gathering.id, members, probabilityOf(gathering.evidence), {}});
+    }
+  }
+  std::sort(groups.begin(), groups.end(),
+            [](const TickGroup& a, const TickGroup& b) { return a.id < b.id; });
+  explain(gatherings, groups);
+  dismiss(tick, groups);
+  admit(groups);
+  forget();
+  return groups;
+}
+
+bool GroupIdentity::areTogether(PersonId a, PersonId b) const {
+  const auto groupA = m_memberOf.find(a);
+  const auto groupB = m_memberOf.find(b);
+  return groupA != m_memberOf.end() && groupB != m_memberOf.end() &&
+         groupA->second == groupB->second;
+}
+
+GroupIdentity::Gatherings GroupIdentity::gather(const TickBeliefs& tick) const {
+  const auto score = [this](const PairBelief& pair) {
+    return limited(pair.belief) + (areTogether(pair.a, pair.b) ? stay : 0.0);
+  };
+  std::vector<PersonId> people;
+  for (const PairBelief& pair : tick.pairs) {
+    if (score(pair) > 0.0) {
+      people.insert(people.end(), {pair.a, pair.b});
+    }
+  }
+  std::sort(people.begin(), people.end());
+  people.erase(std::unique(people.begin(), people.end()), people.end());
+
+  PairScores scores(people.size(), lowestBelief);
+  PairScores beliefs(people.size(), lowestBelief);
+  for (const PairBelief& pair : tick.pairs) {
+    const auto a = std::lower_bound(people.begin(), people.end(), pair.a);
+    const auto b = std::lower_bound(people.begin(), people.end(), pair.b);
+    if (a != people.end() && *a == pair.a && b != people.end() && *b == pair.b) {
+      const auto i = static_cast<std::size_t>(a - people.begin());
+      const auto j = static_cast<std::size_t>(b - people.begin());
+      scores.set(i, j, score(pair));
+      beliefs.set(i, j, limited(pair.belief));
+    }
+  }
+
+  Gatherings gatherings;
+  for (const Cluster& cluster : linkByAverage(scores)) {
+    Gathering gathering;
+    for (const std::size_t i : cluster) {
+      gathering.people.push_back(people[i]);
+      const auto group = m_memberOf.find(people[i]);
+      if (group != m_memberOf.end()) {
+        ++gathering.before[group->second];
+      }
+    }
+    gathering.evidence = meanScore(cluster, beliefs);
+    gatherings.push_back(std::move(gathering));
+  }
+  return gatherings;
+}
+
+void GroupIdentity::inherit(Gatherings& gatherings) {
+  // Most members first, then the older group, the lower id, the first gathering.
+  std::vector<std::tuple<std::ptrdiff_t, double, GroupId, Gathering*>> claims;
+  for (Gathering& gathering : gatherings) {
+    for (const auto& [group, members] : gathering.before) {
+      claims.emplace_back(-static_cast<std::ptrdiff_t>(members), m_groups.at(group).born, group,
+                          &gathering);
+    }
+  }
+  std::sort(claims.begin(), claims.end());
+  m_taken.clear();
+  for (const auto& [members, born, group, gathering] : claims) {
+    if (!gathering->id && m_taken.insert(group).second) {
+      gathering->id = group;
+    }
+  }
+}
+
+void GroupIdentity::nameTheRest(Gatherings& gatherings) {
+  m_waitingNext.clear();
+  for (Gathering& gathering : gatherings) {
+    if (gathering.id) {
+      continue;
+    }
+    const bool hasSplitOff = std::any_of(gathering.before.begin(), gathering.before.end(),
+                                         [](const auto& group) { return group.second >= core; });
+    gathering.id = remembered(gathering);
+    if (!gathering.id && (hasSplitOff || hasWaited(gathering))) {
+      gathering.id = found();
+    }
+    if (gathering.id) {
+      m_taken.insert(*gathering.id);
+    }
+  }
+  m_waiting = m_waitingNext;
+}
+
+std::optional<GroupId> GroupIdentity::remembered(const Gathering& gathering) const {
+  std::optional<GroupId> best;
+  std::size_t most = core - 1;
+  for (const auto& [id, group] : m_groups) {
+    if (m_taken.contains(id) || group.hasEnded || m_time - group.lastSeen > bridge) {
+      continue;
+    }
+    const auto common = static_cast<std::size_t>(
+        std::count_if(gathering.people.begin(), gathering.people.end(), [&](PersonId person) {
+          const auto until = group.memberUntil.find(person);
+          return until != group.memberUntil.end() && m_time - until->second <= bridge;
+        }));
+    if (common > most && 2 * common >= std::max(gathering.people.size(), group.lastSize)) {
+      most = common;
+      best = id;
+    }
+  }
+  return best;
+}
+
+bool GroupIdentity::hasWaited(const Gathering& gathering) {
+  double since = m_time;
+  for (auto a = gathering.people.begin(); a != gathering.people.end(); ++a) {
+    for (auto b = a + 1; b != gathering.people.end(); ++b) {
+      const auto waiting = m_waiting.find({*a, *b});
+      const double pairSince = waiting == m_waiting.end() ? m_time : waiting->second;
+      m_waitingNext[{*a, *b}] = pairSince;
+      since = std::min(since, pairSince);
+    }
+  }
+  return gathering.evidence > birth &&
+         (m_time - since >= confirmation - ticks::tolerance || gathering.evidence > sureBirth);
+}
+
+GroupId GroupIdentity::found() {
+  Group& group = m_groups[++m_lastId];
+  group.born = m_time;
+  group.lastSeen = m_time;
+  return m_lastId;
+}
+
+std::vector<PersonId> GroupIdentity::membersOf(const Gathering& gathering) const {
+  const GroupId id = *gathering.id;
+  std::vector<PersonId> members;
+  for (const PersonId person : gathering.people) {
+    const auto group = m_memberOf.find(person);
+    const auto left = m_left.find({person, id});
+    const bool isIn = group != m_memberOf.end() && group->second == id;
+    if (isIn || left == m_left.end() || m_time - left->second >= coolDown) {
+      members.push_back(person);
+    }
+  }
+  return members;
+}
+
+void GroupIdentity::explain(const Gatherings& gatherings, std::vector<TickGroup>& groups) {
+  std::set<GroupId> present;
+  for (const TickGroup& group : groups) {
+    present.insert(group.id);
+  }
+  for (const Gathering& gathering : gatherings) {
+    if (!gathering.id || !present.contains(*gathering.id)) {
+      continue;
+    }
+    const auto group = std::find_if(groups.begin(), groups.end(), [&](const TickGroup& candidate) {
+      return candidate.id == *gathering.id;
+    });
+    group->from = originOf(gathering, present);
+    endAbsorbed(gathering, present);
+  }
+}
+
+/// A new group splits off one that goes on; an old one merges with those that are gone.
+std::vector<GroupId> GroupIdentity::originOf(const Gathering& gathering,
+                                             const std::set<GroupId>& present) const {
+  const auto isReal = [this](GroupId id) {
+    return m_time - m_groups.at(id).born >= realLife - ticks::tolerance;
+  };
+  const bool isNew = m_groups.at(*gathering.id).isNew;
+  std::vector<GroupId> origin;
+  for (const auto& [group, members] : gathering.before) {
+    const bool isSource = group != *gathering.id && members >= core && isReal(group);
+    if (isSource && present.contains(group) == isNew) {
+      origin.push_back(group);
+    }
+  }
+  if (isNew) {
+    origin.resize(std::min<std::size_t>(origin.size(), 1));
+    return origin;
+  }
+  if (origin.empty() || !isReal(*gathering.id)) {
+    return {};
+  }
+  origin.push_back(*gathering.id);
+  std::sort(origin.begin(), origin.end());
+  return origin;
+}
+
+void GroupIdentity::endAbsorbed(const Gathering& gathering, const std::set<GroupId>& present) {
+  for (const auto& [group, members] : gathering.before) {
+    if (members >= core && !present.contains(group)) {
+      m_groups.at(group).hasEnded = true;
+    }
+  }
+}
+
+void GroupIdentity::dismiss(const TickBeliefs& tick, const std::vector<TickGroup>& groups) {
+  std::set<std::pair<PersonId, GroupId>> stayed;
+  for (const TickGroup& group : groups) {
+    for (const PersonId member : group.members) {
+      stayed.emplace(member, group.id);
+    }
+  }
+  std::vector<PersonId> inView;
+  for (const PersonAt& person : tick.people) {
+    inView.push_back(person.person);
+  }
+  std::erase_if(m_memberOf, [&](const auto& membership) {
+    const auto& [person, id] = membership;
+    if (stayed.contains(membership)) {
+      return false;
+    }
+    const Group& group = m_groups.at(id);
+    const auto until = group.memberUntil.find(person);
+    const double lastIn = until == group.memberUntil.end() ? m_time : until->second;
+    const bool isGone = m_time - lastIn > absence || group.hasEnded;
+    if (!contains(inView, person) && !isGone) {
+      return false;
+    }
+    m_left[{person, id}] = contains(inView, person) ? m_time : lastIn;
+    return true;
+  });
+}
+
+void GroupIdentity::admit(const std::vector<TickGroup>& groups) {
+  for (const TickGroup& present : groups) {
+    Group& group = m_groups.at(present.id);
+    group.isNew = false;
+    group.lastSeen = m_time;
+    group.lastSize = present.members.size();
+    for (const PersonId member : present.members) {
+      m_memberOf[member] = present.id;
+      group.memberUntil[member] = m_time;
+    }
+  }
+}
+
+void GroupIdentity::forget() {
+  std::set<GroupId> inUse;
+  for (const auto& [person, group] : m_memberOf) {
+    inUse.insert(group);
+  }
+  std::erase_if(m_groups, [&](const auto& group) {
+    return m_time - group.second.lastSeen > bridge && !inUse.contains(group.first);
+  });
+  for (auto& [id, group] : m_groups) {
+    std::erase_if(group.memberUntil,
+                  [this](const auto& member) { return m_time - member.second > bridge; });
+  }
+  std::erase_if(m_left, [this](const auto& left) { return m_time - left.second > coolDown; });
+}
+
+}  // namespace grouptracker

@@ -1,0 +1,115 @@
+#include "host/grouping/PairEvidence.h"
+
+#include "host/grouping/Ticks.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace grouptracker {
+
+namespace {
+
+constexpr double watched = 6.0;            // metres at which two persons begin to be watched
+constexpr double farApart = 10.0;          // metres at which a pair begins to be forgotten
+constexpr double tooFar = 5.0;             // metres of mean distance at which nobody is together
+constexpr double startMoments = 1.0;       // seconds of a recording in which arrivals are unknown
+constexpr double pairMemory = 30.0;        // seconds apart or unseen
+constexpr double personMemory = 60.0;      // seconds out of view
+constexpr double trackMemory = 600.0;      // seconds of a track that are kept
+constexpr double surroundingRadius = 3.0;  // metres
+
+Surroundings surroundingsOf(const PersonAt& person, const std::vector<PersonAt>& people) {
+  Surroundings around;
+  around.nearest.fill(std::numeric_limits<double>::infinity());
+  for (const PersonAt& other : people) {
+    if (other.person == person.person) {
+      continue;
+    }
+    const double distance = distanceBetween(person.place, other.place);
+    around.within3Metres += distance < surroundingRadius ? 1 : 0;
+    if (distance < around.nearest.back()) {
+      around.nearest.back() = distance;
+      std::inplace_merge(around.nearest.begin(), around.nearest.end() - 1, around.nearest.end());
+    }
+  }
+  return around;
+}
+
+}  // namespace
+
+void PairEvidence::add(double time, const std::vector<PersonAt>& people) {
+  const double sinceTick =
+      m_hasStarted ? std::min(ticks::longestLength, time - m_last) : ticks::usualLength;
+  if (!m_hasStarted) {
+    m_hasStarted = true;
+    m_start = time;
+  }
+  m_last = time;
+  for (const PersonAt& person : people) {
+    const auto track =
+        m_tracks.try_emplace(person.person, time, person.place, m_lookAhead > 0.0).first;
+    track->second.add({time, sinceTick, person.place, {}, surroundingsOf(person, people)});
+  }
+  m_undecided.push_back({time, people});
+}
+
+TickBeliefs PairEvidence::decide() {
+  TickBeliefs beliefs{m_undecided.front().time, std::move(m_undecided.front().people), {}};
+  m_undecided.pop_front();
+  const auto& people = beliefs.people;
+  for (auto a = people.begin(); a != people.end(); ++a) {
+    for (auto b = a + 1; b != people.end(); ++b) {
+      const PairKey key{a->person, b->person};
+      const double distance = distanceBetween(a->place, b->place);
+      auto pair = m_pairs.find(key);
+      if (pair == m_pairs.end()) {
+        if (distance >= watched) {
+          continue;
+        }
+        pair = m_pairs.try_emplace(key).first;
+      }
+      if (distance <= farApart) {
+        pair->second.lastNear = beliefs.time;
+      }
+      beliefs.pairs.push_back(judge(beliefs.time, key, pair->second));
+    }
+  }
+  forget(beliefs.time);
+  return beliefs;
+}
+
+PairBelief PairEvidence::judge(double time, PairKey key, Pair& pair) const {
+  const PersonTrack& a = m_tracks.at(key.first);
+  const PersonTrack& b = m_tracks.at(key.second);
+  pair.history.update(a, b);
+  PairBelief result{key.first, key.second, pair.history.featuresAt(time), 0.0, 0.0};
+  markArrivals(a, b, result.features);
+  result.evidence = result.features.meanDistance < tooFar ? m_model.logOdds(result.features)
+                                                          : -TogetherChain::largestEvidence;
+  result.belief = pair.chain.next(time, result.evidence, pair.history.firstTime() == time);
+  return result;
+}
+
+void PairEvidence::markArrivals(const PersonTrack& a, const PersonTrack& b,
+                                PairFeatures& features) const {
+  features.arrivalGap = std::abs(a.firstSeen() - b.firstSeen());
+  if (std::min(a.firstSeen(), b.firstSeen()) - m_start < startMoments) {
+    features.start = 1.0;
+    return;
+  }
+  features.appeared = std::max(a.stoodAtFirst(), b.stoodAtFirst());
+}
+
+void PairEvidence::forget(double time) {
+  std::erase_if(m_pairs,
+                [time](const auto& pair) { return pair.second.lastNear < time - pairMemory; });
+  std::erase_if(m_tracks, [time](const auto& track) {
+    return track.second.lastSeen() < time - personMemory;
+  });
+  for (auto& [person, track] : m_tracks) {
+    track.forgetBefore(time - trackMemory);
+  }
+}
+
+}  // namespace grouptracker

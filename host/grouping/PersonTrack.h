@@ -1,0 +1,67 @@
+#pragma once
+
+#include <opencv2/core/types.hpp>
+
+#include <array>
+#include <cstddef>
+#include <deque>
+
+namespace grouptracker {
+
+/// Who else is around a person at one moment.
+struct Surroundings {
+  /// Distances to those who are nearest, ascending, metres; infinite where there are fewer.
+  std::array<double, 5> nearest{};
+  int within3Metres = 0;  ///< others that are nearer than three metres
+
+  /// How many of the nearest are nearer than a distance.
+  int nearerThan(double distance) const;
+};
+
+/// A person at one tick.
+struct TrackPoint {
+  double time = 0.0;       ///< seconds
+  double sinceTick = 0.0;  ///< seconds since the tick before, whoever was in view at it
+  cv::Point2d place;       ///< on the ground, metres
+  cv::Point2d velocity;    ///< over the last 1.2 s, metres per second
+  Surroundings around;
+};
+
+/// Where one person was, tick by tick, and how it came into view. The points have numbers that stay
+/// when old ones are forgotten.
+class PersonTrack {
+ public:
+  /// `hasLookAhead`: whether the first point, which has no past, may take the velocity of the
+  /// second.
+  PersonTrack(double time, const cv::Point2d& place, bool hasLookAhead);
+
+  /// Adds the point of a tick; its velocity is found here.
+  void add(TrackPoint point);
+  void forgetBefore(double time);
+
+  std::size_t begin() const { return m_forgotten; }
+  std::size_t end() const { return m_forgotten + m_points.size(); }
+  const TrackPoint& operator[](std::size_t number) const { return m_points[number - m_forgotten]; }
+
+  double firstSeen() const { return m_firstSeen; }  ///< seconds
+  double lastSeen() const { return m_points.back().time; }
+  /// 0 to 1: how still it stood when it was first seen. Somebody who stands there all at once was
+  /// not seen coming: hidden before, or lost by the tracker.
+  double stoodAtFirst() const;
+
+ private:
+  cv::Point2d velocityAt(const TrackPoint& point) const;
+
+  std::deque<TrackPoint> m_points;
+  std::size_t m_forgotten = 0;  ///< points that were there before
+  bool m_hasLookAhead;
+  double m_firstSeen;
+  cv::Point2d m_firstPlace;
+  double m_earlyTime;        ///< of the last point of the first moments
+  cv::Point2d m_earlyPlace;  ///< of the same point
+};
+
+/// The distance between two places or velocities.
+double distanceBetween(const cv::Point2d& a, const cv::Point2d& b);
+
+}  // namespace grouptracker

@@ -1,0 +1,42 @@
+#include "host/grouping/TogetherChain.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace grouptracker {
+
+namespace {
+
+constexpr double joinRate = 1.0 / 20;   // per second, from apart to together
+constexpr double leaveRate = 1.0 / 40;  // per second, from together to apart
+constexpr double evidenceTime = 0.5;    // seconds for which evidence counts once
+constexpr double longestStep = 1.0;     // seconds for which it counts after a gap
+constexpr double largestBelief = 12.0;  // log-odds; more could not be revised in time
+constexpr double apartBefore = 3.0;     // log-odds
+
+}  // namespace
+
+double probabilityOf(double logOdds) {
+  return 1.0 / (1.0 + std::exp(-logOdds));
+}
+
+double TogetherChain::next(double time, double evidence, bool isFresh) {
+  const double known = std::clamp(evidence, -largestEvidence, largestEvidence);
+  const double passed = time - m_time;
+  m_time = time;
+  if (!m_hasStarted) {
+    m_hasStarted = true;
+    m_belief = isFresh ? known : known - apartBefore;
+    return m_belief;
+  }
+  const double rate = joinRate + leaveRate;
+  const double change = 1.0 - std::exp(-rate * passed);
+  const double before = probabilityOf(m_belief);
+  const double now =
+      before * (1.0 - leaveRate / rate * change) + (1.0 - before) * joinRate / rate * change;
+  m_belief = std::log(now / (1.0 - now)) + known * std::min(passed, longestStep) / evidenceTime;
+  m_belief = std::clamp(m_belief, -largestBelief, largestBelief);
+  return m_belief;
+}
+
+}  // namespace grouptracker

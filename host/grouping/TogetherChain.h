@@ -1,0 +1,27 @@
+#pragma once
+
+namespace grouptracker {
+
+/// The belief that two persons belong together, as log-odds over time: a chain of two states,
+/// together and apart, that people enter and leave at fixed rates per second [Rabiner 1989]. The
+/// evidence is about seconds around each moment and so overlaps from tick to tick; it counts in
+/// proportion to the time that passes. Its look-ahead takes the place of a backward pass.
+class TogetherChain {
+ public:
+  static constexpr double largestEvidence = 5.0;  ///< log-odds either way
+
+  /// Takes the evidence of a moment, log-odds; returns the belief, log-odds. `isFresh`: whether the
+  /// first moment is also the first at which the two are in view together. Who is only watched
+  /// later was apart before.
+  double next(double time, double evidence, bool isFresh);
+
+ private:
+  bool m_hasStarted = false;
+  double m_time = 0.0;    ///< of the last evidence, seconds
+  double m_belief = 0.0;  ///< log-odds
+};
+
+/// The probability of log-odds.
+double probabilityOf(double logOdds);
+
+}  // namespace grouptracker
