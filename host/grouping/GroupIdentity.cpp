@@ -67,7 +67,7 @@ GroupIdentity::Gatherings GroupIdentity::gather(const TickBeliefs& tick) const {
   };
   std::vector<PersonId> people;
   for (const PairBelief& pair : tick.pairs) {
-    if (score(pair) > 0.0) {
+    if (pair.belief > -stay && score(pair) > 0.0) {
       people.insert(people.end(), {pair.a, pair.b});
     }
   }

@@ -17,7 +17,12 @@ constexpr double startMoments = 1.0;       // seconds of a recording in which ar
 constexpr double pairMemory = 30.0;        // seconds apart or unseen
 constexpr double personMemory = 60.0;      // seconds out of view
 constexpr double trackMemory = 600.0;      // seconds of a track that are kept
+constexpr double cleaningInterval = 10.0;  // seconds between looks for what is to be forgotten
 constexpr double surroundingRadius = 3.0;  // metres
+
+bool isOver(double time, double lastNear) {
+  return lastNear < time - pairMemory;
+}
 
 Surroundings surroundingsOf(const PersonAt& person, const std::vector<PersonAt>& people) {
   Surroundings around;
@@ -57,34 +62,46 @@ void PairEvidence::add(double time, const std::vector<PersonAt>& people) {
 TickBeliefs PairEvidence::decide() {
   TickBeliefs beliefs{m_undecided.front().time, std::move(m_undecided.front().people), {}};
   m_undecided.pop_front();
-  const auto& people = beliefs.people;
-  for (auto a = people.begin(); a != people.end(); ++a) {
-    for (auto b = a + 1; b != people.end(); ++b) {
-      const PairKey key{a->person, b->person};
-      const double distance = distanceBetween(a->place, b->place);
-      auto pair = m_pairs.find(key);
-      if (pair == m_pairs.end()) {
-        if (distance >= watched) {
-          continue;
-        }
-        pair = m_pairs.try_emplace(key).first;
+  std::vector<Seen> inView;
+  for (const PersonAt& person : beliefs.people) {
+    inView.push_back({person, &m_tracks.at(person.person)});
+  }
+  for (auto a = inView.begin(); a != inView.end(); ++a) {
+    for (auto b = a + 1; b != inView.end(); ++b) {
+      if (Pair* const pair = watchedPair(beliefs.time, a->at, b->at)) {
+        beliefs.pairs.push_back(judge(beliefs.time, *a, *b, *pair));
       }
-      if (distance <= farApart) {
-        pair->second.lastNear = beliefs.time;
-      }
-      beliefs.pairs.push_back(judge(beliefs.time, key, pair->second));
     }
   }
   forget(beliefs.time);
   return beliefs;
 }
 
-PairBelief PairEvidence::judge(double time, PairKey key, Pair& pair) const {
-  const PersonTrack& a = m_tracks.at(key.first);
-  const PersonTrack& b = m_tracks.at(key.second);
-  pair.history.update(a, b);
-  PairBelief result{key.first, key.second, pair.history.featuresAt(time), 0.0, 0.0};
-  markArrivals(a, b, result.features);
+/// Null while two persons have not come near each other, or were apart for long.
+PairEvidence::Pair* PairEvidence::watchedPair(double time, const PersonAt& a, const PersonAt& b) {
+  const double distance = distanceBetween(a.place, b.place);
+  const std::uint64_t key = std::uint64_t{a.person} << 32U | b.person;
+  auto pair = m_pairs.find(key);
+  if (pair != m_pairs.end() && isOver(time, pair->second.lastNear)) {
+    m_pairs.erase(pair);
+    pair = m_pairs.end();
+  }
+  if (pair == m_pairs.end()) {
+    if (distance >= watched) {
+      return nullptr;
+    }
+    pair = m_pairs.try_emplace(key).first;
+  }
+  if (distance <= farApart) {
+    pair->second.lastNear = time;
+  }
+  return &pair->second;
+}
+
+PairBelief PairEvidence::judge(double time, const Seen& a, const Seen& b, Pair& pair) const {
+  pair.history.update(*a.track, *b.track);
+  PairBelief result{a.at.person, b.at.person, pair.history.featuresAt(time), 0.0, 0.0};
+  markArrivals(*a.track, *b.track, result.features);
   result.evidence = result.features.meanDistance < tooFar ? m_model.logOdds(result.features)
                                                           : -TogetherChain::largestEvidence;
   result.belief = pair.chain.next(time, result.evidence, pair.history.firstTime() == time);
@@ -102,8 +119,11 @@ void PairEvidence::markArrivals(const PersonTrack& a, const PersonTrack& b,
 }
 
 void PairEvidence::forget(double time) {
-  std::erase_if(m_pairs,
-                [time](const auto& pair) { return pair.second.lastNear < time - pairMemory; });
+  if (time < m_nextCleaning) {
+    return;
+  }
+  m_nextCleaning = time + cleaningInterval;
+  std::erase_if(m_pairs, [time](const auto& pair) { return isOver(time, pair.second.lastNear); });
   std::erase_if(m_tracks, [time](const auto& track) {
     return track.second.lastSeen() < time - personMemory;
   });

@@ -5,8 +5,10 @@
 #include "host/grouping/PeopleFrame.h"
 #include "host/grouping/TogetherChain.h"
 
+#include <cstdint>
 #include <deque>
 #include <map>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -54,9 +56,14 @@ class PairEvidence {
     TogetherChain chain;
     double lastNear = 0.0;  ///< when they were last less than `farApart` from each other, seconds
   };
-  using PairKey = std::pair<PersonId, PersonId>;  ///< ascending
+  /// Somebody in view at the tick that is decided.
+  struct Seen {
+    PersonAt at;
+    const PersonTrack* track = nullptr;
+  };
 
-  PairBelief judge(double time, PairKey key, Pair& pair) const;
+  Pair* watchedPair(double time, const PersonAt& a, const PersonAt& b);
+  PairBelief judge(double time, const Seen& a, const Seen& b, Pair& pair) const;
   void markArrivals(const PersonTrack& a, const PersonTrack& b, PairFeatures& features) const;
   void forget(double time);
 
@@ -67,7 +74,8 @@ class PairEvidence {
   double m_last = 0.0;   ///< the latest tick, seconds
   std::deque<Tick> m_undecided;
   std::map<PersonId, PersonTrack> m_tracks;
-  std::map<PairKey, Pair> m_pairs;
+  std::unordered_map<std::uint64_t, Pair> m_pairs;  ///< by both persons
+  double m_nextCleaning = 0.0;                      ///< seconds
 };
 
 }  // namespace grouptracker

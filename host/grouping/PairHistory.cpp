@@ -29,7 +29,7 @@ void PairHistory::update(const PersonTrack& a, const PersonTrack& b) {
   std::size_t j = std::max(m_nextB, b.begin());
   while (i < a.end() && j < b.end()) {
     if (a[i].time == b[j].time) {
-      add(rowOf(a[i], b[j]), a[i].sinceTick);
+      add(a[i], b[j]);
       ++i;
       ++j;
     } else if (a[i].time < b[j].time) {
@@ -42,47 +42,63 @@ void PairHistory::update(const PersonTrack& a, const PersonTrack& b) {
   m_nextB = j;
 }
 
-PairHistory::Row PairHistory::rowOf(const TrackPoint& a, const TrackPoint& b) {
-  Row row;
-  row.time = a.time;
-  row.distance = distanceBetween(a.place, b.place);
-  row.apart = b.place - a.place;
-  row.velocityDifference = distanceBetween(a.velocity, b.velocity);
-  row.speedA = length(a.velocity);
-  row.speedB = length(b.velocity);
-  row.standing = row.speedA < standingSpeed && row.speedB < standingSpeed ? 1.0 : 0.0;
-  row.nearerOthers = (a.around.nearerThan(row.distance) + b.around.nearerThan(row.distance)) / 2.0;
-  row.crowd = (a.around.within3Metres + b.around.within3Metres) / 2.0;
+PairHistory::Sums PairHistory::valuesOf(const TrackPoint& a, const TrackPoint& b) {
+  Sums values{};
+  const double apart = distanceBetween(a.place, b.place);
+  values[seconds] = 1.0;
+  values[distance] = apart;
+  values[velocityDifference] = distanceBetween(a.velocity, b.velocity);
+  values[speedA] = length(a.velocity);
+  values[speedB] = length(b.velocity);
+  const bool bothStand = values[speedA] < standingSpeed && values[speedB] < standingSpeed;
+  values[standing] = bothStand ? 1.0 : 0.0;
+  values[nearerOthers] = (a.around.nearerThan(apart) + b.around.nearerThan(apart)) / 2.0;
+  values[crowd] = (a.around.within3Metres + b.around.within3Metres) / 2.0;
   const cv::Point2d heading = a.velocity + b.velocity;
   const double pace = length(heading);
-  row.walking = std::clamp((pace / 2 - slowWalk) / (surelyWalking - slowWalk), 0.0, 1.0);
-  if (row.walking > 0.0) {
-    row.along = std::abs(row.apart.x * heading.x + row.apart.y * heading.y) / pace;
-    row.across = std::abs(row.apart.x * heading.y - row.apart.y * heading.x) / pace;
+  const double walk = std::clamp((pace / 2 - slowWalk) / (surelyWalking - slowWalk), 0.0, 1.0);
+  if (walk > 0.0) {
+    const cv::Point2d way = b.place - a.place;
+    values[walking] = walk;
+    values[along] = walk * std::abs(way.x * heading.x + way.y * heading.y) / pace;
+    values[across] = walk * std::abs(way.x * heading.y - way.y * heading.x) / pace;
   }
-  return row;
+  values[closeSeconds] = apart < close ? 1.0 : 0.0;
+  values[nearSeconds] = apart < near ? 1.0 : 0.0;
+  values[wayTogether] = apart < near ? std::min(values[speedA], values[speedB]) : 0.0;
+  return values;
 }
 
-void PairHistory::add(Row row, double sinceTick) {
+void PairHistory::add(const TrackPoint& a, const TrackPoint& b) {
+  const Sums values = valuesOf(a, b);
   if (!m_lastTime) {
-    m_firstTime = row.time;
-    m_firstDistance = row.distance;
+    m_firstTime = a.time;
+    m_firstDistance = values[distance];
   }
-  row.seconds = m_lastTime ? std::min(ticks::longestLength, row.time - *m_lastTime) : sinceTick;
-  m_lastTime = row.time;
-  m_seconds += row.seconds;
-  m_closeSeconds += row.distance < close ? row.seconds : 0.0;
-  if (row.distance < near) {
-    m_nearSeconds += row.seconds;
-    m_way += row.seconds * std::min(row.speedA, row.speedB);
+  const double lasts =
+      m_lastTime ? std::min(ticks::longestLength, a.time - *m_lastTime) : a.sinceTick;
+  m_lastTime = a.time;
+  m_rows.push_back({a.time, b.place - a.place, m_total});
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    m_total[i] += values[i] * lasts;
   }
-  m_rows.push_back(row);
+  while (!m_peaks.empty() && m_peaks.back().distance <= values[distance]) {
+    m_peaks.pop_back();
+  }
+  m_peaks.push_back({a.time, values[distance]});
+}
+
+void PairHistory::forgetBefore(double time) {
+  while (m_rows.front().time < time) {
+    m_rows.pop_front();
+  }
+  while (m_peaks.front().time < time) {
+    m_peaks.pop_front();
+  }
 }
 
 PairFeatures PairHistory::featuresAt(double time) {
-  while (m_rows.front().time < time - windowPast - ticks::tolerance) {
-    m_rows.pop_front();
-  }
+  forgetBefore(time - windowPast - ticks::tolerance);
   PairFeatures features;
   describeWindow(features);
   describeRecent(time, features);
@@ -90,59 +106,48 @@ PairFeatures PairHistory::featuresAt(double time) {
   return features;
 }
 
-void PairHistory::describeWindow(PairFeatures& features) const {
-  Row sum;
-  for (const Row& row : m_rows) {
-    sum.seconds += row.seconds;
-    sum.distance += row.distance * row.seconds;
-    sum.velocityDifference += row.velocityDifference * row.seconds;
-    sum.speedA += row.speedA * row.seconds;
-    sum.speedB += row.speedB * row.seconds;
-    sum.standing += row.standing * row.seconds;
-    sum.nearerOthers += row.nearerOthers * row.seconds;
-    sum.crowd += row.crowd * row.seconds;
-    sum.walking += row.walking * row.seconds;
-    sum.along += row.along * row.walking * row.seconds;
-    sum.across += row.across * row.walking * row.seconds;
-    features.largestDistance = std::max(features.largestDistance, row.distance);
+PairHistory::Sums PairHistory::sumsSince(const Row& row) const {
+  Sums sums = m_total;
+  for (std::size_t i = 0; i < sums.size(); ++i) {
+    sums[i] -= row.before[i];
   }
-  features.meanDistance = sum.distance / sum.seconds;
+  return sums;
+}
+
+void PairHistory::describeWindow(PairFeatures& features) const {
+  const Sums sums = sumsSince(m_rows.front());
+  const auto mean = [&sums](Sum value) { return sums[value] / sums[seconds]; };
+  features.meanDistance = mean(distance);
+  features.largestDistance = m_peaks.front().distance;
   features.shift = distanceBetween(m_rows.front().apart, m_rows.back().apart);
-  features.velocityDifference = sum.velocityDifference / sum.seconds;
-  features.speedDifference = std::abs(sum.speedA - sum.speedB) / sum.seconds;
-  features.speed = (sum.speedA + sum.speedB) / 2 / sum.seconds;
-  features.standing = sum.standing / sum.seconds;
-  features.nearerOthers = sum.nearerOthers / sum.seconds;
-  features.crowd = sum.crowd / sum.seconds;
-  const bool haveDirection = sum.walking / sum.seconds > leastWalking;
+  features.velocityDifference = mean(velocityDifference);
+  features.speedDifference = std::abs(mean(speedA) - mean(speedB));
+  features.speed = (mean(speedA) + mean(speedB)) / 2;
+  features.standing = mean(standing);
+  features.nearerOthers = mean(nearerOthers);
+  features.crowd = mean(crowd);
+  const bool haveDirection = mean(walking) > leastWalking;
   const double anyDirection = meanProjection * features.meanDistance;
-  features.along = haveDirection ? sum.along / sum.walking : anyDirection;
-  features.across = haveDirection ? sum.across / sum.walking : anyDirection;
+  features.along = haveDirection ? sums[along] / sums[walking] : anyDirection;
+  features.across = haveDirection ? sums[across] / sums[walking] : anyDirection;
 }
 
 void PairHistory::describeRecent(double time, PairFeatures& features) const {
-  const auto first = std::find_if(m_rows.begin(), m_rows.end(), [time](const Row& row) {
-    return row.time >= time - recentPast - ticks::tolerance;
-  });
-  double seconds = 0.0;
-  double distance = 0.0;
-  double velocityDifference = 0.0;
-  for (auto row = first; row != m_rows.end(); ++row) {
-    seconds += row->seconds;
-    distance += row->seconds * row->distance;
-    velocityDifference += row->seconds * row->velocityDifference;
-  }
-  features.recentDistance = distance / seconds;
-  features.recentVelocityDifference = velocityDifference / seconds;
+  const auto first =
+      std::lower_bound(m_rows.begin(), m_rows.end(), time - recentPast - ticks::tolerance,
+                       [](const Row& row, double moment) { return row.time < moment; });
+  const Sums sums = sumsSince(*first);
+  features.recentDistance = sums[distance] / sums[seconds];
+  features.recentVelocityDifference = sums[velocityDifference] / sums[seconds];
   features.recentShift = distanceBetween(first->apart, m_rows.back().apart);
 }
 
 void PairHistory::describeHistory(double time, PairFeatures& features) const {
   features.timeTogether = time - m_firstTime;
   features.firstDistance = m_firstDistance;
-  features.closeShare = m_closeSeconds / m_seconds;
-  features.nearShare = m_nearSeconds / m_seconds;
-  features.wayTogether = m_way;
+  features.closeShare = m_total[closeSeconds] / m_total[seconds];
+  features.nearShare = m_total[nearSeconds] / m_total[seconds];
+  features.wayTogether = m_total[wayTogether];
 }
 
 }  // namespace grouptracker

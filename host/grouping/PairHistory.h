@@ -3,13 +3,15 @@
 #include "host/grouping/PairFeatures.h"
 #include "host/grouping/PersonTrack.h"
 
+#include <array>
+#include <cstddef>
 #include <deque>
 #include <optional>
 
 namespace grouptracker {
 
-/// What two persons did at the ticks at which both were in view: the recent ones one by one, all
-/// the earlier ones as sums.
+/// What two persons did at the ticks at which both were in view. Means over a stretch of time come
+/// from running sums, so that a tick costs the same however long the window is.
 class PairHistory {
  public:
   static constexpr double windowPast = 6.0;  ///< seconds
@@ -24,40 +26,53 @@ class PairHistory {
   double firstTime() const { return m_firstTime; }
 
  private:
+  /// What is summed up, each but the first as a value times the seconds that a tick stands for.
+  enum Sum : std::size_t {
+    seconds,
+    distance,
+    velocityDifference,
+    speedA,
+    speedB,
+    standing,
+    nearerOthers,
+    crowd,
+    walking,  ///< 0 to 1, how surely they walk
+    along,    ///< times `walking`
+    across,   ///< times `walking`
+    closeSeconds,
+    nearSeconds,
+    wayTogether,
+    sumCount
+  };
+  using Sums = std::array<double, sumCount>;
+
   /// Both at one tick.
   struct Row {
-    double time = 0.0;     ///< seconds
-    double seconds = 0.0;  ///< that the tick stands for
-    double distance = 0.0;
-    cv::Point2d apart;  ///< from one to the other
-    double velocityDifference = 0.0;
-    double speedA = 0.0;
-    double speedB = 0.0;
-    double standing = 0.0;  ///< 1 when both stand
-    double nearerOthers = 0.0;
-    double crowd = 0.0;
-    double walking = 0.0;  ///< 0 to 1, how surely they walk
-    double along = 0.0;
-    double across = 0.0;
+    double time = 0.0;  ///< seconds
+    cv::Point2d apart;  ///< from one to the other, metres
+    Sums before{};      ///< of all earlier rows
+  };
+  struct Peak {
+    double time = 0.0;      ///< seconds
+    double distance = 0.0;  ///< metres
   };
 
-  static Row rowOf(const TrackPoint& a, const TrackPoint& b);
-  void add(Row row, double sinceTick);
+  static Sums valuesOf(const TrackPoint& a, const TrackPoint& b);
+  void add(const TrackPoint& a, const TrackPoint& b);
+  void forgetBefore(double time);
+  Sums sumsSince(const Row& row) const;
   void describeWindow(PairFeatures& features) const;
   void describeRecent(double time, PairFeatures& features) const;
   void describeHistory(double time, PairFeatures& features) const;
 
-  std::deque<Row> m_rows;   ///< of the window
-  std::size_t m_nextA = 0;  ///< points of the tracks from here on are new
+  std::deque<Row> m_rows;    ///< of the window
+  std::deque<Peak> m_peaks;  ///< distances of the window that no later one exceeds, falling
+  Sums m_total{};            ///< of all rows, also of those that are gone
+  std::size_t m_nextA = 0;   ///< points of the tracks from here on are new
   std::size_t m_nextB = 0;
   std::optional<double> m_lastTime;  ///< of the latest row, seconds; none before the first
   double m_firstTime = 0.0;          ///< seconds
   double m_firstDistance = 0.0;      ///< metres
-  // Sums since the first row.
-  double m_seconds = 0.0;
-  double m_closeSeconds = 0.0;  ///< within 1.2 m
-  double m_nearSeconds = 0.0;   ///< within 2 m
-  double m_way = 0.0;           ///< metres, within 2 m
 };
 
 }  // namespace grouptracker

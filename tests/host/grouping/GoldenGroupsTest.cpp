@@ -1,0 +1,72 @@
+#include "host/grouping/FrameGroupsWriter.h"
+#include "tests/host/grouping/PathScene.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <fstream>
+
+namespace grouptracker {
+
+namespace {
+
+using Json = nlohmann::json;
+
+/// A made-up scene with the groups that a plain formulation of the method found, which keeps all
+/// tracks and goes over every window from the start: pairs and a single walk through, two pairs
+/// become one group, three talk in a circle, two wait side by side, others pass; people sway, and
+/// now and then one is lost for a frame.
+class GoldenGroups : public testing::Test {
+ protected:
+  void compare(const std::string& name, double lookAhead) {
+    std::ifstream in(std::string(GROUPTRACKER_GOLDEN_GROUPS) + "/" + name);
+    std::vector<PeopleFrame> frames;
+    std::vector<Json> expected;
+    for (std::string text; std::getline(in, text);) {
+      Json line = Json::parse(text);
+      frames.push_back({line["frame"], line["time"].get<double>(), {}});
+      for (const Json& person : line["people"]) {
+        frames.back().people.push_back({person[0], {person[1], person[2]}});
+      }
+      line.erase("people");
+      expected.push_back(std::move(line));
+    }
+    const auto lines = groupsOf(frames, lookAhead);
+    ASSERT_EQ(lines.size(), expected.size());
+    ASSERT_FALSE(lines.empty());
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+      expectLine(Json::parse(toLine(lines[i])), expected[i]);
+    }
+  }
+
+ private:
+  /// Numbers with a point may differ in the last of their rounded digits.
+  static void expectLine(Json line, Json expected) {
+    constexpr double lastDigit = 1.01e-4;
+    ASSERT_EQ(line["groups"].size(), expected["groups"].size()) << expected;
+    for (std::size_t i = 0; i < line["groups"].size(); ++i) {
+      Json& group = line["groups"][i];
+      Json& other = expected["groups"][i];
+      EXPECT_NEAR(group["confidence"], other["confidence"], lastDigit);
+      EXPECT_NEAR(group["position"][0], other["position"][0], lastDigit);
+      EXPECT_NEAR(group["position"][1], other["position"][1], lastDigit);
+      for (const char* key : {"confidence", "position"}) {
+        group.erase(key);
+        other.erase(key);
+      }
+    }
+    EXPECT_EQ(line, expected);
+  }
+};
+
+TEST_F(GoldenGroups, AreThoseOfThePlainFormulationWithLookAhead) {
+  compare("look_ahead.jsonl", 3.2);
+}
+
+TEST_F(GoldenGroups, AreThoseOfThePlainFormulationWithoutLookAhead) {
+  compare("at_once.jsonl", 0.0);
+}
+
+}  // namespace
+
+}  // namespace grouptracker
