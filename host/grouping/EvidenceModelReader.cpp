@@ -55,8 +55,13 @@ class EvidenceModelReader {
       m_document = Json::parse(m_content);
     } catch (const Json::parse_error& failure) {
       throw InputError(m_name, lineAt(m_content, failure.byte), "not valid JSON");
-    } catch (const Json::out_of_range&) {
-      throw InputError(m_name, 1, "not valid JSON: a number that does not fit");
+    } catch (const Json::out_of_range& failure) {
+      // The parser says which number it is, but not where.
+      const std::string problem = failure.what();
+      const std::size_t first = problem.find('\'') + 1;
+      const std::string number = problem.substr(first, problem.rfind('\'') - first);
+      throw InputError(m_name, lineAt(m_content, m_content.find(number)),
+                       "not valid JSON: a number that does not fit");
     }
   }
 

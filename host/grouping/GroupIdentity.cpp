@@ -27,10 +27,6 @@ double limited(double belief) {
   return std::clamp(belief, lowestBelief, highestBelief);
 }
 
-bool contains(const std::vector<PersonId>& ascending, PersonId person) {
-  return std::binary_search(ascending.begin(), ascending.end(), person);
-}
-
 }  // namespace
 
 std::vector<TickGroup> GroupIdentity::next(const TickBeliefs& tick) {
@@ -246,30 +242,45 @@ void GroupIdentity::endAbsorbed(const Gathering& gathering, const std::set<Group
   }
 }
 
+/// Lets go of those who were in a group and are not. When all but one are out of view for a moment,
+/// there is nobody whom the one could have left: both sides wait.
 void GroupIdentity::dismiss(const TickBeliefs& tick, const std::vector<TickGroup>& groups) {
-  std::set<std::pair<PersonId, GroupId>> stayed;
+  std::map<PersonId, GroupId> present;
   for (const TickGroup& group : groups) {
     for (const PersonId member : group.members) {
-      stayed.emplace(member, group.id);
+      present[member] = group.id;
     }
   }
-  std::vector<PersonId> inView;
-  for (const PersonAt& person : tick.people) {
-    inView.push_back(person.person);
+  const auto isInView = [&tick](PersonId person) {
+    return std::binary_search(
+        tick.people.begin(), tick.people.end(), PersonAt{person, {}},
+        [](const PersonAt& a, const PersonAt& b) { return a.person < b.person; });
+  };
+  const auto isAwayForAMoment = [&](PersonId person, const Group& group) {
+    return !isInView(person) && !group.hasEnded && m_time - group.memberUntil.at(person) <= absence;
+  };
+  struct Attendance {
+    std::size_t inView = 0;
+    std::size_t awayForAMoment = 0;
+  };
+  std::map<GroupId, Attendance> attendances;
+  for (const auto& [person, id] : m_memberOf) {
+    attendances[id].inView += isInView(person) ? 1 : 0;
+    attendances[id].awayForAMoment += isAwayForAMoment(person, m_groups.at(id)) ? 1 : 0;
   }
   std::erase_if(m_memberOf, [&](const auto& membership) {
     const auto& [person, id] = membership;
-    if (stayed.contains(membership)) {
+    const auto now = present.find(person);
+    const bool isElsewhere = now != present.end() && now->second != id;
+    const Attendance& attendance = attendances.at(id);
+    const bool isLeftWaiting =
+        isInView(person) && !isElsewhere && attendance.inView == 1 && attendance.awayForAMoment > 0;
+    const bool isThere = now != present.end() && now->second == id;
+    if (isThere || isLeftWaiting || isAwayForAMoment(person, m_groups.at(id))) {
       return false;
     }
-    const Group& group = m_groups.at(id);
-    const auto until = group.memberUntil.find(person);
-    const double lastIn = until == group.memberUntil.end() ? m_time : until->second;
-    const bool isGone = m_time - lastIn > absence || group.hasEnded;
-    if (!contains(inView, person) && !isGone) {
-      return false;
-    }
-    m_left[{person, id}] = contains(inView, person) ? m_time : lastIn;
+    const bool hasWalkedOff = isElsewhere || (isInView(person) && attendance.inView > 1);
+    m_left[{person, id}] = hasWalkedOff ? m_time : m_groups.at(id).memberUntil.at(person);
     return true;
   });
 }

@@ -68,7 +68,7 @@ TickBeliefs PairEvidence::decide() {
   }
   for (auto a = inView.begin(); a != inView.end(); ++a) {
     for (auto b = a + 1; b != inView.end(); ++b) {
-      if (Pair* const pair = watchedPair(beliefs.time, a->at, b->at)) {
+      if (Pair* const pair = watchedPair(beliefs.time, *a, *b)) {
         beliefs.pairs.push_back(judge(beliefs.time, *a, *b, *pair));
       }
     }
@@ -78,9 +78,9 @@ TickBeliefs PairEvidence::decide() {
 }
 
 /// Null while two persons have not come near each other, or were apart for long.
-PairEvidence::Pair* PairEvidence::watchedPair(double time, const PersonAt& a, const PersonAt& b) {
-  const double distance = distanceBetween(a.place, b.place);
-  const std::uint64_t key = std::uint64_t{a.person} << 32U | b.person;
+PairEvidence::Pair* PairEvidence::watchedPair(double time, const Seen& a, const Seen& b) {
+  const double distance = distanceBetween(a.at.place, b.at.place);
+  const std::uint64_t key = std::uint64_t{a.at.person} << 32U | b.at.person;
   auto pair = m_pairs.find(key);
   if (pair != m_pairs.end() && isOver(time, pair->second.lastNear)) {
     m_pairs.erase(pair);
@@ -99,12 +99,19 @@ PairEvidence::Pair* PairEvidence::watchedPair(double time, const PersonAt& a, co
 }
 
 PairBelief PairEvidence::judge(double time, const Seen& a, const Seen& b, Pair& pair) const {
-  pair.history.update(*a.track, *b.track);
-  PairBelief result{a.at.person, b.at.person, pair.history.featuresAt(time), 0.0, 0.0};
-  markArrivals(*a.track, *b.track, result.features);
-  result.evidence = result.features.meanDistance < tooFar ? m_model.logOdds(result.features)
-                                                          : -TogetherChain::largestEvidence;
-  result.belief = pair.chain.next(time, result.evidence, pair.history.firstTime() == time);
+  PairBelief result{a.at.person, b.at.person, std::nullopt, -TogetherChain::largestEvidence, 0.0};
+  bool isFresh = false;
+  if (pair.lastNear == time) {
+    pair.history.update(*a.track, *b.track);
+    PairFeatures features = pair.history.featuresAt(time);
+    isFresh = pair.history.firstTime() == time;
+    if (features.meanDistance < tooFar) {
+      markArrivals(*a.track, *b.track, features);
+      result.evidence = m_model.logOdds(features);
+      result.features = features;
+    }
+  }
+  result.belief = pair.chain.next(time, result.evidence, isFresh);
   return result;
 }
 

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <deque>
 #include <map>
+#include <optional>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -18,9 +19,9 @@ namespace grouptracker {
 struct PairBelief {
   PersonId a = 0;  ///< the lower id
   PersonId b = 0;
-  PairFeatures features;
-  double evidence = 0.0;  ///< log-odds of what was seen around the tick
-  double belief = 0.0;    ///< log-odds of all so far: positive when they belong together
+  std::optional<PairFeatures> features;  ///< none when they are too far apart to be together
+  double evidence = 0.0;                 ///< log-odds of what was seen around the tick
+  double belief = 0.0;  ///< log-odds of all so far: positive when they belong together
 };
 
 /// Everybody at one tick, and what is believed of those who are or were near each other.
@@ -62,7 +63,7 @@ class PairEvidence {
     const PersonTrack* track = nullptr;
   };
 
-  Pair* watchedPair(double time, const PersonAt& a, const PersonAt& b);
+  Pair* watchedPair(double time, const Seen& a, const Seen& b);
   PairBelief judge(double time, const Seen& a, const Seen& b, Pair& pair) const;
   void markArrivals(const PersonTrack& a, const PersonTrack& b, PairFeatures& features) const;
   void forget(double time);
