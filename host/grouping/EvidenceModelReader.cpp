@@ -175,13 +175,14 @@ class EvidenceModelReader {
   /// The parser does not keep places, so the keys are sought one behind the other in the text.
   [[noreturn]] void fail(const Path& path, const std::string& problem) const {
     std::size_t place = m_content.find_first_not_of(" \t\r\n");
-    std::string words = "the model";
+    std::string words;
     for (const std::string& key : path) {
       const std::size_t found = m_content.find("\"" + key + "\"", place);
       place = found == std::string::npos ? place : found;
-      words = &key == path.data() ? "\"" + key : words + "." + key;
+      words += words.empty() ? "\"" : ".";
+      words += key;
     }
-    words += path.empty() ? "" : "\"";
+    words += words.empty() ? "the model" : "\"";
     throw InputError(m_name, lineAt(m_content, place), words + " " + problem);
   }
 

@@ -13,6 +13,7 @@ namespace {
 
 std::vector<PersonId> idsOf(const std::vector<PersonAt>& people) {
   std::vector<PersonId> ids;
+  ids.reserve(people.size());
   for (const PersonAt& person : people) {
     ids.push_back(person.person);
   }

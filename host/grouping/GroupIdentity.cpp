@@ -139,7 +139,9 @@ void GroupIdentity::nameTheRest(Gatherings& gatherings) {
 std::optional<GroupId> GroupIdentity::remembered(const Gathering& gathering) const {
   std::optional<GroupId> best;
   std::size_t most = core - 1;
-  for (const auto& [id, group] : m_groups) {
+  for (const auto& entry : m_groups) {
+    const GroupId id = entry.first;
+    const Group& group = entry.second;
     if (m_taken.contains(id) || group.hasEnded || m_time - group.lastSeen > bridge) {
       continue;
     }
