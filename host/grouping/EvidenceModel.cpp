@@ -1,7 +1,6 @@
 #include "host/grouping/EvidenceModel.h"
 
 #include "host/base/JsonLine.h"
-#include "host/base/JsonText.h"
 
 #include <algorithm>
 
