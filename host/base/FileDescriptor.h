@@ -25,7 +25,7 @@ class FileDescriptor {
   int get() const { return m_descriptor; }
 
  private:
-  int m_descriptor;  ///< -1 while nothing is open
+  int m_descriptor = -1;  ///< while nothing is open
 };
 
 }  // namespace grouptracker

@@ -104,7 +104,7 @@ cv::Matx33d readHomography(std::istream& in, const std::string& name, ImageOrder
   if (!std::isfinite(determinant) || determinant == 0.0) {
     throw lines.error("the homography cannot be inverted");
   }
-  if (order == ImageOrder::RowColumn) {
+  if (order == ImageOrder::rowColumn) {
     for (int row = 0; row < size; ++row) {
       std::swap(homography(row, 0), homography(row, 1));
     }

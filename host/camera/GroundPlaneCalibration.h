@@ -10,7 +10,7 @@
 namespace grouptracker {
 
 /// Which image coordinate a homography takes first.
-enum class ImageOrder { ColumnRow, RowColumn };
+enum class ImageOrder { columnRow, rowColumn };
 
 /// The point to which a homography maps `point`; not finite for a point at the horizon.
 cv::Point2d mapPoint(const cv::Matx33d& homography, const cv::Point2d& point);

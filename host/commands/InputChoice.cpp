@@ -131,8 +131,8 @@ InputOptions inputOptions(const InputChoice& choice) {
   }
   if (isHomographyFile(choice.calibrationFile)) {
     options.homography = readHomography(choice.calibrationFile, choice.homographyOrder == rowFirst
-                                                                    ? ImageOrder::RowColumn
-                                                                    : ImageOrder::ColumnRow);
+                                                                    ? ImageOrder::rowColumn
+                                                                    : ImageOrder::columnRow);
   } else if (!choice.homographyOrder.empty()) {
     throw InputError(choice.calibrationFile, "is no homography, so it has no --homography-order");
   } else {

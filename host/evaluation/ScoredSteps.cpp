@@ -60,7 +60,7 @@ void addScored(RunStep step, RunSteps& run) {
 
 RunSteps readScored(std::istream& in, const std::string& name) {
   RunSteps run;
-  RunFileReader reader(in, name, RunFilePart::Groupings);
+  RunFileReader reader(in, name, RunFilePart::groupings);
   for (RunStep step; reader.next(step);) {
     addScored(std::move(step), run);
   }

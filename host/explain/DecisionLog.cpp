@@ -109,20 +109,20 @@ void DecisionLog::takeCoherence(const std::string& line) {
                           "not adding mobile %" SCNd64 " to group %d because of an ancestor "
                           "because of coherence %lf",
                           &a, &group, &coherence) == 3) {
-    addWith(DecisionKind::NotAddedByAncestry, group, {a});
+    addWith(DecisionKind::notAddedByAncestry, group, {a});
   } else if (text = from(line, "added mobile ");
              text && std::sscanf(text,
                                  "added mobile %" SCNd64 " to group %d because of an "
                                  "ancestor with coherence %lf",
                                  &a, &group, &coherence) == 3) {
-    addWith(DecisionKind::AddedByAncestry, group, {a});
+    addWith(DecisionKind::addedByAncestry, group, {a});
   }
   if (const char* text = from(line, "final coherence for creating group from group mobile ");
       text &&
       std::sscanf(text,
                   "final coherence for creating group from group mobile %" SCNd64 " (n=%*d) = %lf",
                   &a, &coherence) == 2) {
-    addWith(DecisionKind::NotFounded, std::nullopt, {a});
+    addWith(DecisionKind::notFounded, std::nullopt, {a});
   }
   // Last, because the line of a refusal has no end and the founding of a pair may continue it.
   if (const char* text = from(line, "created group ");
@@ -130,7 +130,7 @@ void DecisionLog::takeCoherence(const std::string& line) {
       std::sscanf(text,
                   "created group %d from pair %" SCNd64 " and %" SCNd64 " with group coherence %lf",
                   &group, &a, &b, &coherence) == 4) {
-    addWith(DecisionKind::Founded, group, {a, b});
+    addWith(DecisionKind::founded, group, {a, b});
   } else if (std::sscanf(line.c_str(), "properties: %lf, %lf, %lf", &parts.distance, &parts.speed,
                          &parts.direction) == 3 &&
              !m_decisions.empty()) {
@@ -144,9 +144,9 @@ void DecisionLog::takeCreation(const std::string& line) {
   int length = 0;
   if (std::sscanf(line.c_str(), "created new group with mobile %" SCNd64 " and id=%d", &mobile,
                   &group) == 2) {
-    if (!m_decisions.empty() && m_decisions.back().kind == DecisionKind::NotFounded &&
+    if (!m_decisions.empty() && m_decisions.back().kind == DecisionKind::notFounded &&
         m_decisions.back().mobiles == std::vector<std::int64_t>{mobile}) {
-      m_decisions.back().kind = DecisionKind::FoundedByAncestry;  // it was founded after all
+      m_decisions.back().kind = DecisionKind::foundedByAncestry;  // it was founded after all
       m_decisions.back().group = group;
     }
   } else if (std::sscanf(line.c_str(), "group %d being created with mobiles %n", &group, &length) ==
@@ -158,10 +158,10 @@ void DecisionLog::takeCreation(const std::string& line) {
          std::sscanf(at, "%" SCNd64 " %n", &mobile, &step) == 1; at += step) {
       mobiles.push_back(mobile);
     }
-    add(DecisionKind::FoundedByCluster, group, std::move(mobiles));
+    add(DecisionKind::foundedByCluster, group, std::move(mobiles));
   } else if (const char* text = from(line, "remove group ");
              text && std::sscanf(text, "remove group %d", &group) == 1) {
-    add(DecisionKind::Removed, group, {});
+    add(DecisionKind::removed, group, {});
   }
 }
 
@@ -180,21 +180,21 @@ void DecisionLog::takeGroup(const GroupLine& line) {
   const Listed* const before = found == m_before.end() ? nullptr : &found->second;
   for (const auto& tie : line.merges) {
     if (before == nullptr || !hasTie(before->line.merges, tie)) {
-      Decision& merge = add(DecisionKind::Merged, line.id, {});
+      Decision& merge = add(DecisionKind::merged, line.id, {});
       merge.other = tie.first;
       merge.reason = sharedSon(now, tie.first);
     }
   }
   for (const auto& tie : line.splits) {
     if (before == nullptr || !hasTie(before->line.splits, tie)) {
-      Decision& split = add(DecisionKind::Split, line.id, {});
+      Decision& split = add(DecisionKind::split, line.id, {});
       split.other = tie.first;
       split.reason = ancestorOf(now, tie.first);
     }
   }
   findJoins(now, before);
   if (line.endFrame != none && before != nullptr && before->line.endFrame == none) {
-    add(DecisionKind::Ended, line.id, {}).processedFrame = line.endFrame;
+    add(DecisionKind::ended, line.id, {}).processedFrame = line.endFrame;
   }
   m_now.insert_or_assign(line.id, std::move(now));
 }
@@ -210,12 +210,12 @@ void DecisionLog::findJoins(const Listed& now, const Listed* before) {
                      decision.mobiles.end();
         });
     if (!isFounder && !persons.empty() && !own.contains(persons.front())) {
-      add(DecisionKind::Joined, now.line.id, {mobile}).reason = linkOf(mobile, now.line.id);
+      add(DecisionKind::joined, now.line.id, {mobile}).reason = linkOf(mobile, now.line.id);
     }
   }
   for (const std::int64_t person : own) {
     if (!now.persons.contains(person)) {
-      add(DecisionKind::Left, now.line.id, {}).persons = {person};
+      add(DecisionKind::left, now.line.id, {}).persons = {person};
     }
   }
 }

@@ -25,29 +25,29 @@ std::string named(const Decision& decision) {
 
 std::string sentence(const Decision& decision) {
   switch (decision.kind) {
-    case DecisionKind::Founded:
+    case DecisionKind::founded:
       return "founded by the pair of " + named(decision);
-    case DecisionKind::FoundedByAncestry:
+    case DecisionKind::foundedByAncestry:
       return "founded by the ancestors of " + named(decision) + ", seen as a group";
-    case DecisionKind::FoundedByCluster:
+    case DecisionKind::foundedByCluster:
       return "founded by the cluster of " + named(decision);
-    case DecisionKind::NotFounded:
+    case DecisionKind::notFounded:
       return "not founded: the ancestors of " + named(decision) + ", seen as a group";
-    case DecisionKind::AddedByAncestry:
+    case DecisionKind::addedByAncestry:
       return named(decision) + " was added because of an ancestor";
-    case DecisionKind::NotAddedByAncestry:
+    case DecisionKind::notAddedByAncestry:
       return named(decision) + " was not added in spite of an ancestor";
-    case DecisionKind::Joined:
+    case DecisionKind::joined:
       return named(decision) + " joined";
-    case DecisionKind::Left:
+    case DecisionKind::left:
       return fmt::format("person {} left", decision.persons.front());
-    case DecisionKind::Merged:
+    case DecisionKind::merged:
       return fmt::format("group {} went up in it", *decision.other);
-    case DecisionKind::Split:
+    case DecisionKind::split:
       return fmt::format("split from group {}", *decision.other);
-    case DecisionKind::Ended:
+    case DecisionKind::ended:
       return "ended, nobody was found to continue it";
-    case DecisionKind::Removed:
+    case DecisionKind::removed:
       return "removed, all its mobiles are forgotten";
   }
   return {};
@@ -68,7 +68,7 @@ std::string Explainer::explainGroup(int group, std::optional<std::int32_t> frame
     const bool isHere = !frame || decision.processedFrame == *frame;
     if (decision.group == group && isHere) {
       text += lineOf(decision) + "\n";
-    } else if (decision.kind == DecisionKind::Merged && decision.other == group && isHere) {
+    } else if (decision.kind == DecisionKind::merged && decision.other == group && isHere) {
       text += absorbedLineOf(decision) + "\n";
     }
   }
@@ -100,7 +100,7 @@ std::map<std::uint32_t, std::string> Explainer::explainAll() const {
     if (decision.group) {
       texts[static_cast<std::uint32_t>(*decision.group)] += lineOf(decision) + "\n";
     }
-    if (decision.kind == DecisionKind::Merged) {
+    if (decision.kind == DecisionKind::merged) {
       texts[static_cast<std::uint32_t>(*decision.other)] += absorbedLineOf(decision) + "\n";
     }
   }

@@ -91,7 +91,7 @@ OpenedInput openTrajectoryFolder(const std::string& path, const InputOptions& op
     auto homography = options.homography;
     if (!homography) {
       input.files.push_back(std::filesystem::path(path) / "H.txt");
-      homography = readHomography(input.files.back(), ImageOrder::RowColumn);
+      homography = readHomography(input.files.back(), ImageOrder::rowColumn);
     }
     input.calibration =
         cameraOf(*homography, input.imageSize, farthestSeen(*observations, *homography));

@@ -18,7 +18,7 @@ void LineageGraph::write(const RunStep& step) {
     life.last = group.isVisible ? frame : life.last;
   }
   for (const TrackedEvent& event : step.events) {
-    if (event.kind == EventKind::Merged || event.kind == EventKind::Split) {
+    if (event.kind == EventKind::merged || event.kind == EventKind::split) {
       m_lives.try_emplace(*event.other, Life{frame, frame, {}});  // one that was never listed
       m_ties.push_back({*event.other, event.group, event.kind, frame});
     }
@@ -37,7 +37,7 @@ void LineageGraph::finish() {
   }
   for (const Tie& tie : m_ties) {
     text += fmt::format("  g{} -> g{} [label=\"{} {}\"{}];\n", tie.from, tie.to, nameOf(tie.kind),
-                        tie.frame, tie.kind == EventKind::Split ? ", style=dashed" : "");
+                        tie.frame, tie.kind == EventKind::split ? ", style=dashed" : "");
   }
   m_file.write(text + "}\n");
 }

@@ -31,7 +31,7 @@ class LineageGraph : public StepSink {
   struct Tie {
     std::uint32_t from = 0;
     std::uint32_t to = 0;
-    EventKind kind = EventKind::Merged;
+    EventKind kind = EventKind::merged;
     std::int64_t frame = 0;
   };
 

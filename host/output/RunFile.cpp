@@ -132,7 +132,7 @@ PropertyValue asProperty(Value value) {
 /// Reads one line, or of it what a part of the file needs.
 class LineParser {
  public:
-  explicit LineParser(RunFilePart part) : m_isWhole(part == RunFilePart::Whole) {}
+  explicit LineParser(RunFilePart part) : m_isWhole(part == RunFilePart::whole) {}
 
   RunStep step(Value value) const;
 

@@ -35,8 +35,8 @@ class RunFileWriter : public StepSink {
 
 /// What is read of a groups file.
 enum class RunFilePart {
-  Whole,      ///< all that a run writes, which must be there
-  Groupings,  ///< who was in which group and what became of it; all else may be missing
+  whole,      ///< all that a run writes, which must be there
+  groupings,  ///< who was in which group and what became of it; all else may be missing
 };
 
 /// Reads the groups file of a run, line by line: the steps that were written, to the last bit.
@@ -46,7 +46,7 @@ enum class RunFilePart {
 class RunFileReader {
  public:
   /// `name` is the file's name in messages. The stream must outlive the reader.
-  RunFileReader(std::istream& in, const std::string& name, RunFilePart part = RunFilePart::Whole)
+  RunFileReader(std::istream& in, const std::string& name, RunFilePart part = RunFilePart::whole)
       : m_lines(in, name), m_part(part) {}
 
   /// Replaces `step` by the next line's; false at the end of the file.

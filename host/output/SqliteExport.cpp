@@ -96,7 +96,7 @@ void SqliteExport::writeEvent(const TrackedEvent& event) {
   for (const std::uint32_t person : event.persons) {
     m_eventPersons.row(m_lastEvent, std::int64_t{person});
   }
-  if (event.kind == EventKind::Merged) {
+  if (event.kind == EventKind::merged) {
     m_merged.row(std::int64_t{event.other.value_or(0)}, std::int64_t{event.group}, at);
   }
 }

@@ -55,7 +55,7 @@ void RecentPast::addEvents(const RunStep& step) {
     ++said.age;
   }
   for (const TrackedEvent& event : step.events) {
-    if (event.kind != EventKind::Removed) {  // nothing is seen of it: the group ended long before
+    if (event.kind != EventKind::removed) {  // nothing is seen of it: the group ended long before
       m_events.push_back({describe(event), 0});
     }
   }

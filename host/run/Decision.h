@@ -17,23 +17,23 @@ struct CoherenceParts {
 };
 
 enum class DecisionKind : std::uint8_t {
-  Founded,             ///< by a pair of mobiles
-  FoundedByAncestry,   ///< by one mobile that is a group, from its ancestors
-  FoundedByCluster,    ///< by the mobiles of a cluster
-  NotFounded,          ///< the ancestors of a mobile that is a group were not coherent enough
-  AddedByAncestry,     ///< a mobile that is a group joined the group of an ancestor
-  NotAddedByAncestry,  ///< the same, not coherent enough
-  Joined,              ///< a person became a member
-  Left,
-  Merged,  ///< `other` went up in the group
-  Split,   ///< from `other`
-  Ended,
-  Removed,
+  founded,             ///< by a pair of mobiles
+  foundedByAncestry,   ///< by one mobile that is a group, from its ancestors
+  foundedByCluster,    ///< by the mobiles of a cluster
+  notFounded,          ///< the ancestors of a mobile that is a group were not coherent enough
+  addedByAncestry,     ///< a mobile that is a group joined the group of an ancestor
+  notAddedByAncestry,  ///< the same, not coherent enough
+  joined,              ///< a person became a member
+  left,
+  merged,  ///< `other` went up in the group
+  split,   ///< from `other`
+  ended,
+  removed,
 };
 
 /// One thing that the tracker decided and said.
 struct Decision {
-  DecisionKind kind = DecisionKind::Founded;
+  DecisionKind kind = DecisionKind::founded;
   std::uint32_t frame = 0;          ///< at which it was decided
   std::int32_t processedFrame = 0;  ///< which it is about
   std::optional<int> group;         ///< none when no group came of it

@@ -88,7 +88,7 @@ void EventDetector::findMerges(const KnownGroups& now) {
     if (const auto heir = heirOf(group.members, now)) {
       addMerge(*heir, id, now);
     } else {
-      add(EventKind::Removed, id);
+      add(EventKind::removed, id);
     }
   }
 }
@@ -103,7 +103,7 @@ void EventDetector::addMerge(std::uint32_t into, std::uint32_t from, const Known
                    m_cameAlong[into]);
   }
   m_cameAlong[into].insert(came.begin(), came.end());
-  add(EventKind::Merged, into, came, from);
+  add(EventKind::merged, into, came, from);
 }
 
 // The group to which most members changed at this very frame, the lowest id of equals.
@@ -128,19 +128,19 @@ void EventDetector::compare(std::uint32_t id, const Known& now) {
   const Known before = found == m_known.end() ? Known() : found->second;
   const Persons came = m_cameAlong[id];
   if (found == m_known.end()) {
-    add(EventKind::Created, id, without(now.members, came));
+    add(EventKind::created, id, without(now.members, came));
   }
   if (now.split >= 0 && now.split != before.split) {
-    add(EventKind::Split, id, {}, static_cast<std::uint32_t>(now.split));
+    add(EventKind::split, id, {}, static_cast<std::uint32_t>(now.split));
   }
   if (before.isOpen && !now.isOpen) {
-    add(EventKind::Ended, id);
+    add(EventKind::ended, id);
   } else if (found != m_known.end()) {
     for (const std::uint32_t person : without(without(now.members, before.members), came)) {
-      add(EventKind::Joined, id, {person});
+      add(EventKind::joined, id, {person});
     }
     for (const std::uint32_t person : without(before.members, now.members)) {
-      add(EventKind::Left, id, {person});
+      add(EventKind::left, id, {person});
     }
   }
 }

@@ -16,15 +16,15 @@ constexpr std::array<const char*, eventKinds> names{"created", "split", "merged"
 
 std::string participants(const TrackedEvent& event) {
   switch (event.kind) {
-    case EventKind::Created:
+    case EventKind::created:
       return fmt::format(R"(, "persons": [{}])", json_line::joined(event.persons, ", "));
-    case EventKind::Merged:
+    case EventKind::merged:
       return fmt::format(R"(, "into": {}, "from": {}, "persons": [{}])", event.group, *event.other,
                          json_line::joined(event.persons, ", "));
-    case EventKind::Split:
+    case EventKind::split:
       return fmt::format(R"(, "from": {})", *event.other);
-    case EventKind::Joined:
-    case EventKind::Left:
+    case EventKind::joined:
+    case EventKind::left:
       return fmt::format(R"(, "person": {})", event.persons.front());
     default:
       return {};
@@ -48,15 +48,15 @@ std::string toJsonLine(const TrackedEvent& event) {
 
 std::string describe(const TrackedEvent& event) {
   switch (event.kind) {
-    case EventKind::Created:
+    case EventKind::created:
       return fmt::format("group {} created: {}", event.group,
                          json_line::joined(event.persons, ", "));
-    case EventKind::Merged:
+    case EventKind::merged:
       return fmt::format("group {} merged into {}", *event.other, event.group);
-    case EventKind::Split:
+    case EventKind::split:
       return fmt::format("group {} split from {}", event.group, *event.other);
-    case EventKind::Joined:
-    case EventKind::Left:
+    case EventKind::joined:
+    case EventKind::left:
       return fmt::format("{} {} group {}", event.persons.front(), nameOf(event.kind), event.group);
     default:
       return fmt::format("group {} {}", event.group, nameOf(event.kind));

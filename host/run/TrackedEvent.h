@@ -9,13 +9,13 @@ namespace grouptracker {
 
 /// What can happen to a group, in the order in which the events of one frame are listed.
 enum class EventKind : std::uint8_t {
-  Created,  ///< `persons` are the first members
-  Split,    ///< `other` is the group that it came from
-  Merged,   ///< `other` went up in it; `persons` came along
-  Joined,   ///< `persons` is the one who joined
-  Left,     ///< `persons` is the one who left
-  Ended,    ///< it has no members any more; it may still be continued, members then join anew
-  Removed,  ///< forgotten for good
+  created,  ///< `persons` are the first members
+  split,    ///< `other` is the group that it came from
+  merged,   ///< `other` went up in it; `persons` came along
+  joined,   ///< `persons` is the one who joined
+  left,     ///< `persons` is the one who left
+  ended,    ///< it has no members any more; it may still be continued, members then join anew
+  removed,  ///< forgotten for good
 };
 
 inline constexpr int eventKinds = 7;
@@ -23,7 +23,7 @@ inline constexpr int eventKinds = 7;
 /// Something that happened to a group at one frame. Members at any time are the first ones and
 /// those who came along or joined, less those who left; nobody once it has ended or is removed.
 struct TrackedEvent {
-  EventKind kind = EventKind::Created;
+  EventKind kind = EventKind::created;
   std::uint32_t group = 0;
   std::optional<std::uint32_t> other;      ///< the second group of a merge or split
   std::vector<std::uint32_t> persons;      ///< ascending

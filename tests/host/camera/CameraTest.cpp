@@ -170,7 +170,7 @@ TEST(CalibrationReader, SaysInOneLineWhatIsWrong) {
 
 TEST(Homography, IsTurnedToColumnBeforeRow) {
   std::istringstream in("1 2 3\n\n4 5 6\n7 8 10\n");
-  const cv::Matx33d homography = readHomography(in, "H.txt", ImageOrder::RowColumn);
+  const cv::Matx33d homography = readHomography(in, "H.txt", ImageOrder::rowColumn);
   EXPECT_EQ(homography, cv::Matx33d(2, 1, 3, 5, 4, 6, 8, 7, 10));
 }
 
@@ -178,7 +178,7 @@ TEST(Homography, SaysInWhichLineItIsWrong) {
   const auto error = [](const std::string& text) {
     return errorOf([&] {
       std::istringstream in(text);
-      readHomography(in, "H.txt", ImageOrder::RowColumn);
+      readHomography(in, "H.txt", ImageOrder::rowColumn);
     });
   };
   EXPECT_EQ(error("1 0 0\n0 1\n"), "H.txt:2: three numbers are expected, not 2");

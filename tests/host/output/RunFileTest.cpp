@@ -26,7 +26,7 @@ std::string written(const RunSteps& steps) {
   return textOf(file);
 }
 
-RunSteps readAll(const std::string& text, RunFilePart part = RunFilePart::Whole) {
+RunSteps readAll(const std::string& text, RunFilePart part = RunFilePart::whole) {
   std::istringstream in(text);
   RunFileReader reader(in, "g.jsonl", part);
   RunSteps steps;

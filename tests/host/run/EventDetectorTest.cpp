@@ -105,14 +105,14 @@ TEST_F(Events, PassOverMobilesWithoutPerson) {
 class Replay {
  public:
   void apply(const TrackedEvent& event) {
-    if (event.kind == EventKind::Ended || event.kind == EventKind::Removed) {
+    if (event.kind == EventKind::ended || event.kind == EventKind::removed) {
       m_members.erase(event.group);
     }
-    if (event.kind == EventKind::Merged) {
+    if (event.kind == EventKind::merged) {
       m_members.erase(*event.other);
     }
     for (const std::uint32_t person : event.persons) {
-      if (event.kind == EventKind::Left) {
+      if (event.kind == EventKind::left) {
         EXPECT_EQ(m_members[event.group].erase(person), 1U);
       } else {
         EXPECT_TRUE(m_members[event.group].insert(person).second);
