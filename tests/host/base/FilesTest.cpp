@@ -8,7 +8,9 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <sstream>
+#include <sys/resource.h>
 #include <vector>
 
 namespace grouptracker {
@@ -75,6 +77,40 @@ TEST(OutputFile, HoldsWholeLinesOnlyWhenTheDiskIsFull) {
             "/dev/full: cannot be written: No space left on device");
   EXPECT_EQ(errorOf([] { OutputFile("/no/such/folder/x"); }),
             "/no/such/folder/x: cannot be written: No such file or directory");
+}
+
+/// Files of this process cannot grow beyond some bytes for the length of a scope.
+class FileSizeLimit {
+ public:
+  explicit FileSizeLimit(rlim_t bytes) {
+    ::getrlimit(RLIMIT_FSIZE, &m_before);
+    const rlimit limit{bytes, m_before.rlim_max};
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+  }
+  ~FileSizeLimit() {
+    ::setrlimit(RLIMIT_FSIZE, &m_before);
+    std::signal(SIGXFSZ, m_handler);
+  }
+  FileSizeLimit(const FileSizeLimit&) = delete;
+  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+ private:
+  rlimit m_before = {};
+  void (*m_handler)(int) = std::signal(SIGXFSZ, SIG_IGN);
+};
+
+TEST(OutputFile, TakesBackALineThatIsCutByTheLimit) {
+  const TempFolder folder;
+  const std::string path = folder.path() / "lines.txt";
+  const std::string line = std::string(59, 'x') + "\n";
+  {
+    const FileSizeLimit limit(100);
+    OutputFile file(path);
+    file.writeLines(line);
+    EXPECT_EQ(errorOf([&] { file.writeLines(line); }),
+              path + ": cannot be written: File too large");
+  }
+  EXPECT_EQ(textOf(path), line);
 }
 
 TEST(FileIdentity, RecognisesAnInputUnderAnotherName) {

@@ -1,5 +1,9 @@
+#include "host/evaluation/ErrorList.h"
+#include "host/evaluation/FrameScores.h"
 #include "host/evaluation/ScoredSteps.h"
 #include "host/evaluation/TruthReader.h"
+#include "tests/support/base/Errors.h"
+#include "tests/support/base/TempFolder.h"
 
 #include <gmock/gmock.h>
 
@@ -12,16 +16,6 @@ namespace {
 Grouping listsOf(const std::string& text) {
   std::istringstream in(text);
   return readGroupLists(in, "groups.txt").whole();
-}
-
-template <typename Action>
-std::string errorOf(const Action& action) {
-  try {
-    action();
-  } catch (const std::exception& error) {
-    return error.what();
-  }
-  return "no error";
 }
 
 TEST(GroupLists, MayOverlapRepeatAndHoldHeadersBlankLinesAndSinglePersons) {
@@ -64,6 +58,25 @@ TEST(GroupsOfARun, AreThoseThatAreVisibleAtFramesOfTheInput) {
   ASSERT_EQ(run[0].groups.size(), 1U);
   EXPECT_EQ(personsOf(run[0].groups[0]), (PersonGroup{3, 7}));
   EXPECT_EQ(run[0].groups[0].merge, 2);
+}
+
+TEST(ErrorList, TellsWhoIsMissedAndWhoIsTooManyAtEachFrame) {
+  std::istringstream lines(
+      R"({"frame": 2, "reportedFrame": 1, "inputFrame": 780, "persons": [1, 2, 3, 4, 5, 6, 7, 8],)"
+      R"( "groups": [{"id": 4, "persons": [1, 2, 4], "properties": {"Visible": true}},)"
+      R"( {"id": 5, "persons": [7, 8], "properties": {"Visible": true}}]})");
+  const RunSteps run = readScored(lines, "groups.jsonl");
+  const TempFolder folder;
+  const std::string file = folder.path() / "errors.csv";
+  writeErrorList(run, stepsOf(run, GroupTruth({{1, 2, 3}, {5, 6}, {7, 8}})), file);
+  EXPECT_EQ(textOf(file),
+            "frame,person,error,missing,extra\n"
+            "780,1,wrong companions,3,4\n"
+            "780,2,wrong companions,3,4\n"
+            "780,3,not found,1 2,\n"
+            "780,4,not a member,,1 2\n"
+            "780,5,not found,6,\n"
+            "780,6,not found,5,\n");
 }
 
 }  // namespace

@@ -76,6 +76,12 @@ TEST(CorrectGroups, ServeOneTrueGroupEach) {
   EXPECT_EQ(correctGroups(halves, 0.5).matched, 1);
 }
 
+// The worst match alone would use up what both good ones need.
+TEST(CorrectGroups, AreMatchedFromTheLargestOverlapOn) {
+  const PartitionPair moved{{1, 2, 3, 4, 5, 6}, {{1, 2, 3}, {4, 5, 6}}, {{1, 2, 3, 4}, {5, 6}}};
+  EXPECT_EQ(correctGroups(moved, 0.25).matched, 2);
+}
+
 TEST(Grouping, ListsThatShareAPersonAreOneGroup) {
   EXPECT_EQ(joinOverlapping({{4, 5}, {1, 2, 2}, {7}, {5, 6}, {9, 9}, {6, 4}}),
             (Grouping{{1, 2}, {4, 5, 6}}));

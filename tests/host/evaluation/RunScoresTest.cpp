@@ -159,6 +159,28 @@ TEST(Baselines, TellCompanionsFromThoseWhoMeet) {
   EXPECT_NEAR(scores.alone.f1, 0.4, 1e-12);
 }
 
+/// Everybody's way over four steps from one place to another; what the rule makes of 1 and 2.
+double crudeScore(const std::vector<std::pair<cv::Point2f, cv::Point2f>>& ways) {
+  RunSteps steps;
+  for (int i = 0; i < 4; ++i) {
+    RunStep& step = steps.emplace_back();
+    step.inputFrame = i;
+    for (const auto& [from, to] : ways) {
+      const float part = static_cast<float>(i) / 3.0F;
+      const auto person = static_cast<Person>(step.persons.size() + 1);
+      step.persons.push_back({person, Sighting{from + (to - from) * part, {}}});
+    }
+  }
+  return scoreBaselines(steps, GroupTruth({{1, 2}}), {4, 1}).crudeRule.f1;
+}
+
+TEST(Baselines, TheCrudeRuleEndsAtAMetreAndAHalf) {
+  EXPECT_EQ(crudeScore({{{0, 0}, {5, 0}}, {{0, 1.45F}, {5, 1.45F}}}), 1.0);
+  EXPECT_EQ(crudeScore({{{0, 0}, {5, 0}}, {{0, 1.55F}, {5, 1.55F}}}), 0.0) << "too far apart";
+  EXPECT_EQ(crudeScore({{{0, 0}, {5, 0}}, {{0, 0}, {6.45F, 0}}}), 1.0);
+  EXPECT_EQ(crudeScore({{{0, 0}, {5, 0}}, {{0, 0}, {6.55F, 0}}}), 0.0) << "too different ways";
+}
+
 TEST(Report, HasTheSameNumbersAsTableAndJson) {
   const RunSteps run = runOf({1, 2, 3}, repeat(15, {{0, {1, 2, 3}}}));
   const EvaluationReport report = evaluate(run, GroupTruth({{1, 2}}), {});

@@ -130,6 +130,24 @@ TEST(MobileArchive, KeepsEveryIdApart) {
   EXPECT_FALSE(archive.load(4294967294U));
 }
 
+TEST(MobileStore, KeepsWholeWhatWasDeclaredAgainWithinItsWindow) {
+  const auto seen = [](std::uint32_t id, int column) {
+    return MobilePointer::create(
+        id, QSharedPointer<kelDataPhysicalObject>::create("PERSON", cv::Rect(column, 0, 1, 1),
+                                                          BoundingBox3D(), cv::Point3f()));
+  };
+  MobileStore store(2);
+  const auto again = seen(5, 20);
+  store.beginFrame();
+  store.declare(seen(5, 10));
+  store.declare(seen(6, 10));
+  store.beginFrame();
+  store.declare(again);
+  store.beginFrame();  // the first frame goes to the archive
+  EXPECT_EQ(store.find(5), again);
+  EXPECT_TRUE(store.find(6)->getPhysicalObject()->getBoundingBox2D().empty());
+}
+
 TEST(SceneReader, DerivesWhatIsLeftOutFromTheCalibration) {
   // One pixel is a centimetre; the camera hangs 10 m high, 10 m in front of the person's feet.
   const auto calibration = QSharedPointer<GroundPlaneCalibration>::create(

@@ -123,6 +123,18 @@ TEST(TrackAssembler, LinksNeighboursOfThePreviousStepWithinTheRadius) {
       << "only the step before counts";
 }
 
+TEST(TrackAssembler, LinksTheLowestPersonsOfEquallyCloseNeighbours) {
+  LinkOptions options;
+  options.neighbourStrength = 1.0;
+  options.neighbourRadius = 2.0;
+  options.neighbourLinks = 2;
+  options.motionDifference = 0.0;
+  const auto frames =
+      assemble(row(1, 8, 1, 0) + row(1, 3, 0, 1) + row(1, 5, -1, 0) + row(2, 7, 0, 0), options);
+  EXPECT_EQ(linksOf(frames[1].observed[0]),
+            (std::vector<std::pair<unsigned, double>>{{1, 0.5}, {2, 0.5}}));
+}
+
 TEST(TrackAssembler, LinksNeighboursWhoWalkTheSameWay) {
   LinkOptions options;
   options.neighbourStrength = 1.0;

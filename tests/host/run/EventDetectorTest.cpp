@@ -87,6 +87,14 @@ TEST_F(Events, FindAllGroupsThatWentUpInOneAtOneFrame) {
   EXPECT_THAT(at({group(4, {1, 2, 3, 5}, 9)}), IsEmpty());
 }
 
+TEST_F(Events, TheGroupToWhichMostChangedIsTheHeirOfOneThatIsGone) {
+  at({group(1, {6}), group(2, {7}), group(3, {8}), group(9, {1, 2, 3, 4, 5})});
+  EXPECT_THAT(at({group(1, {6, 1}), group(2, {7, 2, 3}), group(3, {8, 4, 5})}),
+              ElementsAre("group 9 merged into 2", "1 joined group 1", "4 joined group 3",
+                          "5 joined group 3"))
+      << "the lowest of equals";
+}
+
 TEST_F(Events, TellAMergeWithAGroupThatWasNeverListed) {
   at({group(4, {3, 5})});
   EXPECT_THAT(at({group(4, {3, 5, 6}, 7)}),
