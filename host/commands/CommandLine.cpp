@@ -4,10 +4,46 @@
 
 #include <CLI/CLI.hpp>
 
+#include <cmath>
 #include <cstdint>
+#include <iomanip>
+#include <sstream>
+#include <type_traits>
 #include <utility>
 
 namespace grouptracker {
+
+namespace {
+
+/// A check of numbers that lets neither infinity nor what is no number pass. `expected` says which
+/// are good.
+template <typename IsGood>
+CLI::Validator numberCheck(const std::string& expected, const IsGood& isGood) {
+  const auto check = [=](const std::string& text) {
+    double number = 0.0;
+    const bool isNumber = CLI::detail::lexical_cast(text, number) && std::isfinite(number);
+    return isNumber && isGood(number) ? std::string() : text + " is not " + expected;
+  };
+  return CLI::Validator(check, std::string());
+}
+
+/// As short as it can be said, without digits that nobody asked for.
+std::string shortest(double number) {
+  std::ostringstream text;
+  text << std::setprecision(10) << number;
+  return text.str();
+}
+
+CLI::Validator rangeCheck(double lowest, double highest) {
+  return numberCheck("a number from " + shortest(lowest) + " to " + shortest(highest),
+                     [=](double number) { return number >= lowest && number <= highest; });
+}
+
+template <typename Value>
+constexpr bool isReal =
+    std::is_same_v<Value, double> || std::is_same_v<Value, std::optional<double>>;
+
+}  // namespace
 
 Option& Option::required() {
   m_option->required();
@@ -30,22 +66,23 @@ Option& Option::showDefault() {
 }
 
 Option& Option::within(double lowest, double highest) {
-  m_option->check(CLI::Range(lowest, highest));
+  m_option->check(rangeCheck(lowest, highest));
   return *this;
 }
 
 Option& Option::within(int lowest, int highest) {
-  m_option->check(CLI::Range(lowest, highest));
+  m_option->check(rangeCheck(lowest, highest));
   return *this;
 }
 
 Option& Option::positive() {
-  m_option->check(CLI::PositiveNumber);
+  m_option->check(numberCheck("a number above 0", [](double number) { return number > 0.0; }));
   return *this;
 }
 
 Option& Option::notNegative() {
-  m_option->check(CLI::NonNegativeNumber);
+  m_option->check(
+      numberCheck("a number of 0 or more", [](double number) { return number >= 0.0; }));
   return *this;
 }
 
@@ -61,7 +98,11 @@ Option& Option::separatedBy(char separator) {
 
 template <typename Value>
 Option Options::add(const std::string& name, Value& value, const std::string& help) {
-  return Option(m_command->add_option(name, value, help));
+  CLI::Option* const option = m_command->add_option(name, value, help);
+  if constexpr (isReal<Value>) {
+    option->check(numberCheck("a finite number", [](double) { return true; }));
+  }
+  return Option(option);
 }
 
 template Option Options::add(const std::string&, std::string&, const std::string&);

@@ -3,6 +3,8 @@
 #include "host/commands/Command.h"
 #include "host/simulation/SimulationOptions.h"
 
+#include <optional>
+
 namespace grouptracker {
 
 /// `grouptracker simulate`: makes a scene with known groups.
@@ -13,6 +15,7 @@ class SimulateCommand : public Command {
 
  private:
   SimulationOptions m_options;
+  std::optional<int> m_frames;
   bool m_isQuiet = false;
 };
 

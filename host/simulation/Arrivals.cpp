@@ -1,8 +1,11 @@
 #include "host/simulation/Arrivals.h"
 
+#include "host/simulation/Crowding.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <numeric>
 
 namespace grouptracker {
 
@@ -56,21 +59,12 @@ bool liesOn(const Side& side, const cv::Point2d& place) {
          place.y <= side.end.y;
 }
 
-std::vector<int> drawSizes(const SimulationOptions& options, RandomNumbers& random) {
+std::vector<int> sizesOf(const SimulationOptions& options, RandomNumbers& random) {
   std::vector<int> sizes = options.groupSizes;
-  int grouped = 0;
   if (sizes.empty()) {
-    const int wanted = static_cast<int>(std::lround(options.people * options.groupShare));
-    while (wanted - grouped >= smallestGroup) {
-      const int size = std::min(drawByShare(sizeShares, random).size, wanted - grouped);
-      sizes.push_back(size);
-      grouped += size;
-    }
-  } else {
-    for (const int size : sizes) {
-      grouped += size;
-    }
+    return drawSizes(options.people, options.groupShare, random);
   }
+  const int grouped = std::accumulate(sizes.begin(), sizes.end(), 0);
   sizes.insert(sizes.end(), static_cast<std::size_t>(options.people - grouped), 1);
   return sizes;
 }
@@ -95,15 +89,29 @@ double drawSpeed(int size, RandomNumbers& random) {
 
 }  // namespace
 
+std::vector<int> drawSizes(int people, double groupShare, RandomNumbers& random) {
+  std::vector<int> sizes;
+  int grouped = 0;
+  const int wanted = static_cast<int>(std::lround(people * groupShare));
+  while (wanted - grouped >= smallestGroup) {
+    const int size = std::min(drawByShare(sizeShares, random).size, wanted - grouped);
+    sizes.push_back(size);
+    grouped += size;
+  }
+  sizes.insert(sizes.end(), static_cast<std::size_t>(people - grouped), 1);
+  return sizes;
+}
+
 std::vector<Arrival> planArrivals(const SimulationOptions& options, RandomNumbers& random) {
   constexpr double lastSeconds = 14.0;  // nobody new so shortly before the end, none would be seen
-  const double end = std::max(0.0, options.frames / options.rate - lastSeconds);
+  const double end = std::max(0.0, options.duration() - lastSeconds);
   std::vector<Arrival> arrivals;
-  for (const int size : drawSizes(options, random)) {
+  for (const int size : sizesOf(options, random)) {
     const double time = random.uniform(-warmUp, end);
     const cv::Point2d from = drawPlace(drawByShare(sides, random), random);
-    arrivals.push_back({time, size, from, drawGoal(from, random), drawSpeed(size, random)});
+    arrivals.push_back({time, size, from, drawGoal(from, random), drawSpeed(size, random), {}});
   }
+  planCrowding(options, random, arrivals);
   std::stable_sort(arrivals.begin(), arrivals.end(),
                    [](const Arrival& a, const Arrival& b) { return a.time < b.time; });
   return arrivals;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/simulation/Arrivals.h"
+#include "host/simulation/Queue.h"
 #include "host/simulation/Walker.h"
 
 #include <cstddef>
@@ -9,7 +10,7 @@
 namespace grouptracker {
 
 /// Everybody who is in the simulated scene at a moment. People come by plan, walk by the social
-/// force model and go when they reach their goal.
+/// force model, stand where they have a stay, and go when they reach their goal.
 class Crowd {
  public:
   /// The clock starts `warmUp` seconds before the first frame.
@@ -30,10 +31,13 @@ class Crowd {
  private:
   void step(double seconds);
   void letIn(const Arrival& arrival);
+  void settle(const Arrival& arrival, std::size_t firstWalker);
+  void letStand(double seconds);
 
   std::vector<Arrival> m_arrivals;
   RandomNumbers& m_random;
   std::vector<Walker> m_walkers;
+  Queue m_queue;
   std::size_t m_nextArrival = 0;
   double m_time = -warmUp;
   std::uint32_t m_lastId = 0;

@@ -1,5 +1,7 @@
 #include "host/simulation/Encounters.h"
 
+#include "host/simulation/Circle.h"
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -16,6 +18,7 @@ constexpr double foresight = 6.0;        // s for which people must stay in view
 constexpr double earSight = 12.0;        // m from which people head for others
 constexpr double meetingDistance = 1.3;  // m between the nearest; then they are together
 constexpr double partingDistance = 2.4;  // m between the nearest; then they are apart
+constexpr double restTime = 12.0;        // s between two changes of the same people
 constexpr double secondsToTurn = 2.0;    // s that a difference of velocities counts as distance
 
 double length(const cv::Point2d& v) {
@@ -42,9 +45,25 @@ double effort(const Company& some, const Company& others) {
          length(some.front()->velocity - others.front()->velocity) * secondsToTurn;
 }
 
-/// The size that a company must have to be the one that moves.
-bool mayApproach(Kind kind, const Company& company) {
-  return kind == Kind::joined ? company.size() == 1 : company.size() > 1;
+bool isStanding(const Company& company) {
+  return company.front()->post.has_value();
+}
+
+/// Whether some are of the size to be the ones who move, and would rather than the others.
+bool mayApproach(Kind kind, const Company& some, const Company& others) {
+  const bool hasSize = kind == Kind::joined ? some.size() == 1 : some.size() > 1;
+  const bool wouldMove = isStanding(others) || !isStanding(some);
+  return hasSize && wouldMove && others.size() >= 2 && some.size() <= others.size();
+}
+
+/// Somebody walks along with a guide, or stands where the guide's company stands.
+void follow(Walker& walker, const Walker& guide) {
+  walker.company = guide.company;
+  walker.goal = guide.goal;
+  walker.desiredSpeed = guide.desiredSpeed;
+  walker.stayUntil = guide.stayUntil;
+  walker.isCatchingUp = true;
+  walker.post.reset();
 }
 
 bool mayPart(Kind kind, const Company& company) {
@@ -55,8 +74,8 @@ bool mayPart(Kind kind, const Company& company) {
 
 Encounters::Encounters(const SimulationOptions& options, const SimulatedView& view,
                        RandomNumbers& random)
-    : m_view(view), m_random(random) {
-  const double duration = options.frames / options.rate;
+    : m_view(view), m_random(random), m_rest(options.seconds ? restTime : 0.0) {
+  const double duration = options.duration();
   const auto plan = [&](Kind kind, int count) {
     for (int i = 0; i < count; ++i) {
       m_planned.push_back({kind, random.uniform(0.05 * duration, 0.75 * duration)});
@@ -84,7 +103,7 @@ std::vector<GroupEvent> Encounters::update(Crowd& crowd) {
     if (joinsOthers(change.kind) ? distance > meetingDistance : distance < partingDistance) {
       return false;
     }
-    const GroupEvent event = complete(change, movers);
+    const GroupEvent event = complete(change, movers, crowd.time());
     if (isSeen(movers, others)) {
       events.push_back(event);
     }
@@ -106,7 +125,7 @@ std::pair<Company, Company> Encounters::sidesOf(const Change& change, Crowd& cro
   return sides;
 }
 
-GroupEvent Encounters::complete(const Change& change, const Company& movers) {
+GroupEvent Encounters::complete(const Change& change, const Company& movers, double time) const {
   GroupEvent event;
   event.kind = change.kind;
   event.group = change.newGroup == GroupEvent::none ? change.oldGroup : change.newGroup;
@@ -114,6 +133,7 @@ GroupEvent Encounters::complete(const Change& change, const Company& movers) {
   for (Walker* const walker : movers) {
     walker->group = change.newGroup;
     walker->isCatchingUp = false;
+    walker->lastChange = time;
     event.persons.push_back(walker->id);
   }
   return event;
@@ -136,8 +156,7 @@ bool Encounters::beginApproach(Kind kind, Crowd& crowd) {
   double least = earSight;
   for (const Company& some : companies) {
     for (const Company& others : companies) {
-      const bool isSmaller = some.size() <= others.size();
-      if (&some == &others || others.size() < 2 || !mayApproach(kind, some) || !isSmaller) {
+      if (&some == &others || !mayApproach(kind, some, others)) {
         continue;
       }
       if (const double cost = effort(some, others); cost < least) {
@@ -153,11 +172,13 @@ bool Encounters::beginApproach(Kind kind, Crowd& crowd) {
   const Walker& guide = *target->front();
   Change change{kind, {}, movers->front()->group, guide.group};
   for (Walker* const walker : *movers) {
-    walker->company = guide.company;
-    walker->goal = guide.goal;
-    walker->desiredSpeed = guide.desiredSpeed;
-    walker->isCatchingUp = true;
+    follow(*walker, guide);
     change.movers.push_back(walker->id);
+  }
+  if (isStanding(*target)) {
+    Company all = *target;
+    all.insert(all.end(), movers->begin(), movers->end());
+    formCircle(all, middleOf(*target), m_random);
   }
   m_changes.push_back(change);
   return true;
@@ -173,7 +194,8 @@ bool Encounters::beginParting(Kind kind, Crowd& crowd) {
   }
   // The outermost on one side, so that nobody has to push through the others.
   Company members = *found;
-  const cv::Point2d heading = members.front()->velocity;
+  const bool isCircle = isStanding(members);
+  const cv::Point2d heading = isCircle ? cv::Point2d(1.0, 0.0) : members.front()->velocity;
   std::sort(members.begin(), members.end(), [&](const Walker* a, const Walker* b) {
     return heading.cross(a->position) > heading.cross(b->position);
   });
@@ -181,15 +203,35 @@ bool Encounters::beginParting(Kind kind, Crowd& crowd) {
   const bool isGroup = count > 1;
   const Walker& first = *members.front();
   Change change{kind, {}, first.group, isGroup ? crowd.newGroup() : GroupEvent::none};
-  const int company = crowd.newCompany();
-  const cv::Point2d goal = drawTurn(first);
-  for (std::size_t i = 0; i < count; ++i) {
-    members[i]->company = company;
-    members[i]->goal = goal;
-    change.movers.push_back(members[i]->id);
+  const Company leaving(members.begin(), members.begin() + static_cast<std::ptrdiff_t>(count));
+  for (const Walker* const walker : leaving) {
+    change.movers.push_back(walker->id);
+  }
+  sendOff(leaving, crowd);
+  if (isCircle) {
+    const Company rest(members.begin() + static_cast<std::ptrdiff_t>(count), members.end());
+    formCircle(rest, middleOf(rest), m_random);
   }
   m_changes.push_back(change);
   return true;
+}
+
+void Encounters::sendOff(const Company& movers, Crowd& crowd) {
+  constexpr double elsewhereShare = 0.5;  // of those who stood: they stand elsewhere
+  constexpr double elsewhere = 4.5;       // m
+  const int company = crowd.newCompany();
+  const bool stood = isStanding(movers);
+  const cv::Point2d goal = drawTurn(*movers.front());
+  const cv::Point2d way = goal - movers.front()->position;
+  const cv::Point2d place = middleOf(movers) + way * (elsewhere / length(way));
+  for (Walker* const walker : movers) {
+    walker->company = company;
+    walker->goal = goal;
+    walker->post.reset();
+  }
+  if (stood && m_view.sees(place) && m_random.chance(elsewhereShare)) {
+    formCircle(movers, place, m_random);
+  }
 }
 
 cv::Point2d Encounters::drawTurn(const Walker& walker) {
@@ -199,6 +241,9 @@ cv::Point2d Encounters::drawTurn(const Walker& walker) {
   cv::Point2d goal;
   for (int i = 0; i < attempts; ++i) {
     goal = placeElsewhere(walker.goal, m_random);
+    if (walker.post) {
+      break;  // who stands may turn anywhere
+    }
     const cv::Point2d way = goal - walker.position;
     const double cosine = way.dot(walker.velocity) / (length(way) * length(walker.velocity));
     if (cosine > mostTurn && cosine < leastTurn) {
@@ -222,6 +267,15 @@ bool Encounters::staysInView(const Company& walkers) const {
   });
 }
 
+bool Encounters::isFit(const Company& company, double time) const {
+  const bool isBusy = std::any_of(company.begin(), company.end(), [&](const Walker* walker) {
+    const bool isComing = walker->post && !walker->stands();
+    const bool isTired = time - walker->lastChange < m_rest;
+    return walker->isCatchingUp || walker->waits || isComing || isTired;
+  });
+  return !isBusy && !isChanging(company.front()->group) && staysInView(company);
+}
+
 std::vector<Company> Encounters::fitCompanies(Crowd& crowd) const {
   std::map<int, Company> byNumber;
   for (Walker& walker : crowd.walkers()) {
@@ -229,9 +283,7 @@ std::vector<Company> Encounters::fitCompanies(Crowd& crowd) const {
   }
   std::vector<Company> fit;
   for (const auto& [number, company] : byNumber) {
-    const bool isOnTheWay = std::any_of(company.begin(), company.end(),
-                                        [](const Walker* walker) { return walker->isCatchingUp; });
-    if (!isOnTheWay && !isChanging(company.front()->group) && staysInView(company)) {
+    if (isFit(company, crowd.time())) {
       fit.push_back(company);
     }
   }

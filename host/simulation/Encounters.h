@@ -14,13 +14,14 @@ namespace grouptracker {
 
 /// What happened to a simulated group.
 struct GroupEvent {
-  enum class Kind { created, joined, left, merged, split, ended };
+  enum class Kind { created, joined, left, merged, split, ended, switched, renamed };
   static constexpr int none = 0;  ///< no group
 
   Kind kind = Kind::created;
   int group = none;
   int other = none;  ///< the group that merged into `group`, or from which it split
-  std::vector<std::uint32_t> persons;  ///< who came, went, or made the group
+  /// Who came, went, or made the group; of a tracker's fault, the two ids.
+  std::vector<std::uint32_t> persons;
 };
 
 /// Lets people join and leave groups and groups merge and split, at times drawn beforehand, as soon
@@ -48,20 +49,24 @@ class Encounters {
   /// The walkers who change groups, and those of whom they part or to whom they come.
   static std::pair<std::vector<Walker*>, std::vector<Walker*>> sidesOf(const Change& change,
                                                                        Crowd& crowd);
-  static GroupEvent complete(const Change& change, const std::vector<Walker*>& movers);
+  GroupEvent complete(const Change& change, const std::vector<Walker*>& movers, double time) const;
   /// Whether an onlooker notices the change.
   bool isSeen(const std::vector<Walker*>& movers, const std::vector<Walker*>& others) const;
   bool begin(GroupEvent::Kind kind, Crowd& crowd);
   bool beginApproach(GroupEvent::Kind kind, Crowd& crowd);
   bool beginParting(GroupEvent::Kind kind, Crowd& crowd);
+  /// Lets some of a company go their own way, or stand by themselves.
+  void sendOff(const std::vector<Walker*>& movers, Crowd& crowd);
   /// Where somebody goes who turns away from the others without turning back.
   cv::Point2d drawTurn(const Walker& walker);
   bool isChanging(int group) const;
   bool staysInView(const std::vector<Walker*>& walkers) const;
+  bool isFit(const std::vector<Walker*>& company, double time) const;
   std::vector<std::vector<Walker*>> fitCompanies(Crowd& crowd) const;
 
   const SimulatedView& m_view;
   RandomNumbers& m_random;
+  double m_rest;                  ///< seconds for which those who changed groups stay together
   std::deque<Planned> m_planned;  ///< in the order of time
   std::vector<Change> m_changes;  ///< begun, not yet to be seen
 };

@@ -58,17 +58,23 @@ SimulationSummary simulateScene(const SimulationOptions& options) {
   TrackAssembler assembler(std::move(owned), view.camera(), LinkOptions());
   SceneWriter scene(folder / "scene.jsonl");
   TruthRecorder truth(folder);
+  if (options.seconds) {
+    scene.keepNumbers();
+  }
   InputFrame frame;
   while (assembler.next(frame)) {
     if (options.images) {
       frame.imageFile = fmt::format("images/{:06}.png", source.frame());
       writeImage(folder / frame.imageFile, renderer.render(source.inView()));
     }
+    if (options.seconds) {
+      frame.time = source.time();
+    }
     scene.write(frame);
-    truth.write(source.frame(), source.inView(), source.events());
+    truth.write({source.frame(), source.time()}, source.tracked(), source.events());
   }
   truth.finish();
-  return {options.frames, truth.persons(), truth.groups()};
+  return {options.totalFrames(), truth.persons(), truth.groups()};
 }
 
 }  // namespace grouptracker

@@ -17,8 +17,8 @@ using json_line::appendNumbers;
 using Kind = GroupEvent::Kind;
 
 const char* nameOf(Kind kind) {
-  constexpr std::array<const char*, 6> names{"created", "joined", "left",
-                                             "merged",  "split",  "ended"};
+  constexpr std::array<const char*, 8> names{"created", "joined", "left",     "merged",
+                                             "split",   "ended",  "switched", "renamed"};
   return names[static_cast<std::size_t>(kind)];
 }
 
@@ -43,15 +43,43 @@ std::vector<std::uint32_t> idsOf(const std::vector<Walker>& walkers) {
   return ids;
 }
 
+/// The groups of the frame before out of which a group came at this one, as a run tells them.
+std::vector<GroupId> originOf(int group, const std::vector<GroupEvent>& events) {
+  std::vector<GroupId> origin;
+  for (const GroupEvent& event : events) {
+    if (event.group == group && event.other != GroupEvent::none) {
+      origin.push_back(static_cast<GroupId>(event.other));
+      if (event.kind == Kind::merged) {
+        origin.push_back(static_cast<GroupId>(group));
+      }
+    }
+  }
+  std::sort(origin.begin(), origin.end());
+  origin.erase(std::unique(origin.begin(), origin.end()), origin.end());
+  return origin;
+}
+
+cv::Point2d meanPlace(const std::vector<std::uint32_t>& members,
+                      const std::vector<Walker>& inView) {
+  cv::Point2d sum;
+  for (const Walker& walker : inView) {
+    sum += std::binary_search(members.begin(), members.end(), walker.id) ? walker.position
+                                                                         : cv::Point2d();
+  }
+  return sum * (1.0 / static_cast<double>(members.size()));
+}
+
 }  // namespace
 
 TruthRecorder::TruthRecorder(const std::filesystem::path& folder)
     : m_truth(folder / "truth.jsonl"),
+      m_trueGroups(folder / "true_groups.jsonl"),
       m_eventFile(folder / "events.jsonl"),
       m_groupFile(folder / "groups.txt") {}
 
-void TruthRecorder::write(std::int64_t frame, const std::vector<Walker>& inView,
+void TruthRecorder::write(const Moment& moment, const std::vector<Walker>& inView,
                           const std::vector<GroupEvent>& events) {
+  const std::int64_t frame = moment.frame;
   m_lastFrame = frame;
   const Groups groups = groupsOf(inView);
   writeTruth(frame, groups, inView);
@@ -63,6 +91,7 @@ void TruthRecorder::write(std::int64_t frame, const std::vector<Walker>& inView,
     const auto [life, isNew] = m_lives.try_emplace(group, Life{frame, frame, members});
     life->second.last = frame;
   }
+  writeGroups(moment, groups, inView, events);
   for (const GroupEvent& event : events) {
     m_events.emplace_back(frame, event);
   }
@@ -71,7 +100,7 @@ void TruthRecorder::write(std::int64_t frame, const std::vector<Walker>& inView,
 void TruthRecorder::finish() {
   addCreatedAndEnded();
   writeEvents();
-  writeGroups();
+  writeSceneGroups();
 }
 
 void TruthRecorder::writeTruth(std::int64_t frame, const Groups& groups,
@@ -85,6 +114,20 @@ void TruthRecorder::writeTruth(std::int64_t frame, const Groups& groups,
   appendNumbers(m_line, idsOf(inView));
   append(m_line, "}}\n");
   m_truth.writeLines({m_line.data(), m_line.size()});
+}
+
+void TruthRecorder::writeGroups(const Moment& moment, const Groups& groups,
+                                const std::vector<Walker>& inView,
+                                const std::vector<GroupEvent>& events) {
+  FrameGroups line{moment.frame, moment.time, {}, idsOf(inView)};
+  for (const auto& [group, members] : groups) {
+    line.groups.push_back({static_cast<GroupId>(group), members, m_lives.at(group).first,
+                           meanPlace(members, inView), 1.0, originOf(group, events)});
+    std::erase_if(line.alone, [&members](std::uint32_t person) {
+      return std::binary_search(members.begin(), members.end(), person);
+    });
+  }
+  m_trueGroups.write(line);
 }
 
 void TruthRecorder::countPairs(const std::vector<Walker>& inView) {
@@ -124,8 +167,10 @@ void TruthRecorder::addCreatedAndEnded() {
 void TruthRecorder::writeEvents() {
   for (const auto& [frame, event] : m_events) {
     m_line.clear();
-    append(m_line, R"({{"frame": {}, "event": "{}", "group": {}, )", frame, nameOf(event.kind),
-           event.group);
+    append(m_line, R"({{"frame": {}, "event": "{}", )", frame, nameOf(event.kind));
+    if (event.group != GroupEvent::none) {
+      append(m_line, R"("group": {}, )", event.group);
+    }
     if (event.other != GroupEvent::none) {
       append(m_line, R"("from": {}, )", event.other);
     }
@@ -136,7 +181,7 @@ void TruthRecorder::writeEvents() {
   }
 }
 
-void TruthRecorder::writeGroups() {
+void TruthRecorder::writeSceneGroups() {
   std::set<std::uint32_t> grouped;
   JoinedSets sets(m_persons.empty() ? 0 : *m_persons.rbegin() + std::size_t{1});
   for (const auto& [pair, counts] : m_pairs) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/base/OutputFile.h"
+#include "host/grouping/FrameGroupsWriter.h"
 #include "host/simulation/Encounters.h"
 #include "host/simulation/Walker.h"
 
@@ -19,6 +20,9 @@ namespace grouptracker {
 
 /// Writes the true groups of a simulated scene.
 ///
+/// Persons have the ids that the tracker gives them at the frame, so that what a run finds can be
+/// compared; the numbers of groups are those of the true groups, whatever ids their members have.
+///
 /// `truth.jsonl`, one line a frame: the groups of which at least two members are in view, their
 /// numbers, and everybody in view, observed or not.
 ///
@@ -29,14 +33,21 @@ namespace grouptracker {
 ///
 ///     {"frame": 57, "event": "merged", "group": 2, "from": 5, "persons": [7, 8, 9]}
 ///
+/// `true_groups.jsonl`: the same in the form in which a run writes groups.
+///
 /// `groups.txt`, one line a group: persons who are together at more than half of the frames that
 /// show both, and whom others connect.
 class TruthRecorder {
  public:
   explicit TruthRecorder(const std::filesystem::path& folder);
 
-  /// Notes a frame, in order from 1 on.
-  void write(std::int64_t frame, const std::vector<Walker>& inView,
+  struct Moment {
+    std::int64_t frame = 0;
+    double time = 0.0;  ///< seconds
+  };
+
+  /// Notes a frame, in order from 1 on; `inView` in ascending order of ids.
+  void write(const Moment& moment, const std::vector<Walker>& inView,
              const std::vector<GroupEvent>& events);
   /// Writes what is known at the end only. Call once after the last frame.
   void finish();
@@ -57,12 +68,15 @@ class TruthRecorder {
   using Groups = std::map<int, std::vector<std::uint32_t>>;
 
   void writeTruth(std::int64_t frame, const Groups& groups, const std::vector<Walker>& inView);
+  void writeGroups(const Moment& moment, const Groups& groups, const std::vector<Walker>& inView,
+                   const std::vector<GroupEvent>& events);
   void countPairs(const std::vector<Walker>& inView);
   void addCreatedAndEnded();
   void writeEvents();
-  void writeGroups();
+  void writeSceneGroups();
 
   OutputFile m_truth;
+  FrameGroupsWriter m_trueGroups;
   OutputFile m_eventFile;
   OutputFile m_groupFile;
   fmt::memory_buffer m_line;

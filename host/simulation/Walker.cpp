@@ -30,6 +30,11 @@ constexpr double strangenessOfCompanions = 0.15;
 constexpr double hurrySpeed = 1.9;  // m/s
 constexpr double waitingShare = 0.7;
 
+// People who stand give way only little, and return to where they stood.
+constexpr double strangenessOfStanding = 0.4;
+constexpr double settlingTime = 0.8;   // s within which a stander makes good for a push
+constexpr double standingReach = 0.5;  // m from the post
+
 double length(const cv::Point2d& v) {
   return std::sqrt(v.dot(v));
 }
@@ -67,7 +72,16 @@ Company companyOf(const Walker& walker, const std::vector<Walker>& all) {
   return company;
 }
 
+cv::Point2d driveToPost(const Walker& walker) {
+  const cv::Point2d aim = *walker.post + walker.sway - walker.position;
+  const double speed = std::min(walker.desiredSpeed, length(aim) / settlingTime);
+  return (unit(aim) * speed - walker.velocity) * (1.0 / relaxationTime);
+}
+
 cv::Point2d drive(const Walker& walker, const Company& company) {
+  if (walker.post) {
+    return driveToPost(walker);
+  }
   cv::Point2d aim = walker.goal - walker.position;
   double speed = walker.desiredSpeed;
   if (walker.isCatchingUp && company.others > 0) {
@@ -99,7 +113,7 @@ cv::Point2d repulsion(const Walker& walker, const Walker& other) {
 
 /// Slows those ahead until they see their company, and draws in those who are too far from it.
 cv::Point2d togetherness(const Walker& walker, const Company& company) {
-  if (company.others == 0 || walker.isCatchingUp) {
+  if (company.others == 0 || walker.isCatchingUp || walker.post) {
     return {};
   }
   const cv::Point2d toMiddle = company.middle - walker.position;
@@ -118,15 +132,20 @@ cv::Point2d elbowRoom(const Walker& walker, const Walker& companion) {
 
 }  // namespace
 
+bool Walker::stands() const {
+  return post && length(*post - position) < standingReach;
+}
+
 cv::Point2d socialForce(const Walker& walker, const std::vector<Walker>& all) {
   const Company company = companyOf(walker, all);
   cv::Point2d force = drive(walker, company) + togetherness(walker, company);
+  const double strangeness = walker.stands() ? strangenessOfStanding : 1.0;
   for (const Walker& other : all) {
     if (other.id == walker.id) {
       continue;
     }
     const bool isCompanion = other.company == walker.company;
-    force += repulsion(walker, other) * (isCompanion ? strangenessOfCompanions : 1.0);
+    force += repulsion(walker, other) * (isCompanion ? strangenessOfCompanions : strangeness);
     if (isCompanion) {
       force += elbowRoom(walker, other);
     }

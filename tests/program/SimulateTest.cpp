@@ -37,6 +37,27 @@ TEST(SimulateCommand, RefusesMorePeopleInGroupsThanThereAre) {
   EXPECT_FALSE(std::filesystem::exists(folder.path() / "scene"));
 }
 
+TEST(SimulateCommand, RefusesNumbersThatMakeNoScene) {
+  const TempFolder folder;
+  const std::vector<std::pair<QStringList, std::string>> cases{
+      {{"--rate", "nan"}, "--rate: nan is not a finite number"},
+      {{"--seconds", "inf"}, "--seconds: inf is not a finite number"},
+      {{"--noise", "-1"}, "--noise: -1 is not a number from 0 to 100"},
+      {{"--joins", "2000000000"}, "--joins: 2000000000 is not a number from 0 to 10000"},
+      {{"--circles", "2,99"}, "--circles: 99 is not a number from 2 to 12"},
+      {{"--people", "100000", "--waiting", "1"},
+       "--people: 100001 people in all are more than 100000"},
+      {{"--seconds", "1e6", "--rate", "1000"}, "--seconds: gives more than 100000000 frames"},
+      {{"--seconds", "9", "--frames", "9"},
+       "--seconds: is there in place of --frames, so only one of them can be given"}};
+  for (const auto& [options, message] : cases) {
+    Program simulate(folder.path());
+    EXPECT_EQ(simulate.run(QStringList{"simulate", "--output", "scene"} + options), 2) << message;
+    EXPECT_THAT(simulate.errors(), testing::StartsWith(message + "\n"));
+  }
+  EXPECT_FALSE(std::filesystem::exists(folder.path() / "scene"));
+}
+
 }  // namespace
 
 }  // namespace grouptracker

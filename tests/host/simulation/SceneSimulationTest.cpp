@@ -18,8 +18,9 @@ using Persons = std::set<unsigned int>;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-const std::vector<std::string> textFiles{"scene.jsonl", "truth.jsonl",  "events.jsonl",
-                                         "groups.txt",  "context.json", "calibration.yml"};
+const std::vector<std::string> textFiles{"scene.jsonl",    "truth.jsonl", "true_groups.jsonl",
+                                         "events.jsonl",   "groups.txt",  "context.json",
+                                         "calibration.yml"};
 
 SimulationOptions shortScene(std::uint64_t seed) {
   SimulationOptions options;
