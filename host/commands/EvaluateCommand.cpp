@@ -1,6 +1,7 @@
 #include "host/commands/EvaluateCommand.h"
 
 #include "host/base/FileIdentity.h"
+#include "host/base/InputError.h"
 #include "host/base/OutputFile.h"
 #include "host/evaluation/ErrorList.h"
 #include "host/evaluation/ScoredSteps.h"
@@ -30,7 +31,8 @@ void declareScores(Options& command, EvaluationOptions& options) {
       .showDefault();
   command
       .add("--event-tolerance", options.eventTolerance,
-           "time steps between a found merge or split and the true one")
+           "seconds between a found merge or split and the true one")
+      .notNegative()
       .showDefault();
 }
 
@@ -45,6 +47,8 @@ Options EvaluateCommand::declare(CommandLine& program) {
            "annotated groups: one a line for the whole sequence, or per frame in *.jsonl")
       .required()
       .typeName("FILE");
+  command.add("--compare", m_otherFile, "the groups of another run, to be put side by side")
+      .typeName("GROUPS");
   command.add("--output", m_outputFile, "all numbers as JSON").typeName("FILE");
   command.add("--errors", m_errorsFile, "who is in the wrong company at which frame, CSV")
       .typeName("FILE");
@@ -58,24 +62,35 @@ Options EvaluateCommand::declare(CommandLine& program) {
 }
 
 int EvaluateCommand::run() {
-  refuseOverwriting({m_outputFile, m_errorsFile}, {m_groupsFile, m_truthFile});
-  const RunSteps run = readScored(m_groupsFile);
+  refuseOverwriting({m_outputFile, m_errorsFile}, {m_groupsFile, m_truthFile, m_otherFile});
   const GroupTruth truth = readTruth(m_truthFile);
+  const GroupedFrames run = readRun(m_groupsFile, truth);
   EvaluationReport report = evaluate(run, truth, m_options);
   if (m_baselines) {
     InputOptions options = inputOptions(m_choice);
     options.decodesVideo = false;
     const OpenedInput input = openInput(inputOfBaselines(), options);
-    report.baselines = scoreBaselines(stepsWithoutGroups(*input.frames), truth, m_options.window);
+    report.baselines = scoreBaselines(peopleIn(*input.frames), truth, m_options.window);
   }
-  fmt::print("{}", tableOf(report));
+  fmt::print("{}", m_otherFile.empty() ? tableOf(report)
+                                       : comparisonOf(report, evaluate(readRun(m_otherFile, truth),
+                                                                       truth, m_options)));
   if (!m_outputFile.empty()) {
     OutputFile(m_outputFile).writeLines(jsonOf(report));
   }
   if (!m_errorsFile.empty()) {
-    writeErrorList(run, stepsOf(run, truth), m_errorsFile);
+    const GroupedFrames frames = annotated(run, truth);
+    writeErrorList(frames, stepsOf(frames, truth), m_errorsFile);
   }
   return finished;
+}
+
+GroupedFrames EvaluateCommand::readRun(const std::string& path, const GroupTruth& truth) const {
+  GroupedFrames run = readScored(path);
+  if (const auto problem = whyAboutOthers(truth, run)) {
+    throw InputError(m_truthFile, 1, *problem + path);
+  }
+  return run;
 }
 
 std::string EvaluateCommand::inputOfBaselines() const {

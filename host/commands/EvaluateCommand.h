@@ -15,10 +15,12 @@ class EvaluateCommand : public Command {
   int run() override;
 
  private:
+  GroupedFrames readRun(const std::string& path, const GroupTruth& truth) const;
   std::string inputOfBaselines() const;
 
   std::string m_groupsFile;
   std::string m_truthFile;
+  std::string m_otherFile;   ///< empty when not wanted
   std::string m_outputFile;  ///< empty when not wanted
   std::string m_errorsFile;  ///< empty when not wanted
   InputChoice m_choice;      ///< for the baselines; the input is empty when not given

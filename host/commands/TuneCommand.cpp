@@ -57,8 +57,11 @@ void declareSearch(Options& command, TuneOptions& options) {
 }  // namespace
 
 Options TuneCommand::declare(CommandLine& program) {
-  Options command = program.addCommand(
-      "tune", "Searches for the parameters that score best on annotated inputs", example);
+  Options command = program.addCommand("tune",
+                                       "Searches for the parameters of the process with which what "
+                                       "it puts out (run --actors) scores "
+                                       "best on annotated inputs",
+                                       example);
   declareFiles(command, m_options);
   declareSearch(command, m_options);
   declareReading(command, m_options.reading);

@@ -1,5 +1,7 @@
 #include "host/evaluation/Baselines.h"
 
+#include "host/run/RunStep.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -17,17 +19,23 @@ double norm(const cv::Point2d& vector) {
   return std::hypot(vector.x, vector.y);
 }
 
-/// Where everybody is at one step; of several actors with one id the last counts.
 using Places = std::map<Person, cv::Point2d>;
 
-Places placesOf(const RunStep& step) {
+Places placesOf(const PeopleFrame& frame) {
   Places places;
-  for (const RunPerson& person : step.persons) {
-    if (person.seen) {
-      places[person.id] = person.seen->ground;
-    }
+  for (const PersonAt& person : frame.people) {
+    places[person.person] = person.place;
   }
   return places;
+}
+
+/// The same frame with everybody alone.
+FrameGroups withoutGroups(const PeopleFrame& frame) {
+  FrameGroups groups{frame.number, frame.time, {}, {}};
+  for (const PersonAt& person : frame.people) {
+    groups.alone.push_back(person.person);
+  }
+  return groups;
 }
 
 bool walkTogether(Person a, Person b, const std::vector<Places>& window) {
@@ -40,9 +48,7 @@ bool walkTogether(Person a, Person b, const std::vector<Places>& window) {
   return distance / static_cast<double>(window.size()) < limit && norm(wayOfA - wayOfB) < limit;
 }
 
-Grouping groupByRule(const std::vector<Person>& persons, const RunSteps& steps) {
-  std::vector<Places> window;
-  std::transform(steps.begin(), steps.end(), std::back_inserter(window), placesOf);
+Grouping groupByRule(const std::vector<Person>& persons, const std::vector<Places>& window) {
   std::vector<PersonGroup> pairs;
   for (std::size_t i = 0; i < persons.size(); ++i) {
     for (std::size_t j = i + 1; j < persons.size(); ++j) {
@@ -56,28 +62,44 @@ Grouping groupByRule(const std::vector<Person>& persons, const RunSteps& steps) 
 
 }  // namespace
 
-RunSteps stepsWithoutGroups(FrameSource& input) {
-  RunSteps steps;
-  InputFrame frame;
-  while (input.next(frame)) {
-    RunStep& step = steps.emplace_back();
-    step.inputFrame = frame.number;
-    step.persons = personsIn(frame);
-    std::erase_if(step.persons, [](const RunPerson& person) { return !person.seen; });
+std::vector<PeopleFrame> peopleIn(FrameSource& input) {
+  std::vector<PeopleFrame> frames;
+  for (InputFrame frame; input.next(frame);) {
+    std::map<PersonId, cv::Point2d> places;  // of several actors with one id the last counts
+    for (const RunPerson& person : personsIn(frame)) {
+      if (person.seen) {
+        places[person.id] = person.seen->ground;
+      }
+    }
+    PeopleFrame& people = frames.emplace_back();
+    people.number = frame.number;
+    people.time = frame.time;
+    for (const auto& [person, place] : places) {
+      people.people.push_back({person, place});
+    }
   }
-  return steps;
+  return frames;
 }
 
-Baselines scoreBaselines(const RunSteps& steps, const GroupTruth& truth,
+Baselines scoreBaselines(const std::vector<PeopleFrame>& frames, const GroupTruth& truth,
                          const WindowOptions& options) {
+  GroupedFrames alone;
+  std::vector<Places> places;
+  for (const PeopleFrame& frame : frames) {
+    if (truth.knows(frame.number)) {
+      alone.push_back(withoutGroups(frame));
+      places.push_back(placesOf(frame));
+    }
+  }
   std::vector<PartitionPair> windows;
   std::vector<PartitionPair> byRule;
   const auto length = static_cast<std::ptrdiff_t>(options.length);
-  for (std::ptrdiff_t i = 0; i + length <= std::ssize(steps); i += length) {
-    const RunSteps part(steps.begin() + i, steps.begin() + i + length);
+  for (std::ptrdiff_t i = 0; i + length <= std::ssize(alone); i += length) {
+    const GroupedFrames part(alone.begin() + i, alone.begin() + i + length);
     for (PartitionPair& window : windowsOf(part, truth, options)) {
       windows.push_back(window);
-      window.found = groupByRule(window.persons, part);
+      window.found = groupByRule(
+          window.persons, std::vector<Places>(places.begin() + i, places.begin() + i + length));
       byRule.push_back(std::move(window));
     }
   }

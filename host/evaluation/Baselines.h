@@ -3,13 +3,15 @@
 #include "host/evaluation/GroupTruth.h"
 #include "host/evaluation/PartitionScores.h"
 #include "host/evaluation/WindowScores.h"
+#include "host/grouping/PeopleFrame.h"
 #include "host/people/InputFrame.h"
-#include "host/run/RunStep.h"
+
+#include <vector>
 
 namespace grouptracker {
 
-/// An input as the steps of a run that finds no groups: everybody who has a place, at every frame.
-RunSteps stepsWithoutGroups(FrameSource& input);
+/// Everybody who has a place, at every frame of an input.
+std::vector<PeopleFrame> peopleIn(FrameSource& input);
 
 /// Windowed scores of what needs no tracker, so that nobody is fooled by a score.
 struct Baselines {
@@ -19,7 +21,8 @@ struct Baselines {
   PrecisionRecall crudeRule;
 };
 
-Baselines scoreBaselines(const RunSteps& steps, const GroupTruth& truth,
+/// Only frames that the truth knows count.
+Baselines scoreBaselines(const std::vector<PeopleFrame>& frames, const GroupTruth& truth,
                          const WindowOptions& options);
 
 }  // namespace grouptracker

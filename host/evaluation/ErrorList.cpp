@@ -55,12 +55,12 @@ std::string errorsOf(std::int64_t frame, const PartitionPair& step) {
 
 }  // namespace
 
-void writeErrorList(const RunSteps& run, const std::vector<PartitionPair>& steps,
+void writeErrorList(const GroupedFrames& run, const std::vector<PartitionPair>& steps,
                     const std::string& path) {
   OutputFile file(path);
   file.writeLines("frame,person,error,missing,extra\n");
   for (std::size_t i = 0; i < steps.size(); ++i) {
-    file.writeLines(errorsOf(*run[i].inputFrame, steps[i]));
+    file.writeLines(errorsOf(run[i].frame, steps[i]));
   }
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/evaluation/PartitionScores.h"
-#include "host/run/RunStep.h"
+#include "host/evaluation/ScoredSteps.h"
 
 #include <string>
 #include <vector>
@@ -17,7 +17,7 @@ namespace grouptracker {
 /// person alone that was found in a group, "wrong companions" otherwise; `missing` are the true
 /// companions that were not found, `extra` the found ones that are not true. `steps` are those of
 /// the run. A file that cannot be written is an `OutputError`.
-void writeErrorList(const RunSteps& run, const std::vector<PartitionPair>& steps,
+void writeErrorList(const GroupedFrames& run, const std::vector<PartitionPair>& steps,
                     const std::string& path);
 
 }  // namespace grouptracker

@@ -1,16 +1,14 @@
 #include "host/evaluation/FrameScores.h"
 
-#include "host/evaluation/ScoredSteps.h"
-
 namespace grouptracker {
 
-std::vector<PartitionPair> stepsOf(const RunSteps& run, const GroupTruth& truth) {
+std::vector<PartitionPair> stepsOf(const GroupedFrames& run, const GroupTruth& truth) {
   std::vector<PartitionPair> steps;
   steps.reserve(run.size());
-  for (const RunStep& step : run) {
+  for (const FrameGroups& step : run) {
     PartitionPair& pair = steps.emplace_back();
     pair.persons = personsOf(step);
-    pair.truth = restrictTo(truth.at(*step.inputFrame), pair.persons);
+    pair.truth = restrictTo(truth.at(step.frame), pair.persons);
     pair.found = restrictTo(groupingOf(step), pair.persons);
   }
   return steps;

@@ -2,7 +2,7 @@
 
 #include "host/evaluation/GroupTruth.h"
 #include "host/evaluation/PartitionScores.h"
-#include "host/run/RunStep.h"
+#include "host/evaluation/ScoredSteps.h"
 
 #include <array>
 #include <vector>
@@ -20,7 +20,7 @@ struct FrameScores {
 };
 
 /// Truth and finding of each time step among the persons in view.
-std::vector<PartitionPair> stepsOf(const RunSteps& run, const GroupTruth& truth);
+std::vector<PartitionPair> stepsOf(const GroupedFrames& run, const GroupTruth& truth);
 
 FrameScores scoreFrames(const std::vector<PartitionPair>& steps);
 

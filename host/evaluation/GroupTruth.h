@@ -18,6 +18,9 @@ class GroupTruth {
 
   /// `ids`, when they are known, are the identities of the groups over time, in their order.
   void setAt(std::int64_t frame, Grouping groups, GroupIds ids = {});
+  /// Whether the truth says anything about a frame: one for the whole sequence does about all, one
+  /// per frame about those that it lists, with groups or without.
+  bool knows(std::int64_t frame) const { return !isPerFrame() || m_byFrame.contains(frame); }
   bool isPerFrame() const { return !m_byFrame.empty(); }
   /// The groups at a frame of the input; none at a frame that a truth per frame leaves out.
   const Grouping& at(std::int64_t frame) const;

@@ -1,10 +1,6 @@
 #pragma once
 
-#include "host/evaluation/GroupTruth.h"
-#include "host/evaluation/PartitionScores.h"
-#include "host/run/RunStep.h"
-
-#include <cstddef>
+#include "host/evaluation/ScoredSteps.h"
 
 namespace grouptracker {
 
@@ -20,20 +16,16 @@ struct TimeScores {
   double untilFound = 0.0;  ///< mean number of steps from first seen to first found
   int foundGroups = 0;      ///< with two persons at least once
   int falseGroups = 0;      ///< of these, never corresponding to a true one
+
+  double changesPerGroup() const {
+    return trueGroups > 0 ? static_cast<double>(identityChanges) / trueGroups : 0.0;
+  }
+  double falseShare() const {
+    return foundGroups > 0 ? static_cast<double>(falseGroups) / foundGroups : 0.0;
+  }
 };
 
-TimeScores scoreTime(const RunSteps& run, const GroupTruth& truth);
-
-/// Merges and splits that were found within a tolerance of a true one of somebody in common.
-struct EventScores {
-  Counts merges;
-  Counts splits;
-};
-
-/// A true merge: a group whose members were in several groups the step before; a true split the
-/// other way round. Where the truth has ids, one of the several must end (begin) there, so that a
-/// person who changes groups is neither. Only a truth per frame has such events. `tolerance` is in
-/// time steps.
-EventScores scoreEvents(const RunSteps& run, const GroupTruth& truth, std::size_t tolerance);
+/// `frames` are those that count.
+TimeScores scoreTime(const GroupedFrames& frames, const GroupTruth& truth);
 
 }  // namespace grouptracker

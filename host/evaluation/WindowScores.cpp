@@ -1,6 +1,5 @@
 #include "host/evaluation/WindowScores.h"
 
-#include "host/evaluation/ScoredSteps.h"
 #include "host/evaluation/Togetherness.h"
 
 #include <algorithm>
@@ -18,7 +17,7 @@ std::vector<Person> commonPersons(const std::vector<Person>& a, const std::vecto
   return common;
 }
 
-PartitionPair windowFrom(RunSteps::const_iterator first, RunSteps::const_iterator end,
+PartitionPair windowFrom(GroupedFrames::const_iterator first, GroupedFrames::const_iterator end,
                          const GroupTruth& truth, std::size_t minimum) {
   PartitionPair window;
   window.persons = personsOf(*first);
@@ -28,7 +27,7 @@ PartitionPair windowFrom(RunSteps::const_iterator first, RunSteps::const_iterato
     const auto persons = personsOf(*step);
     window.persons = commonPersons(window.persons, persons);
     together.add(groupingOf(*step), persons);
-    frames.push_back(*step->inputFrame);
+    frames.push_back(step->frame);
   }
   window.truth = restrictTo(truth.over(frames), window.persons);
   window.found = together.among(window.persons, minimum);
@@ -37,7 +36,7 @@ PartitionPair windowFrom(RunSteps::const_iterator first, RunSteps::const_iterato
 
 }  // namespace
 
-std::vector<PartitionPair> windowsOf(const RunSteps& run, const GroupTruth& truth,
+std::vector<PartitionPair> windowsOf(const GroupedFrames& run, const GroupTruth& truth,
                                      const WindowOptions& options) {
   std::vector<PartitionPair> windows;
   const auto length = static_cast<std::ptrdiff_t>(options.length);
@@ -66,12 +65,12 @@ PrecisionRecall meanMitre(const std::vector<PartitionPair>& windows) {
   return mean;
 }
 
-PartitionPair wholeSequence(const RunSteps& run, const GroupTruth& truth,
+PartitionPair wholeSequence(const GroupedFrames& run, const GroupTruth& truth,
                             const WindowOptions& options) {
   PartitionPair whole;
   std::set<Person> everybody;
   Togetherness together;
-  for (const RunStep& step : run) {
+  for (const FrameGroups& step : run) {
     const auto persons = personsOf(step);
     everybody.insert(persons.begin(), persons.end());
     together.add(groupingOf(step), persons);

@@ -64,6 +64,24 @@ TEST_F(Evaluate, PrintsTheScoresAndWritesThemAndTheErrors) {
   EXPECT_EQ(errors[3], "11,3,not a member,,1 2");
 }
 
+TEST_F(Evaluate, PutsTwoRunsSideBySide) {
+  folder.write("half.jsonl",
+               text("groups.jsonl").substr(0, text("groups.jsonl").find("{\"frame\": 11,")));
+  EXPECT_EQ(program.run({"evaluate", "groups.jsonl", "--truth", "walk/groups.txt", "--window", "10",
+                         "--compare", "half.jsonl"}),
+            0)
+      << program.errors();
+  EXPECT_THAT(program.output(),
+              HasSubstr("group MITRE, 2 windows                 0.750     1.000    -0.250"));
+}
+
+TEST_F(Evaluate, RefusesATruthForOtherPeople) {
+  folder.write("others.txt", "10 11\n");
+  EXPECT_EQ(program.run({"evaluate", "groups.jsonl", "--truth", "others.txt"}), 2);
+  EXPECT_EQ(program.errors(),
+            "others.txt:1: no group has two members in view together in groups.jsonl\n");
+}
+
 TEST_F(Evaluate, NamesTheLineThatIsWrong) {
   folder.write("groups.jsonl", text("groups.jsonl") + "{\"frame\": 21");
   EXPECT_EQ(program.run({"evaluate", "groups.jsonl", "--truth", "walk/groups.txt"}), 2);

@@ -16,19 +16,19 @@ namespace grouptracker {
 
 namespace {
 
-double slidingScore(const RunSteps& run, const GroupTruth& truth) {
+double slidingScore(const GroupedFrames& run, const GroupTruth& truth) {
   constexpr std::size_t starts = 5;
   const WindowOptions options;
   double sum = 0.0;
   for (std::size_t i = 0; i < starts; ++i) {
     const auto skipped = std::min(run.size(), i * options.length / starts);
-    const RunSteps rest(run.begin() + static_cast<std::ptrdiff_t>(skipped), run.end());
+    const GroupedFrames rest(run.begin() + static_cast<std::ptrdiff_t>(skipped), run.end());
     sum += meanMitre(windowsOf(rest, truth, options)).f1;
   }
   return sum / static_cast<double>(starts);
 }
 
-double scoreOf(const RunSteps& run, const GroupTruth& truth, TunedScore score) {
+double scoreOf(const GroupedFrames& run, const GroupTruth& truth, TunedScore score) {
   constexpr std::size_t mostlyCorrect = 1;  // among the tolerances: two thirds
   switch (score) {
     case TunedScore::sliding:
@@ -61,12 +61,18 @@ double runTrial(const TunedSequence& sequence, const TrialSettings& settings, Tu
   setUp.dumpsMobiles = false;
   TrackerRun tracker(loadGroupTracker(""));
   tracker.configure(setUp);
-  RunSteps run;
+  GroupedFrames run;
+  ProcessGroups groups;
+  const auto add = [&](const RunStep& step) {
+    if (auto frame = groups.next(step)) {
+      run.push_back(*std::move(frame));
+    }
+  };
   for (InputFrame frame; input.frames->next(frame);) {
-    addScored(tracker.advance(frame), run);
+    add(tracker.advance(frame));
   }
-  for (RunStep& step : tracker.finish()) {
-    addScored(std::move(step), run);
+  for (const RunStep& step : tracker.finish()) {
+    add(step);
   }
   return scoreOf(run, sequence.truth, score);
 }

@@ -21,9 +21,9 @@ struct TunedSequence {
 /// steps of the windows: where they are cut is chance, which a search would otherwise learn, too.
 enum class TunedScore { sliding, windowed, whole, correctGroups, pairs };
 
-/// Runs a sequence with some settings and returns its score. The process's parameters are those of
-/// the whole program from then on, and a wrong one ends it: to be called in a process of its own.
-/// `parameterFile` is written for the process to read.
+/// Runs a sequence with some settings and returns the score of what the process puts out. The
+/// process's parameters are those of the whole program from then on, and a wrong one ends it: to be
+/// called in a process of its own. `parameterFile` is written for the process to read.
 double runTrial(const TunedSequence& sequence, const TrialSettings& settings, TunedScore score,
                 const std::string& parameterFile);
 

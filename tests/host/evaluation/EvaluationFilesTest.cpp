@@ -51,13 +51,13 @@ TEST(GroupsOfARun, AreThoseThatAreVisibleAtFramesOfTheInput) {
       R"({"id": 4, "persons": [7, 3, null], "properties": {"Visible": true, "Merge": 2}},)"
       R"({"id": 5, "persons": [9], "properties": {"Visible": "false"}},)"
       R"({"id": 6, "persons": [], "properties": {}}]})");
-  const RunSteps run = readScored(lines, "groups.jsonl");
+  const GroupedFrames run = readScored(lines, "groups.jsonl");
   ASSERT_EQ(run.size(), 1U);
-  EXPECT_EQ(run[0].inputFrame, 780);
+  EXPECT_EQ(run[0].frame, 780);
   EXPECT_EQ(personsOf(run[0]), (std::vector<Person>{3, 7, 9}));
   ASSERT_EQ(run[0].groups.size(), 1U);
-  EXPECT_EQ(personsOf(run[0].groups[0]), (PersonGroup{3, 7}));
-  EXPECT_EQ(run[0].groups[0].merge, 2);
+  EXPECT_EQ(run[0].groups[0].members, (PersonGroup{3, 7}));
+  EXPECT_EQ(run[0].groups[0].from, (std::vector<GroupId>{2, 4})) << "it has merged just now";
 }
 
 TEST(ErrorList, TellsWhoIsMissedAndWhoIsTooManyAtEachFrame) {
@@ -65,7 +65,7 @@ TEST(ErrorList, TellsWhoIsMissedAndWhoIsTooManyAtEachFrame) {
       R"({"frame": 2, "reportedFrame": 1, "inputFrame": 780, "persons": [1, 2, 3, 4, 5, 6, 7, 8],)"
       R"( "groups": [{"id": 4, "persons": [1, 2, 4], "properties": {"Visible": true}},)"
       R"( {"id": 5, "persons": [7, 8], "properties": {"Visible": true}}]})");
-  const RunSteps run = readScored(lines, "groups.jsonl");
+  const GroupedFrames run = readScored(lines, "groups.jsonl");
   const TempFolder folder;
   const std::string file = folder.path() / "errors.csv";
   writeErrorList(run, stepsOf(run, GroupTruth({{1, 2, 3}, {5, 6}, {7, 8}})), file);
