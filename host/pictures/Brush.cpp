@@ -2,6 +2,8 @@
 
 #include <opencv2/imgproc.hpp>
 
+#include <algorithm>
+#include <cmath>
 #include <cstddef>
 
 namespace grouptracker {
@@ -13,6 +15,11 @@ namespace {
 constexpr int font = cv::FONT_HERSHEY_SIMPLEX;
 constexpr double textSize = 0.42;
 constexpr int platePadding = 3;  // pixels
+
+/// Strokes of larger texts are wider.
+int strokeWidth(double scale) {
+  return std::max(1, static_cast<int>(std::lround(scale)));
+}
 
 /// How bright a colour looks, 0 to 255.
 double brightness(const cv::Scalar& colour) {
@@ -26,29 +33,35 @@ void blend(cv::Mat& picture, const cv::Rect& area, const cv::Mat& above, double 
 
 }  // namespace
 
-cv::Size sizeOf(const std::string& text) {
+double scaleFor(const cv::Mat& picture) {
+  constexpr double usualRows = 500.0;
+  constexpr double largest = 2.0;
+  return std::clamp(picture.rows / usualRows, 1.0, largest);
+}
+
+cv::Size sizeOf(const std::string& text, double scale) {
   int baseline = 0;
-  return cv::getTextSize(text, font, textSize, 1, &baseline);
+  return cv::getTextSize(text, font, textSize * scale, strokeWidth(scale), &baseline);
 }
 
 void text(cv::Mat& picture, const std::string& text, cv::Point at, const cv::Scalar& colour,
-          const cv::Scalar& rim) {
-  constexpr int rimWidth = 3;  // pixels
-  cv::putText(picture, text, at, font, textSize, rim, rimWidth, cv::LINE_AA);
-  cv::putText(picture, text, at, font, textSize, colour, 1, cv::LINE_AA);
+          const cv::Scalar& rim, double scale) {
+  const int width = strokeWidth(scale);
+  cv::putText(picture, text, at, font, textSize * scale, rim, width + 2, cv::LINE_AA);
+  cv::putText(picture, text, at, font, textSize * scale, colour, width, cv::LINE_AA);
 }
 
-cv::Size plateSize(const std::string& text) {
-  return sizeOf(text) + cv::Size(2 * platePadding, 2 * platePadding + 1);
+cv::Size plateSize(const std::string& text, double scale) {
+  return sizeOf(text, scale) + cv::Size(2 * platePadding, 2 * platePadding + 1);
 }
 
 void plate(cv::Mat& picture, const std::string& text, const cv::Rect& place,
-           const cv::Scalar& colour) {
+           const cv::Scalar& colour, double scale) {
   constexpr double bright = 140.0;
   cv::rectangle(picture, place, colour, cv::FILLED);
   const cv::Point at(place.x + platePadding, place.y + place.height - platePadding - 1);
-  cv::putText(picture, text, at, font, textSize, brightness(colour) > bright ? cv::Scalar() : white,
-              1, cv::LINE_AA);
+  cv::putText(picture, text, at, font, textSize * scale,
+              brightness(colour) > bright ? cv::Scalar() : white, strokeWidth(scale), cv::LINE_AA);
 }
 
 void shade(cv::Mat& picture, const cv::Rect& area) {
@@ -61,6 +74,7 @@ void shade(cv::Mat& picture, const cv::Rect& area) {
 
 void hull(cv::Mat& picture, const std::vector<cv::Point>& points, const cv::Scalar& colour,
           double opacity) {
+  constexpr int rimWidth = 2;  // pixels
   if (points.empty()) {
     return;
   }
@@ -77,7 +91,8 @@ void hull(cv::Mat& picture, const std::vector<cv::Point>& points, const cv::Scal
     cv::fillConvexPoly(filled, shifted, colour);
     blend(picture, area, filled, opacity);
   }
-  cv::polylines(picture, rim, true, colour, 2, cv::LINE_AA);
+  cv::polylines(picture, rim, true, ink, rimWidth + 1, cv::LINE_AA);
+  cv::polylines(picture, rim, true, colour, rimWidth, cv::LINE_AA);
 }
 
 void trace(cv::Mat& picture, const std::vector<cv::Point>& points, const cv::Scalar& colour) {

@@ -20,10 +20,13 @@ void RecentPast::add(const RunStep& step) {
   }
   m_traces = std::move(traces);
   m_groups.clear();
+  m_sizes.clear();
+  m_colours.add(step);
   for (const RunGroup& group : step.groups) {
     for (const RunMember& member : group.members) {
       if (group.isVisible && member.person) {
         m_groups[*member.person] = group.id;
+        ++m_sizes[group.id];
       }
     }
   }
@@ -41,6 +44,11 @@ std::optional<std::uint32_t> RecentPast::groupOf(std::uint32_t person) const {
   return group == m_groups.end() ? std::nullopt : std::optional(group->second);
 }
 
+std::optional<std::uint32_t> RecentPast::companyOf(std::uint32_t person) const {
+  const auto group = groupOf(person);
+  return group && m_sizes.at(*group) > 1 ? group : std::nullopt;
+}
+
 std::vector<std::string> RecentPast::events() const {
   std::vector<std::string> texts;
   for (const Said& said : m_events) {
@@ -50,7 +58,7 @@ std::vector<std::string> RecentPast::events() const {
 }
 
 void RecentPast::addEvents(const RunStep& step) {
-  constexpr std::size_t most = 6;  // lines in a picture
+  constexpr std::size_t most = 4;  // lines in a picture
   for (Said& said : m_events) {
     ++said.age;
   }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/pictures/GroupColours.h"
 #include "host/run/RunStep.h"
 
 #include <opencv2/core/types.hpp>
@@ -32,6 +33,9 @@ class RecentPast {
   const std::deque<TracePoint>& traceOf(std::uint32_t person) const;
   /// The visible group of a person at the latest step, the last of several.
   std::optional<std::uint32_t> groupOf(std::uint32_t person) const;
+  /// The same, but none for somebody who is the only one in it: drawn as quietly as people alone.
+  std::optional<std::uint32_t> companyOf(std::uint32_t person) const;
+  cv::Scalar colourOf(std::uint32_t group) const { return m_colours.colourOf(group); }
   /// The latest events in words, the newest last.
   std::vector<std::string> events() const;
 
@@ -45,7 +49,9 @@ class RecentPast {
 
   std::size_t m_length;
   std::map<std::uint32_t, std::deque<TracePoint>> m_traces;
-  std::map<std::uint32_t, std::uint32_t> m_groups;
+  std::map<std::uint32_t, std::uint32_t> m_groups;  ///< by person
+  std::map<std::uint32_t, std::size_t> m_sizes;     ///< by group
+  GroupColours m_colours;
   std::deque<Said> m_events;
 };
 

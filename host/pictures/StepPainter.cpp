@@ -14,7 +14,7 @@ namespace grouptracker {
 
 namespace {
 
-constexpr int topViewAloneWidth = 960;  // pixels, as all sizes below
+constexpr int topViewAloneWidth = 1280;  // pixels, as all sizes below
 constexpr int topViewAloneHeight = 720;
 constexpr int smallestImageHeight = 360;  // smaller images are enlarged so that labels have room
 
@@ -73,23 +73,25 @@ TopViewPainter& StepPainter::topView() {
 }
 
 void StepPainter::paintWords(cv::Mat& picture, const RunStep& step) const {
-  constexpr int left = 8;
-  constexpr int lineHeight = 17;
+  const double scale = brush::scaleFor(picture);
+  const int left = static_cast<int>(8 * scale);
+  const int lineHeight = static_cast<int>(17 * scale);
   brush::text(picture, fmt::format("frame {}", step.inputFrame.value_or(step.reportedFrame)),
-              {left, lineHeight}, brush::white, brush::ink);
+              {left, lineHeight}, *m_hasImages ? brush::white : brush::ink,
+              *m_hasImages ? brush::ink : brush::white, scale);
   const auto events = m_past.events();
   if (events.empty()) {
     return;
   }
   int width = 0;
   for (const std::string& event : events) {
-    width = std::max(width, brush::sizeOf(event).width);
+    width = std::max(width, brush::sizeOf(event, scale).width);
   }
   int row = picture.rows - lineHeight * static_cast<int>(events.size()) - left / 2;
   brush::shade(picture, {0, row, width + 2 * left, picture.rows - row});
   for (const std::string& event : events) {
     row += lineHeight;
-    brush::text(picture, event, {left, row - left / 2}, brush::white, brush::ink);
+    brush::text(picture, event, {left, row - left / 2}, brush::white, brush::ink, scale);
   }
 }
 

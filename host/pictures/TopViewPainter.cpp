@@ -1,8 +1,7 @@
 #include "host/pictures/TopViewPainter.h"
 
 #include "host/pictures/Brush.h"
-#include "host/pictures/GroupPalette.h"
-#include "host/pictures/GroupPlates.h"
+#include "host/pictures/Labels.h"
 
 #include <fmt/format.h>
 #include <opencv2/imgproc.hpp>
@@ -42,43 +41,53 @@ double roundLength(double limit) {
 }  // namespace
 
 cv::Mat TopViewPainter::paint(const RunStep& step, const RecentPast& past) {
+  takePlaces(step);
+  cv::Mat picture(m_size, CV_8UC3, paper);
+  paintGrid(picture);
+  const Outlines groups = paintGroups(picture, step, past);
+  paintPeople(picture, step, past);
+  paintLabels(picture, step, past, groups);
+  paintScaleBar(picture);
+  return picture;
+}
+
+// The ground is turned once, when enough was seen; from then on it stays, so that nobody is lost.
+void TopViewPainter::takePlaces(const RunStep& step) {
   std::vector<cv::Point2f> places;
   for (const RunPerson& person : step.persons) {
     if (person.seen) {
       places.push_back(person.seen->ground);
     }
+    if (!m_isTurned) {
+      m_turn.add(person);
+    }
+  }
+  if (const auto turn = m_isTurned ? std::nullopt : m_turn.matrix()) {
+    m_map.turn(*turn);
+    m_isTurned = true;
   }
   m_map.include(places);
-  cv::Mat picture(m_size, CV_8UC3, paper);
-  paintGrid(picture);
-  const Outlines groups = paintGroups(picture, step);
-  paintPeople(picture, step, past);
-  GroupPlates plates(picture);
-  for (const auto& [group, outline] : groups) {
-    plates.add(group, cv::boundingRect(outline));
-  }
-  paintScaleBar(picture);
-  return picture;
 }
 
 void TopViewPainter::paintGrid(cv::Mat& picture) const {
   const cv::Rect2f shown = m_map.shown();
   for (double x = std::ceil(shown.x / gridStep) * gridStep; x < shown.br().x; x += gridStep) {
-    const int column = m_map.toPicture({static_cast<float>(x), 0.0F}).x;
+    const int column = static_cast<int>(std::lround((x - shown.x) * m_map.scale()));
     cv::line(picture, {column, 0}, {column, m_size.height}, gridLine);
   }
   for (double y = std::ceil(shown.y / gridStep) * gridStep; y < shown.br().y; y += gridStep) {
-    const int row = m_map.toPicture({0.0F, static_cast<float>(y)}).y;
+    const int row = static_cast<int>(std::lround((shown.br().y - y) * m_map.scale()));
     cv::line(picture, {0, row}, {m_size.width, row}, gridLine);
   }
 }
 
-TopViewPainter::Outlines TopViewPainter::paintGroups(cv::Mat& picture, const RunStep& step) const {
+TopViewPainter::Outlines TopViewPainter::paintGroups(cv::Mat& picture, const RunStep& step,
+                                                     const RecentPast& past) const {
   constexpr double opacity = 0.25;
   Outlines outlines;
   for (const RunGroup& group : step.groups) {
     for (const RunMember& member : group.members) {
-      if (group.isVisible && member.place) {
+      if (member.place && member.person && past.companyOf(*member.person)) {
         const auto circle = circleAround(*member.place, m_map);
         auto& outline = outlines[group.id];
         outline.insert(outline.end(), circle.begin(), circle.end());
@@ -86,7 +95,7 @@ TopViewPainter::Outlines TopViewPainter::paintGroups(cv::Mat& picture, const Run
     }
   }
   for (const auto& [group, outline] : outlines) {
-    brush::hull(picture, outline, colourOf(group), opacity);
+    brush::hull(picture, outline, past.colourOf(group), opacity);
   }
   return outlines;
 }
@@ -94,22 +103,57 @@ TopViewPainter::Outlines TopViewPainter::paintGroups(cv::Mat& picture, const Run
 void TopViewPainter::paintPeople(cv::Mat& picture, const RunStep& step,
                                  const RecentPast& past) const {
   for (const RunPerson& person : step.persons) {
-    if (!person.seen) {
+    if (person.seen && !past.companyOf(person.id)) {
+      cv::circle(picture, m_map.toPicture(person.seen->ground), personPixels(), brush::grey, 1,
+                 cv::LINE_AA);
+    }
+  }
+  for (const RunPerson& person : step.persons) {
+    const auto group = past.companyOf(person.id);
+    if (!person.seen || !group) {
       continue;
     }
-    const auto group = past.groupOf(person.id);
-    const cv::Scalar colour = group ? colourOf(*group) : brush::grey;
     std::vector<cv::Point> trace;
     for (const TracePoint& point : past.traceOf(person.id)) {
       trace.push_back(m_map.toPicture(point.ground));
     }
+    const cv::Scalar colour = past.colourOf(*group);
     brush::trace(picture, trace, colour);
     const cv::Point at = m_map.toPicture(person.seen->ground);
-    const int radius = std::max(2, static_cast<int>(personRadius * m_map.scale()));
-    cv::circle(picture, at, radius, colour, cv::FILLED, cv::LINE_AA);
-    cv::circle(picture, at, radius, brush::ink, 1, cv::LINE_AA);
-    brush::text(picture, std::to_string(person.id), at + cv::Point(radius + 2, 4), brush::ink,
-                paper);
+    cv::circle(picture, at, personPixels(), colour, cv::FILLED, cv::LINE_AA);
+    cv::circle(picture, at, personPixels(), brush::ink, 1, cv::LINE_AA);
+  }
+}
+
+int TopViewPainter::personPixels() const {
+  constexpr int least = 3;
+  return std::max(least, static_cast<int>(personRadius * m_map.scale()));
+}
+
+/// Groups first, then their members, and people alone where there is room left.
+void TopViewPainter::paintLabels(cv::Mat& picture, const RunStep& step, const RecentPast& past,
+                                 const Outlines& groups) const {
+  Labels labels(picture, brush::scaleFor(picture));
+  const int radius = personPixels();
+  const auto areaOf = [&](const RunPerson& person) {
+    return cv::Rect(m_map.toPicture(person.seen->ground) - cv::Point(radius, radius),
+                    cv::Size(2 * radius, 2 * radius));
+  };
+  for (const RunPerson& person : step.persons) {
+    if (person.seen) {
+      labels.keepFree(areaOf(person));
+    }
+  }
+  for (const auto& [group, outline] : groups) {
+    labels.addPlate(std::to_string(group), cv::boundingRect(outline), past.colourOf(group));
+  }
+  for (const bool isInCompany : {true, false}) {
+    for (const RunPerson& person : step.persons) {
+      if (person.seen && past.companyOf(person.id).has_value() == isInCompany) {
+        labels.addName(std::to_string(person.id), areaOf(person),
+                       isInCompany ? brush::ink : brush::grey, paper);
+      }
+    }
   }
 }
 
@@ -123,7 +167,8 @@ void TopViewPainter::paintScaleBar(cv::Mat& picture) const {
   cv::line(picture, left, right, brush::ink, 2);
   cv::line(picture, left, left + up, brush::ink, 2);
   cv::line(picture, right, right + up, brush::ink, 2);
-  brush::text(picture, fmt::format("{} m", length), left + cv::Point(4, -8), brush::ink, paper);
+  brush::text(picture, fmt::format("{} m", length), left + cv::Point(4, -8), brush::ink, paper,
+              brush::scaleFor(picture));
 }
 
 }  // namespace grouptracker

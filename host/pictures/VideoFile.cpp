@@ -12,29 +12,43 @@
 #include <cstring>
 #include <filesystem>
 #include <system_error>
+#include <vector>
 
 namespace grouptracker {
 
 namespace {
 
-const std::array<const char*, 3> filmEndings{".mp4", ".mkv", ".avi"};
+/// A kind of film: an ending and the codecs that may stand in it, from the one that every player
+/// and browser knows to the one that is always there.
+struct FilmKind {
+  const char* ending;
+  std::vector<const char*> codecs;
+};
 
-/// From the one that every player and browser knows to the one that is always there.
-const std::array<const char*, 3> codecs{"avc1", "mp4v", "MJPG"};
+const std::array<FilmKind, 3> filmKinds{{
+    {".mp4", {"avc1", "mp4v"}},
+    {".mkv", {"avc1", "mp4v", "MJPG"}},
+    {".avi", {"avc1", "mp4v", "MJPG"}},
+}};
 
-bool hasFilmEnding(const std::string& path) {
-  const auto ending = std::filesystem::path(path).extension();
-  return std::any_of(filmEndings.begin(), filmEndings.end(),
-                     [&](const char* known) { return ending == known; });
+/// Null for a folder.
+const FilmKind* kindOf(const std::filesystem::path& path) {
+  const auto* const kind = std::find_if(filmKinds.begin(), filmKinds.end(), [&](const auto& known) {
+    return path.extension() == known.ending;
+  });
+  return kind == filmKinds.end() ? nullptr : kind;
 }
 
 }  // namespace
 
 VideoFile::VideoFile(const std::string& path, double rate)
-    : m_path(path), m_rate(rate), m_isFilm(hasFilmEnding(path)) {
+    : m_path(path), m_rate(rate), m_isFilm(kindOf(path) != nullptr) {
   if (m_isFilm) {
     const OutputFile attempt(path);
     return;
+  }
+  if (!std::filesystem::path(path).extension().empty() && !std::filesystem::is_directory(path)) {
+    fail("a film ends in .mp4, .mkv or .avi, a new folder has no ending");
   }
   std::error_code failure;
   std::filesystem::create_directories(path, failure);
@@ -68,7 +82,7 @@ void VideoFile::add(const cv::Mat& picture, std::int64_t number) {
 }
 
 void VideoFile::open(cv::Size size) {
-  for (const char* codec : codecs) {
+  for (const char* codec : kindOf(m_path)->codecs) {
     const int fourcc = cv::VideoWriter::fourcc(codec[0], codec[1], codec[2], codec[3]);
     if (m_film.open(m_path, cv::CAP_FFMPEG, fourcc, m_rate, size)) {
       return;

@@ -9,9 +9,9 @@
 
 namespace grouptracker {
 
-/// A film, for a path with the ending of one (.mp4, .mkv, .avi), or a folder of numbered PNG
-/// images, for any other path. The place is tried at once; one that cannot be written is an
-/// `OutputError`.
+/// A film, for a path with the ending of one (.mp4, .mkv, .avi), or a folder of numbered
+/// PNG images, for a path without ending or a folder that is there. The place is tried at once; one
+/// that cannot be written, or has another ending, is an `OutputError`.
 class VideoFile : public PictureTarget {
  public:
   /// `rate` is in pictures per second.

@@ -102,6 +102,13 @@ TEST_F(Pictures, RefuseAPlaceThatCannotBeWritten) {
                       "--video", "no/film.mp4"}),
             4);
   EXPECT_THAT(film.errors(), testing::StartsWith("no/film.mp4: cannot be written: "));
+  Program animation(folder.path());
+  EXPECT_EQ(animation.run({"run", "scene.jsonl", "--parameters", "p.txt", "--output", "g.jsonl",
+                           "--video", "film.gif"}),
+            4);
+  EXPECT_EQ(animation.errors(),
+            "film.gif: cannot be written: a film ends in .mp4, .mkv or .avi, a new folder has no "
+            "ending\n");
 }
 
 }  // namespace
