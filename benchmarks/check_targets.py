@@ -50,7 +50,7 @@ def whole_run(build, frames=300):
             with scene.open("w") as out:
                 subprocess.run([build / "bin/steady_scene", "50", str(count)], check=True, stdout=out)
             command = [build.resolve() / "bin/grouptracker", "run", scene, "--parameters",
-                       "parameters.txt", "--output", "groups.jsonl", "--mobile-dump", "/dev/null",
+                       "parameters.txt", "--actors", "actors.jsonl", "--mobile-dump", "/dev/null",
                        "--quiet"]
             seconds.append(min(child_seconds(command, cwd=folder, stdout=subprocess.DEVNULL)
                                for _ in range(3)))

@@ -34,22 +34,30 @@ for mode in pairs:video.txt clusters:clustering.txt; do
   echo "Tracking groups by $name"
   "$program" run "$demo/scene/scene.jsonl" --parameters "$demo/$name.txt" \
     --calibration "$demo/scene/calibration.yml" \
-    --output "$demo/$name/groups.jsonl" --events "$demo/$name/events.jsonl" \
+    --rate "$rate" --output "$demo/$name/groups.jsonl" --events "$demo/$name/events.jsonl" \
+    --actors "$demo/$name/actors.jsonl" \
     --diagnostics "$demo/$name/diagnostics.txt" --mobile-dump none \
     "${pictures[@]}"
   "$program" evaluate "$demo/$name/groups.jsonl" --truth "$demo/scene/truth.jsonl" \
     > "$demo/$name/scores.txt"
 done
 
-echo "Making the report"
-"$program" report "$demo/scene/scene.jsonl" "$demo/pairs/groups.jsonl" \
-  --calibration "$demo/scene/calibration.yml" --diagnostics "$demo/pairs/diagnostics.txt" \
-  --truth "$demo/scene/truth.jsonl" --rate "$rate" --output "$demo/pairs/report.html"
+# A report of the run by pairs: makeReport FILE PAGE [OPTION ...]
+makeReport() {
+  "$program" report "$demo/scene/scene.jsonl" "$demo/pairs/$1" --output "$demo/pairs/$2" \
+    --calibration "$demo/scene/calibration.yml" --truth "$demo/scene/truth.jsonl" \
+    --rate "$rate" "${@:3}"
+}
+
+echo "Making the reports"
+makeReport groups.jsonl report.html
+makeReport actors.jsonl tracker.html --diagnostics "$demo/pairs/diagnostics.txt"
 
 cat <<END
 
 Look at
-  $demo/pairs/report.html        everything in one page, for a browser: player, timeline, table, reasons
+  $demo/pairs/report.html        everything in one page, for a browser: player, timeline, table
+  $demo/pairs/tracker.html       the same of what the tracker itself puts out, with its reasons
   $demo/pairs/film.mp4           the groups on the images, and the ground from above beside them
   $demo/pairs/*.png              annotated images, groups found by pairs
   $demo/clusters/*.png           the same, groups found by clusters

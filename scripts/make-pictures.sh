@@ -19,7 +19,7 @@ photograph() {
 
 build/release/bin/grouptracker run "$demo/scene/scene.jsonl" \
   --parameters samples/parameters/video.txt --calibration "$demo/scene/calibration.yml" \
-  --output "$work/groups.jsonl" --diagnostics none --mobile-dump none --quiet \
+  --rate 10 --output "$work/groups.jsonl" --diagnostics none --mobile-dump none --quiet \
   --video "$work/film" --top-view
 cat > "$work/film.html" <<END
 <body style="margin: 0"><img src="film/$(printf %06d "$frame").png" style="display: block; width: 100%">

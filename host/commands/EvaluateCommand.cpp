@@ -41,7 +41,8 @@ void declareScores(Options& command, EvaluationOptions& options) {
 Options EvaluateCommand::declare(CommandLine& program) {
   Options command =
       program.addCommand("evaluate", "Scores the groups of a run against annotated ones", example);
-  command.add("GROUPS", m_groupsFile, "the groups that a run wrote, JSON Lines").required();
+  command.add("GROUPS", m_groupsFile, "what a run wrote with --output, or with --actors")
+      .required();
   command
       .add("--truth", m_truthFile,
            "annotated groups: one a line for the whole sequence, or per frame in *.jsonl")

@@ -60,7 +60,10 @@ std::unique_ptr<StepSink> openEvents(const std::string& file) {
 Options EventsCommand::declare(CommandLine& program) {
   Options command =
       program.addCommand("events", "Tells what happened to the groups of a run", example);
-  command.add("GROUPS", m_groupsFile, "the groups file of a run, - for standard input").required();
+  command
+      .add("GROUPS", m_groupsFile,
+           "what a run wrote with --output, or with --actors; - for standard input")
+      .required();
   command.add("--output", m_outputFile, "the events, JSON Lines, instead of standard output")
       .typeName("FILE");
   command

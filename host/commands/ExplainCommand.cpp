@@ -16,7 +16,7 @@ namespace grouptracker {
 namespace {
 
 const char* const example = R"(Example:
-  grouptracker run scene.jsonl --parameters p.txt --output groups.jsonl \
+  grouptracker run scene.jsonl --parameters p.txt --actors actors.jsonl \
     --diagnostics lines.txt --mobile-dump mobiles.txt
   grouptracker explain lines.txt --group 4 --mobile-dump mobiles.txt)";
 

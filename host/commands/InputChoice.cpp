@@ -1,6 +1,7 @@
 #include "host/commands/InputChoice.h"
 
 #include "host/base/InputError.h"
+#include "host/base/TextNumbers.h"
 #include "host/camera/CalibrationReader.h"
 #include "host/camera/GroundPlaneCalibration.h"
 #include "host/input/InputFormats.h"
@@ -42,6 +43,18 @@ void declareFrames(Options& command, InputChoice& choice) {
       .addParsed("--frames", take, "A:B, A: or :B is expected, with A <= B",
                  "only the frames from A to B, by the input's own numbers")
       .typeName("A:B")
+      .heading(heading);
+}
+
+void declareRate(Options& command, InputChoice& choice) {
+  const auto take = [&choice](const std::string& text) {
+    choice.rate = parseFinite(text);
+    return choice.rate && *choice.rate > 0.0;
+  };
+  command
+      .addParsed("--rate", take, "a number above 0 is expected",
+                 "frame numbers a second, where the input has no times or wrong ones")
+      .typeName("N")
       .heading(heading);
 }
 
@@ -88,6 +101,14 @@ void declareLinks(Options& command, InputChoice& choice) {
 
 }  // namespace
 
+std::optional<double> parseFinite(const std::string& text) {
+  try {
+    return parseNumber(text);
+  } catch (const ValueProblem&) {
+    return std::nullopt;
+  }
+}
+
 void declareInput(Options& command, InputChoice& choice) {
   command
       .add("INPUT", choice.input,
@@ -108,6 +129,7 @@ void declareReading(Options& command, InputChoice& choice) {
            "for MOTChallenge files: boxes of a lower confidence are passed over")
       .heading(heading);
   declareFrames(command, choice);
+  declareRate(command, choice);
   declareCamera(command, choice);
   command
       .add("--images", choice.images,
@@ -125,6 +147,7 @@ InputOptions inputOptions(const InputChoice& choice) {
   options.links = choice.links;
   options.images = choice.images;
   options.frames = choice.frames;
+  options.rate = choice.rate;
   options.mot.minConfidence = choice.minConfidence.value_or(options.mot.minConfidence);
   if (choice.calibrationFile.empty()) {
     return options;

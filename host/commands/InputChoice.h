@@ -22,6 +22,7 @@ struct InputChoice {
   std::optional<double> minConfidence;
   std::string images;  ///< a folder, a video file, or `noImages`
   FrameRange frames;
+  std::optional<double> rate;  ///< frame numbers a second
   LinkOptions links;
 };
 
@@ -30,6 +31,9 @@ void declareInput(Options& command, InputChoice& choice);
 /// Adds the options only, for a command whose input has another name. To be added last, as they
 /// have a heading of their own.
 void declareReading(Options& command, InputChoice& choice);
+
+/// The finite number that a text is; none for any other text.
+std::optional<double> parseFinite(const std::string& text);
 
 /// What the choice means for the reader; reads the calibration file. The file may be a camera, or
 /// three lines of three numbers: a homography from the image to the ground.

@@ -39,6 +39,11 @@ void readSteps(RunReplay& run, const std::string& input, const std::optional<Gro
     if (!data.addGroups(step)) {
       throw run.error(fmt::format("frame {} is not in {}", *step.inputFrame, input));
     }
+    if (explainer && step.source == GroupSource::evidence) {
+      throw run.error(
+          "holds groups, but the diagnostics are about what the process put out: the "
+          "file of --actors is expected");
+    }
     if (explainer) {
       explainer->add(step);
     }
@@ -58,6 +63,25 @@ Explainer explain(RunReplay& run, const std::string& diagnosticsFile,
       readCoherenceThreshold(parameterFile.empty() ? log.parameterFile() : parameterFile));
 }
 
+/// Tells by the first two frames how many there are in a second.
+class FrameClock {
+ public:
+  void look(const InputFrame& frame) {
+    if (m_frames == 1 && m_last && frame.time) {
+      m_step = *frame.time - *m_last;
+    }
+    m_last = frame.time;
+    ++m_frames;
+  }
+  /// 0 when the frames have no times.
+  double framesPerSecond() const { return m_step > 0.0 ? 1.0 / m_step : 0.0; }
+
+ private:
+  std::uint64_t m_frames = 0;
+  std::optional<double> m_last;  ///< seconds
+  double m_step = 0.0;           ///< seconds
+};
+
 std::string nameOf(const std::string& path) {
   return std::filesystem::path(path).filename().string();
 }
@@ -67,25 +91,23 @@ std::string nameOf(const std::string& path) {
 Options ReportCommand::declare(CommandLine& program) {
   Options command = program.addCommand("report", "Makes one HTML file that shows a run", example);
   declareInput(command, m_choice);
-  command.add("GROUPS", m_groupsFile, "the groups file of the run").required();
+  command.add("GROUPS", m_groupsFile, "what the run wrote with --output, or with --actors")
+      .required();
   command.add("--output", m_outputFile, "the report").required().typeName("FILE");
   command
       .add("--truth", m_truthFile,
            "the true groups, as evaluate takes them: frames that differ are marked")
       .typeName("FILE");
   command
-      .add("--diagnostics", m_diagnosticsFile,
-           "the diagnostics of the run: the report then tells why")
+      .add(
+          "--diagnostics", m_diagnosticsFile,
+          "the diagnostics of the run: the report then tells why the process put out what the file "
+          "of --actors holds")
       .typeName("FILE");
   command
       .add("--parameters", m_parameterFile,
            "the parameters, if not at the place that the diagnostics name")
       .typeName("FILE");
-  command
-      .add("--rate", m_framesPerSecond,
-           "frames of the input per second: speeds are then per second")
-      .positive()
-      .typeName("N");
   return command;
 }
 
@@ -95,7 +117,9 @@ int ReportCommand::run() {
   WholeFile output(m_outputFile);
   ReportData data;
   ImageStrip images;
+  FrameClock clock;
   for (InputFrame frame; input.frames->next(frame);) {
+    clock.look(frame);
     auto persons = personsIn(frame);
     data.addFrame(frame.number, persons);
     images.addFrame(frame, std::move(persons));
@@ -113,7 +137,7 @@ int ReportCommand::run() {
   }
   readSteps(run, m_choice.input, truth, data, explainer);
   const QByteArray page =
-      makeReportPage({nameOf(m_choice.input), nameOf(m_groupsFile), m_framesPerSecond}, data,
+      makeReportPage({nameOf(m_choice.input), nameOf(m_groupsFile), clock.framesPerSecond()}, data,
                      images, explainer ? explainer->explainAll() : Explanations());
   output.write({page.data(), static_cast<std::size_t>(page.size())});
   return finished;

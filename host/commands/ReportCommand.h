@@ -20,7 +20,6 @@ class ReportCommand : public Command {
   std::string m_truthFile;
   std::string m_diagnosticsFile;
   std::string m_parameterFile;
-  double m_framesPerSecond = 0.0;
 };
 
 }  // namespace grouptracker

@@ -1,5 +1,6 @@
 #include "host/commands/RunCommand.h"
 
+#include "host/base/InputError.h"
 #include "host/commands/RunSession.h"
 #include "host/pictures/PictureExchange.h"
 #include "host/pictures/window/RunBesideWindow.h"
@@ -17,6 +18,7 @@ const char* const example = R"(Example:
   grouptracker run scene.jsonl --parameters samples/parameters/walking.txt \
     --calibration camera.yml --output groups.jsonl --diagnostics none --mobile-dump none)";
 
+constexpr double longestLookAhead = 60.0;  // seconds; all that comes in it is kept in memory
 const std::string skip = "skip";
 const std::string stop = "stop";
 
@@ -25,12 +27,32 @@ void declareFiles(Options& command, RunOptions& options) {
   command.add("--parameters", options.parameterFile, "the tracker's 47 parameters")
       .required()
       .typeName("FILE");
-  command.add("--output", options.outputFile, "groups of every frame, JSON Lines")
-      .required()
+  command.add("--output", options.outputFile, "the groups of every frame, JSON Lines")
+      .typeName("FILE");
+  command
+      .add("--actors", options.actorsFile,
+           "what the process put out at every frame, JSON Lines: actors that stand for groups")
       .typeName("FILE");
   command.add("--context", options.contextFile, "description of the scene, JSON").typeName("FILE");
   command.add("--plugin", options.pluginFile, "the plugin, if not beside the program")
       .typeName("FILE");
+}
+
+void declareEvidence(Options& command, RunOptions& options) {
+  command
+      .add("--model", options.modelFile,
+           "what speaks for people belonging together, in place of the built-in model")
+      .typeName("FILE");
+  const auto take = [&options](const std::string& text) {
+    options.lookAhead = parseFinite(text);
+    return options.lookAhead && *options.lookAhead >= 0.0 && *options.lookAhead <= longestLookAhead;
+  };
+  command
+      .addParsed("--look-ahead", take,
+                 fmt::format("0 to {} seconds are expected", longestLookAhead),
+                 "of what follows a frame, so much is waited for before its groups are decided "
+                 "(default: as long as the process waits, at most 3.2)")
+      .typeName("SECONDS");
 }
 
 void declareTexts(Options& command, RunOptions& options) {
@@ -59,8 +81,9 @@ void declareBehaviour(Options& command, RunOptions& options) {
 }
 
 void printSummary(const RunSummary& summary) {
-  std::string text = fmt::format("{} frames, {} mobiles, {} groups in {:.1f} s", summary.frames,
-                                 summary.mobiles, summary.groups, summary.seconds);
+  const std::string groups = summary.groups ? fmt::format(", {} groups", *summary.groups) : "";
+  std::string text = fmt::format("{} frames, {} mobiles{} in {:.1f} s", summary.frames,
+                                 summary.mobiles, groups, summary.seconds);
   if (summary.skippedFrames > 0) {
     text += fmt::format(", {} frames skipped", summary.skippedFrames);
   }
@@ -76,6 +99,7 @@ Options RunCommand::declare(CommandLine& program) {
   Options command =
       program.addCommand("run", "Tracks the groups of an input and writes them", example);
   declareFiles(command, m_options);
+  declareEvidence(command, m_options);
   declareTexts(command, m_options);
   declareStepOptions(command, m_options.steps);
   declareBehaviour(command, m_options);
@@ -83,6 +107,9 @@ Options RunCommand::declare(CommandLine& program) {
 }
 
 int RunCommand::run() {
+  if (!m_options.wantsGroups() && m_options.actorsFile.empty()) {
+    throw InputError("--output", "a file for the groups is expected, or one for --actors");
+  }
   if (m_options.steps.showsWindow) {
     const auto screen = std::make_shared<PictureExchange>();
     m_options.steps.pictures.screen = screen;

@@ -10,14 +10,20 @@ namespace grouptracker {
 /// What the user asks of `grouptracker run`. Texts are empty when the option was not given.
 struct RunOptions : InputChoice {
   std::string parameterFile;
-  std::string outputFile;
+  std::string outputFile;           ///< for groups
+  std::string actorsFile;           ///< for what the process puts out
+  std::string modelFile;            ///< of the evidence; the built-in model when empty
+  std::optional<double> lookAhead;  ///< seconds; the process's delay when not given
   std::string contextFile;
   std::string pluginFile;
   std::string diagnostics;  ///< a file, or "none"; standard output when empty
   std::string mobileDump;   ///< a file, or "none"; the process's own choice when empty
-  StepOptions steps;
+  StepOptions steps;        ///< of the groups
   bool skipsFailedFrames = false;
   bool quiet = false;
+
+  /// Whether anybody wants groups, rather than only what the process puts out.
+  bool wantsGroups() const { return !outputFile.empty() || steps.wantsAnything(); }
 };
 
 /// The word that turns an output off where a file name could stand.

@@ -8,7 +8,6 @@
 #include "host/base/SystemProblem.h"
 #include "host/input/InputFormats.h"
 #include "host/input/SceneContextReader.h"
-#include "host/output/RunFile.h"
 #include "host/run/PluginLoader.h"
 
 #include <fmt/format.h>
@@ -46,6 +45,7 @@ RunSession::RunSession(const RunOptions& options)
   openInput();
   auto tracker = loadGroupTracker(m_options.pluginFile);
   openOutputs();
+  startGroups();
   startProcess(std::move(tracker));
 }
 
@@ -84,13 +84,18 @@ void RunSession::openOutputs() {
   const std::string dump = fileOf(m_options.mobileDump);
   const std::string diagnostics = fileOf(m_options.diagnostics);
   std::vector<std::string> inputs = m_input.files;
-  inputs.insert(inputs.end(),
-                {m_options.parameterFile, m_options.calibrationFile, m_options.contextFile});
+  inputs.insert(inputs.end(), {m_options.parameterFile, m_options.calibrationFile,
+                               m_options.contextFile, m_options.modelFile});
   std::vector<std::string> outputs = m_options.steps.files();
-  outputs.insert(outputs.end(), {m_options.outputFile, diagnostics, dump});
+  outputs.insert(outputs.end(), {m_options.outputFile, m_options.actorsFile, diagnostics, dump});
   refuseOverwriting(outputs, inputs);
   StepSinks own;
-  own.push_back(std::make_unique<RunFileWriter>(m_options.outputFile));
+  if (!m_options.outputFile.empty()) {
+    own.push_back(std::make_unique<RunFileWriter>(m_options.outputFile));
+  }
+  if (!m_options.actorsFile.empty()) {
+    m_actors = std::make_unique<RunFileWriter>(m_options.actorsFile);
+  }
   if (!dump.empty()) {
     openForWriting(dump, O_APPEND);  // the process opens it anew and would not say that it cannot
   }
@@ -101,6 +106,22 @@ void RunSession::openOutputs() {
   if (!diagnostics.empty()) {
     ::dup2(openForWriting(diagnostics, O_TRUNC).get(), STDOUT_FILENO);
   }
+}
+
+void RunSession::startGroups() {
+  if (!m_options.wantsGroups()) {
+    return;
+  }
+  m_summary.groups = 0;
+  GroupRunOptions options;
+  if (!m_options.modelFile.empty()) {
+    options.model = EvidenceModel::read(m_options.modelFile);
+  }
+  options.lookAhead = m_options.lookAhead;
+  options.delay = m_parameters.delay;
+  options.keepsImages = m_options.steps.wantsPictures();
+  options.processDrawsOnImages = m_parameters.needsImages;
+  m_groups.emplace(options);
 }
 
 void RunSession::startProcess(std::unique_ptr<kelAbstractProcessGroupTracker> tracker) {
@@ -115,8 +136,6 @@ void RunSession::startProcess(std::unique_ptr<kelAbstractProcessGroupTracker> tr
   options.printsDiagnostics = m_options.diagnostics != noOutput;
   options.dumpsMobiles = m_options.mobileDump != noOutput;
   options.mobileDumpFile = fileOf(m_options.mobileDump);
-  options.keepsImages = m_options.steps.wantsPictures();
-  options.processDrawsOnImages = m_parameters.needsImages;
   m_tracker = std::make_unique<TrackerRun>(std::move(tracker));
   m_tracker->configure(options);
 }
@@ -124,14 +143,26 @@ void RunSession::startProcess(std::unique_ptr<kelAbstractProcessGroupTracker> tr
 void RunSession::runToTheEnd() {
   try {
     runFrames();
-    for (RunStep& step : m_tracker->finish()) {
-      handOut(std::move(step));
-    }
+    handOut(m_groups ? m_groups->finish() : RunSteps());
+  } catch (const OutputError&) {
+    finishAfterFailure(false);
+    throw;
   } catch (...) {
-    m_outputs->finishAfterFailure();
+    finishAfterFailure(true);
     throw;
   }
   m_outputs->finish();
+}
+
+/// The groups of all frames that were read are still of use when the run has failed; that failure
+/// is what the user is told. Where a line could not be written no further one may follow.
+void RunSession::finishAfterFailure(bool canWrite) {
+  try {
+    handOut(m_groups && canWrite ? m_groups->finish() : RunSteps());
+  } catch (const std::exception&) {
+    // The first failure is the one to report.
+  }
+  m_outputs->finishAfterFailure();
 }
 
 void RunSession::runFrames() {
@@ -152,11 +183,18 @@ void RunSession::runFrame(InputFrame& frame) {
     m_images.load(frame);
   }
   m_summary.mobiles += frame.observed.size();
+  handOut(m_groups ? m_groups->advance(frame) : RunSteps());
+  runProcess(frame);
+}
+
+void RunSession::runProcess(const InputFrame& frame) {
   errno = 0;
   try {
-    RunStep step = m_tracker->advance(frame);
+    const RunStep step = m_tracker->advance(frame);
     m_processErrno = errno;  // should standard output turn out to have failed, the reason is here
-    handOut(std::move(step));
+    if (m_actors) {
+      m_actors->write(step);
+    }
   } catch (const ProcessError& failure) {
     if (!m_options.skipsFailedFrames) {
       throw;
@@ -169,20 +207,17 @@ void RunSession::runFrame(InputFrame& frame) {
   }
 }
 
-// The way of a step from the tracker to the outputs; what makes other steps of it has its place
-// here.
-void RunSession::handOut(RunStep step) {
-  for (const RunGroup& group : step.groups) {
-    // Group ids are given in ascending order, so a higher one than ever is a new group.
-    if (group.id > m_newestGroup) {
-      m_newestGroup = group.id;
-      ++m_summary.groups;
+/// The way of the groups' steps to the outputs.
+void RunSession::handOut(RunSteps steps) {
+  for (RunStep& step : steps) {
+    *m_summary.groups += static_cast<std::uint64_t>(
+        std::count_if(step.groups.begin(), step.groups.end(),
+                      [&step](const RunGroup& group) { return group.since == step.inputFrame; }));
+    if (m_options.steps.wantsAnything()) {
+      step.events = m_detector.next(step);
     }
+    m_outputs->take(std::move(step));
   }
-  if (m_options.steps.wantsAnything()) {
-    step.events = m_detector.next(step);
-  }
-  m_outputs->take(std::move(step));
 }
 
 void RunSession::checkStandardOutput() {

@@ -6,7 +6,9 @@
 #include "host/commands/StopSignals.h"
 #include "host/input/InputImages.h"
 #include "host/input/OpenedInput.h"
+#include "host/output/RunFile.h"
 #include "host/run/EventDetector.h"
+#include "host/run/GroupRun.h"
 #include "host/run/ParameterFile.h"
 #include "host/run/TrackerRun.h"
 
@@ -21,7 +23,7 @@ namespace grouptracker {
 struct RunSummary {
   std::uint64_t frames = 0;
   std::uint64_t mobiles = 0;
-  std::uint64_t groups = 0;  ///< different ones that were reported
+  std::optional<std::uint64_t> groups;  ///< different ones; none when nobody wanted them
   std::uint64_t skippedFrames = 0;
   double seconds = 0.0;
   std::string stoppedBy;    ///< the name of the signal; empty when the input ended
@@ -41,11 +43,14 @@ class RunSession {
  private:
   void openInput();
   void openOutputs();
+  void startGroups();
   void startProcess(std::unique_ptr<kelAbstractProcessGroupTracker> tracker);
   void runFrames();
   void runToTheEnd();
   void runFrame(InputFrame& frame);
-  void handOut(RunStep step);
+  void runProcess(const InputFrame& frame);
+  void handOut(RunSteps steps);
+  void finishAfterFailure(bool canWrite);
   void checkStandardOutput();
 
   RunOptions m_options;
@@ -54,13 +59,14 @@ class RunSession {
   QSharedPointer<kelDataContext> m_context;
   OpenedInput m_input;
   ImageLoader m_images;
-  std::unique_ptr<StepOutputs> m_outputs;
+  std::unique_ptr<StepOutputs> m_outputs;   ///< of the groups
+  std::unique_ptr<RunFileWriter> m_actors;  ///< null when nobody wants the process's own
   std::unique_ptr<TrackerRun> m_tracker;
+  std::optional<GroupRun> m_groups;  ///< none when nobody wants groups
   EventDetector m_detector;
   std::optional<Progress> m_progress;
   RunSummary m_summary;
-  int m_processErrno = 0;           ///< what the last frame left in errno
-  std::int64_t m_newestGroup = -1;  ///< the highest group id reported so far
+  int m_processErrno = 0;  ///< what the last frame left in errno
 };
 
 }  // namespace grouptracker

@@ -39,21 +39,18 @@ std::vector<PersonId> common(const std::vector<PersonId>& a, const std::vector<P
 
 }  // namespace
 
-GroupFinder::GroupFinder(EvidenceModel model, const GroupingOptions& options)
-    : m_options(options), m_evidence(std::move(model), options.lookAhead) {}
-
 std::vector<FrameGroups> GroupFinder::next(const PeopleFrame& frame) {
   WaitingFrame waiting{frame, std::nullopt};
-  m_now = clock(waiting.frame);
+  const double now = clock(frame);
   // Ticks whose look-ahead ended before this frame must not see it.
-  std::vector<FrameGroups> decided = handOut(m_now - 2 * ticks::tolerance);
-  if (!m_lastTick || m_now - *m_lastTick >= ticks::interval - ticks::tolerance) {
-    m_lastTick = m_now;
-    waiting.tick = m_now;
-    m_evidence.add(m_now, frame.people);
+  std::vector<FrameGroups> decided = handOut(now - 2 * ticks::tolerance);
+  if (!m_lastTick || now - *m_lastTick >= ticks::interval - ticks::tolerance) {
+    m_lastTick = now;
+    waiting.tick = now;
+    m_evidence.add(now, frame.people);
   }
   m_waiting.push_back(std::move(waiting));
-  std::vector<FrameGroups> more = handOut(m_now + ticks::tolerance);
+  std::vector<FrameGroups> more = handOut(now + ticks::tolerance);
   std::move(more.begin(), more.end(), std::back_inserter(decided));
   return decided;
 }
@@ -62,22 +59,19 @@ std::vector<FrameGroups> GroupFinder::finish() {
   return handOut(std::numeric_limits<double>::infinity());
 }
 
-/// The seconds of a frame; fills in the time that the rate gives it.
-double GroupFinder::clock(PeopleFrame& frame) {
-  if (m_frames++ == 0) {
-    m_firstNumber = frame.number;
-  }
-  if (!frame.time && m_options.rate) {
-    frame.time = static_cast<double>(frame.number - m_firstNumber) / *m_options.rate;
-  }
-  return frame.time.value_or(static_cast<double>(m_frames - 1) * ticks::usualLength);
+/// The seconds of a frame; they never go back, whatever the input says.
+double GroupFinder::clock(const PeopleFrame& frame) {
+  const double usual = m_now ? *m_now + ticks::usualLength : 0.0;
+  const double now = frame.time.value_or(usual);
+  m_now = m_now ? std::max(*m_now, now) : now;
+  return *m_now;
 }
 
 std::vector<FrameGroups> GroupFinder::handOut(double knownUntil) {
   std::vector<FrameGroups> decided;
   while (!m_waiting.empty()) {
     const WaitingFrame& oldest = m_waiting.front();
-    if (oldest.tick && *oldest.tick + m_options.lookAhead > knownUntil) {
+    if (oldest.tick && *oldest.tick + m_lookAhead > knownUntil) {
       break;
     }
     if (oldest.tick) {

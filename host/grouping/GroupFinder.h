@@ -8,22 +8,20 @@
 #include <deque>
 #include <map>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace grouptracker {
 
-struct GroupingOptions {
-  double lookAhead = 3.2;      ///< seconds of the future that a decision may use, 0 or more
-  std::optional<double> rate;  ///< frame numbers a second, for frames that have no time
-};
-
 /// Finds the groups of an input as people mean them: who belongs together, for how long, out of
 /// which groups. Takes one frame after the other and hands each of them out again with its groups,
-/// once what follows within the look-ahead is known. Without times and rate the frames are taken
-/// to be 0.4 s apart. The same frames give the same groups, bit by bit.
+/// once what follows within the look-ahead is known. Frames without time are taken to be 0.4 s
+/// apart. The same frames give the same groups, bit by bit.
 class GroupFinder {
  public:
-  GroupFinder(EvidenceModel model, const GroupingOptions& options);
+  /// `lookAhead`: seconds of the future that a decision may use, 0 or more.
+  GroupFinder(EvidenceModel model, double lookAhead)
+      : m_lookAhead(lookAhead), m_evidence(std::move(model), lookAhead) {}
 
   /// Takes the next frame; returns those that are decided now, in order.
   std::vector<FrameGroups> next(const PeopleFrame& frame);
@@ -36,20 +34,18 @@ class GroupFinder {
     std::optional<double> tick;  ///< seconds, when groups are looked for at this frame
   };
 
-  double clock(PeopleFrame& frame);
+  double clock(const PeopleFrame& frame);
   std::vector<FrameGroups> handOut(double knownUntil);
   FrameGroups describe(const WaitingFrame& waiting);
   FoundGroup describe(const TickGroup& group, std::vector<PersonId> members,
                       const PeopleFrame& frame, bool isTick);
   std::vector<GroupId> listedOrigin(const TickGroup& group) const;
 
-  GroupingOptions m_options;
+  double m_lookAhead;  ///< seconds
   PairEvidence m_evidence;
   GroupIdentity m_identity;
 
-  std::int64_t m_firstNumber = 0;
-  std::int64_t m_frames = 0;         ///< taken so far
-  double m_now = 0.0;                ///< of the latest frame, seconds
+  std::optional<double> m_now;       ///< of the latest frame, seconds; none before the first
   std::optional<double> m_lastTick;  ///< seconds; none before the first
   std::deque<WaitingFrame> m_waiting;
 

@@ -107,6 +107,7 @@ std::unique_ptr<ObservationTable> readMotInput(const std::string& path, const In
   const MotSequence sequence(path);
   input.files = {sequence.trackFile(), sequence.infoFile()};
   input.imageSize = sequence.info().imageSize;
+  input.rate = sequence.info().rate;
   return sequence.read(options.mot, options.onProblem);
 }
 
@@ -177,6 +178,27 @@ const InputFormat& formatOf(const std::string& path, const std::string& key) {
   throw InputError(path, "not an input; expected is " + expected);
 }
 
+/// The frames of an input with the times that a rate gives them.
+class FramesAtRate : public FrameSource {
+ public:
+  /// `rate`: frame numbers a second.
+  FramesAtRate(std::unique_ptr<FrameSource> source, double rate)
+      : m_source(std::move(source)), m_rate(rate) {}
+
+  bool next(InputFrame& frame) override {
+    if (!m_source->next(frame)) {
+      return false;
+    }
+    frame.time = static_cast<double>(frame.number) / m_rate;
+    return true;
+  }
+  std::optional<std::uint64_t> totalFrames() override { return m_source->totalFrames(); }
+
+ private:
+  std::unique_ptr<FrameSource> m_source;
+  double m_rate;
+};
+
 }  // namespace
 
 std::vector<std::string> inputFormats() {
@@ -191,6 +213,10 @@ std::vector<std::string> inputFormats() {
 OpenedInput openInput(const std::string& path, const InputOptions& options) {
   OpenedInput input = formatOf(path, options.format).open(path, options);
   input.frames = withImages(std::move(input.frames), options.images, options.decodesVideo);
+  input.rate = options.rate ? options.rate : input.rate;
+  if (input.rate) {
+    input.frames = std::make_unique<FramesAtRate>(std::move(input.frames), *input.rate);
+  }
   if (!options.frames.isWhole()) {
     input.frames = std::make_unique<FramesWithin>(std::move(input.frames), options.frames);
   }

@@ -62,6 +62,9 @@ SequenceInfo readSequenceInfo(std::istream& in, const std::string& name) {
         info.imageExtension = entry.value;
       } else if (entry.key == "seqLength") {
         info.length = whole(longestSequence);
+      } else if (entry.key == "frameRate") {
+        const double rate = parseNumber(entry.value);
+        info.rate = rate > 0.0 ? std::optional(rate) : std::nullopt;
       } else if (entry.key == "imWidth") {
         size.width = static_cast<int>(whole(largestImage));
       } else if (entry.key == "imHeight") {

@@ -15,6 +15,7 @@ namespace grouptracker {
 ///
 ///     [Sequence]
 ///     imDir=img1
+///     frameRate=30
 ///     seqLength=600
 ///     imWidth=1920
 ///     imHeight=1080
@@ -24,6 +25,7 @@ struct SequenceInfo {
   std::string imageExtension = ".jpg";
   std::int64_t length = 0;            ///< frames; 0 when the file does not say
   std::optional<cv::Size> imageSize;  ///< pixels
+  std::optional<double> rate;         ///< frames a second
 };
 
 /// Reads such a file; keys that are not used are passed over. A length or size that is no whole

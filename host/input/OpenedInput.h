@@ -30,6 +30,7 @@ struct InputOptions {
   std::string images;        ///< a folder, a video or `noImages`; empty for the input's own
   bool decodesVideo = true;  ///< whether anybody looks at the pictures of a video
   FrameRange frames;
+  std::optional<double> rate;  ///< frame numbers a second, in place of what the input says
   ProblemHandler onProblem = throwProblem;
   int wakeDescriptor = -1;  ///< becomes readable when the program is asked to stop
 };
@@ -42,6 +43,7 @@ struct OpenedInput {
   std::vector<std::string> files;     ///< what the input consists of
   std::vector<std::string> notes;     ///< what the user should know about how it is read
   std::optional<cv::Size> imageSize;  ///< pixels; none when nobody said
+  std::optional<double> rate;         ///< frame numbers a second; none when only frames tell times
 };
 
 /// Completes an input that consists of observations: chooses its camera and assembles its frames.

@@ -3,6 +3,7 @@
 #include "host/base/InputError.h"
 #include "host/base/JsonAccess.h"
 #include "host/base/JsonLine.h"
+#include "host/output/GroupsLine.h"
 
 #include <algorithm>
 #include <array>
@@ -52,7 +53,8 @@ void appendExtent(Line& line, const RunGroup& group) {
 
 void appendGroup(Line& line, const RunGroup& group) {
   append(line, R"({{"id": {}, "mobiles": )", group.id);
-  appendArray(line, group.members, [&](const auto& member) { append(line, "{}", member.mobile); });
+  appendArray(line, group.members,
+              [&](const auto& member) { append(line, "{}", member.mobile.value_or(0)); });
   append(line, R"(, "persons": )");
   appendArray(line, group.members, [&](const auto& member) {
     member.person ? append(line, "{}", *member.person) : append(line, "null");
@@ -68,18 +70,26 @@ void appendGroup(Line& line, const RunGroup& group) {
   append(line, "}}}}");
 }
 
+void appendActors(Line& line, const RunStep& step) {
+  append(line, R"({{"frame": {}, "reportedFrame": {}, "inputFrame": )", step.frame,
+         step.reportedFrame);
+  step.inputFrame ? append(line, "{}", *step.inputFrame) : append(line, "null");
+  append(line, R"(, "persons": )");
+  appendArray(line, step.persons, [&line](const auto& p) { append(line, "{}", p.id); });
+  append(line, R"(, "groups": )");
+  appendArray(line, step.groups, [&line](const auto& group) { appendGroup(line, group); });
+  append(line, "}}\n");
+}
+
 }  // namespace
 
 void RunFileWriter::write(const RunStep& step) {
   m_line.clear();
-  append(m_line, R"({{"frame": {}, "reportedFrame": {}, "inputFrame": )", step.frame,
-         step.reportedFrame);
-  step.inputFrame ? append(m_line, "{}", *step.inputFrame) : append(m_line, "null");
-  append(m_line, R"(, "persons": )");
-  appendArray(m_line, step.persons, [this](const auto& p) { append(m_line, "{}", p.id); });
-  append(m_line, R"(, "groups": )");
-  appendArray(m_line, step.groups, [this](const auto& group) { appendGroup(m_line, group); });
-  append(m_line, "}}\n");
+  if (step.source == GroupSource::evidence) {
+    groups_line::append(m_line, step);
+  } else {
+    appendActors(m_line, step);
+  }
   m_file.writeLines({m_line.data(), m_line.size()});
 }
 
@@ -134,7 +144,7 @@ class LineParser {
  public:
   explicit LineParser(RunFilePart part) : m_isWhole(part == RunFilePart::whole) {}
 
-  RunStep step(Value value) const;
+  RunStep step(simdjson::dom::object object) const;
 
  private:
   /// The value of a key; one that is missing is a problem if the whole file is wanted.
@@ -157,8 +167,7 @@ std::optional<Value> LineParser::find(simdjson::dom::object object, const char* 
   return m_isWhole ? json::required(value, key) : value;
 }
 
-RunStep LineParser::step(Value value) const {
-  const auto object = json::asObject(value, "the line");
+RunStep LineParser::step(simdjson::dom::object object) const {
   RunStep step;
   if (const auto frame = find(object, "frame"); frame && m_isWhole) {
     step.frame = json::as<std::uint32_t>(*frame, "frame");
@@ -214,7 +223,7 @@ std::vector<RunMember> LineParser::members(simdjson::dom::object group) const {
   }
   std::vector<RunMember> members(persons.size());
   for (std::size_t i = 0; i < persons.size(); ++i) {
-    members[i].mobile = m_isWhole ? mobiles[i] : 0;
+    members[i].mobile = m_isWhole ? std::optional(mobiles[i]) : std::nullopt;
     members[i].person = persons[i];
   }
   return members;
@@ -249,15 +258,28 @@ void LineParser::readProperties(simdjson::dom::object properties, RunGroup& grou
 }  // namespace
 
 bool RunFileReader::next(RunStep& step) {
-  if (!m_lines.nextFilled()) {
-    return false;
+  while (m_lines.nextFilled()) {
+    try {
+      const auto line = json::asObject(json::parse(m_parser, m_lines.line()), "the line");
+      if (!groups_line::isHeader(line)) {
+        step = parse(line);
+        return true;
+      }
+    } catch (const ValueProblem& problem) {
+      throw m_lines.error(problem.what());
+    }
   }
-  try {
-    step = LineParser(m_part).step(json::parse(m_parser, m_lines.line()));
-  } catch (const ValueProblem& problem) {
-    throw m_lines.error(problem.what());
+  return false;
+}
+
+RunStep RunFileReader::parse(simdjson::dom::object line) {
+  if (!groups_line::isOne(line)) {
+    return LineParser(m_part).step(line);
   }
-  return true;
+  RunStep step = groups_line::parse(line, m_part == RunFilePart::whole);
+  step.frame = ++m_frames;
+  step.reportedFrame = static_cast<std::int32_t>(m_frames);
+  return step;
 }
 
 }  // namespace grouptracker

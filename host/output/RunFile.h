@@ -7,12 +7,14 @@
 #include <fmt/format.h>
 #include <simdjson.h>
 
+#include <cstdint>
 #include <istream>
 #include <string>
 
 namespace grouptracker {
 
-/// Writes the groups file of a run, one JSON object a line and step:
+/// Writes the steps of a run, one JSON object a line and step. Those of the evidence make a groups
+/// file, see `groups_line`; those of the process an actors file:
 ///
 ///     {"frame": 31, "reportedFrame": 26, "inputFrame": 930, "persons": [3, 7, 9],
 ///      "groups": [{"id": 4, "mobiles": [90, 91], "persons": [3, 7], "position": [x, y, z],
@@ -33,16 +35,16 @@ class RunFileWriter : public StepSink {
   fmt::memory_buffer m_line;  ///< kept from step to step
 };
 
-/// What is read of a groups file.
+/// What is read of a file of steps.
 enum class RunFilePart {
   whole,      ///< all that a run writes, which must be there
   groupings,  ///< who was in which group and what became of it; all else may be missing
 };
 
-/// Reads the groups file of a run, line by line: the steps that were written, to the last bit.
-/// Nulls in positions and boxes are read as no numbers, unknown keys are ignored. A line that is
-/// cut or holds something else is an `InputError` with file and line; all steps before it have been
-/// handed out by then.
+/// Reads a groups file or an actors file of a run, line by line: the steps that were written, to
+/// the last bit. A header is passed over, as are unknown keys; nulls in positions and boxes are
+/// read as no numbers. A line that is cut or holds something else is an `InputError` with file and
+/// line; all steps before it have been handed out by then.
 class RunFileReader {
  public:
   /// `name` is the file's name in messages. The stream must outlive the reader.
@@ -56,9 +58,12 @@ class RunFileReader {
   InputError error(const std::string& problem) const { return m_lines.error(problem); }
 
  private:
+  RunStep parse(simdjson::dom::object line);
+
   LineReader m_lines;
   RunFilePart m_part;
   simdjson::dom::parser m_parser;
+  std::uint32_t m_frames = 0;  ///< lines of a groups file so far
 };
 
 }  // namespace grouptracker

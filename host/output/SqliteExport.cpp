@@ -15,8 +15,8 @@ CREATE TABLE groups(
   id INTEGER PRIMARY KEY, first_frame INTEGER NOT NULL, last_frame INTEGER NOT NULL,
   merged_into INTEGER);
 CREATE TABLE members(
-  frame INTEGER NOT NULL, group_id INTEGER NOT NULL, person INTEGER, mobile INTEGER NOT NULL,
-  x REAL, y REAL, PRIMARY KEY(frame, group_id, mobile)) WITHOUT ROWID;
+  frame INTEGER NOT NULL, group_id INTEGER NOT NULL, person INTEGER, mobile INTEGER,
+  x REAL, y REAL, UNIQUE(frame, group_id, mobile));
 CREATE INDEX members_of_group ON members(group_id, frame, person);
 CREATE INDEX groups_of_person ON members(person, frame, group_id);
 CREATE TABLE events(
@@ -83,7 +83,9 @@ void SqliteExport::writeMembers(const RunStep& step) {
       const auto y = member.place ? std::optional<double>(member.place->y) : std::nullopt;
       const auto person =
           member.person ? std::optional<std::int64_t>(*member.person) : std::nullopt;
-      m_members.row(at, std::int64_t{group.id}, person, std::int64_t{member.mobile}, x, y);
+      const auto mobile =
+          member.mobile ? std::optional<std::int64_t>(*member.mobile) : std::nullopt;
+      m_members.row(at, std::int64_t{group.id}, person, mobile, x, y);
     }
   }
 }

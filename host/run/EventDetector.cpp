@@ -43,7 +43,10 @@ std::vector<TrackedEvent> EventDetector::next(const RunStep& step) {
   m_stamp.frame = step.frame;
   m_events.clear();
   m_cameAlong.clear();
+  m_absorbed.clear();
+  recallReturning(step);
   KnownGroups now = listed(step);
+  findOrigins(step, now);
   findMerges(now);
   for (const auto& [id, group] : now) {
     compare(id, group);
@@ -56,6 +59,16 @@ std::vector<TrackedEvent> EventDetector::next(const RunStep& step) {
   return std::exchange(m_events, {});
 }
 
+/// A group of the evidence that was listed before, but not at the last frame, has ended for the
+/// time being; its members join anew.
+void EventDetector::recallReturning(const RunStep& step) {
+  for (const RunGroup& group : step.groups) {
+    if (step.source == GroupSource::evidence && group.since != step.inputFrame) {
+      m_known.try_emplace(group.id);
+    }
+  }
+}
+
 EventDetector::KnownGroups EventDetector::listed(const RunStep& step) const {
   KnownGroups now;
   for (const RunGroup& state : step.groups) {
@@ -63,6 +76,7 @@ EventDetector::KnownGroups EventDetector::listed(const RunStep& step) const {
     // A group that is not visible tells neither merge nor split; the last told values still hold.
     Known group = before == m_known.end() ? Known() : before->second;
     group.isOpen = state.isVisible;
+    group.source = step.source;
     group.members = state.isVisible ? personsOf(state) : Persons();
     group.merge = state.merge.value_or(group.merge);
     group.split = state.split.value_or(group.split);
@@ -71,25 +85,40 @@ EventDetector::KnownGroups EventDetector::listed(const RunStep& step) const {
   return now;
 }
 
+void EventDetector::findOrigins(const RunStep& step, const KnownGroups& now) {
+  for (const RunGroup& group : step.groups) {
+    for (const std::uint32_t origin : group.from) {
+      if (origin != group.id && now.contains(origin)) {
+        add(EventKind::split, group.id, {}, origin);
+      } else if (origin != group.id) {
+        addMerge(group.id, origin, now);
+      }
+    }
+  }
+}
+
 void EventDetector::findMerges(const KnownGroups& now) {
-  Persons named;  // the groups whose going up in another is told
   for (const auto& [id, group] : now) {
     const auto before = m_known.find(id);
     const std::int64_t told = before == m_known.end() ? -1 : before->second.merge;
     if (group.merge >= 0 && group.merge != told) {
       addMerge(id, static_cast<std::uint32_t>(group.merge), now);
-      named.insert(static_cast<std::uint32_t>(group.merge));
     }
   }
   for (const auto& [id, group] : m_known) {
-    if (now.contains(id) || named.contains(id)) {
-      continue;
+    if (!now.contains(id) && !m_absorbed.contains(id)) {
+      addGone(id, group, now);
     }
-    if (const auto heir = heirOf(group.members, now)) {
-      addMerge(*heir, id, now);
-    } else {
-      add(EventKind::removed, id);
-    }
+  }
+}
+
+void EventDetector::addGone(std::uint32_t id, const Known& group, const KnownGroups& now) {
+  if (group.source == GroupSource::evidence) {
+    add(EventKind::ended, id);
+  } else if (const auto heir = heirOf(group.members, now)) {
+    addMerge(*heir, id, now);
+  } else {
+    add(EventKind::removed, id);
   }
 }
 
@@ -103,6 +132,7 @@ void EventDetector::addMerge(std::uint32_t into, std::uint32_t from, const Known
                    m_cameAlong[into]);
   }
   m_cameAlong[into].insert(came.begin(), came.end());
+  m_absorbed.insert(from);
   add(EventKind::merged, into, came, from);
 }
 

@@ -10,11 +10,14 @@
 
 namespace grouptracker {
 
-/// Finds what happened to groups by comparing what the output says at one frame with what it said
-/// before. It knows nothing else, so a run and its groups file give the same events. Members are
-/// followed as persons; a mobile that nobody had as the current one takes no part.
+/// Finds what happened to groups by comparing what the steps say at one frame with what they said
+/// before. It knows nothing else, so a run and its file give the same events. Members are followed
+/// as persons; a mobile that nobody had as the current one takes no part.
 ///
-/// The output names only the last of the groups that one group absorbed at a frame. Another group
+/// A group of the evidence says out of which others it came: by a merge when the other is gone, by
+/// a split when it goes on. One that is gone without having merged has ended and may come back.
+///
+/// The process names only the last of the groups that one group absorbed at a frame. Another group
 /// that had members at the frame before and is gone counts as absorbed too, by the group to which
 /// most of its members changed; without such a group it was removed.
 class EventDetector {
@@ -25,17 +28,21 @@ class EventDetector {
  private:
   using Persons = std::set<std::uint32_t>;
 
-  /// What is known of a group that the output still lists.
+  /// What is known of a group that was listed at the last frame.
   struct Known {
     Persons members;  ///< empty once the group has ended
     bool isOpen = false;
+    GroupSource source = GroupSource::process;
     std::int64_t merge = -1;  ///< the last value told
     std::int64_t split = -1;
   };
   using KnownGroups = std::map<std::uint32_t, Known>;
 
+  void recallReturning(const RunStep& step);
   KnownGroups listed(const RunStep& step) const;
   void findMerges(const KnownGroups& now);
+  void findOrigins(const RunStep& step, const KnownGroups& now);
+  void addGone(std::uint32_t id, const Known& group, const KnownGroups& now);
   void addMerge(std::uint32_t into, std::uint32_t from, const KnownGroups& now);
   std::optional<std::uint32_t> heirOf(const Persons& members, const KnownGroups& now) const;
   void compare(std::uint32_t id, const Known& now);
@@ -44,6 +51,7 @@ class EventDetector {
 
   KnownGroups m_known;
   std::map<std::uint32_t, Persons> m_cameAlong;  ///< by group: whom this frame's merges brought
+  Persons m_absorbed;                            ///< groups whose going up in another is told
   std::vector<TrackedEvent> m_events;            ///< of the frame in work
   TrackedEvent m_stamp;                          ///< the frame numbers of the frame in work
 };

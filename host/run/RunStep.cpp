@@ -31,6 +31,23 @@ std::optional<cv::Point2f> placeOf(const RunMember& member, const InputFrame& fr
                                      : std::optional(sightingOf(*currentMobile(**owner)).ground);
 }
 
+/// Who is seen, in ascending order, each once.
+void keepThoseInView(std::vector<RunPerson>& persons) {
+  std::erase_if(persons, [](const RunPerson& person) { return !person.seen; });
+  std::stable_sort(persons.begin(), persons.end(),
+                   [](const RunPerson& a, const RunPerson& b) { return a.id < b.id; });
+  const auto end = std::unique(persons.begin(), persons.end(),
+                               [](const RunPerson& a, const RunPerson& b) { return a.id == b.id; });
+  persons.erase(end, persons.end());
+}
+
+const RunPerson* find(const std::vector<RunPerson>& persons, std::uint32_t id) {
+  const auto found = std::lower_bound(
+      persons.begin(), persons.end(), id,
+      [](const RunPerson& person, std::uint32_t other) { return person.id < other; });
+  return found == persons.end() || found->id != id ? nullptr : &*found;
+}
+
 }  // namespace
 
 // Of a number that is no whole one there is nothing to decode; the process writes none.
@@ -72,10 +89,34 @@ void addInput(const InputFrame& frame, RunStep& step) {
   step.imageFile = frame.imageFile;
   // An image that has a file can be read again, without what the process drew on it.
   step.image = frame.imageFile.empty() ? frame.image : nullptr;
+  if (step.source == GroupSource::evidence) {
+    step.time = frame.time;
+    keepThoseInView(step.persons);
+    placeMembers(step);
+    return;
+  }
   for (RunGroup& group : step.groups) {
     for (RunMember& member : group.members) {
       member.place = group.isVisible ? placeOf(member, frame) : std::nullopt;
     }
+  }
+}
+
+void placeMembers(RunStep& step) {
+  for (RunGroup& group : step.groups) {
+    cv::Rect around;
+    bool haveBoxes = true;
+    for (RunMember& member : group.members) {
+      const RunPerson* const person = member.person ? find(step.persons, *member.person) : nullptr;
+      if (person == nullptr || !person->seen) {
+        haveBoxes = false;
+        continue;
+      }
+      member.place = person->seen->ground;
+      haveBoxes = haveBoxes && !person->seen->box2D.empty();
+      around = around.empty() ? person->seen->box2D : around | person->seen->box2D;
+    }
+    group.box2D = haveBoxes ? std::optional(around) : std::nullopt;
   }
 }
 

@@ -31,18 +31,18 @@ struct Sighting {
 /// An actor of the input at one frame.
 struct RunPerson {
   std::uint32_t id = 0;
-  /// None for an actor without mobile, and in a run's file, which does not tell it.
+  /// None for an actor without mobile, and in a file of steps, which does not tell it.
   std::optional<Sighting> seen;
 
   bool operator==(const RunPerson&) const = default;
 };
 
-/// One mobile of a group.
+/// One member of a group.
 struct RunMember {
-  std::uint32_t mobile = 0;
+  std::optional<std::uint32_t> mobile;  ///< none in a group that the evidence makes, of persons
   std::optional<std::uint32_t> person;  ///< none when no actor had the mobile as its current one
   /// On the ground, metres, at the reported frame; none in a group that is not visible, and in a
-  /// run's file, which does not tell it.
+  /// file of steps, which does not tell it.
   std::optional<cv::Point2f> place;
 
   bool operator==(const RunMember&) const = default;
@@ -61,12 +61,23 @@ struct RunProperty {
   bool operator==(const RunProperty&) const = default;
 };
 
-/// One group as the process puts it out.
+/// One group, as the process puts it out or as the evidence makes it.
 struct RunGroup {
   std::uint32_t id = 0;
-  std::vector<RunMember> members;             ///< in the order of the process
-  std::optional<cv::Point3f> position;        ///< mean of the members, metres; none without members
-  std::optional<cv::Rect> box2D;              ///< around the members, pixels; none without members
+  std::vector<RunMember> members;       ///< in the order of the process, or ascending
+  std::optional<cv::Point3f> position;  ///< mean of the members, metres; none without members
+  /// Around the members, pixels; none without members, and none of the evidence's groups where
+  /// members have no box or the input is not there.
+  std::optional<cv::Rect> box2D;
+
+  // Of the evidence's groups only.
+  std::optional<std::int64_t>
+      since;                         ///< the input's number of the first frame that lists the group
+  std::optional<double> confidence;  ///< 0 to 1, how sure it is that these belong together
+  /// Groups of the step before out of which this one came by a merge or a split, ascending.
+  std::vector<std::uint32_t> from;
+
+  // Of the process's groups only.
   std::optional<std::array<float, 6>> box3D;  ///< two corners, metres; none without members
   std::vector<RunProperty> properties;        ///< all of them, by name
 
@@ -82,17 +93,26 @@ struct RunGroup {
   bool operator==(const RunGroup&) const = default;
 };
 
-/// All that one processed frame leaves behind. Decisions are delayed, so what it says is about an
-/// earlier frame, the reported one. Values only: whether they come from a run or were read again
-/// makes no difference to whom they are handed to.
+/// Whose groups a step holds.
+enum class GroupSource : std::uint8_t {
+  process,   ///< what the process put out: actors that stand for groups
+  evidence,  ///< groups as people mean them, see `GroupRun`
+};
+
+/// All that one frame leaves behind. Decisions are delayed, so what it says is about an earlier
+/// frame, the reported one. Values only: whether they come from a run or were read again makes no
+/// difference to whom they are handed to.
 struct RunStep {
-  std::uint32_t frame = 0;                 ///< frames processed so far, from 1
+  GroupSource source = GroupSource::process;
+  std::uint32_t frame = 0;  ///< frames processed so far, from 1; of evidence the reported one
   std::int32_t reportedFrame = 0;          ///< the frame that it is about; below 1 at first
   std::optional<std::int64_t> inputFrame;  ///< the input's own number of the reported frame
-  std::vector<RunPerson> persons;          ///< the input's actors at the reported frame, in order
-  std::vector<RunGroup> groups;            ///< in ascending order of ids
-  std::vector<TrackedEvent> events;        ///< as `EventDetector` finds them, if somebody asked it
-  std::vector<Decision> decisions;         ///< made at `frame`, if somebody read the diagnostics
+  std::optional<double> time;  ///< seconds of the reported frame; none of the process's groups
+  /// The input's actors at the reported frame: in order; of evidence those in view, ascending.
+  std::vector<RunPerson> persons;
+  std::vector<RunGroup> groups;      ///< in ascending order of ids
+  std::vector<TrackedEvent> events;  ///< as `EventDetector` finds them, if somebody asked it
+  std::vector<Decision> decisions;   ///< made at `frame`, if somebody read the diagnostics
 
   std::string place;                   ///< of the reported frame in the input, for messages
   std::filesystem::path imageFile;     ///< of the reported frame; empty when there is none
@@ -109,5 +129,9 @@ std::vector<RunPerson> personsIn(const InputFrame& frame);
 /// Fills in what a step says about the input: the frame's number, place and image, its persons, and
 /// where the members of visible groups are.
 void addInput(const InputFrame& frame, RunStep& step);
+
+/// Fills in where the members of the evidence's groups are, and the boxes around them, as far as
+/// the step's persons tell it.
+void placeMembers(RunStep& step);
 
 }  // namespace grouptracker

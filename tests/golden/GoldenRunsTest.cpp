@@ -1,4 +1,6 @@
+#include "tests/support/base/Lines.h"
 #include "tests/support/base/TempFolder.h"
+#include "tests/support/host/GroupsSchema.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -29,7 +31,7 @@ std::vector<fs::path> runsIn(const fs::path& folder) {
   return runs;
 }
 
-/// The frames of a groups file without what the host alone knows.
+/// The frames of an actors file without what the host alone knows.
 std::vector<json> framesOf(const fs::path& file) {
   std::vector<json> frames;
   std::ifstream lines(file);
@@ -64,13 +66,22 @@ class GoldenRun {
         "cd '" + m_folder.path().string() +
         "' && '" PROGRAM
         "' run scene.jsonl --parameters parameters.txt --calibration calibration.yml "
-        "--context context.json --output groups.jsonl --mobile-dump metas.txt > stdout.txt "
+        "--context context.json --actors actors.jsonl --output groups.jsonl --mobile-dump "
+        "metas.txt "
+        "> stdout.txt "
         "2> stderr.txt";
     EXPECT_EQ(std::system(command.c_str()), 0) << textOf(made("stderr.txt"));
   }
 
   fs::path made(const std::string& file) const { return m_folder.path() / file; }
   fs::path expected(const std::string& file) const { return m_folder.path() / "expected" / file; }
+
+  /// One line for each frame of the scene, as the documents describe it.
+  void expectGroupsOfEveryFrame() const {
+    const std::string groups = textOf(made("groups.jsonl"));
+    EXPECT_EQ(grouptracker::groupsFault(groups), "");
+    EXPECT_EQ(linesOf(groups).size(), linesOf(textOf(made("actors.jsonl"))).size());
+  }
 
   void expectSameText(const std::string& file) const {
     const std::string text = textOf(made(file));
@@ -90,7 +101,8 @@ TEST(GoldenRuns, ComeOutToTheLastByte) {
     const GoldenRun golden(run);
     golden.expectSameText("stdout.txt");
     golden.expectSameText("metas.txt");
-    golden.expectSameText("groups.jsonl");
+    golden.expectSameText("actors.jsonl");
+    golden.expectGroupsOfEveryFrame();
   }
 }
 
@@ -105,7 +117,8 @@ TEST(WorkedExamples, ComeOutAsExpected) {
     const GoldenRun golden(run);
     golden.expectSameText("stdout.txt");
     golden.expectSameText("metas.txt");
-    EXPECT_EQ(framesOf(golden.made("groups.jsonl")), framesOf(golden.expected("groups.jsonl")));
+    EXPECT_EQ(framesOf(golden.made("actors.jsonl")), framesOf(golden.expected("groups.jsonl")));
+    golden.expectGroupsOfEveryFrame();
   }
 }
 

@@ -45,14 +45,15 @@ class Files : public testing::Test {
     return text.str();
   }
 
-  /// The lines and the groups of a run.
+  /// The lines, the process's own output and the groups of a run.
   std::string resultOf(const QString& input, const QStringList& more = {}) {
     Program program(folder.path());
-    const int status = program.run(QStringList{"run", input, "--parameters", "p.txt", "--output",
-                                               "g.jsonl", "--mobile-dump", "none"} +
-                                   more);
+    const int status =
+        program.run(QStringList{"run", input, "--parameters", "p.txt", "--output", "g.jsonl",
+                                "--actors", "a.jsonl", "--mobile-dump", "none"} +
+                    more);
     EXPECT_EQ(status, 0) << program.errors();
-    return program.output() + textOf(folder.path() / "g.jsonl");
+    return program.output() + textOf(folder.path() / "a.jsonl") + textOf(folder.path() / "g.jsonl");
   }
   int run(const QStringList& arguments) {
     Program program(folder.path());

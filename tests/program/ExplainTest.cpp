@@ -151,7 +151,7 @@ TEST(ExplainCommand, AnswersForARunAndRefusesWhatIsNoRun) {
   folder.write("p.txt", sampleParameters());
   folder.write("scene.jsonl", walkingScene(12));
   Program(folder.path())
-      .run({"run", "scene.jsonl", "--parameters", "p.txt", "--output", "g.jsonl", "--diagnostics",
+      .run({"run", "scene.jsonl", "--parameters", "p.txt", "--actors", "g.jsonl", "--diagnostics",
             "lines.txt", "--mobile-dump", "dump.txt"});
   Program asking(folder.path());
   EXPECT_EQ(asking.run({"explain", "lines.txt", "--group", "0", "--mobile-dump", "dump.txt"}), 0);

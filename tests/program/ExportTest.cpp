@@ -47,8 +47,8 @@ class Export : public testing::Test {
   }
   static int run(Program& started, const QStringList& more) {
     return started.run(QStringList{"run", "scene.jsonl", "--parameters", "p.txt", "--output",
-                                   "groups.jsonl", "--diagnostics", "none", "--mobile-dump", "none",
-                                   "--quiet"} +
+                                   "groups.jsonl", "--actors", "actors.jsonl", "--diagnostics",
+                                   "none", "--mobile-dump", "none", "--quiet"} +
                        more);
   }
 
@@ -64,7 +64,7 @@ TEST_F(Export, EventsOfARunAreThoseOfItsGroupsFile) {
   const std::string events = text("events.jsonl");
   EXPECT_THAT(
       lines("events.jsonl")[0],
-      HasSubstr(R"({"event": "created", "group": 0, "persons": [1, 2], "reportedFrame": )"));
+      HasSubstr(R"({"event": "created", "group": 1, "persons": [1, 2], "reportedFrame": )"));
   Program replay(folder.path());
   EXPECT_EQ(replay.run({"events", "groups.jsonl", "--graph", "again.dot"}), 0);
   EXPECT_EQ(replay.output(), events);
@@ -106,32 +106,42 @@ TEST_F(Export, OfAReplayNeedTheInputOfTheRun) {
   folder.write("scene.jsonl", walkingScene(5));
   Program other(folder.path());
   EXPECT_EQ(other.run({"events", "groups.jsonl", "--input", "scene.jsonl"}), 2);
-  EXPECT_EQ(other.errors(), "groups.jsonl:8: frame 6 is not in scene.jsonl\n");
+  EXPECT_EQ(other.errors(), "groups.jsonl:6: frame 6 is not in scene.jsonl\n");
 }
 
-TEST_F(Export, GroupsFileIsReadAndWrittenWithoutLoss) {
+TEST_F(Export, FilesOfARunAreReadAndWrittenWithoutLoss) {
   ASSERT_EQ(run(program, {}), 0);
-  std::ifstream in(folder.path() / "groups.jsonl");
-  RunFileReader reader(in, "groups.jsonl");
-  RunFileWriter writer(folder.path() / "again.jsonl");
-  for (RunStep step; reader.next(step);) {
-    writer.write(step);
+  for (const char* const name : {"groups.jsonl", "actors.jsonl"}) {
+    std::ifstream in(folder.path() / name);
+    RunFileReader reader(in, name);
+    RunFileWriter writer(folder.path() / "again.jsonl");
+    for (RunStep step; reader.next(step);) {
+      writer.write(step);
+    }
+    EXPECT_EQ(text("again.jsonl"), text(name));
   }
-  EXPECT_EQ(text("again.jsonl"), text("groups.jsonl"));
+}
+
+TEST_F(Export, OfTheProcessAreMadeOutOfItsActors) {
+  ASSERT_EQ(run(program, {}), 0);
+  Program replay(folder.path());
+  EXPECT_EQ(replay.run({"events", "actors.jsonl", "--input", "scene.jsonl", "--csv", "m.csv"}), 0);
+  EXPECT_THAT(replay.output(), HasSubstr(R"("group": 0, "persons": [1, 2], "reportedFrame": )"));
+  EXPECT_EQ(lines("m.csv").back(), "10,0,2,1,4");
 }
 
 TEST_F(Export, TablesHoldTheVisibleMembers) {
   EXPECT_EQ(run(program, {"--csv", "m.csv", "--mot", "m.txt", "--sqlite", "run.sqlite"}), 0);
   const auto csv = lines("m.csv");
   EXPECT_EQ(csv[0], "frame,group,person,x,y");
-  EXPECT_EQ(csv.back(), "10,0,2,1,4");
-  EXPECT_EQ(lines("m.txt").back(), "10,0,30,20,50,50,1,0.75,4,0");
+  EXPECT_EQ(csv.back(), "12,1,2,1,4.8");
+  EXPECT_EQ(lines("m.txt").back(), "12,1,30,24,50,50,1,0.75,4.8,0");
   const std::string database = folder.path() / "run.sqlite";
-  EXPECT_EQ(query(database, "SELECT count(*), max(input_frame) FROM frames"), "10|10");
+  EXPECT_EQ(query(database, "SELECT count(*), max(input_frame) FROM frames"), "12|12");
   EXPECT_EQ(query(database,
                   "SELECT frame, group_id, companion FROM companions WHERE person = 2 "
-                  "AND frame > 8"),
-            "9|0|1 10|0|1");
+                  "AND frame > 10"),
+            "11|1|1 12|1|1");
   EXPECT_EQ(query(database,
                   "SELECT kind, person FROM events JOIN event_persons "
                   "ON event_id = events.id"),
@@ -146,7 +156,7 @@ TEST_F(Export, WhatIsWrittenIsWholeWhenTheInputIsNot) {
   EXPECT_EQ(run(program, {"--events", "e.jsonl", "--sqlite", "run.sqlite", "--graph", "tree.dot"}),
             2);
   EXPECT_EQ(program.errors(), "scene.jsonl:9: not valid JSON\n");
-  EXPECT_EQ(query(folder.path() / "run.sqlite", "SELECT count(*) FROM frames"), "6");
+  EXPECT_EQ(query(folder.path() / "run.sqlite", "SELECT count(*) FROM frames"), "8");
   EXPECT_THAT(text("tree.dot"), testing::EndsWith("}\n"));
   EXPECT_EQ(lines("e.jsonl").size(), 1U);
 }

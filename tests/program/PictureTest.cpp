@@ -32,7 +32,7 @@ TEST(GroundMap, KeepsEverybodyInsideAndNorthUp) {
               10.0 * map.scale(), 1.0);
 }
 
-/// `grouptracker run` with pictures on a scene of 12 frames, of which 10 are reported.
+/// `grouptracker run` with pictures on a scene of 12 frames.
 class Pictures : public testing::Test {
  protected:
   Pictures() { folder.write("p.txt", sampleParameters()); }
@@ -65,10 +65,10 @@ class Pictures : public testing::Test {
 TEST_F(Pictures, ShowTheReportedFrameAndTheViewFromAbove) {
   writeScene(true);
   EXPECT_EQ(run({"--video", "out", "--top-view"}), 0);
-  EXPECT_FALSE(std::filesystem::exists(folder.path() / "out" / "000011.png"));
-  const cv::Mat last = picture("000010.png");
+  EXPECT_FALSE(std::filesystem::exists(folder.path() / "out" / "000013.png"));
+  const cv::Mat last = picture("000012.png");
   ASSERT_EQ(last.size(), cv::Size(600 + 400, 400));
-  EXPECT_EQ(last.at<cv::Vec3b>(200, 500), cv::Vec3b::all(100)) << "the image of frame 10";
+  EXPECT_EQ(last.at<cv::Vec3b>(200, 500), cv::Vec3b::all(120)) << "the image of frame 12";
   EXPECT_EQ(picture("000001.png").at<cv::Vec3b>(200, 500), cv::Vec3b::all(10));
 }
 
@@ -81,7 +81,7 @@ TEST_F(Pictures, AreOfTheGroundAloneWithoutImages) {
   while (film.read(frame)) {
     ++frames;
   }
-  EXPECT_EQ(frames, 10);
+  EXPECT_EQ(frames, 12);
 }
 
 TEST_F(Pictures, TellWhichImageIsMissingAndKeepTheRest) {

@@ -107,7 +107,7 @@ TEST(ReportCommand, MakesOneFileThatNeedsNothingElse) {
   folder.write("p.txt", sampleParameters());
   folder.write("scene.jsonl", walkingScene(12));
   Program(folder.path())
-      .run({"run", "scene.jsonl", "--parameters", "p.txt", "--output", "g.jsonl", "--diagnostics",
+      .run({"run", "scene.jsonl", "--parameters", "p.txt", "--actors", "g.jsonl", "--diagnostics",
             "lines.txt", "--mobile-dump", "none"});
   Program making(folder.path());
   EXPECT_EQ(making.run({"report", "scene.jsonl", "g.jsonl", "--output", "r.html", "--diagnostics",

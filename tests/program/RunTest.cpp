@@ -1,5 +1,6 @@
 #include "tests/support/base/Lines.h"
 #include "tests/support/base/TempFolder.h"
+#include "tests/support/host/GroupsSchema.h"
 #include "tests/support/host/SampleParameters.h"
 #include "tests/support/host/WalkingScene.h"
 #include "tests/support/program/Program.h"
@@ -27,23 +28,31 @@ class Run : public testing::Test {
   }
 
   static QStringList arguments(const QString& input, const QStringList& more = {}) {
-    return QStringList{"run", input, "--parameters", "p.txt", "--output", "groups.jsonl"} + more;
+    return QStringList{"run",      input,          "--parameters", "p.txt",
+                       "--output", "groups.jsonl", "--actors",     "actors.jsonl"} +
+           more;
   }
   std::filesystem::path inFolder(const std::string& name) const { return folder.path() / name; }
   std::string text(const std::string& name) const { return textOf(inFolder(name)); }
   std::vector<std::string> groups() const { return linesOf(text("groups.jsonl")); }
+  std::vector<std::string> actors() const { return linesOf(text("actors.jsonl")); }
 
   static constexpr int sceneLength = 12;
   const TempFolder folder;
   Program program{inFolder("")};
 };
 
-TEST_F(Run, WritesTheGroupsOfAScene) {
+TEST_F(Run, WritesTheGroupsOfASceneAndWhatTheProcessPutsOut) {
   EXPECT_EQ(program.run(arguments("scene.jsonl")), 0);
-  ASSERT_EQ(groups().size(), std::size_t{sceneLength});
-  EXPECT_EQ(groups()[0], R"({"frame": 1, "reportedFrame": -1, "inputFrame": null, )"
+  ASSERT_EQ(groups().size(), std::size_t{sceneLength}) << "of the last frames, too";
+  EXPECT_EQ(groupsFault(text("groups.jsonl")), "");
+  EXPECT_THAT(groups()[11], StartsWith(R"({"frame": 12, "time": null, "groups": [{"id": 1, )"
+                                       R"("members": [1, 2], "since": )"));
+  EXPECT_THAT(groups()[11], EndsWith(R"(}], "alone": [3]})"));
+  ASSERT_EQ(actors().size(), std::size_t{sceneLength});
+  EXPECT_EQ(actors()[0], R"({"frame": 1, "reportedFrame": -1, "inputFrame": null, )"
                          R"("persons": [], "groups": []})");
-  EXPECT_THAT(groups()[11], StartsWith(R"({"frame": 12, "reportedFrame": 10, "inputFrame": 10, )"
+  EXPECT_THAT(actors()[11], StartsWith(R"({"frame": 12, "reportedFrame": 10, "inputFrame": 10, )"
                                        R"("persons": [1, 2, 3], "groups": [{"id": 0, )"
                                        R"("mobiles": [101, 102], "persons": [1, 2], )"));
   EXPECT_THAT(program.output(), StartsWith("parameter file name: p.txt\n"));
@@ -55,7 +64,7 @@ TEST_F(Run, SendsDiagnosticsAndDumpWhereTheUserWantsThem) {
   program.run(arguments("scene.jsonl"));
   const std::string diagnostics = program.output();
   const std::string dump = text("metasimages.txt");
-  const auto expected = groups();
+  const auto expected = actors();
   std::filesystem::remove(inFolder("metasimages.txt"));
 
   Program redirected(inFolder(""));
@@ -65,13 +74,13 @@ TEST_F(Run, SendsDiagnosticsAndDumpWhereTheUserWantsThem) {
   EXPECT_EQ(redirected.output() + redirected.errors(), "");
   EXPECT_EQ(text("lines.txt"), diagnostics);
   EXPECT_EQ(text("dump.txt"), dump);
-  EXPECT_EQ(groups(), expected);
+  EXPECT_EQ(actors(), expected);
 
   Program silent(inFolder(""));
   EXPECT_EQ(
       silent.run(arguments("scene.jsonl", {"--diagnostics", "none", "--mobile-dump", "none"})), 0);
   EXPECT_EQ(silent.output(), "");
-  EXPECT_EQ(groups(), expected);
+  EXPECT_EQ(actors(), expected);
   EXPECT_FALSE(std::filesystem::exists(inFolder("metasimages.txt")));
 }
 
@@ -80,7 +89,7 @@ TEST_F(Run, AnswersALiveTrackerFrameByFrame) {
   for (int frame = 1; frame <= 3; ++frame) {
     program.process().write(QByteArray::fromStdString(walkingLine(frame)));
     program.process().waitForBytesWritten();
-    const auto answered = [&] { return groups().size() == static_cast<std::size_t>(frame); };
+    const auto answered = [&] { return actors().size() == static_cast<std::size_t>(frame); };
     ASSERT_TRUE(program.waitUntil(answered)) << frame;
   }
   EXPECT_EQ(program.finish(), 0);
@@ -88,12 +97,12 @@ TEST_F(Run, AnswersALiveTrackerFrameByFrame) {
 
 TEST_F(Run, StopsInOrderWhenAskedWhileWaitingForInput) {
   for (const int signal : {SIGINT, SIGTERM}) {
-    std::filesystem::remove(inFolder("groups.jsonl"));
+    std::filesystem::remove(inFolder("actors.jsonl"));
     Program live(inFolder(""));
     live.start(arguments("-"));
     live.process().write(QByteArray::fromStdString(walkingLine(1) + R"({"mobiles": [{"id")"));
     live.process().waitForBytesWritten();
-    ASSERT_TRUE(live.waitUntil([&] { return groups().size() == 1; }));
+    ASSERT_TRUE(live.waitUntil([&] { return actors().size() == 1; }));
     live.send(signal);
     ASSERT_TRUE(live.process().waitForFinished());
     EXPECT_EQ(live.finish(), 0);
@@ -133,6 +142,7 @@ TEST_F(Run, NamesTheLineOfDamagedInputAndKeepsWhatWasDone) {
   EXPECT_EQ(program.run(arguments("cut.jsonl")), 2);
   EXPECT_EQ(program.errors(), "cut.jsonl:4: not valid JSON\n");
   EXPECT_EQ(groups().size(), 3U);
+  EXPECT_EQ(actors().size(), 3U);
   EXPECT_THAT(text("groups.jsonl"), EndsWith("}\n"));
 }
 
@@ -149,7 +159,8 @@ TEST_F(Run, StopsAtOrSkipsFramesAtWhichTheProcessFails) {
   folder.write("p.txt", sampleParameters({{"useClustering:", "1"}, {"temporalWinSize:", "1"}}));
   EXPECT_EQ(program.run(arguments("scene.jsonl")), 3);
   EXPECT_EQ(program.errors(), "frame 2: matrixT::operator(): Index out of range!\n");
-  EXPECT_EQ(groups().size(), 1U);
+  EXPECT_EQ(actors().size(), 1U);
+  EXPECT_EQ(groups().size(), 2U) << "they do not depend on the process";
   EXPECT_THAT(program.output(), HasSubstr("Frame 2"));
 
   Program patient(inFolder(""));
@@ -177,7 +188,8 @@ TEST_F(Run, RunsOnPartOfATrajectoryFolder) {
   folder.write("walk/H.txt", "0 0.02 -2\n-0.02 0 2\n0 0 1\n");
   EXPECT_EQ(program.run(arguments("walk", {"--frames", "120:170"})), 0);
   ASSERT_EQ(groups().size(), 6U);
-  EXPECT_THAT(groups()[5], StartsWith(R"({"frame": 6, "reportedFrame": 4, "inputFrame": 150, )"
+  EXPECT_THAT(groups()[5], StartsWith(R"({"frame": 170, )"));
+  EXPECT_THAT(actors()[5], StartsWith(R"({"frame": 6, "reportedFrame": 4, "inputFrame": 150, )"
                                       R"("persons": [1, 2], "groups": [{"id": 0, )"));
   std::filesystem::remove(inFolder("walk/H.txt"));
   Program unseeing(inFolder(""));

@@ -95,7 +95,7 @@ TEST(GroupFinder, TakesAFriendLostForTenSecondsBackIntoTheGroup) {
 }
 
 TEST(GroupFinder, WithoutLookAheadDecidesEachFrameAtOnce) {
-  GroupFinder finder(EvidenceModel::builtIn(), {0.0, std::nullopt});
+  GroupFinder finder(EvidenceModel::builtIn(), 0.0);
   for (const PeopleFrame& frame : pairWalking().at(25)) {
     const auto lines = finder.next(frame);
     ASSERT_EQ(lines.size(), 1U);
@@ -105,7 +105,7 @@ TEST(GroupFinder, WithoutLookAheadDecidesEachFrameAtOnce) {
 }
 
 TEST(GroupFinder, DecidesOnceTheLookAheadIsKnownAndTheRestAtTheEnd) {
-  GroupFinder finder(EvidenceModel::builtIn(), {3.2, std::nullopt});
+  GroupFinder finder(EvidenceModel::builtIn(), 3.2);
   std::vector<std::size_t> counts;
   for (const PeopleFrame& frame : pairWalking().at(2.5)) {
     counts.push_back(finder.next(frame).size());
@@ -132,18 +132,16 @@ TEST(GroupFinder, GroupsDoNotDependOnTheFrameRate) {
   }
 }
 
-TEST(GroupFinder, TimeComesFromTheRateElseIsNotTold) {
+TEST(GroupFinder, FramesWithoutTimesAreTakenToBeTwoAndAHalfASecond) {
   std::vector<PeopleFrame> frames = pairWalking().at(2.5);
-  const auto timed = groupsOf(frames);
+  auto timed = groupsOf(frames);
   for (PeopleFrame& frame : frames) {
     frame.time.reset();
   }
-  EXPECT_FALSE(groupsOf(frames).back().time);
-  GroupFinder finder(EvidenceModel::builtIn(), {3.2, 2.5});
-  for (const PeopleFrame& frame : frames) {
-    finder.next(frame);
+  for (FrameGroups& line : timed) {
+    line.time.reset();
   }
-  EXPECT_EQ(finder.finish().back(), timed.back());
+  EXPECT_EQ(groupsOf(frames), timed);
 }
 
 /// Walkers without plan, who come and go, in a room that is too small for them.

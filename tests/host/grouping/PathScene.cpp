@@ -74,7 +74,7 @@ std::vector<PeopleFrame> PathScene::at(double framesPerSecond) const {
 }
 
 std::vector<FrameGroups> groupsOf(const std::vector<PeopleFrame>& frames, double lookAhead) {
-  GroupFinder finder(EvidenceModel::builtIn(), {lookAhead, std::nullopt});
+  GroupFinder finder(EvidenceModel::builtIn(), lookAhead);
   std::vector<FrameGroups> lines;
   const auto append = [&lines](const std::vector<FrameGroups>& decided) {
     lines.insert(lines.end(), decided.begin(), decided.end());

@@ -1,0 +1,130 @@
+#include "host/run/GroupRun.h"
+
+#include "host/grouping/Ticks.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <utility>
+
+namespace grouptracker {
+
+namespace {
+
+constexpr double usefulLookAhead = 3.2;    // seconds, with which the built-in model was learned
+constexpr double positionsPerMetre = 1e4;  // as fine as positions are told
+constexpr double confidences = 1e4;
+
+/// Rounded to a part of the unit, so that lines stay short and do not depend on the last bits.
+double rounded(double value, double parts) {
+  const double whole = std::round(value * parts);
+  return whole == 0.0 ? 0.0 : whole / parts;
+}
+
+bool isOnTheGround(const RunPerson& person) {
+  return std::isfinite(person.seen->ground.x) && std::isfinite(person.seen->ground.y);
+}
+
+/// Everybody in view whose place can be compared with others'.
+PeopleFrame peopleIn(const RunStep& step) {
+  PeopleFrame people{step.inputFrame.value_or(0), step.time, {}};
+  for (const RunPerson& person : step.persons) {
+    if (isOnTheGround(person)) {
+      people.people.push_back({person.id, cv::Point2d(person.seen->ground)});
+    }
+  }
+  return people;
+}
+
+RunGroup toRunGroup(const FoundGroup& found) {
+  RunGroup group;
+  group.id = found.id;
+  group.isVisible = true;
+  for (const PersonId person : found.members) {
+    group.members.push_back({{}, person, {}});
+  }
+  group.position = cv::Point3f(static_cast<float>(rounded(found.position.x, positionsPerMetre)),
+                               static_cast<float>(rounded(found.position.y, positionsPerMetre)), 0);
+  group.since = found.since;
+  group.confidence = rounded(found.confidence, confidences);
+  group.from = found.from;
+  return group;
+}
+
+}  // namespace
+
+RunSteps GroupRun::advance(const InputFrame& frame) {
+  note(frame);
+  const PeopleFrame people = peopleIn(m_noted.back());
+  if (m_finder) {
+    return describe(m_finder->next(people));
+  }
+  const bool isKnown = m_options.lookAhead || m_options.delay == 0;
+  if (!isKnown && !m_first) {
+    m_first = people;
+    return {};
+  }
+  start(isKnown ? m_options.lookAhead.value_or(0.0) : lookAhead(people));
+  std::vector<FrameGroups> decided =
+      m_first ? m_finder->next(*m_first) : std::vector<FrameGroups>();
+  const auto more = m_finder->next(people);
+  decided.insert(decided.end(), more.begin(), more.end());
+  return describe(decided);
+}
+
+RunSteps GroupRun::finish() {
+  RunSteps steps;
+  if (!m_finder) {
+    start(0.0);
+    if (m_first) {
+      steps = describe(m_finder->next(*m_first));
+    }
+  }
+  RunSteps rest = describe(m_finder->finish());
+  std::move(rest.begin(), rest.end(), std::back_inserter(steps));
+  return steps;
+}
+
+void GroupRun::note(const InputFrame& frame) {
+  RunStep& noted = m_noted.emplace_back();
+  noted.source = GroupSource::evidence;
+  noted.frame = ++m_frame;
+  noted.reportedFrame = static_cast<std::int32_t>(m_frame);
+  addInput(frame, noted);
+  if (!m_options.keepsImages) {
+    noted.image.reset();
+  } else if (noted.image && m_options.processDrawsOnImages) {
+    noted.image = QSharedPointer<kelDataImage>::create(noted.image->mat().clone());
+  }
+}
+
+/// The seconds that the process waits, told by how far the first two frames are apart.
+double GroupRun::lookAhead(const PeopleFrame& second) const {
+  const double step =
+      m_first->time && second.time ? *second.time - *m_first->time : ticks::usualLength;
+  return std::min(m_options.delay * step, usefulLookAhead);
+}
+
+void GroupRun::start(double lookAhead) {
+  m_finder.emplace(m_options.model, lookAhead);
+}
+
+RunSteps GroupRun::describe(const std::vector<FrameGroups>& decided) {
+  RunSteps steps;
+  for (const FrameGroups& frame : decided) {
+    steps.push_back(describe(frame));
+  }
+  return steps;
+}
+
+RunStep GroupRun::describe(const FrameGroups& decided) {
+  RunStep step = std::move(m_noted.front());
+  m_noted.pop_front();
+  for (const FoundGroup& group : decided.groups) {
+    step.groups.push_back(toRunGroup(group));
+  }
+  placeMembers(step);
+  return step;
+}
+
+}  // namespace grouptracker
