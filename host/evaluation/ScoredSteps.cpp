@@ -3,6 +3,7 @@
 #include "host/base/InputFile.h"
 #include "host/grouping/Ticks.h"
 #include "host/output/RunFile.h"
+#include "host/run/GroupRun.h"
 
 #include <algorithm>
 #include <iterator>
@@ -112,7 +113,9 @@ GroupedFrames readScored(std::istream& in, const std::string& name) {
   ProcessGroups process;
   RunFileReader reader(in, name, RunFilePart::groupings);
   for (RunStep step; reader.next(step);) {
-    if (auto frame = process.next(step)) {
+    if (step.source == GroupSource::evidence) {
+      run.push_back(toFrameGroups(step));
+    } else if (auto frame = process.next(step)) {
       run.push_back(*std::move(frame));
     }
   }

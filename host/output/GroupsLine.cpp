@@ -10,9 +10,6 @@ namespace grouptracker {
 namespace {
 
 using json::Value;
-using json_line::appendArray;
-using json_line::appendNumbers;
-using json_line::Line;
 
 std::vector<std::uint32_t> idsOf(const RunGroup& group) {
   std::vector<std::uint32_t> ids;
@@ -20,37 +17,6 @@ std::vector<std::uint32_t> idsOf(const RunGroup& group) {
     ids.push_back(member.person.value_or(0));
   }
   return ids;
-}
-
-std::vector<std::uint32_t> aloneIn(const RunStep& step) {
-  std::set<std::uint32_t> together;
-  for (const RunGroup& group : step.groups) {
-    for (const RunMember& member : group.members) {
-      together.insert(member.person.value_or(0));
-    }
-  }
-  std::vector<std::uint32_t> alone;
-  for (const RunPerson& person : step.persons) {
-    if (!together.contains(person.id)) {
-      alone.push_back(person.id);
-    }
-  }
-  return alone;
-}
-
-void appendGroup(Line& line, const RunGroup& group) {
-  const cv::Point3f at = group.position.value_or(cv::Point3f());
-  json_line::append(line, R"({{"id": {}, "members": )", group.id);
-  appendNumbers(line, idsOf(group));
-  // The shortest text of a single-precision number: reads as the same one.
-  json_line::append(line, R"(, "since": {}, "position": [{}, {}], "confidence": {})",
-                    group.since.value_or(0), at.x, at.y,
-                    jsonNumber(group.confidence.value_or(0.0)));
-  if (!group.from.empty()) {
-    json_line::append(line, R"(, "from": )");
-    appendNumbers(line, group.from);
-  }
-  json_line::append(line, "}}");
 }
 
 std::optional<Value> find(simdjson::dom::object object, const char* key) {
@@ -96,15 +62,6 @@ RunGroup groupIn(Value value, bool isWhole) {
 
 }  // namespace
 
-void groups_line::append(Line& line, const RunStep& step) {
-  json_line::append(line, R"({{"frame": {}, "time": {}, "groups": )", step.inputFrame.value_or(0),
-                    step.time ? jsonNumber(*step.time) : "null");
-  appendArray(line, step.groups, [&line](const RunGroup& group) { appendGroup(line, group); });
-  json_line::append(line, R"(, "alone": )");
-  appendNumbers(line, aloneIn(step));
-  json_line::append(line, "}}\n");
-}
-
 bool groups_line::isOne(simdjson::dom::object line) {
   return find(line, "alone").has_value();
 }
@@ -117,9 +74,9 @@ RunStep groups_line::parse(simdjson::dom::object line, bool isWhole) {
   RunStep step;
   step.source = GroupSource::evidence;
   step.inputFrame = json::as<std::int64_t>(require(line, "frame"), "frame");
-  if (isWhole) {
-    const Value time = require(line, "time");
-    step.time = time.is_null() ? std::nullopt : std::optional(json::as<double>(time, "time"));
+  const auto time = isWhole ? require(line, "time") : find(line, "time");
+  if (time && !time->is_null()) {
+    step.time = json::as<double>(*time, "time");
   }
   json::readArray(
       require(line, "groups"), "groups", [isWhole](Value item) { return groupIn(item, isWhole); },

@@ -3,7 +3,9 @@
 #include "host/base/InputError.h"
 #include "host/base/JsonAccess.h"
 #include "host/base/JsonLine.h"
+#include "host/grouping/FrameGroupsWriter.h"
 #include "host/output/GroupsLine.h"
+#include "host/run/GroupRun.h"
 
 #include <algorithm>
 #include <array>
@@ -84,12 +86,12 @@ void appendActors(Line& line, const RunStep& step) {
 }  // namespace
 
 void RunFileWriter::write(const RunStep& step) {
-  m_line.clear();
   if (step.source == GroupSource::evidence) {
-    groups_line::append(m_line, step);
-  } else {
-    appendActors(m_line, step);
+    m_file.writeLines(toLine(toFrameGroups(step)));
+    return;
   }
+  m_line.clear();
+  appendActors(m_line, step);
   m_file.writeLines({m_line.data(), m_line.size()});
 }
 

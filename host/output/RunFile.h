@@ -14,7 +14,7 @@
 namespace grouptracker {
 
 /// Writes the steps of a run, one JSON object a line and step. Those of the evidence make a groups
-/// file, see `groups_line`; those of the process an actors file:
+/// file, see `FrameGroupsWriter`; those of the process an actors file:
 ///
 ///     {"frame": 31, "reportedFrame": 26, "inputFrame": 930, "persons": [3, 7, 9],
 ///      "groups": [{"id": 4, "mobiles": [90, 91], "persons": [3, 7], "position": [x, y, z],

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <set>
 #include <utility>
 
 namespace grouptracker {
@@ -125,6 +126,30 @@ RunStep GroupRun::describe(const FrameGroups& decided) {
   }
   placeMembers(step);
   return step;
+}
+
+FrameGroups toFrameGroups(const RunStep& step) {
+  FrameGroups groups{step.inputFrame.value_or(0), step.time, {}, {}};
+  std::set<PersonId> together;
+  for (const RunGroup& group : step.groups) {
+    FoundGroup& found = groups.groups.emplace_back();
+    found.id = group.id;
+    for (const RunMember& member : group.members) {
+      found.members.push_back(member.person.value_or(0));
+    }
+    together.insert(found.members.begin(), found.members.end());
+    found.since = group.since.value_or(0);
+    const cv::Point3d at = group.position.value_or(cv::Point3f());
+    found.position = {at.x, at.y};
+    found.confidence = group.confidence.value_or(0.0);
+    found.from = group.from;
+  }
+  for (const RunPerson& person : step.persons) {
+    if (!together.contains(person.id)) {
+      groups.alone.push_back(person.id);
+    }
+  }
+  return groups;
 }
 
 }  // namespace grouptracker

@@ -49,4 +49,7 @@ class GroupRun {
   std::uint32_t m_frame = 0;  ///< taken so far
 };
 
+/// The groups of a step of the evidence without what the input says about its people.
+FrameGroups toFrameGroups(const RunStep& step);
+
 }  // namespace grouptracker

@@ -3,10 +3,13 @@
 #include "host/people/InputFrame.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace grouptracker {
 
 namespace {
+
+constexpr double perSecond = 1e6;  // times are told to the microsecond
 
 /// The mobile that an actor has at the frame; null for an actor without any.
 const kelDataLinkedPhysicalObject* currentMobile(const kelDataActor& actor) {
@@ -90,7 +93,8 @@ void addInput(const InputFrame& frame, RunStep& step) {
   // An image that has a file can be read again, without what the process drew on it.
   step.image = frame.imageFile.empty() ? frame.image : nullptr;
   if (step.source == GroupSource::evidence) {
-    step.time = frame.time;
+    step.time =
+        frame.time ? std::optional(std::round(*frame.time * perSecond) / perSecond) : std::nullopt;
     keepThoseInView(step.persons);
     placeMembers(step);
     return;

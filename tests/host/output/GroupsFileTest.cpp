@@ -69,8 +69,8 @@ RunStep stepOf(std::uint32_t number, const std::vector<RunGroup>& groups) {
 TEST(GroupsFile, IsReadAsItWasWritten) {
   RunStep first =
       stepOf(1, {group(4, {3, 7}, {12345.6789F, -0.1F, 0}), group(5, {8, 4294967295U}, {})});
-  first.time = 0.1 + 0.2;
-  RunStep second = stepOf(2, {group(6, {3, 8}, {1e-7F, 1e7F, 0})});
+  first.time = 1.000001;
+  RunStep second = stepOf(2, {group(6, {3, 8}, {0.0001F, 1e7F, 0})});
   second.groups[0].from = {4, 5};
   RunStep nobody = stepOf(3, {});
   nobody.persons.clear();
