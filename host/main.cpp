@@ -34,6 +34,17 @@ using namespace grouptracker;
 
 namespace {
 
+const char* const inputsHelp = R"(Tracks that it takes, told apart by their content:
+  CSV or TSV: frame,id,x,y         grouptracker check tracks.csv
+  with other names or units        grouptracker check tracks.csv --columns frame=t,id=ped --unit cm
+  text without names               grouptracker check tracks.txt --columns frame,id,x,y
+  text of a pedestrian laboratory  grouptracker check run.txt
+  SQLite of a simulation           grouptracker check run.sqlite
+  obsmat.txt, or its folder        grouptracker check seq_eth
+  MOTChallenge file or folder      grouptracker check MOT16-02
+  XML with boxes                   grouptracker check boxes.xml
+  scene with links                 grouptracker check scene.jsonl)";
+
 /// Every command of the program; a new one is one more row.
 std::vector<std::unique_ptr<Command>> allCommands() {
   std::vector<std::unique_ptr<Command>> commands;
@@ -92,6 +103,7 @@ int main(int argc, char** argv) {
   silenceOpenCv();
   CommandLine line("Turns the people whom a tracker sees into groups that live over time",
                    GROUPTRACKER_VERSION);
+  line.endHelpWith(inputsHelp);
   std::vector<std::pair<Options, std::unique_ptr<Command>>> commands;
   for (auto& command : allCommands()) {
     const Options options = command->declare(line);

@@ -148,6 +148,10 @@ CommandLine::CommandLine(const std::string& description, const std::string& vers
 
 CommandLine::~CommandLine() = default;
 
+void CommandLine::endHelpWith(const std::string& footer) {
+  m_program->footer(footer);
+}
+
 Options CommandLine::addCommand(const std::string& name, const std::string& description,
                                 const std::string& footer) {
   CLI::App* const command = m_program->add_subcommand(name, description);

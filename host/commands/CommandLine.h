@@ -74,6 +74,8 @@ class CommandLine {
   CommandLine& operator=(const CommandLine&) = delete;
   ~CommandLine();
 
+  /// What ends the program's own help.
+  void endHelpWith(const std::string& footer);
   /// Adds a command; `footer` ends its help.
   Options addCommand(const std::string& name, const std::string& description,
                      const std::string& footer);

@@ -58,6 +58,29 @@ void declareRate(Options& command, InputChoice& choice) {
       .heading(heading);
 }
 
+void declareTable(Options& command, InputChoice& choice) {
+  const auto takeColumns = [&choice](const std::string& text) {
+    return choice.table.parseColumns(text);
+  };
+  command
+      .addParsed("--columns", takeColumns,
+                 "names such as frame=t,id=ped are expected, or without names in the file what all "
+                 "columns hold, such as frame,id,x,y",
+                 "which columns of a table are frame (or time, in seconds), id, x and y")
+      .typeName("frame=NAME,...")
+      .heading(heading);
+  const auto takeUnit = [&choice](const std::string& text) {
+    constexpr double centimetre = 0.01;
+    choice.table.unit = text == "cm" ? centimetre : 1.0;
+    return text == "m" || text == "cm";
+  };
+  command
+      .addParsed("--unit", takeUnit, "m or cm is expected",
+                 "what places in a table are in (default m, or what its header says)")
+      .typeName("m|cm")
+      .heading(heading);
+}
+
 void declareCamera(Options& command, InputChoice& choice) {
   command
       .add("--calibration", choice.calibrationFile,
@@ -112,8 +135,10 @@ std::optional<double> parseFinite(const std::string& text) {
 void declareInput(Options& command, InputChoice& choice) {
   command
       .add("INPUT", choice.input,
-           "scene file *.jsonl, - for a scene on standard input, folder with obsmat.txt and "
-           "H.txt, MOTChallenge file or sequence folder, or XML file with boxes")
+           "CSV or other text with columns frame, id, x and y; text of a pedestrian laboratory; "
+           "SQLite file of a pedestrian simulation; obsmat.txt or a folder with it; MOTChallenge "
+           "file or sequence folder; XML file with boxes; scene file *.jsonl, - for a scene on "
+           "standard input")
       .required();
   declareReading(command, choice);
 }
@@ -130,6 +155,7 @@ void declareReading(Options& command, InputChoice& choice) {
       .heading(heading);
   declareFrames(command, choice);
   declareRate(command, choice);
+  declareTable(command, choice);
   declareCamera(command, choice);
   command
       .add("--images", choice.images,
@@ -148,6 +174,7 @@ InputOptions inputOptions(const InputChoice& choice) {
   options.images = choice.images;
   options.frames = choice.frames;
   options.rate = choice.rate;
+  options.table = choice.table;
   options.mot.minConfidence = choice.minConfidence.value_or(options.mot.minConfidence);
   if (choice.calibrationFile.empty()) {
     return options;

@@ -23,6 +23,7 @@ struct InputChoice {
   std::string images;  ///< a folder, a video file, or `noImages`
   FrameRange frames;
   std::optional<double> rate;  ///< frame numbers a second
+  TableChoice table;
   LinkOptions links;
 };
 

@@ -12,6 +12,8 @@
 #include "host/input/ObsmatReader.h"
 #include "host/input/OpenedInput.h"
 #include "host/input/SceneReader.h"
+#include "host/input/TableReader.h"
+#include "host/input/TrajectoryDatabase.h"
 
 #include <array>
 #include <filesystem>
@@ -111,6 +113,18 @@ std::unique_ptr<ObservationTable> readMotInput(const std::string& path, const In
   return sequence.read(options.mot, options.onProblem);
 }
 
+bool isObsmat(const std::string& path) {
+  if (isTrajectoryFolder(path)) {
+    return true;
+  }
+  const auto head = headOf(path);
+  return !head.empty() && isObsmatLine(head.front());
+}
+
+bool isTableFile(const std::string& path) {
+  return isTable(headOf(path));
+}
+
 OpenedInput openMot(const std::string& path, const InputOptions& options) {
   OpenedInput input;
   auto people = readMotInput(path, options, input);
@@ -151,13 +165,16 @@ PeopleView viewCvml(const std::string& path, const InputOptions& options) {
   return {peopleBoxes(*readCvml(path, options.onProblem), options.frames), std::nullopt};
 }
 
-const std::array<InputFormat, 4> formats{{
+const std::array<InputFormat, 6> formats{{
     {"scene", "a scene file *.jsonl, or - for a scene on standard input", isScene, openScene,
      viewScene},
-    {"obsmat", "a folder with obsmat.txt and H.txt", isTrajectoryFolder, openTrajectoryFolder,
-     nullptr},
+    {"sqlite", "an SQLite file of a pedestrian simulation", isTrajectoryDatabase,
+     openTrajectoryDatabase, nullptr},
+    {"obsmat", "obsmat.txt, or a folder with it and H.txt", isObsmat, openTrajectory, nullptr},
     {"mot", "a MOTChallenge file, or a sequence folder with seqinfo.ini", isMot, openMot, viewMot},
     {"cvml", "an XML file with boxes like that of the PETS recordings", isCvml, openCvml, viewCvml},
+    {"table", "a text with columns named frame, id, x and y (or with --columns)", isTableFile,
+     openTable, nullptr},
 }};
 
 /// The format that the user chose, or else the one that takes the input as its own.
@@ -178,18 +195,21 @@ const InputFormat& formatOf(const std::string& path, const std::string& key) {
   throw InputError(path, "not an input; expected is " + expected);
 }
 
-/// The frames of an input with the times that a rate gives them.
+/// The frames of an input with the times that a rate gives them: all of them when the user says the
+/// rate, else those that have none.
 class FramesAtRate : public FrameSource {
  public:
   /// `rate`: frame numbers a second.
-  FramesAtRate(std::unique_ptr<FrameSource> source, double rate)
-      : m_source(std::move(source)), m_rate(rate) {}
+  FramesAtRate(std::unique_ptr<FrameSource> source, double rate, bool replacesTimes)
+      : m_source(std::move(source)), m_rate(rate), m_replacesTimes(replacesTimes) {}
 
   bool next(InputFrame& frame) override {
     if (!m_source->next(frame)) {
       return false;
     }
-    frame.time = static_cast<double>(frame.number) / m_rate;
+    if (m_replacesTimes || !frame.time) {
+      frame.time = static_cast<double>(frame.number) / m_rate;
+    }
     return true;
   }
   std::optional<std::uint64_t> totalFrames() override { return m_source->totalFrames(); }
@@ -197,7 +217,16 @@ class FramesAtRate : public FrameSource {
  private:
   std::unique_ptr<FrameSource> m_source;
   double m_rate;
+  bool m_replacesTimes;
 };
+
+/// The format's name, as the user says it or shows by naming columns; empty when nobody said.
+std::string keyOf(const std::string& path, const InputOptions& options) {
+  if (!options.format.empty() || options.table.isEmpty() || !isFile(path)) {
+    return options.format;
+  }
+  return isTrajectoryDatabase(path) ? "sqlite" : "table";
+}
 
 }  // namespace
 
@@ -211,11 +240,12 @@ std::vector<std::string> inputFormats() {
 }
 
 OpenedInput openInput(const std::string& path, const InputOptions& options) {
-  OpenedInput input = formatOf(path, options.format).open(path, options);
+  OpenedInput input = formatOf(path, keyOf(path, options)).open(path, options);
   input.frames = withImages(std::move(input.frames), options.images, options.decodesVideo);
   input.rate = options.rate ? options.rate : input.rate;
   if (input.rate) {
-    input.frames = std::make_unique<FramesAtRate>(std::move(input.frames), *input.rate);
+    input.frames = std::make_unique<FramesAtRate>(std::move(input.frames), *input.rate,
+                                                  options.rate.has_value());
   }
   if (!options.frames.isWhole()) {
     input.frames = std::make_unique<FramesWithin>(std::move(input.frames), options.frames);
@@ -224,7 +254,7 @@ OpenedInput openInput(const std::string& path, const InputOptions& options) {
 }
 
 PeopleView readPeopleView(const std::string& path, const InputOptions& options) {
-  const InputFormat& format = formatOf(path, options.format);
+  const InputFormat& format = formatOf(path, keyOf(path, options));
   if (format.view == nullptr) {
     throw InputError(path, "has no image boxes, from which a camera could be estimated");
   }

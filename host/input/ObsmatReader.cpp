@@ -21,6 +21,10 @@ namespace grouptracker {
 
 namespace {
 
+namespace fs = std::filesystem;
+
+const char* const observationName = "obsmat.txt";
+
 enum Column { frameColumn = 0, personColumn = 1, xColumn = 2, yColumn = 4, columnCount = 8 };
 
 void addRow(const std::vector<double>& row, std::uint64_t line, ObservationTable& table) {
@@ -38,7 +42,18 @@ void addRow(const std::vector<double>& row, std::uint64_t line, ObservationTable
 }
 
 std::string observationFile(const std::string& folder) {
-  return std::filesystem::path(folder) / "obsmat.txt";
+  return fs::path(folder) / observationName;
+}
+
+/// The homography that the user gives, or that lies beside the observations; notes its file.
+std::optional<cv::Matx33d> homographyOf(const InputOptions& options, OpenedInput& input) {
+  const fs::path observations = input.files.front();
+  const fs::path file = observations.parent_path() / "H.txt";
+  if (options.homography || observations.filename() != observationName || !fs::exists(file)) {
+    return options.homography;
+  }
+  input.files.push_back(file);
+  return readHomography(file, ImageOrder::rowColumn);
 }
 
 /// The largest column and row at which anybody is seen through the homography.
@@ -78,21 +93,27 @@ std::unique_ptr<ObservationTable> readObsmat(const std::string& path,
 }
 
 bool isTrajectoryFolder(const std::string& path) {
-  return std::filesystem::exists(observationFile(path));
+  return fs::exists(observationFile(path));
 }
 
-OpenedInput openTrajectoryFolder(const std::string& path, const InputOptions& options) {
+bool isObsmatLine(const std::string& line) {
+  std::vector<double> row;
+  try {
+    parseNumbers(line, row);
+  } catch (const ValueProblem&) {
+    return false;
+  }
+  return row.size() == columnCount;
+}
+
+OpenedInput openTrajectory(const std::string& path, const InputOptions& options) {
   OpenedInput input;
-  input.files.push_back(observationFile(path));
+  input.files.push_back(fs::is_directory(path) ? observationFile(path) : path);
   auto observations = readObsmat(input.files.back(), options.onProblem);
   input.calibration = options.calibration;
   input.imageSize = options.imageSize;
-  if (!input.calibration) {
-    auto homography = options.homography;
-    if (!homography) {
-      input.files.push_back(std::filesystem::path(path) / "H.txt");
-      homography = readHomography(input.files.back(), ImageOrder::rowColumn);
-    }
+  const auto homography = input.calibration ? std::nullopt : homographyOf(options, input);
+  if (homography) {
     input.calibration =
         cameraOf(*homography, input.imageSize, farthestSeen(*observations, *homography));
   }

@@ -25,9 +25,13 @@ std::unique_ptr<ObservationTable> readObsmat(const std::string& path,
 
 /// Whether the folder holds `obsmat.txt`.
 bool isTrajectoryFolder(const std::string& path);
+/// Whether a line could be one of such a file.
+bool isObsmatLine(const std::string& line);
 
-/// Opens a folder with `obsmat.txt` (see `readObsmat`) and, unless a calibration is given, `H.txt`,
-/// a homography that takes (row, column, 1); the camera's position is then estimated.
-OpenedInput openTrajectoryFolder(const std::string& path, const InputOptions& options);
+/// Opens a folder with `obsmat.txt` (see `readObsmat`), or that file alone. Unless a calibration is
+/// given, the file `H.txt` beside it is the homography, which takes (row, column, 1); the camera's
+/// position is then estimated. Without such a file there is no camera and people have no boxes in
+/// the image.
+OpenedInput openTrajectory(const std::string& path, const InputOptions& options);
 
 }  // namespace grouptracker

@@ -65,4 +65,12 @@ void assembleInput(std::unique_ptr<ObservationTable> observations, const InputOp
       std::make_unique<TrackAssembler>(std::move(observations), input.calibration, options.links);
 }
 
+void openRecording(TrackRecording recording, const InputOptions& options, OpenedInput& input) {
+  input.rate = recording.rate;
+  if (!recording.note.empty()) {
+    input.notes.push_back(recording.note);
+  }
+  assembleInput(std::move(recording.people), options, input);
+}
+
 }  // namespace grouptracker

@@ -3,6 +3,7 @@
 #include "host/base/ProblemHandler.h"
 #include "host/input/FrameRange.h"
 #include "host/input/MotReader.h"
+#include "host/input/TrackRows.h"
 #include "host/people/InputFrame.h"
 #include "host/people/LinkOptions.h"
 #include "host/people/ObservationTable.h"
@@ -27,6 +28,7 @@ struct InputOptions {
   std::optional<cv::Size> imageSize;      ///< pixels; asked for only when the input does not say
   LinkOptions links;
   MotChoice mot;
+  TableChoice table;
   std::string images;        ///< a folder, a video or `noImages`; empty for the input's own
   bool decodesVideo = true;  ///< whether anybody looks at the pictures of a video
   FrameRange frames;
@@ -52,6 +54,9 @@ struct OpenedInput {
 /// `input` holds the files and, when known, the image size.
 void assembleInput(std::unique_ptr<ObservationTable> observations, const InputOptions& options,
                    OpenedInput& input);
+
+/// The same for people's places out of a table, which may also say how fast its frames follow.
+void openRecording(TrackRecording recording, const InputOptions& options, OpenedInput& input);
 
 /// The camera behind a homography; `farthest` is the largest column and row at which anything is
 /// seen, which gives the image size when nobody knows it.

@@ -24,6 +24,7 @@ struct Observation {
 /// Everybody seen at one time step, in ascending order of persons; each person once.
 struct ObservationStep {
   std::int64_t frame = 0;           ///< the input's own number
+  std::optional<double> time;       ///< seconds by the input's own clock; none when it has none
   std::string place;                ///< where the step stands in the input, for messages
   std::filesystem::path imageFile;  ///< empty when the input names no image
   std::vector<Observation> observations;

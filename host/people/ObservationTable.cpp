@@ -15,6 +15,31 @@ bool isRepeated(const ObservationRow& a, const ObservationRow& b) {
   return a.frame == b.frame && a.observation.person == b.observation.person;
 }
 
+using Differences = std::map<std::int64_t, std::uint64_t>;  // counts by difference
+
+std::int64_t mostFrequent(const Differences& differences) {
+  const auto most =
+      std::max_element(differences.begin(), differences.end(),
+                       [](const auto& a, const auto& b) { return a.second < b.second; });
+  return most == differences.end() ? 1 : most->first;
+}
+
+/// The median. Of times that are not quite regular no difference is frequent.
+std::int64_t middle(const Differences& differences) {
+  std::uint64_t all = 0;
+  for (const auto& [difference, count] : differences) {
+    all += count;
+  }
+  std::uint64_t below = 0;
+  for (const auto& [difference, count] : differences) {
+    below += count;
+    if (2 * below >= all) {
+      return difference;
+    }
+  }
+  return 1;
+}
+
 }  // namespace
 
 void ObservationTable::add(std::int64_t frame, const Observation& observation, std::uint64_t line) {
@@ -35,10 +60,7 @@ void ObservationTable::setImages(std::filesystem::path folder, std::string exten
 void ObservationTable::finish() {
   m_rows.finish();
   const Differences differences = examineRows();
-  const auto most =
-      std::max_element(differences.begin(), differences.end(),
-                       [](const auto& a, const auto& b) { return a.second < b.second; });
-  m_frameStep = most == differences.end() ? 1 : most->first;
+  m_frameStep = m_hasTimes ? middle(differences) : mostFrequent(differences);
   countSteps();
   restart();
 }
@@ -54,19 +76,33 @@ bool ObservationTable::next(ObservationStep& step) {
   }
   startStep(m_ahead->frame, step);
   ObservationRow row = *m_ahead;
-  for (m_ahead.reset(); row.frame == step.frame;) {
+  const std::int64_t frame = row.frame;
+  for (m_ahead.reset(); row.frame == frame;) {
     // A person seen twice was reported before; whoever reads on gets the first.
     if (step.observations.empty() || step.observations.back().person != row.observation.person) {
       step.observations.push_back(row.observation);
     }
     if (!m_rows.next(row)) {
-      m_stepsLeft = static_cast<std::uint64_t>((m_finalFrame - step.frame) / m_frameStep);
+      m_stepsLeft = static_cast<std::uint64_t>((m_finalFrame - frame) / m_frameStep);
       return true;
     }
   }
   m_ahead = row;
-  m_stepsLeft = static_cast<std::uint64_t>(stepsBetween(step.frame, row.frame) - 1);
+  m_stepsLeft = static_cast<std::uint64_t>(stepsBetween(frame, row.frame) - 1);
   return true;
+}
+
+std::optional<double> ObservationTable::rate() const {
+  if (!m_hasTimes || m_totalSteps < 2) {
+    return std::nullopt;
+  }
+  return static_cast<double>(m_totalSteps - 1) * ticksPerSecond /
+         static_cast<double>(m_finalFrame - *m_firstFrame);
+}
+
+std::string ObservationTable::momentText(std::int64_t frame) const {
+  return m_hasTimes ? fmt::format("{} s", static_cast<double>(frame) / ticksPerSecond)
+                    : fmt::format("frame {}", frame);
 }
 
 void ObservationTable::visit(const std::function<void(const ObservationRow&)>& look) {
@@ -80,6 +116,13 @@ void ObservationTable::visit(const std::function<void(const ObservationRow&)>& l
 void ObservationTable::startStep(std::int64_t frame, ObservationStep& step) {
   step = ObservationStep();
   step.frame = frame;
+  if (m_hasTimes) {
+    // Counted on from the first, since the times of a tracker are never quite regular.
+    step.frame =
+        (*m_firstFrame + m_frameStep / 2) / m_frameStep + static_cast<std::int64_t>(m_steps);
+    step.time = static_cast<double>(frame) / ticksPerSecond;
+  }
+  ++m_steps;
   step.place = m_ahead ? fmt::format("{}:{}", m_name, m_ahead->line) : m_name;
   if (!m_imageFolder.empty()) {
     step.imageFile = m_imageFolder / fmt::format("{:06}{}", frame, m_imageExtension);
@@ -97,8 +140,8 @@ ObservationTable::Differences ObservationTable::examineRows() {
     }
     if (isRepeated(earlier, row)) {
       m_onProblem({m_name, row.line,
-                   fmt::format("person {} is observed twice at frame {}, first on line {}",
-                               row.observation.person, row.frame, earlier.line)});
+                   fmt::format("person {} is observed twice at {}, first on line {}",
+                               row.observation.person, momentText(row.frame), earlier.line)});
     }
     const std::int64_t difference = row.frame - earlier.frame;
     if (difference > 0 &&
@@ -115,8 +158,11 @@ void ObservationTable::countSteps() {
   m_totalSteps = m_firstFrame ? 1 : 0;
   for (ObservationRow row; m_rows.next(row); last = row.frame) {
     if (stepsBetween(last, row.frame) > longestGap) {
-      m_onProblem(
-          {m_name, row.line, fmt::format("the frame number jumps from {} to {}", last, row.frame)});
+      m_onProblem({m_name, row.line,
+                   m_hasTimes
+                       ? fmt::format("the time jumps from {} to {}", momentText(last),
+                                     momentText(row.frame))
+                       : fmt::format("the frame number jumps from {} to {}", last, row.frame)});
     }
     m_totalSteps += static_cast<std::uint64_t>(stepsBetween(last, row.frame));
   }
@@ -128,6 +174,7 @@ void ObservationTable::countSteps() {
 }
 
 void ObservationTable::restart() {
+  m_steps = 0;
   m_rows.rewind();
   ObservationRow row;
   m_ahead.reset();

@@ -29,6 +29,10 @@ class ObservationTable : public ObservationSource {
 
   /// Adds an observation that stands on the given line of the file.
   void add(std::int64_t frame, const Observation& observation, std::uint64_t line);
+  /// What `add()` gets in place of frame numbers are times, `ticksPerSecond` a second. Frames are
+  /// then numbered by the middle one of the differences between neighbours, and steps have their
+  /// times.
+  void takeTimes() { m_hasTimes = true; }
   /// Notes that the input has this frame, also when nobody is seen at it.
   void cover(std::int64_t frame);
   /// The frames' images are files of the folder, named by the frame's number in six digits.
@@ -40,8 +44,12 @@ class ObservationTable : public ObservationSource {
   std::optional<std::uint64_t> totalSteps() const override { return m_totalSteps; }
   /// Hands out all rows in order; to be called after `finish()` and before the first `next()`.
   void visit(const std::function<void(const ObservationRow&)>& look);
+  /// Frame numbers a second; none unless the table takes times of several steps.
+  std::optional<double> rate() const;
   /// The distance between the numbers of neighbouring frames.
   std::int64_t frameStep() const { return m_frameStep; }
+
+  static constexpr double ticksPerSecond = 1e5;
 
  private:
   using Differences = std::map<std::int64_t, std::uint64_t>;  ///< counts by difference
@@ -51,6 +59,7 @@ class ObservationTable : public ObservationSource {
   void restart();
   std::int64_t stepsBetween(std::int64_t earlier, std::int64_t later) const;
   void startStep(std::int64_t frame, ObservationStep& step);
+  std::string momentText(std::int64_t frame) const;
 
   std::string m_name;
   ProblemHandler m_onProblem;
@@ -60,8 +69,11 @@ class ObservationTable : public ObservationSource {
   std::optional<std::int64_t> m_firstFrame;  ///< the lowest of all that the input has
   std::int64_t m_finalFrame = 0;             ///< the highest
 
+  bool m_hasTimes = false;  ///< frame numbers are ticks
+
   std::int64_t m_frameStep = 1;
   std::uint64_t m_totalSteps = 0;
+  std::uint64_t m_steps = 0;              ///< that were handed out
   std::optional<ObservationRow> m_ahead;  ///< the next row, none behind the last
   std::int64_t m_nextFrame = 0;           ///< of the next step
   std::uint64_t m_stepsLeft = 0;          ///< before the next row's, or after the last row

@@ -39,6 +39,7 @@ bool TrackAssembler::next(InputFrame& frame) {
   ++m_step;
   frame = InputFrame();
   frame.number = m_observed.frame;
+  frame.time = m_observed.time;
   frame.place = m_observed.place;
   frame.imageFile = m_observed.imageFile;
   std::vector<Neighbour> current;
