@@ -80,7 +80,9 @@ class InputDatabase {
 
     std::vector<std::string> columns() const {
       std::vector<std::string> names;
-      for (int i = 0; i < sqlite3_column_count(m_statement.get()); ++i) {
+      const int count = sqlite3_column_count(m_statement.get());
+      names.reserve(static_cast<std::size_t>(count));
+      for (int i = 0; i < count; ++i) {
         names.emplace_back(sqlite3_column_name(m_statement.get(), i));
       }
       return names;

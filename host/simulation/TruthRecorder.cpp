@@ -123,8 +123,8 @@ void TruthRecorder::writeGroups(const Moment& moment, const Groups& groups,
   for (const auto& [group, members] : groups) {
     line.groups.push_back({static_cast<GroupId>(group), members, m_lives.at(group).first,
                            meanPlace(members, inView), 1.0, originOf(group, events)});
-    std::erase_if(line.alone, [&members](std::uint32_t person) {
-      return std::binary_search(members.begin(), members.end(), person);
+    std::erase_if(line.alone, [&grouped = members](std::uint32_t person) {
+      return std::binary_search(grouped.begin(), grouped.end(), person);
     });
   }
   m_trueGroups.write(line);
