@@ -1,38 +1,38 @@
 #include "host/output/WholeFile.h"
 
 #include "host/base/OutputError.h"
-#include "host/base/OutputFile.h"
-#include "host/base/SystemProblem.h"
 
-#include <cerrno>
-#include <cstdio>
+#include <QFile>
+
 #include <filesystem>
+#include <system_error>
 
 namespace grouptracker {
 
-WholeFile::WholeFile(const std::string& path) : m_path(path), m_partPath(path) {
-  const std::filesystem::path place(path);
-  if (!std::filesystem::exists(place) || std::filesystem::is_regular_file(place)) {
-    m_partPath += ".part";
-  }
-  try {
-    const OutputFile attempt(m_partPath);
-  } catch (const OutputError&) {
-    throw OutputError(path, systemProblem("cannot be written"));
-  }
-}
-
-WholeFile::~WholeFile() {
-  if (m_partPath != m_path) {
-    std::remove(m_partPath.c_str());  // gone already when the text was put in place
+WholeFile::WholeFile(const std::string& path)
+    : m_path(path), m_file(QFile::decodeName(path.c_str())) {
+  std::error_code unknown;
+  const std::filesystem::file_status place = std::filesystem::status(path, unknown);
+  if (std::filesystem::exists(place) && !std::filesystem::is_regular_file(place)) {
+    m_stream.emplace(path);
+  } else if (!m_file.open(QIODevice::WriteOnly)) {
+    fail();
   }
 }
 
 void WholeFile::write(std::string_view text) {
-  OutputFile(m_partPath).writeLines(text);
-  if (m_partPath != m_path && std::rename(m_partPath.c_str(), m_path.c_str()) != 0) {
-    throw OutputError(m_path, systemProblem("cannot be written"));
+  if (m_stream) {
+    m_stream->writeLines(text);
+    return;
   }
+  m_file.write(text.data(), static_cast<qint64>(text.size()));
+  if (!m_file.commit()) {  // fails, too, when something could not be written
+    fail();
+  }
+}
+
+void WholeFile::fail() const {
+  throw OutputError(m_path, "cannot be written: " + m_file.errorString().toStdString());
 }
 
 }  // namespace grouptracker

@@ -1,0 +1,48 @@
+#include "host/output/WholeFile.h"
+#include "tests/support/base/Errors.h"
+#include "tests/support/base/TempFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <filesystem>
+#include <iterator>
+#include <string>
+
+namespace grouptracker {
+
+namespace {
+
+std::ptrdiff_t filesIn(const TempFolder& folder) {
+  return std::distance(std::filesystem::directory_iterator(folder.path()), {});
+}
+
+TEST(WholeFile, LeavesTheOlderOneUntilTheNewOneIsComplete) {
+  const TempFolder folder;
+  const std::string path = folder.write("tree.dot", "old");
+  const std::string neighbour = folder.write("tree.dot.part", "somebody else's");
+  {
+    WholeFile given(path);
+    EXPECT_EQ(textOf(path), "old");
+    given.write("new\n");
+    EXPECT_EQ(textOf(path), "new\n");
+    const WholeFile givenUp(path);
+  }
+  EXPECT_EQ(textOf(path), "new\n");
+  EXPECT_EQ(textOf(neighbour), "somebody else's");
+  EXPECT_EQ(filesIn(folder), 2);
+}
+
+TEST(WholeFile, SaysAtOnceThatAPlaceCannotBeWritten) {
+  const TempFolder folder;
+  const auto error = [](const std::string& path) { return errorOf([&] { WholeFile file(path); }); };
+  const std::string missing = folder.path() / "missing" / "tree.dot";
+  EXPECT_EQ(error(missing), missing + ": cannot be written: No such file or directory");
+  EXPECT_EQ(error(folder.path()), folder.path().string() + ": cannot be written: Is a directory");
+  EXPECT_EQ(errorOf([] { WholeFile("/dev/full").write("text\n"); }),
+            "/dev/full: cannot be written: No space left on device");
+}
+
+}  // namespace
+
+}  // namespace grouptracker
