@@ -94,12 +94,14 @@ void writeCalibration(const HostCalibration& camera, const std::string& path) {
 }
 
 std::string calibrationText(const HostCalibration& camera) {
-  std::string text;
+  json_line::Line text;
+  const char* separator = "{";
   for (const CalibrationNode& node : camera.nodes()) {
-    text += fmt::format(R"({}"{}": [{}])", text.empty() ? "{" : ", ", node.name,
-                        json_line::joined(node.values, ", "));
+    json_line::append(text, "{}{}: ", separator, jsonText(node.name));
+    json_line::appendNumbers(text, node.values);
+    separator = ", ";
   }
-  return text + "}";
+  return fmt::to_string(text) + '}';
 }
 
 }  // namespace grouptracker

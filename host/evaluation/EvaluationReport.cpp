@@ -1,5 +1,7 @@
 #include "host/evaluation/EvaluationReport.h"
 
+#include "host/base/JsonLine.h"
+
 #include <fmt/format.h>
 
 #include <array>
@@ -114,16 +116,18 @@ std::string lineOf(const Row& row) {
                      scores.f1);
 }
 
-std::string jsonScores(const PrecisionRecall& scores) {
-  return fmt::format(R"({{"precision": {:.6f}, "recall": {:.6f}, "f1": {:.6f}}})", scores.precision,
-                     scores.recall, scores.f1);
+void appendScores(json_line::Line& json, const PrecisionRecall& scores) {
+  json_line::append(json, R"({{"precision": {:.6f}, "recall": {:.6f}, "f1": {:.6f}}})",
+                    scores.precision, scores.recall, scores.f1);
 }
 
-std::string jsonOf(const Row& row) {
+void appendRow(json_line::Line& json, const Row& row) {
+  json_line::append(json, ", {}: ", jsonText(row.key));
   if (const auto* number = std::get_if<Number>(&row.score)) {
-    return fmt::format("{:.{}f}", number->value, number->digits > 0 ? 6 : 0);
+    json_line::append(json, "{:.{}f}", number->value, number->digits > 0 ? 6 : 0);
+  } else {
+    appendScores(json, std::get<PrecisionRecall>(row.score));
   }
-  return jsonScores(std::get<PrecisionRecall>(row.score));
 }
 
 /// The one number that stands for a row.
@@ -170,19 +174,23 @@ std::string comparisonOf(const EvaluationReport& report, const EvaluationReport&
 }
 
 std::string jsonOf(const EvaluationReport& report) {
-  std::string json = fmt::format(R"({{"steps": {}, "annotatedSteps": {}, "windows": {})",
-                                 report.steps, report.annotated, report.windows);
+  json_line::Line json;
+  json_line::append(json, R"({{"steps": {}, "annotatedSteps": {}, "windows": {})", report.steps,
+                    report.annotated, report.windows);
   for (const Row& row : rowsOf(report)) {
     if (row.key != "alone" && row.key != "crudeRule") {
-      json += fmt::format(R"(, "{}": {})", row.key, jsonOf(row));
+      appendRow(json, row);
     }
   }
   if (report.baselines) {
-    json +=
-        fmt::format(R"(, "baselines": {{"alone": {}, "crudeRule": {}}})",
-                    jsonScores(report.baselines->alone), jsonScores(report.baselines->crudeRule));
+    json_line::append(json, R"(, "baselines": {{"alone": )");
+    appendScores(json, report.baselines->alone);
+    json_line::append(json, R"(, "crudeRule": )");
+    appendScores(json, report.baselines->crudeRule);
+    json_line::append(json, "}}");
   }
-  return json + "}\n";
+  json_line::append(json, "}}\n");
+  return fmt::to_string(json);
 }
 
 }  // namespace grouptracker

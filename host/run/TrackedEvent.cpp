@@ -14,20 +14,26 @@ namespace {
 constexpr std::array<const char*, eventKinds> names{"created", "split", "merged", "joined",
                                                     "left",    "ended", "removed"};
 
-std::string participants(const TrackedEvent& event) {
+void appendParticipants(json_line::Line& line, const TrackedEvent& event) {
   switch (event.kind) {
     case EventKind::created:
-      return fmt::format(R"(, "persons": [{}])", json_line::joined(event.persons, ", "));
+      json_line::append(line, R"(, "persons": )");
+      json_line::appendNumbers(line, event.persons);
+      break;
     case EventKind::merged:
-      return fmt::format(R"(, "into": {}, "from": {}, "persons": [{}])", event.group, *event.other,
-                         json_line::joined(event.persons, ", "));
+      json_line::append(line, R"(, "into": {}, "from": {}, "persons": )", event.group,
+                        *event.other);
+      json_line::appendNumbers(line, event.persons);
+      break;
     case EventKind::split:
-      return fmt::format(R"(, "from": {})", *event.other);
+      json_line::append(line, R"(, "from": {})", *event.other);
+      break;
     case EventKind::joined:
     case EventKind::left:
-      return fmt::format(R"(, "person": {})", event.persons.front());
+      json_line::append(line, R"(, "person": {})", event.persons.front());
+      break;
     default:
-      return {};
+      break;
   }
 }
 
@@ -38,12 +44,13 @@ const char* nameOf(EventKind kind) {
 }
 
 std::string toJsonLine(const TrackedEvent& event) {
-  const std::string inputFrame = event.inputFrame ? fmt::to_string(*event.inputFrame) : "null";
-  return fmt::format(
-      "{{\"event\": \"{}\", \"group\": {}{}, \"reportedFrame\": {}, \"inputFrame\": {}, "
-      "\"frame\": {}}}\n",
-      nameOf(event.kind), event.group, participants(event), event.reportedFrame, inputFrame,
-      event.frame);
+  json_line::Line line;
+  json_line::append(line, R"({{"event": "{}", "group": {})", nameOf(event.kind), event.group);
+  appendParticipants(line, event);
+  json_line::append(line, R"(, "reportedFrame": {}, "inputFrame": {}, "frame": {}}})",
+                    event.reportedFrame,
+                    event.inputFrame ? fmt::to_string(*event.inputFrame) : "null", event.frame);
+  return fmt::to_string(line) + '\n';
 }
 
 std::string describe(const TrackedEvent& event) {
