@@ -10,7 +10,7 @@ class GroupTrackerProcessGroupTrackerPluginPrivate : public moxAbstractObjectPri
 };
 
 GroupTrackerProcessGroupTrackerPlugin::GroupTrackerProcessGroupTrackerPlugin(QObject* parent)
-    : moxPlugin(parent), d(new GroupTrackerProcessGroupTrackerPluginPrivate(this)) {}
+    : moxPlugin(parent), m_private(new GroupTrackerProcessGroupTrackerPluginPrivate(this)) {}
 
 GroupTrackerProcessGroupTrackerPlugin::~GroupTrackerProcessGroupTrackerPlugin() = default;
 

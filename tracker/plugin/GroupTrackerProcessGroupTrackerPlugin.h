@@ -23,5 +23,5 @@ class GroupTrackerProcessGroupTrackerPlugin : public moxPlugin {
   QStringList types() const override;
 
  private:
-  QScopedPointer<GroupTrackerProcessGroupTrackerPluginPrivate> d;
+  QScopedPointer<GroupTrackerProcessGroupTrackerPluginPrivate> m_private;
 };
