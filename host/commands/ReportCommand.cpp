@@ -2,8 +2,7 @@
 
 #include "host/base/FileIdentity.h"
 #include "host/base/InputFile.h"
-#include "host/evaluation/GroupTruth.h"
-#include "host/evaluation/ScoredSteps.h"
+#include "host/commands/TruthTeller.h"
 #include "host/evaluation/TruthReader.h"
 #include "host/explain/DecisionLog.h"
 #include "host/explain/Explainer.h"
@@ -11,7 +10,10 @@
 #include "host/output/RunReplay.h"
 #include "host/output/WholeFile.h"
 #include "host/report/ReportPage.h"
+#include "host/run/ParameterFile.h"
 
+#include <QDateTime>
+#include <QFileInfo>
 #include <fmt/format.h>
 
 #include <filesystem>
@@ -27,13 +29,8 @@ namespace {
 const char* const example = R"(Example:
   grouptracker report scene.jsonl groups.jsonl --output report.html)";
 
-/// Whether the visible groups are those of the truth, among everybody in view.
-bool isRight(const RunStep& step, const GroupTruth& truth) {
-  return groupingOf(step) == restrictTo(truth.at(*step.inputFrame), personsOf(step));
-}
-
 /// Reads the run's steps into the report and, if there is one, into what explains them.
-void readSteps(RunReplay& run, const std::string& input, const std::optional<GroupTruth>& truth,
+void readSteps(RunReplay& run, const std::string& input, std::optional<TruthTeller>& truth,
                ReportData& data, std::optional<Explainer>& explainer) {
   for (RunStep step; run.next(step);) {
     if (!data.addGroups(step)) {
@@ -47,20 +44,37 @@ void readSteps(RunReplay& run, const std::string& input, const std::optional<Gro
     if (explainer) {
       explainer->add(step);
     }
-    if (truth && step.inputFrame && !isRight(step, *truth)) {
-      data.markWrong(*step.inputFrame);
+    if (truth) {
+      truth->tell(step, data);
     }
   }
 }
 
 /// Has the steps of the run tell the decisions in the diagnostics; returns what explains them.
-Explainer explain(RunReplay& run, const std::string& diagnosticsFile,
-                  const std::string& parameterFile) {
+/// Where nobody named the parameters, they are those that the diagnostics name.
+Explainer explain(RunReplay& run, const std::string& diagnosticsFile, std::string& parameterFile) {
   InputFile file(diagnosticsFile);
   const DecisionLog log = DecisionLog::read(file.stream(), diagnosticsFile, nullptr);
   run.takeDecisions(log.decisions());
-  return Explainer(
-      readCoherenceThreshold(parameterFile.empty() ? log.parameterFile() : parameterFile));
+  if (parameterFile.empty()) {
+    parameterFile = log.parameterFile();
+  }
+  return Explainer(readCoherenceThreshold(parameterFile));
+}
+
+std::vector<std::pair<std::string, std::string>> parametersIn(const std::string& path) {
+  std::vector<std::pair<std::string, std::string>> parameters;
+  for (const ParameterEntry& entry : readValidParameterFile(path).values) {
+    parameters.emplace_back(entry.row->label, entry.text);
+  }
+  return parameters;
+}
+
+std::string timeOf(const std::string& path) {
+  return QFileInfo(QString::fromStdString(path))
+      .lastModified()
+      .toString("yyyy-MM-dd hh:mm")
+      .toStdString();
 }
 
 /// Tells by the first two frames how many there are in a second.
@@ -94,9 +108,10 @@ Options ReportCommand::declare(CommandLine& program) {
   command.add("GROUPS", m_groupsFile, "what the run wrote with --output, or with --actors")
       .required();
   command.add("--output", m_outputFile, "the report").required().typeName("FILE");
+  command.add("--title", m_title, "the heading, instead of the input's name").typeName("TEXT");
   command
       .add("--truth", m_truthFile,
-           "the true groups, as evaluate takes them: frames that differ are marked")
+           "the true groups, as evaluate takes them: who is wrong is marked at every frame")
       .typeName("FILE");
   command
       .add(
@@ -124,21 +139,30 @@ int ReportCommand::run() {
     data.addFrame(frame.number, persons);
     images.addFrame(frame, std::move(persons));
   }
-  std::optional<GroupTruth> truth;
+  std::optional<TruthTeller> truth;
   if (!m_truthFile.empty()) {
-    truth = readTruth(m_truthFile);
-    data.beginTruth();
+    truth.emplace(readTruth(m_truthFile));
   }
   InputFile groups(m_groupsFile);
   RunReplay run(groups.stream(), m_groupsFile);
   std::optional<Explainer> explainer;
+  std::string parameterFile = m_parameterFile;
   if (!m_diagnosticsFile.empty()) {
-    explainer = explain(run, m_diagnosticsFile, m_parameterFile);
+    explainer = explain(run, m_diagnosticsFile, parameterFile);
   }
   readSteps(run, m_choice.input, truth, data, explainer);
+  ReportTitle title{nameOf(m_choice.input),
+                    nameOf(m_groupsFile),
+                    clock.framesPerSecond(),
+                    m_title,
+                    timeOf(m_groupsFile),
+                    "grouptracker " GROUPTRACKER_VERSION,
+                    {}};
+  if (!parameterFile.empty()) {
+    title.parameters = parametersIn(parameterFile);
+  }
   const QByteArray page =
-      makeReportPage({nameOf(m_choice.input), nameOf(m_groupsFile), clock.framesPerSecond()}, data,
-                     images, explainer ? explainer->explainAll() : Explanations());
+      makeReportPage(title, data, images, explainer ? explainer->explainAll() : Explanations());
   output.write({page.data(), static_cast<std::size_t>(page.size())});
   return finished;
 }

@@ -17,6 +17,7 @@ class ReportCommand : public Command {
   InputChoice m_choice;
   std::string m_groupsFile;
   std::string m_outputFile;
+  std::string m_title;
   std::string m_truthFile;
   std::string m_diagnosticsFile;
   std::string m_parameterFile;

@@ -27,21 +27,26 @@ void GroupColours::add(const RunStep& step) {
     const auto known = m_colours.find(group.id);
     const std::size_t colour = known == m_colours.end() ? choose(place) : known->second;
     m_colours.emplace(group.id, colour);
-    m_lately[group.id] = {colour, place, m_steps};
+    // Who is left of a group alone is drawn quietly and needs no colour for himself.
+    if (group.members.size() > 1 || known == m_colours.end()) {
+      m_lately[group.id] = {colour, place, m_steps};
+    }
   }
 }
 
-// One more than the difference: of two that are taken, the one whose holder is farther away.
+// One more than the difference: of two that are taken, the one whose holder is farther away, or was
+// last seen longer ago.
 std::size_t GroupColours::choose(const cv::Point2f& place) const {
-  constexpr double near = 10.0;  // metres at which a difference counts half
+  constexpr double near = 10.0;    // metres at which a difference counts half
+  constexpr double fading = 20.0;  // steps after which it does
   std::size_t best = 0;
   double bestDifference = -1.0;
   for (std::size_t colour = 0; colour < paletteSize; ++colour) {
     double least = std::numeric_limits<double>::max();
     for (const auto& [group, seen] : m_lately) {
-      const double distance = cv::norm(seen.place - place);
-      least =
-          std::min(least, (1.0 + paletteDifference(colour, seen.colour)) * (1.0 + distance / near));
+      const double away = cv::norm(seen.place - place) / near +
+                          static_cast<double>(m_steps - seen.atStep) / fading;
+      least = std::min(least, (1.0 + paletteDifference(colour, seen.colour)) * (1.0 + away));
     }
     if (least > bestDifference) {
       best = colour;

@@ -29,10 +29,12 @@ void ReportData::addFrame(std::int64_t inputFrame, const std::vector<RunPerson>&
   const auto frame = static_cast<std::uint32_t>(m_frameNumbers.size());
   m_indexOf.emplace(inputFrame, frame);
   m_frameNumbers.push_back(static_cast<std::int32_t>(inputFrame));
+  m_isDecided.push_back(0);
   std::map<std::uint32_t, Run> now;
   for (const RunPerson& person : persons) {
     if (person.seen) {
       addPlace(frame, person.id, person.seen->ground, now);
+      m_turn.add(person);
     }
   }
   for (const auto& [person, run] : m_openRuns) {
@@ -79,10 +81,14 @@ bool ReportData::addGroups(const RunStep& step) {
   if (index == m_indexOf.end()) {
     return false;
   }
+  m_isDecided[index->second] = 1;
+  m_colours.add(step);
+  m_tree.add(step);
   for (const RunGroup& group : step.groups) {
+    m_beliefs.add(index->second, group);
     for (const RunMember& member : group.members) {
       if (group.isVisible && member.person) {
-        addMember(index->second, {group.id, *member.person});
+        m_members.add(index->second, {group.id, *member.person});
       }
     }
   }
@@ -92,21 +98,47 @@ bool ReportData::addGroups(const RunStep& step) {
   return true;
 }
 
-void ReportData::addMember(std::uint32_t frame, const Membership& membership) {
-  const auto [open, isNew] = m_openSpans.try_emplace(membership, frame, frame);
-  auto& [first, last] = open->second;
+void ReportData::Beliefs::add(std::uint32_t frame, const RunGroup& group) {
+  if (group.since) {
+    since.emplace(group.id, static_cast<std::int32_t>(*group.since));
+  }
+  if (!group.confidence) {
+    return;
+  }
+  constexpr double percent = 100.0;
+  const auto now =
+      static_cast<std::uint8_t>(std::lround(percent * std::clamp(*group.confidence, 0.0, 1.0)));
+  const auto [known, isNew] = last.try_emplace(group.id, now);
+  if (isNew || known->second != now) {
+    known->second = now;
+    groups.push_back(group.id);
+    frames.push_back(frame);
+    percents.push_back(now);
+  }
+}
+
+void ReportData::Spans::add(std::uint32_t frame, const Membership& membership) {
+  const auto [span, isNew] = open.try_emplace(membership, frame, frame);
+  auto& [first, last] = span->second;
   if (!isNew && last + 1 < frame) {
-    endSpan(membership, first, last);
+    end(membership, first, last);
     first = frame;
   }
   last = frame;
 }
 
-void ReportData::endSpan(const Membership& membership, std::uint32_t first, std::uint32_t last) {
-  m_memberGroup.push_back(membership.first);
-  m_memberPerson.push_back(membership.second);
-  m_memberFrom.push_back(first);
-  m_memberTo.push_back(last);
+void ReportData::Spans::end(const Membership& membership, std::uint32_t first, std::uint32_t last) {
+  groups.push_back(membership.first);
+  persons.push_back(membership.second);
+  from.push_back(first);
+  to.push_back(last);
+}
+
+void ReportData::Spans::endAll() {
+  for (const auto& [membership, span] : open) {
+    end(membership, span.first, span.second);
+  }
+  open.clear();
 }
 
 void ReportData::addEvent(std::uint32_t frame, const TrackedEvent& event) {
@@ -118,13 +150,23 @@ void ReportData::addEvent(std::uint32_t frame, const TrackedEvent& event) {
   m_eventPersonsEnd.push_back(static_cast<std::uint32_t>(m_eventPersons.size()));
 }
 
-bool ReportData::markWrong(std::int64_t inputFrame) {
+bool ReportData::addTruth(std::int64_t inputFrame, const std::vector<TrueGroup>& groups,
+                          bool isRight) {
   const auto index = m_indexOf.find(inputFrame);
   if (index == m_indexOf.end()) {
     return false;
   }
-  m_wrong->resize(std::max<std::size_t>(m_wrong->size(), index->second + 1), 0);
-  (*m_wrong)[index->second] = 1;
+  if (!m_verdicts) {
+    m_verdicts.emplace();
+  }
+  m_verdicts->resize(frames(), static_cast<std::uint8_t>(Verdict::unknown));
+  (*m_verdicts)[index->second] =
+      static_cast<std::uint8_t>(isRight ? Verdict::right : Verdict::wrong);
+  for (const TrueGroup& group : groups) {
+    for (const std::uint32_t person : group.persons) {
+      m_truth.add(index->second, {group.id, person});
+    }
+  }
   return true;
 }
 
@@ -133,10 +175,8 @@ void ReportData::fill(ReportBody& body) {
     endRun(run);
   }
   m_openRuns.clear();
-  for (const auto& [membership, span] : m_openSpans) {
-    endSpan(membership, span.first, span.second);
-  }
-  m_openSpans.clear();
+  m_members.endAll();
+  m_truth.endAll();
   body.add("frameNumbers", m_frameNumbers);
   body.add("runPerson", m_runPerson);
   body.add("runStart", m_runStart);
@@ -145,19 +185,55 @@ void ReportData::fill(ReportBody& body) {
   body.add("runY", m_runY);
   body.add("stepX", m_stepX);
   body.add("stepY", m_stepY);
-  body.add("memberGroup", m_memberGroup);
-  body.add("memberPerson", m_memberPerson);
-  body.add("memberFrom", m_memberFrom);
-  body.add("memberTo", m_memberTo);
+  body.add("isDecided", m_isDecided);
+  body.add("memberGroup", m_members.groups);
+  body.add("memberPerson", m_members.persons);
+  body.add("memberFrom", m_members.from);
+  body.add("memberTo", m_members.to);
   body.add("eventKind", m_eventKind);
   body.add("eventFrame", m_eventFrame);
   body.add("eventGroup", m_eventGroup);
   body.add("eventOther", m_eventOther);
   body.add("eventPersons", m_eventPersons);
   body.add("eventPersonsEnd", m_eventPersonsEnd);
-  if (m_wrong) {
-    body.add("wrong", *m_wrong);
+  fillGroups(body);
+  if (m_verdicts) {
+    body.add("verdicts", *m_verdicts);
+    body.add("truthGroup", m_truth.groups);
+    body.add("truthPerson", m_truth.persons);
+    body.add("truthFrom", m_truth.from);
+    body.add("truthTo", m_truth.to);
   }
+}
+
+// Bars in the same lane of the drawing shall not touch.
+void ReportData::fillGroups(ReportBody& body) const {
+  constexpr std::int64_t mostGaps = 200;  // side by side
+  const std::int64_t span =
+      m_frameNumbers.empty() ? 0 : std::int64_t{m_frameNumbers.back()} - m_frameNumbers.front();
+  std::vector<std::uint32_t> ids;
+  std::vector<std::uint32_t> lanes;
+  std::vector<std::uint8_t> colours;
+  for (const auto& [group, lane] :
+       m_tree.lanes(1 + span / mostGaps, [](std::uint32_t) { return std::int64_t{1}; })) {
+    ids.push_back(group);
+    lanes.push_back(static_cast<std::uint32_t>(lane));
+    colours.push_back(static_cast<std::uint8_t>(m_colours.indexOf(group)));
+  }
+  std::vector<std::uint32_t> sinceGroups;
+  std::vector<std::int32_t> sinceFrames;
+  for (const auto& [group, frame] : m_beliefs.since) {
+    sinceGroups.push_back(group);
+    sinceFrames.push_back(frame);
+  }
+  body.add("sinceGroup", sinceGroups);
+  body.add("sinceFrame", sinceFrames);
+  body.add("beliefGroup", m_beliefs.groups);
+  body.add("beliefFrame", m_beliefs.frames);
+  body.add("beliefPercent", m_beliefs.percents);
+  body.add("groupId", ids);
+  body.add("groupLane", lanes);
+  body.add("groupColour", colours);
 }
 
 }  // namespace grouptracker

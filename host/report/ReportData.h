@@ -1,5 +1,8 @@
 #pragma once
 
+#include "host/output/FamilyTree.h"
+#include "host/pictures/GroundTurn.h"
+#include "host/pictures/GroupColours.h"
 #include "host/report/ReportBody.h"
 #include "host/run/RunStep.h"
 
@@ -13,6 +16,12 @@
 
 namespace grouptracker {
 
+/// A group of the truth at a frame.
+struct TrueGroup {
+  std::uint32_t id = 0;                ///< the same at all frames
+  std::vector<std::uint32_t> persons;  ///< those in view
+};
+
 /// Collects what a report shows, in the compact form in which the page reads it. Frames are indices
 /// from 0 in the order of the input. A person's way is stored as runs without gaps: the place where
 /// it begins and the steps from frame to frame, in centimetres. Membership is stored as spans.
@@ -22,12 +31,13 @@ class ReportData {
   void addFrame(std::int64_t inputFrame, const std::vector<RunPerson>& persons);
   /// Adds what was found at one of these frames. False when the input has no such frame.
   bool addGroups(const RunStep& step);
-  /// Marks a frame as one at which the groups differ from the truth; false when it is unknown.
-  bool markWrong(std::int64_t inputFrame);
-  /// A report without truth marks nothing, not even right frames.
-  void beginTruth() { m_wrong.emplace(); }
+  /// Adds what is true at one of these frames, and whether that was found; false when the input has
+  /// no such frame. Frames that nobody tells about count neither as right nor as wrong.
+  bool addTruth(std::int64_t inputFrame, const std::vector<TrueGroup>& groups, bool isRight);
 
   std::size_t frames() const { return m_frameNumbers.size(); }
+  /// How the ground lies as the camera sees it; as it is when nobody knows.
+  cv::Matx22f turn() const { return m_turn.matrix().value_or(cv::Matx22f::eye()); }
   /// All arrays; ends all runs and spans.
   void fill(ReportBody& body);
 
@@ -44,24 +54,50 @@ class ReportData {
   };
   using Membership = std::pair<std::uint32_t, std::uint32_t>;  ///< group and person
 
+  /// Who was in which group when, as spans of frames without gaps.
+  struct Spans {
+    std::map<Membership, std::pair<std::uint32_t, std::uint32_t>> open;  ///< first and last frame
+    std::vector<std::uint32_t> groups, persons, from, to;
+
+    void add(std::uint32_t frame, const Membership& membership);
+    void end(const Membership& membership, std::uint32_t first, std::uint32_t last);
+    void endAll();
+  };
+  /// How sure the groups of the evidence are, in percent: an entry for every frame at which that is
+  /// another number than before.
+  struct Beliefs {
+    std::map<std::uint32_t, std::uint8_t> last;   ///< by group
+    std::map<std::uint32_t, std::int32_t> since;  ///< input's number of the first frame, by group
+    std::vector<std::uint32_t> groups, frames;
+    std::vector<std::uint8_t> percents;
+
+    void add(std::uint32_t frame, const RunGroup& group);
+  };
+  /// What is known of a frame.
+  enum class Verdict : std::uint8_t { unknown, right, wrong };
+
   void addPlace(std::uint32_t frame, std::uint32_t person, const cv::Point2f& place,
                 std::map<std::uint32_t, Run>& now);
-  void addMember(std::uint32_t frame, const Membership& membership);
   void addEvent(std::uint32_t frame, const TrackedEvent& event);
   void endRun(const Run& run);
-  void endSpan(const Membership& membership, std::uint32_t first, std::uint32_t last);
+  void fillGroups(ReportBody& body) const;
 
   std::vector<std::int32_t> m_frameNumbers;
   std::unordered_map<std::int64_t, std::uint32_t> m_indexOf;
-  std::optional<std::vector<std::uint8_t>> m_wrong;
+  std::vector<std::uint8_t> m_isDecided;                ///< by frame: whether a step was about it
+  std::optional<std::vector<std::uint8_t>> m_verdicts;  ///< by frame; none without truth
+  GroundTurn m_turn;
+  GroupColours m_colours;
+  FamilyTree m_tree;
 
   std::map<std::uint32_t, Run> m_openRuns;  ///< by person
   std::vector<std::uint32_t> m_runPerson, m_runStart, m_runLength;
   std::vector<std::int32_t> m_runX, m_runY;
   std::vector<std::int16_t> m_stepX, m_stepY;
 
-  std::map<Membership, std::pair<std::uint32_t, std::uint32_t>> m_openSpans;  ///< first and last
-  std::vector<std::uint32_t> m_memberGroup, m_memberPerson, m_memberFrom, m_memberTo;
+  Spans m_members;
+  Spans m_truth;
+  Beliefs m_beliefs;
 
   std::vector<std::uint8_t> m_eventKind;
   std::vector<std::uint32_t> m_eventFrame, m_eventGroup, m_eventOther;

@@ -1,5 +1,7 @@
 #include "host/report/ReportPage.h"
 
+#include "host/pictures/GroupPalette.h"
+
 #include <QFile>
 #include <nlohmann/json.hpp>
 
@@ -31,28 +33,38 @@ QByteArray element(const QByteArray& id, const QByteArray& type, const QByteArra
   return "<script id=\"" + id + "\" type=\"" + type + "\">" + content + "</script>\n";
 }
 
+std::vector<std::string> palette() {
+  std::vector<std::string> colours;
+  for (std::size_t i = 0; i < paletteSize; ++i) {
+    colours.push_back(paletteText(i));
+  }
+  return colours;
+}
+
 }  // namespace
 
 QByteArray makeReportPage(const ReportTitle& title, ReportData& data, const ImageStrip& images,
                           const Explanations& explanations) {
   ReportBody body;
   data.fill(body);
-  const std::vector<QByteArray> strip = images.load(body);
-  nlohmann::json head{{"input", title.input},
-                      {"groups", title.groups},
-                      {"frames", data.frames()},
-                      {"fps", title.framesPerSecond},
+  const ImageStrip::Images strip = images.load(body);
+  const cv::Matx22f turn = data.turn();
+  nlohmann::json head{{"input", title.input},     {"groups", title.groups},
+                      {"frames", data.frames()},  {"fps", title.framesPerSecond},
+                      {"title", title.title},     {"date", title.date},
+                      {"program", title.program}, {"parameters", title.parameters},
+                      {"palette", palette()},     {"turn", turn.val},
                       {"arrays", body.list()}};
   for (const auto& [group, text] : explanations) {
     head["explanations"][std::to_string(group)] = text;
   }
   if (images.every() > 0) {
-    head["images"] = {{"every", images.every()}};
+    head["images"] = {{"every", images.every()}, {"width", strip.width}};
   }
   QByteArray elements = element("head", "application/json", toScript(head)) +
                         element("body", "text/plain", body.packed());
   int number = 0;
-  for (const QByteArray& image : strip) {
+  for (const QByteArray& image : strip.files) {
     elements += element("image-" + QByteArray::number(number++), "text/plain", image);
   }
   return pageTemplate().replace("<!--DATA-->", elements);

@@ -69,7 +69,7 @@ TEST_F(Export, EventsOfARunAreThoseOfItsGroupsFile) {
   EXPECT_EQ(replay.run({"events", "groups.jsonl", "--graph", "again.dot"}), 0);
   EXPECT_EQ(replay.output(), events);
   EXPECT_EQ(text("tree.dot"), text("again.dot"));
-  EXPECT_THAT(text("tree.dot"), HasSubstr("persons 1, 2\"];\n}\n"));
+  EXPECT_THAT(text("tree.dot"), HasSubstr("[label=\"1: 1, 2\", pos=\""));
 }
 
 TEST_F(Export, OfAReplayAreThoseOfTheRun) {

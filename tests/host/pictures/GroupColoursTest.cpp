@@ -14,6 +14,7 @@ RunGroup groupAt(std::uint32_t id, float x, float y) {
   group.id = id;
   group.isVisible = true;
   group.position = cv::Point3f(x, y, 0.0F);
+  group.members.resize(2);
   return group;
 }
 

@@ -8,9 +8,13 @@ class Report {
     this.data = world.data;
     this.frame = 0;
     this.chosen = undefined;
-    this.topView = new TopView(byId('topview'), world);
+    this.address = new Address(byId('copy-link'));
+    const choose = (group) => this.show(this.frame, group);
+    this.topView = new TopView(byId('topview'), world, () => this.drawTopView(), choose);
     this.camera = new Camera(byId('camera'), byId('image'), byId('boxes'), world);
+    this.sidebar = new Sidebar(world, choose);
     byId('slider').max = Math.max(0, world.frames - 1);
+    this.nameItself();
     this.listen();
     this.followAddress();
     performance.mark('people');
@@ -22,47 +26,102 @@ class Report {
     const jump = (frame, group) => this.show(frame, group ?? this.chosen);
     this.statistics = gatherStatistics(this.world);
     this.timeline = new Timeline(byId('timeline'), this.world, this.statistics, jump);
-    this.sizes = new SizesChart(byId('sizes'), this.statistics, this.data.frameNumbers, jump);
-    fillTable(byId('table'), this.world, this.statistics, jump);
-    byId('wrong-hint').hidden = !this.data.wrong;
+    this.sizes = new SizesChart(byId('sizes'), this.statistics, this.data, jump);
+    fillTable(byId('table'), this.world, this.statistics, (frame, group) => {
+      this.show(frame, group);
+      this.showPlayer();
+    });
+    this.listenToPlaces();
+    byId('wrong-hint').hidden = !this.data.verdicts;
+    byId('undecided-hint').hidden = !this.data.isDecided.includes(0);
     this.describe();
     this.draw();
     performance.mark('complete');
     document.body.dataset.ready = 'true';
   }
 
-  // "#frame=930&group=4" opens the page at a frame, by the input's own number, and with a group.
   followAddress() {
-    const wanted = new URLSearchParams(location.hash.slice(1));
-    const frame = upperBound(this.data.frameNumbers, Number(wanted.get('frame') ?? NaN)) - 1;
-    this.show(Math.max(0, frame), wanted.has('group') ? Number(wanted.get('group')) : undefined);
+    const { frame, group } = this.address.read();
+    this.show(Math.max(0, upperBound(this.data.frameNumbers, frame) - 1), group);
+  }
+
+  nameItself() {
+    const { head } = this.data;
+    const title = head.title || `Groups in ${head.input}`;
+    document.title = title;
+    byId('title').textContent = title;
+    byId('origin').textContent = [`${head.groups} of ${head.date}`, head.program].filter(Boolean).join(' · ');
+    byId('parameters').hidden = head.parameters.length === 0;
+    for (const [label, value] of head.parameters) {
+      const row = byId('parameter-table').insertRow();
+      row.insertCell().textContent = label;
+      row.insertCell().textContent = value;
+    }
   }
 
   describe() {
-    const { head, frameNumbers, wrong } = this.data;
-    let text = `${head.input}, ${head.groups}: ${this.world.frames} frames`;
+    const { head, frameNumbers, verdicts } = this.data;
+    const parts = [`${head.input}: ${this.world.frames} frames`];
     if (this.world.frames > 0) {
-      text += ` from ${frameNumbers[0]} to ${frameNumbers.at(-1)}`;
+      parts[0] += ` from ${frameNumbers[0]} to ${frameNumbers.at(-1)}`;
     }
-    text += `, ${new Set(this.data.runPerson).size} people, ${this.statistics.groups.size} groups`;
-    if (wrong) {
-      text += `, ${wrong.reduce((a, b) => a + b, 0)} frames differ from the truth`;
+    parts.push(`${new Set(this.data.runPerson).size} people`, `${this.statistics.groups.size} groups`);
+    if (verdicts) {
+      const [wrong, right] = [2, 1].map((verdict) => verdicts.reduce((sum, value) => sum + (value === verdict), 0));
+      parts.push(`${wrong} of ${wrong + right} frames that the truth tells about differ from it`);
     }
-    byId('summary').textContent = text;
+    if (head.images) {
+      const every = head.images.every === 1 ? 'every frame' : `every ${head.images.every} frames`;
+      parts.push(`images of ${every}, ${head.images.width} pixels wide at most`);
+    }
+    byId('summary').textContent = parts.join(', ');
   }
 
   listen() {
     byId('slider').addEventListener('input', () => this.show(Number(byId('slider').value), this.chosen));
     byId('play').addEventListener('click', () => this.toggle());
-    window.addEventListener('resize', () => this.draw());
-    matchMedia('(prefers-color-scheme: dark)').addEventListener('change', () => this.draw());
+    byId('zoom-in').addEventListener('click', () => this.topView.zoomBy(1.5));
+    byId('zoom-out').addEventListener('click', () => this.topView.zoomBy(1 / 1.5));
+    byId('zoom-reset').addEventListener('click', () => this.topView.resetZoom());
+    matchMedia('(prefers-color-scheme: dark)').addEventListener('change', () => this.restyle());
     window.addEventListener('hashchange', () => this.followAddress());
+    window.addEventListener('beforeprint', () => this.dressForPrint(true));
+    window.addEventListener('afterprint', () => this.dressForPrint(false));
     document.addEventListener('keydown', (key) => this.onKey(key));
   }
 
+  // Whatever changes the size of a part of the page, it is drawn anew once before the next picture.
+  listenToPlaces() {
+    let isDue = false;
+    const observer = new ResizeObserver(() => {
+      if (!isDue) {
+        isDue = true;
+        requestAnimationFrame(() => {
+          isDue = false;
+          this.sizes.fit();
+          this.draw();
+        });
+      }
+    });
+    ['topview', 'camera', 'timeline', 'sizes'].forEach((id) => observer.observe(byId(id)));
+  }
+
+  // Paper is white and has a width of its own; what is drawn has to be drawn for it.
+  dressForPrint(isPrinting) {
+    document.documentElement.classList.toggle('printing', isPrinting);
+    this.restyle();
+  }
+
+  restyle() {
+    this.sizes?.restyle();
+    this.sizes?.fit();
+    this.draw();
+  }
+
   onKey(key) {
-    const isControl = ['BUTTON', 'SELECT', 'TH'].includes(key.target.tagName);
+    const isControl = ['BUTTON', 'SELECT', 'TH', 'SUMMARY'].includes(key.target.tagName);
     const stride = key.shiftKey ? 10 : 1;
+    const push = 60;
     const actions = {
       ArrowRight: () => this.show(this.frame + stride, this.chosen),
       ArrowLeft: () => this.show(this.frame - stride, this.chosen),
@@ -70,8 +129,16 @@ class Report {
       End: () => this.show(this.world.frames - 1, this.chosen),
       Escape: () => this.show(this.frame, undefined),
       ' ': () => this.toggle(),
+      '+': () => this.topView.zoomBy(1.5),
+      '-': () => this.topView.zoomBy(1 / 1.5),
+      0: () => this.topView.resetZoom(),
+      w: () => this.topView.moveBy(0, push),
+      s: () => this.topView.moveBy(0, -push),
+      a: () => this.topView.moveBy(push, 0),
+      d: () => this.topView.moveBy(-push, 0),
     };
-    if (actions[key.key] && !(isControl && key.key === ' ') && key.target.tagName !== 'SELECT') {
+    const isOurs = !key.ctrlKey && !key.metaKey && !key.altKey && !(isControl && key.key === ' ');
+    if (actions[key.key] && isOurs && key.target.tagName !== 'SELECT') {
       key.preventDefault();
       actions[key.key]();
     }
@@ -114,77 +181,39 @@ class Report {
     }
     this.chosen = chosen;
     this.draw();
+    if (this.statistics) {
+      this.address.follow(this.data.frameNumbers[this.frame], this.chosen);
+    }
+  }
+
+  // Scrolls only when the player is not in sight as a whole.
+  showPlayer() {
+    const { top, bottom } = byId('player').getBoundingClientRect();
+    if (top < 0 || bottom > window.innerHeight) {
+      const isCalm = matchMedia('(prefers-reduced-motion: reduce)').matches;
+      byId('player').scrollIntoView({ block: 'start', behavior: isCalm ? 'auto' : 'smooth' });
+    }
   }
 
   draw() {
     if (this.world.frames === 0) {
       return;
     }
+    const moment = new Moment(this.world, this.frame);
+    this.moment = moment;
     byId('slider').value = this.frame;
     byId('frame').textContent = `frame ${this.data.frameNumbers[this.frame]}`;
-    this.topView.draw(this.frame, this.chosen);
+    byId('undecided').hidden = moment.isDecided;
+    this.drawTopView();
     this.timeline?.draw(this.frame, this.chosen);
     this.camera.draw(this.frame, this.chosen);
-    this.listPresent();
-    this.listLately();
-    this.showDetail();
+    this.sidebar.show(moment, this.chosen);
   }
 
-  listPresent() {
-    const entries = [...this.world.groupsAt(this.frame)].map(([id, persons]) => {
-      const item = document.createElement('li');
-      const button = document.createElement('button');
-      button.type = 'button';
-      const chip = document.createElement('span');
-      chip.className = 'chip';
-      chip.style.background = colourOf(id);
-      button.append(chip, `group ${id}: ${persons.sort((a, b) => a - b).join(', ')}`);
-      button.addEventListener('click', () => this.show(this.frame, id));
-      item.append(button);
-      return item;
-    });
-    byId('present').replaceChildren(...entries);
-  }
-
-  listLately() {
-    const { eventFrame } = this.data;
-    const lines = 8;
-    let end = upperBound(eventFrame, this.frame);
-    const texts = [];
-    for (; end > 0 && texts.length < lines; --end) {
-      texts.push(`${this.data.frameNumbers[eventFrame[end - 1]]}: ${this.eventText(end - 1)}`);
+  drawTopView() {
+    if (this.moment) {
+      this.topView.draw(this.moment, this.chosen);
     }
-    byId('lately').replaceChildren(...texts.map((text) => {
-      const item = document.createElement('li');
-      item.textContent = text;
-      return item;
-    }));
-  }
-
-  eventText(i) {
-    const { eventKind, eventGroup, eventOther, eventPersons, eventPersonsEnd } = this.data;
-    const persons = [...eventPersons.subarray(i === 0 ? 0 : eventPersonsEnd[i - 1], eventPersonsEnd[i])].join(', ');
-    const kind = eventKinds[eventKind[i]];
-    const group = `group ${eventGroup[i]}`;
-    const texts = {
-      created: `${group} created: ${persons}`,
-      split: `${group} split from ${eventOther[i]}`,
-      merged: `group ${eventOther[i]} merged into ${eventGroup[i]}`,
-      joined: `${persons} joined ${group}`,
-      left: `${persons} left ${group}`,
-    };
-    return texts[kind] ?? `${group} ${kind}`;
-  }
-
-  showDetail() {
-    const explanation = this.data.head.explanations?.[this.chosen];
-    byId('detail').hidden = this.chosen === undefined;
-    byId('detail-title').textContent = `Group ${this.chosen}`;
-    byId('detail-text').textContent = explanation ?? 'Make the report with --diagnostics to see why.';
-    for (const row of document.querySelectorAll('tr.chosen')) {
-      row.classList.remove('chosen');
-    }
-    document.querySelector(`tr[data-group="${this.chosen}"]`)?.classList.add('chosen');
   }
 }
 
@@ -198,4 +227,7 @@ function upperBound(values, limit) {
   return low;
 }
 
-loadData().then((data) => new Report(new World(data)));
+loadData().then((data) => {
+  takeColours(data);
+  return new Report(new World(data));
+});

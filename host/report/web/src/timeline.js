@@ -1,6 +1,8 @@
-// The lives of all groups as bars in lanes, with merges and splits, and the wrong frames above.
+// The family tree of the groups along time: a bar for each group, an arrow where one merged into
+// another, a dashed one where one split off; the frames that are wrong above. The program has given
+// each group a lane, so that relatives are close to each other.
 
-const laneHeight = 13;
+const laneHeight = 14;
 const wrongHeight = 12;
 const eventKinds = ['created', 'split', 'merged', 'joined', 'left', 'ended', 'removed'];
 
@@ -9,27 +11,15 @@ class Timeline {
     this.canvas = canvas;
     this.world = world;
     this.groups = statistics.groups;
-    this.lanes = this.assignLanes();
+    const { groupId, groupLane } = world.data;
+    this.lanes = new Map([...groupId].map((group, i) => [group, groupLane[i]]));
+    this.laneCount = [...this.groups.keys()].reduce((most, group) => Math.max(most, this.lanes.get(group) + 1), 0);
     this.ties = this.findTies();
+    this.relatives = this.findRelatives();
     canvas.addEventListener('click', (click) => {
       const bar = this.barAt(click.offsetX, click.offsetY);
       jump(this.frameAt(click.offsetX), bar);
     });
-  }
-
-  // Each group takes the first lane that is free again; a frame of space keeps bars apart.
-  assignLanes() {
-    const free = [];
-    const lanes = new Map();
-    const gap = Math.max(1, this.world.frames / 300);
-    for (const group of [...this.groups.values()].sort((a, b) => a.first - b.first)) {
-      let lane = free.findIndex((end) => end + gap < group.first);
-      lane = lane < 0 ? free.length : lane;
-      free[lane] = group.last;
-      lanes.set(group.id, lane);
-    }
-    this.laneCount = free.length;
-    return lanes;
   }
 
   findTies() {
@@ -37,11 +27,22 @@ class Timeline {
     const ties = [];
     for (let i = 0; i < eventKind.length; ++i) {
       const kind = eventKinds[eventKind[i]];
-      if ((kind === 'merged' || kind === 'split') && this.lanes.has(eventGroup[i]) && this.lanes.has(eventOther[i])) {
+      if ((kind === 'merged' || kind === 'split') && this.groups.has(eventGroup[i]) && this.groups.has(eventOther[i])) {
         ties.push({ kind, frame: eventFrame[i], from: eventOther[i], to: eventGroup[i] });
       }
     }
     return ties;
+  }
+
+  // For each group those that it is tied to directly.
+  findRelatives() {
+    const relatives = new Map();
+    const add = (one, other) => relatives.set(one, (relatives.get(one) ?? new Set()).add(other));
+    this.ties.forEach(({ from, to }) => {
+      add(from, to);
+      add(to, from);
+    });
+    return relatives;
   }
 
   column(frame) { return (frame + 0.5) / this.world.frames * this.canvas.clientWidth; }
@@ -67,12 +68,19 @@ class Timeline {
   draw(frame, chosen) {
     const height = wrongHeight + Math.max(3, this.laneCount) * laneHeight + 4;
     this.canvas.style.height = `${height}px`;
-    const { pen, width } = prepareCanvas(this.canvas, height);
+    const prepared = prepareCanvas(this.canvas, height);
+    if (!prepared) {
+      return;
+    }
+    const { pen, width } = prepared;
     const colours = pageColours();
-    const key = [width, height, chosen, colours.panel].join();
+    const key = [this.canvas.width, this.canvas.height, chosen, colours.panel].join();
     if (this.key !== key) {
       this.key = key;
+      this.drawUndecided(pen, colours, height);
+      this.drawVerdicts(pen, colours);
       this.drawBars(pen, colours, chosen);
+      this.drawTies(pen, colours, chosen);
       this.picture = document.createElement('canvas');
       this.picture.width = this.canvas.width;
       this.picture.height = this.canvas.height;
@@ -84,48 +92,93 @@ class Timeline {
     pen.fillRect(this.column(frame) - 1, 0, 2, height);
   }
 
+  // Calls visit(first, last) for each stretch of frames.
+  forStretches(isIn, visit) {
+    for (let frame = 0, start = -1; frame <= this.world.frames; ++frame) {
+      const inside = frame < this.world.frames && isIn(frame);
+      if (inside && start < 0) {
+        start = frame;
+      } else if (!inside && start >= 0) {
+        visit(start, frame - 1);
+        start = -1;
+      }
+    }
+  }
+
+  // Frames about which the run decided nothing are no frames at which everybody was alone.
+  drawUndecided(pen, colours, height) {
+    const { isDecided } = this.world.data;
+    this.forStretches((frame) => !isDecided[frame], (first, last) => {
+      const [left, right] = [this.column(first - 0.5), this.column(last + 0.5)];
+      pen.save();
+      pen.beginPath();
+      pen.rect(left, 0, right - left, height);
+      pen.clip();
+      pen.strokeStyle = colours.line;
+      pen.lineWidth = 2;
+      pen.beginPath();
+      for (let x = left - height; x < right; x += 8) {
+        pen.moveTo(x, height);
+        pen.lineTo(x + height, 0);
+      }
+      pen.stroke();
+      pen.restore();
+    });
+  }
+
   drawBars(pen, colours, chosen) {
-    this.drawWrong(pen, colours);
     pen.font = '10px system-ui, sans-serif';
     for (const group of this.groups.values()) {
       const left = this.column(group.first - 0.5);
       const width = Math.max(2, this.column(group.last + 0.5) - left);
-      const isFaint = chosen !== undefined && chosen !== group.id;
-      pen.fillStyle = colourOf(group.id, isFaint ? 0.45 : 1);
-      pen.fillRect(left, this.row(group.id) - laneHeight / 2 + 1.5, width, laneHeight - 3);
-      if (width > 24) {
-        pen.fillStyle = isFaint ? colours.ink : inkOn(group.id);
+      const isKin = chosen === undefined || chosen === group.id || this.relatives.get(chosen)?.has(group.id);
+      const height = group.largest > 1 ? laneHeight - 3 : 4;  // nobody was ever with another in it
+      pen.fillStyle = colourOf(group.id, isKin ? 1 : 0.35);
+      pen.fillRect(left, this.row(group.id) - height / 2, width, height);
+      if (chosen === group.id) {
+        pen.strokeStyle = colours.ink;
+        pen.lineWidth = 1.5;
+        pen.strokeRect(left, this.row(group.id) - height / 2, width, height);
+      }
+      if (group.largest > 1 && width > pen.measureText(group.id).width + 6) {
+        pen.fillStyle = isKin ? inkOn(group.id) : colours.ink;
         pen.fillText(group.id, left + 3, this.row(group.id) + 3.5);
       }
     }
-    for (const tie of this.ties) {
-      pen.strokeStyle = colours.faint;
-      pen.lineWidth = 1;
-      pen.setLineDash(tie.kind === 'split' ? [3, 2] : []);
-      const [x, from, to] = [this.column(tie.frame), this.row(tie.from), this.row(tie.to)];
-      const tip = Math.sign(to - from) * 4;
-      pen.beginPath();
-      pen.moveTo(x, from);
-      pen.lineTo(x, to);
-      pen.moveTo(x - 3, to - tip);
-      pen.lineTo(x, to);
-      pen.lineTo(x + 3, to - tip);
-      pen.stroke();
-    }
-    pen.setLineDash([]);
   }
 
-  drawWrong(pen, colours) {
-    const wrong = this.world.data.wrong;
-    if (!wrong) {
+  drawTies(pen, colours, chosen) {
+    pen.lineWidth = 1.2;
+    for (const { kind, frame, from, to } of this.ties) {
+      const isKin = chosen === undefined || chosen === from || chosen === to;
+      const x = this.column(frame - 0.5);
+      const down = Math.sign(this.row(to) - this.row(from));
+      const [start, end] = [this.row(from) + down * 5, this.row(to) - down * 5];
+      pen.strokeStyle = isKin ? colours.ink : colours.line;
+      pen.setLineDash(kind === 'split' ? [3, 2] : []);
+      pen.beginPath();
+      pen.moveTo(x, start);
+      pen.lineTo(x, end);
+      pen.stroke();
+      pen.setLineDash([]);
+      pen.beginPath();
+      pen.moveTo(x - 3, end - down * 4);
+      pen.lineTo(x, end);
+      pen.lineTo(x + 3, end - down * 4);
+      pen.stroke();
+    }
+  }
+
+  drawVerdicts(pen, colours) {
+    const { verdicts } = this.world.data;
+    if (!verdicts) {
       return;
     }
-    pen.fillStyle = colours.wrong;
-    const width = Math.max(1, this.canvas.clientWidth / this.world.frames);
-    for (let frame = 0; frame < wrong.length; ++frame) {
-      if (wrong[frame]) {
-        pen.fillRect(this.column(frame - 0.5), 1, width, wrongHeight - 5);
-      }
-    }
+    const names = [undefined, colours.line, colours.wrong];
+    [1, 2].forEach((verdict) => this.forStretches((frame) => verdicts[frame] === verdict, (first, last) => {
+      pen.fillStyle = names[verdict];
+      const left = this.column(first - 0.5);
+      pen.fillRect(left, 1, Math.max(1, this.column(last + 0.5) - left), wrongHeight - 5);
+    }));
   }
 }

@@ -1,52 +1,78 @@
-// The ground from above: a grid, everybody with a trace, groups as hulls with labels.
+// The ground from above: a grid, groups as hulls with traces and numbers, people alone quietly. The
+// wheel, fingers and keys zoom and move it.
 
 class TopView {
-  constructor(canvas, world) {
-    this.canvas = canvas;
-    this.world = world;
+  constructor(canvas, world, redraw, choose) {
+    Object.assign(this, { canvas, world });
     this.bounds = world.bounds();
+    this.view = d3.zoomIdentity;
+    const closest = 60;
+    this.zoom = d3.zoom().scaleExtent([0.5, closest]).on('zoom', ({ transform }) => {
+      this.view = transform;
+      // While all is in sight, one finger scrolls the page.
+      canvas.style.touchAction = transform.k > 1 ? 'none' : 'pan-y';
+      redraw();
+    });
+    d3.select(canvas).call(this.zoom).on('dblclick.zoom', null);
+    canvas.style.touchAction = 'pan-y';
+    canvas.addEventListener('click', ({ offsetX, offsetY }) => choose(this.groupNear(offsetX, offsetY)));
   }
 
-  draw(frame, chosen) {
-    const { pen, width, height } = prepareCanvas(this.canvas);
+  zoomBy(factor) { d3.select(this.canvas).call(this.zoom.scaleBy, factor); }
+  moveBy(columns, rows) { d3.select(this.canvas).call(this.zoom.translateBy, columns / this.view.k, rows / this.view.k); }
+  resetZoom() { d3.select(this.canvas).call(this.zoom.transform, d3.zoomIdentity); }
+
+  draw(moment, chosen) {
+    const prepared = prepareCanvas(this.canvas);
+    if (!prepared) {
+      return;
+    }
+    const { pen, width, height } = prepared;
     const { left, right, bottom, top } = this.bounds;
-    this.scale = Math.min(width / (right - left), height / (top - bottom));
-    const offsetX = (width - (right - left) * this.scale) / 2;
-    const offsetY = (height - (top - bottom) * this.scale) / 2;
-    this.column = (x) => offsetX + (x - left) * this.scale;
-    this.row = (y) => height - offsetY - (y - bottom) * this.scale;
+    const fitting = Math.min(width / (right - left), height / (top - bottom));
+    const offsetX = (width - (right - left) * fitting) / 2;
+    const offsetY = (height - (top - bottom) * fitting) / 2;
+    this.scale = fitting * this.view.k;
+    this.column = (x) => this.view.applyX(offsetX + (x - left) * fitting);
+    this.row = (y) => this.view.applyY(height - offsetY - (y - bottom) * fitting);
     this.colours = pageColours();
+    this.moment = moment;
     this.drawGrid(pen, width, height);
-    const groups = this.world.groupsAt(frame);
-    const places = this.world.placesAt(frame);
-    const groupOf = new Map();
-    groups.forEach((persons, id) => persons.forEach((person) => groupOf.set(person, id)));
-    this.named = [];
-    groups.forEach((persons, id) => this.drawGroup(pen, id, persons.map((p) => places.get(p)).filter(Boolean), id === chosen));
-    this.drawTraces(pen, frame, groupOf, places);
-    this.drawPeople(pen, groupOf, places);
-    drawPlates(pen, this.named, width, height);
+    const areas = new Map();
+    moment.groups.forEach((persons, id) => {
+      const places = persons.map((person) => moment.places.get(person)).filter(Boolean);
+      if (persons.length > 1 && places.length > 0) {
+        areas.set(id, this.drawGroup(pen, id, places, id === chosen));
+      }
+    });
+    moment.missedGroups().forEach((persons) => this.drawTruth(pen, persons));
+    this.drawTraces(pen);
+    this.drawPeople(pen);
+    this.drawLabels(pen, areas, width, height);
     this.drawScaleBar(pen, width, height);
   }
 
   drawGrid(pen, width, height) {
-    const step = 5;
+    const usual = 5;
+    const step = this.scale * usual > 400 ? 1 : this.scale * usual < 12 ? 50 : usual;
+    const { left, right, bottom, top } = this.bounds;
+    const [reachX, reachY] = [right - left, top - bottom];
     pen.strokeStyle = this.colours.line;
     pen.lineWidth = 1;
     pen.beginPath();
-    for (let x = Math.ceil(this.bounds.left / step) * step; x <= this.bounds.right; x += step) {
+    for (let x = Math.floor((left - 2 * reachX) / step) * step; x <= right + 2 * reachX; x += step) {
       pen.moveTo(this.column(x), 0);
       pen.lineTo(this.column(x), height);
     }
-    for (let y = Math.ceil(this.bounds.bottom / step) * step; y <= this.bounds.top; y += step) {
+    for (let y = Math.floor((bottom - 2 * reachY) / step) * step; y <= top + 2 * reachY; y += step) {
       pen.moveTo(0, this.row(y));
       pen.lineTo(width, this.row(y));
     }
     pen.stroke();
   }
 
-  drawGroup(pen, id, places, isChosen) {
-    const radius = 0.6;
+  // A line around places; returns the area that it takes.
+  trackHull(pen, places, radius) {
     const corners = 16;
     const outline = [];
     for (const [x, y] of places) {
@@ -56,34 +82,51 @@ class TopView {
       }
     }
     const hull = convexHull(outline);
-    if (hull.length === 0) {
-      return;
-    }
     pen.beginPath();
     hull.forEach(([x, y], i) => (i === 0 ? pen.moveTo(x, y) : pen.lineTo(x, y)));
     pen.closePath();
-    pen.fillStyle = colourOf(id, 0.25);
-    pen.fill();
-    pen.strokeStyle = colourOf(id);
-    pen.lineWidth = isChosen ? 4 : 2;
-    pen.stroke();
-    const [columns, rows] = [hull.map(([x]) => x), hull.map(([, y]) => y)];
-    this.named.push({ id, left: Math.min(...columns), top: Math.min(...rows), bottom: Math.max(...rows) });
+    return areaAround(hull);
   }
 
-  drawTraces(pen, frame, groupOf, places) {
+  drawGroup(pen, id, places, isChosen) {
+    const area = this.trackHull(pen, places, 0.6);
+    pen.fillStyle = colourOf(id, 0.25);
+    pen.fill();
+    pen.strokeStyle = this.colours.edge;
+    pen.lineWidth = isChosen ? 6 : 3;
+    pen.stroke();
+    pen.strokeStyle = colourOf(id);
+    pen.lineWidth = isChosen ? 4.5 : 2;
+    pen.stroke();
+    return area;
+  }
+
+  drawTruth(pen, persons) {
+    const places = persons.map((person) => this.moment.places.get(person)).filter(Boolean);
+    if (places.length > 0) {
+      this.trackHull(pen, places, 0.85);
+      pen.setLineDash([5, 4]);
+      pen.strokeStyle = this.colours.wrong;
+      pen.lineWidth = 1.5;
+      pen.stroke();
+      pen.setLineDash([]);
+    }
+  }
+
+  drawTraces(pen) {
     const length = 40;
+    const { frame, companyOf } = this.moment;
     const traces = new Map();
     for (let past = Math.max(0, frame - length); past <= frame; ++past) {
       this.world.forPeople(past, (person, x, y) => {
-        if (places.has(person)) {
+        if (companyOf.has(person)) {
           traces.has(person) ? traces.get(person).push(x, y) : traces.set(person, [x, y]);
         }
       });
     }
     pen.lineWidth = 1.5;
     for (const [person, trace] of traces) {
-      pen.strokeStyle = groupOf.has(person) ? colourOf(groupOf.get(person), 0.6) : this.colours.alone;
+      pen.strokeStyle = colourOf(companyOf.get(person), 0.6);
       pen.beginPath();
       for (let i = 0; i < trace.length; i += 2) {
         pen.lineTo(this.column(trace[i]), this.row(trace[i + 1]));
@@ -92,15 +135,60 @@ class TopView {
     }
   }
 
-  drawPeople(pen, groupOf, places) {
-    const radius = Math.max(3, 0.25 * this.scale);
-    for (const [person, [x, y]] of places) {
+  radius() { return Math.max(3, Math.min(14, 0.25 * this.scale)); }
+
+  drawPeople(pen) {
+    const { places, groupOf, companyOf, isWrong } = this.moment;
+    const radius = this.radius();
+    const ring = (x, y, size, colour, width) => {
       pen.beginPath();
-      pen.arc(this.column(x), this.row(y), radius, 0, 2 * Math.PI);
-      pen.fillStyle = groupOf.has(person) ? colourOf(groupOf.get(person)) : this.colours.alone;
-      pen.fill();
-      this.write(pen, person, this.column(x) + radius + 2, this.row(y) + 4, '11px system-ui, sans-serif');
+      pen.arc(this.column(x), this.row(y), size, 0, 2 * Math.PI);
+      pen.strokeStyle = colour;
+      pen.lineWidth = width;
+      pen.stroke();
+    };
+    for (const [person, [x, y]] of places) {
+      const group = companyOf.get(person);
+      if (group === undefined) {
+        const last = groupOf.get(person);
+        ring(x, y, radius - 0.5, last === undefined ? this.colours.alone : colourOf(last), 1.2);
+      } else {
+        ring(x, y, radius, this.colours.edge, 1.5);
+        pen.fillStyle = colourOf(group);
+        pen.fill();
+      }
+      if (isWrong.has(person)) {
+        ring(x, y, radius + 3, this.colours.wrong, 2);
+      }
     }
+  }
+
+  drawLabels(pen, areas, width, height) {
+    const { places, companyOf, isWrong } = this.moment;
+    const radius = this.radius();
+    const labels = new Labels(pen, width, height);
+    const areaOf = ([x, y]) => areaAround([[this.column(x) - radius, this.row(y) - radius], [this.column(x) + radius, this.row(y) + radius]]);
+    const isLoud = (person) => companyOf.has(person) || isWrong.has(person);
+    places.forEach((place) => labels.keepFree(areaOf(place)));
+    areas.forEach((area, id) => labels.addPlate(id, area));
+    for (const loud of [true, false]) {
+      places.forEach((place, person) => {
+        if (isLoud(person) === loud) {
+          labels.addName(person, areaOf(place), loud ? this.colours.ink : this.colours.faint, this.colours.panel);
+        }
+      });
+    }
+  }
+
+  // The group of the person at a place of the canvas; none when nobody is there.
+  groupNear(column, row) {
+    const reach = this.radius() + 6;
+    for (const [person, [x, y]] of this.moment?.places ?? []) {
+      if (Math.hypot(this.column(x) - column, this.row(y) - row) < reach) {
+        return this.moment.groupOf.get(person);
+      }
+    }
+    return undefined;
   }
 
   drawScaleBar(pen, width, height) {
