@@ -23,6 +23,10 @@ Exit status: 0 when all is well, 1 with warnings only, 2 with problems.)";
 
 enum CheckStatus : int { allIsWell = 0, onlyWarnings = 1, hasProblems = 2 };
 
+std::string counted(std::size_t count, const char* what) {
+  return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
+}
+
 /// Does one step of the check; a problem that ends the step does not end the check.
 template <typename Step>
 bool isWell(CheckReport& report, const Step& step) {
@@ -72,10 +76,11 @@ int CheckCommand::run() {
   try {
     checkFiles(report);
   } catch (const TooManyProblems&) {
-    fmt::print("stopped after {} problems\n", report.problems());
+    fmt::print("stopped after {}\n", counted(report.problems(), "problem"));
   }
   report.printWarnings();
-  fmt::print("{} problems, {} kinds of warnings\n", report.problems(), report.warnings());
+  fmt::print("{}, {} of warnings\n", counted(report.problems(), "problem"),
+             counted(report.warnings(), "kind"));
   if (report.problems() > 0) {
     return hasProblems;
   }

@@ -1,8 +1,10 @@
 #include "host/commands/CommandLine.h"
 
 #include "host/base/ExitStatus.h"
+#include "host/base/Suggestion.h"
 
 #include <CLI/CLI.hpp>
+#include <fmt/format.h>
 
 #include <cmath>
 #include <cstdint>
@@ -42,6 +44,41 @@ CLI::Validator rangeCheck(double lowest, double highest) {
 template <typename Value>
 constexpr bool isReal =
     std::is_same_v<Value, double> || std::is_same_v<Value, std::optional<double>>;
+
+/// What is wrong with a word that is no command or no option, whatever else the parser misses
+/// because of it; none when all words are known.
+std::optional<std::string> slipIn(CLI::App& program) {
+  const std::vector<CLI::App*> chosen = program.get_subcommands();
+  const std::vector<std::string> rest = program.remaining(true);
+  std::vector<std::string> known;
+  if (chosen.empty()) {
+    for (const CLI::App* const command : program.get_subcommands(nullptr)) {
+      known.push_back(command->get_name());
+    }
+    return rest.empty() || rest.front().starts_with('-')
+               ? std::nullopt
+               : std::optional(rest.front() + " is no command" + didYouMean(rest.front(), known));
+  }
+  const auto isOption = [](const std::string& word) { return word.starts_with("--"); };
+  const auto found = std::find_if(rest.begin(), rest.end(), isOption);
+  if (found == rest.end()) {
+    return std::nullopt;
+  }
+  const auto addOptions = [&known](const CLI::App& app) {
+    for (const CLI::Option* const option : app.get_options()) {
+      for (const std::string& name : option->get_lnames()) {
+        known.push_back("--" + name);
+      }
+    }
+  };
+  addOptions(*chosen.front());
+  for (const CLI::App* const choice : chosen.front()->get_subcommands(nullptr)) {
+    addOptions(*choice);  // the options of which some exclude each other
+  }
+  const std::string word = found->substr(0, found->find('='));
+  return fmt::format("{} is no option of {}{}", word, chosen.front()->get_name(),
+                     didYouMean(word, known));
+}
 
 }  // namespace
 
@@ -162,8 +199,13 @@ Options CommandLine::addCommand(const std::string& name, const std::string& desc
 std::optional<int> CommandLine::parse(int argc, char** argv) {
   try {
     m_program->parse(argc, argv);
+  } catch (const CLI::Success& wish) {
+    m_program->exit(wish);
+    return finished;
   } catch (const CLI::ParseError& failure) {
-    return m_program->exit(failure) == 0 ? finished : wrongInput;
+    const auto slip = slipIn(*m_program);
+    slip ? fmt::print(stderr, "{}\n", *slip) : void(m_program->exit(failure));
+    return wrongInput;
   }
   return std::nullopt;
 }

@@ -7,6 +7,8 @@
 #include "host/input/InputFormats.h"
 #include "host/people/LinkOptions.h"
 
+#include <algorithm>
+#include <array>
 #include <charconv>
 #include <string_view>
 #include <variant>
@@ -24,12 +26,21 @@ bool readWhole(std::string_view text, int& number) {
   return error == std::errc() && end == text.data() + text.size() && number > 0;
 }
 
+/// Sizes as people write them: 1920x1080, 1920 X 1080, 1920*1080, 1920:1080, 1920,1080 or 1920
+/// 1080.
 std::optional<cv::Size> parseSize(std::string_view text) {
-  const auto cross = text.find('x');
+  constexpr std::string_view digits = "0123456789";
+  const std::string_view begin = text.substr(0, text.find_first_not_of(digits));
+  const std::string_view end = text.substr(text.find_last_not_of(digits) + 1);
+  std::string between(text.substr(std::min(begin.size(), text.size() - end.size()),
+                                  text.size() - std::min(text.size(), begin.size() + end.size())));
+  std::erase(between, ' ');
+  const std::array<std::string_view, 6> crosses{"x", "X", "*", ":", ",", "\u00D7"};
+  const bool isApart = between.empty()
+                           ? begin.size() + end.size() < text.size()
+                           : std::find(crosses.begin(), crosses.end(), between) != crosses.end();
   cv::Size size;
-  const bool isSize = cross != std::string_view::npos &&
-                      readWhole(text.substr(0, cross), size.width) &&
-                      readWhole(text.substr(cross + 1), size.height);
+  const bool isSize = isApart && readWhole(begin, size.width) && readWhole(end, size.height);
   return isSize ? std::optional(size) : std::nullopt;
 }
 

@@ -66,15 +66,43 @@ class TrialFolder {
   QTemporaryDir m_folder;
 };
 
+double meanOf(const Trial& trial) {
+  double sum = 0.0;
+  for (const auto& score : trial.scores) {
+    sum += score.value_or(0.0);
+  }
+  return sum / static_cast<double>(std::max<std::size_t>(trial.scores.size(), 1));
+}
+
+/// The scores of both side by side, and which is better.
+std::string comparisonOf(const Trial& base, const Trial& found,
+                         const std::vector<const TunedSequence*>& sequences,
+                         const std::string& score) {
+  std::string text = fmt::format("{:<24} {:>7} {:>7}\n", score, "base", "found");
+  for (std::size_t i = 0; i < sequences.size(); ++i) {
+    text += fmt::format("{:<24} {:7.3f} {:7.3f}\n", sequences[i]->name,
+                        base.scores[i].value_or(0.0), found.scores[i].value_or(0.0));
+  }
+  text += fmt::format("{:<24} {:7.3f} {:7.3f}\n", "mean", meanOf(base), meanOf(found));
+  if (meanOf(found) < meanOf(base)) {
+    return text + "the base is better\n";
+  }
+  return text + (meanOf(found) > meanOf(base) ? "" : "the base is as good\n");
+}
+
+/// The last line of the file of parameters, which the tracker does not read any more.
+std::string linkNote(const std::string& linkArguments) {
+  return linkArguments.empty()
+             ? ""
+             : "# found together with these options of run:" + linkArguments + "\n";
+}
+
 std::string scoresOf(const Trial& trial, const std::vector<const TunedSequence*>& sequences) {
   std::string text;
-  double sum = 0.0;
   for (std::size_t i = 0; i < sequences.size(); ++i) {
-    const double score = trial.scores[i].value_or(0.0);
-    text += fmt::format("{} {:.3f}, ", sequences[i]->name, score);
-    sum += score;
+    text += fmt::format("{} {:.3f}, ", sequences[i]->name, trial.scores[i].value_or(0.0));
   }
-  return text + fmt::format("mean {:.3f}", sum / static_cast<double>(sequences.size()));
+  return text + fmt::format("mean {:.3f}", meanOf(trial));
 }
 
 }  // namespace
@@ -100,13 +128,18 @@ void TuneSession::run() {
     all.push_back(&sequence);
   }
   preloadGroupTracker("");
-  const Trial base = evaluated(m_space.baseOf(m_base), all, "base");
+  m_space.baseOf(m_base);  // finds unknown names before anything is tried
+  const Trial base = evaluated({}, all, "base");
   const Trial found = search(all, m_options.logFile, "all");
   const TrialSettings settings = m_space.settingsOf(found.candidate, m_base);
-  OutputFile(m_options.outputFile).writeLines(settings.parameters);
+  OutputFile(m_options.outputFile)
+      .writeLines(settings.parameters + linkNote(settings.linkArguments));
   const Trial result = evaluated(found.candidate, all, "result");
-  fmt::print("base: {}\nfound: {}\nlinks:{}\n", scoresOf(base, all), scoresOf(result, all),
-             settings.linkArguments);
+  const bool isSliding = scores.at(m_options.scoreName) == TunedScore::sliding;
+  fmt::print("{}", comparisonOf(base, result, all, isSliding ? "windowed" : m_options.scoreName));
+  if (!settings.linkArguments.empty()) {
+    fmt::print("pass to run with {}:{}\n", m_options.outputFile, settings.linkArguments);
+  }
   if (m_options.leaveOneOut) {
     leaveEachOut(result);
   }

@@ -42,7 +42,7 @@ std::string sentence(const Decision& decision) {
     case DecisionKind::left:
       return fmt::format("person {} left", decision.persons.front());
     case DecisionKind::merged:
-      return fmt::format("group {} went up in it", *decision.other);
+      return fmt::format("group {} merged into it", *decision.other);
     case DecisionKind::split:
       return fmt::format("split from group {}", *decision.other);
     case DecisionKind::ended:
@@ -113,7 +113,7 @@ std::string Explainer::lineOf(const Decision& decision) const {
 }
 
 std::string Explainer::absorbedLineOf(const Decision& decision) const {
-  return fmt::format("{}: went up in group {}{}{}", timeOf(decision), *decision.group,
+  return fmt::format("{}: merged into group {}{}{}", timeOf(decision), *decision.group,
                      decision.reason.empty() ? "" : ": ", decision.reason);
 }
 

@@ -31,7 +31,7 @@ class Explainer {
 
  private:
   std::string lineOf(const Decision& decision) const;
-  /// The line for the group that went up in another.
+  /// The line for the group that merged into another.
   std::string absorbedLineOf(const Decision& decision) const;
   std::string timeOf(const Decision& decision) const;
   std::string comparison(const Decision& decision) const;

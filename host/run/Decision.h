@@ -25,7 +25,7 @@ enum class DecisionKind : std::uint8_t {
   notAddedByAncestry,  ///< the same, not coherent enough
   joined,              ///< a person became a member
   left,
-  merged,  ///< `other` went up in the group
+  merged,  ///< `other` merged into the group
   split,   ///< from `other`
   ended,
   removed,

@@ -11,7 +11,7 @@ namespace grouptracker {
 enum class EventKind : std::uint8_t {
   created,  ///< `persons` are the first members
   split,    ///< `other` is the group that it came from
-  merged,   ///< `other` went up in it; `persons` came along
+  merged,   ///< `other` merged into it; `persons` came along
   joined,   ///< `persons` is the one who joined
   left,     ///< `persons` is the one who left
   ended,    ///< it has no members any more; it may still be continued, members then join anew

@@ -210,7 +210,7 @@ TEST_F(Files, AreCheckedWhole) {
   folder.write("damaged.jsonl", walkingLine(1) + "{\n" + walkingLine(3));
   EXPECT_EQ(run({"check", "damaged.jsonl"}), 2);
   EXPECT_THAT(said, HasSubstr("damaged.jsonl:2: not valid JSON"));
-  EXPECT_THAT(said, HasSubstr("1 problems")) << "what follows from the damage is not reported";
+  EXPECT_THAT(said, HasSubstr("1 problem,")) << "what follows from the damage is not reported";
 }
 
 TEST_F(Files, WarnOfWhatIsLegalButStrange) {

@@ -97,12 +97,12 @@ TEST_F(Explanation, TellsTheLifeOfAGroupFromTheLines) {
       "frame 1 (decided at 3): founded by the pair of person 1 (mobile 11) and person 2 "
       "(mobile 12), coherence 3.900 below threshold 4 (distance 0.500, speed 0.100, direction "
       "0.200)\n"
-      "frame 2 (decided at 4): group 1 went up in it\n"
+      "frame 2 (decided at 4): group 1 merged into it\n"
       "frame 2 (decided at 4): person 3 (mobile 23) joined\n"
       "frame 2 (decided at 4): person 5 (mobile 25) joined\n"
       "frame 2 (decided at 4): person 2 left\n");
   EXPECT_THAT(explainer.explainGroup(1), HasSubstr("frame 1 (decided at 3): split from group 0\n"));
-  EXPECT_THAT(explainer.explainGroup(1), HasSubstr("went up in group 0"));
+  EXPECT_THAT(explainer.explainGroup(1), HasSubstr("merged into group 0"));
   EXPECT_THAT(explainer.explainGroup(0, 2), StartsWith("frame 2 (decided at 4): group 1 went"));
   EXPECT_THAT(log.membersAt(0, 2), ElementsAre(1, 3, 5));
   EXPECT_EQ(explainer.explainGroup(5), "");
@@ -121,7 +121,7 @@ TEST_F(Explanation, NamesLinksAndSharedSonsOutOfTheMobileDump) {
   MobileDump mobiles(folder.write("dump.txt", dump));
   const DecisionLog log = read(&mobiles);
   const std::string text = explainerOf(log).explainGroup(0);
-  EXPECT_THAT(text, HasSubstr("group 1 went up in it: 14 and 13 share the best son 99\n"));
+  EXPECT_THAT(text, HasSubstr("group 1 merged into it: 14 and 13 share the best son 99\n"));
   EXPECT_THAT(text, HasSubstr("person 5 (mobile 25) joined: through the link to 11, reliability "
                               "0.25\n"));
 }
@@ -143,7 +143,7 @@ TEST_F(Explanation, OfAReplayedRunIsInItsStepsAndNamesTheFramesOfTheInput) {
   }
   EXPECT_THAT(counts, ElementsAre(0U, 5U, 0U));
   EXPECT_THAT(explainer.explainGroup(0),
-              StartsWith("frame 70 (decided 2 frames later): group 1 went up in it\n"));
+              StartsWith("frame 70 (decided 2 frames later): group 1 merged into it\n"));
 }
 
 TEST(ExplainCommand, AnswersForARunAndRefusesWhatIsNoRun) {

@@ -212,6 +212,30 @@ TEST_F(Run, AnswersAWrongCommandLineWithOneLineAndAHint) {
   Program backwards(inFolder(""));
   EXPECT_EQ(backwards.run(arguments("scene.jsonl", {"--frames", "5:3"})), 2);
   EXPECT_THAT(backwards.errors(), StartsWith("--frames: A:B, A: or :B is expected"));
+  const std::vector<std::pair<QStringList, std::string>> slips{
+      {{"rnu", "scene.jsonl"}, "rnu is no command; did you mean run?\n"},
+      {{"wonder"}, "wonder is no command\n"},
+      {arguments("scene.jsonl", {"--diagnotsics", "none"}),
+       "--diagnotsics is no option of run; did you mean --diagnostics?\n"},
+      {{"run", "scene.jsonl", "--paramters=p.txt"},
+       "--paramters is no option of run; did you mean --parameters?\n"}};
+  for (const auto& [words, answer] : slips) {
+    Program slipping(inFolder(""));
+    EXPECT_EQ(slipping.run(words), 2);
+    EXPECT_EQ(slipping.errors(), answer);
+  }
+  const auto refuses = [this](const char* size) {
+    Program sizing(inFolder(""));
+    EXPECT_EQ(sizing.run(arguments("none.jsonl", {"--image-size", size})), 2);
+    return sizing.errors().starts_with("--image-size");
+  };
+  for (const char* const size :
+       {"640x480", "640 x 480", "640X480", "640*480", "640 480", "640\u00D7480"}) {
+    EXPECT_FALSE(refuses(size)) << size;
+  }
+  for (const char* const size : {"640", "x480", "640x", "640xx480", "0x480", "-640x480"}) {
+    EXPECT_TRUE(refuses(size)) << size;
+  }
   Program asking(inFolder(""));
   EXPECT_EQ(asking.run({"run", "--help"}), 0);
   EXPECT_THAT(asking.output(), HasSubstr("Example:\n  grouptracker run "));

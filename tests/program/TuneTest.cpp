@@ -3,6 +3,7 @@
 #include "tests/support/host/SampleParameters.h"
 #include "tests/support/program/Program.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -11,6 +12,9 @@
 namespace grouptracker {
 
 namespace {
+
+using testing::HasSubstr;
+using testing::MatchesRegex;
 
 /// Two who walk together and one who walks the other way.
 std::string walkers() {
@@ -64,9 +68,33 @@ TEST_F(Tune, FindsTheSameWithAnyNumberOfJobsAndWhenItIsResumed) {
   EXPECT_EQ(sortedLog("cut"), sortedLog("one"));
 }
 
+TEST_F(Tune, SaysWhetherTheBaseIsBetterAndHowToPassTheLinks) {
+  Program program(m_folder.path().string());
+  // The base is good, and nothing that is tried holds anybody together.
+  m_folder.write("space.txt", "coherenceThreshold: 0.0001 0.0002 linear\n--own-links 1 2 whole\n");
+  ASSERT_EQ(program.run({"tune", "walk:walk/groups.txt", "--base", "base.txt", "--space",
+                         "space.txt", "--trials", "4", "--output", "worse.txt", "--quiet"}),
+            0);
+  const auto lines = linesOf(program.output());
+  ASSERT_EQ(lines.size(), 5U) << program.output();
+  EXPECT_THAT(lines[0], MatchesRegex("windowed +base +found"));
+  EXPECT_THAT(lines[1], MatchesRegex("walk +1.000 +0.[0-9]+"));
+  EXPECT_THAT(lines[3], "the base is better");
+  EXPECT_THAT(lines[4], MatchesRegex("pass to run with worse.txt: --own-links [12]"));
+  EXPECT_THAT(read("worse.txt"), HasSubstr("\n# found together with these options of run: --own-"));
+  Program again(m_folder.path().string());
+  EXPECT_NE(again.run({"check", "walk", "--parameters", "worse.txt"}), 2) << again.output();
+}
+
 TEST_F(Tune, SaysWhatIsWrongWithItsInput) {
-  m_folder.write("space.txt", "noSuchThing: 1 2 whole\n");
-  EXPECT_EQ(tune("x", {}), 2);
+  m_folder.write("space.txt", "coherenceTreshold: 1 2 whole\n");
+  Program program(m_folder.path().string());
+  EXPECT_EQ(program.run({"tune", "walk:walk/groups.txt", "--base", "base.txt", "--space",
+                         "space.txt", "--output", "x.txt"}),
+            2);
+  EXPECT_EQ(program.errors(),
+            "coherenceTreshold:: neither a parameter nor a link option; did you mean "
+            "coherenceThreshold:?\n");
   m_folder.write("base.txt", "coherenceThreshold: 4\n");
   EXPECT_EQ(tune("x", {}), 2);
 }

@@ -2,6 +2,7 @@
 
 #include "host/base/InputError.h"
 #include "host/base/LineReader.h"
+#include "host/base/Suggestion.h"
 #include "host/people/LinkOptions.h"
 
 #include <fmt/format.h>
@@ -52,6 +53,18 @@ double rounded(double number) {
   }
   const double unit = std::pow(10.0, digits - 1.0 - std::floor(std::log10(std::abs(number))));
   return std::round(number * unit) / unit;
+}
+
+/// What a value that is tuned may be called.
+std::vector<std::string> knownNames(const ParameterFile& base) {
+  std::vector<std::string> names;
+  for (const ParameterEntry& entry : base.values) {
+    names.emplace_back(entry.row->label);
+  }
+  for (const LinkArgument& argument : linkArguments()) {
+    names.emplace_back(argument.name);
+  }
+  return names;
 }
 
 }  // namespace
@@ -122,7 +135,8 @@ Candidate TuningSpace::baseOf(const ParameterFile& base) const {
     double number = 0.0;
     if (!linkArgument(m_links, value.name, number)) {
       if (base.find(value.name) == nullptr) {
-        throw InputError(value.name, "neither a parameter nor a link option");
+        throw InputError(value.name, "neither a parameter nor a link option" +
+                                         didYouMean(value.name, knownNames(base)));
       }
       number = base.number(value.name);
       number -= value.name == memoryLabel ? base.number(delayLabel) : 0.0;
@@ -136,7 +150,7 @@ TrialSettings TuningSpace::settingsOf(const Candidate& candidate, const Paramete
   TrialSettings settings;
   settings.links = m_links;
   std::map<std::string, double> changes;
-  for (std::size_t i = 0; i < m_values.size(); ++i) {
+  for (std::size_t i = 0; i < candidate.size(); ++i) {
     const TunedValue& value = m_values[i];
     if (setLinkArgument(settings.links, value.name, candidate[i])) {
       settings.linkArguments += fmt::format(" {} {}", value.name, candidate[i]);

@@ -50,6 +50,7 @@ class TuningSpace {
   static double atPlace(const TunedValue& value, double place);
   /// The candidate that changes nothing, with what lies outside a range brought to its ends.
   Candidate baseOf(const ParameterFile& base) const;
+  /// What a run gets for a candidate; for an empty one, the base as it is.
   TrialSettings settingsOf(const Candidate& candidate, const ParameterFile& base) const;
 
  private:

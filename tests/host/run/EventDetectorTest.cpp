@@ -79,7 +79,7 @@ TEST_F(Events, TellASplitOnceWhileItStaysInTheOutput) {
   EXPECT_THAT(at({group(1, {1, 2}), group(2, {3, 4}, -1, 5)}), ElementsAre("group 2 split from 5"));
 }
 
-// The output names group 9 only, the last of two that went up in group 4 at once.
+// The output names group 9 only, the last of two that merged into group 4 at once.
 TEST_F(Events, FindAllGroupsThatWentUpInOneAtOneFrame) {
   at({ended(2, {8}), group(4, {3}), group(6, {1, 5}), group(9, {2})});
   EXPECT_THAT(at({group(4, {1, 2, 3, 5}, 9)}),
