@@ -24,8 +24,9 @@ const std::string stop = "stop";
 
 void declareFiles(Options& command, RunOptions& options) {
   declareInput(command, options);
-  command.add("--parameters", options.parameterFile, "the tracker's 47 parameters")
-      .required()
+  command
+      .add("--parameters", options.parameterFile,
+           "the tracker's 47 parameters, in place of a built-in set that suits the rate")
       .typeName("FILE");
   command.add("--output", options.outputFile, "the groups of every frame, JSON Lines")
       .typeName("FILE");
@@ -86,6 +87,9 @@ void printSummary(const RunSummary& summary) {
                                  summary.mobiles, groups, summary.seconds);
   if (summary.skippedFrames > 0) {
     text += fmt::format(", {} frames skipped", summary.skippedFrames);
+  }
+  if (summary.wantsTimes) {
+    text += "; taken to be 0.4 s apart, for the input has no times (--rate)";
   }
   if (!summary.stoppedBy.empty()) {
     text += ", stopped by " + summary.stoppedBy;

@@ -8,6 +8,7 @@
 #include "host/base/SystemProblem.h"
 #include "host/input/InputFormats.h"
 #include "host/input/SceneContextReader.h"
+#include "host/run/BuiltInParameters.h"
 #include "host/run/PluginLoader.h"
 
 #include <fmt/format.h>
@@ -40,12 +41,17 @@ FileDescriptor openForWriting(const std::string& path, int flags) {
 
 }  // namespace
 
-RunSession::RunSession(const RunOptions& options)
-    : m_options(options), m_parameters(readParameterFile(options.parameterFile)) {
+RunSession::RunSession(const RunOptions& options) : m_options(options) {
+  if (!m_options.parameterFile.empty()) {
+    m_parameters = readParameterFile(m_options.parameterFile);
+  }
   openInput();
+  if (m_options.parameterFile.empty()) {
+    takeBuiltInParameters();
+  }
   auto tracker = loadGroupTracker(m_options.pluginFile);
-  openOutputs();
   startGroups();
+  openOutputs();
   startProcess(std::move(tracker));
 }
 
@@ -63,6 +69,15 @@ RunSummary RunSession::run() {
   m_summary.seconds = m_progress->seconds();
   m_summary.stoppedBy = m_signals.signalName();
   return m_summary;
+}
+
+/// What suits the time from frame to frame; an input that does not tell it counts as annotated.
+void RunSession::takeBuiltInParameters() {
+  constexpr double usualStep = 0.4;  // seconds
+  const double step =
+      secondsBetweenFrames(m_options.input, inputOptions(m_options)).value_or(usualStep);
+  m_options.parameterFile = writeBuiltInParameters(1.0 / step);
+  m_parameters = readParameterFile(m_options.parameterFile);
 }
 
 void RunSession::openInput() {
@@ -183,6 +198,7 @@ void RunSession::runFrame(InputFrame& frame) {
     m_images.load(frame);
   }
   m_summary.mobiles += frame.observed.size();
+  m_summary.wantsTimes = m_groups && !frame.time;
   handOut(m_groups ? m_groups->advance(frame) : RunSteps());
   runProcess(frame);
 }

@@ -25,6 +25,7 @@ struct RunSummary {
   std::uint64_t mobiles = 0;
   std::optional<std::uint64_t> groups;  ///< different ones; none when nobody wanted them
   std::uint64_t skippedFrames = 0;
+  bool wantsTimes = false;  ///< groups were looked for in frames that have no times
   double seconds = 0.0;
   std::string stoppedBy;    ///< the name of the signal; empty when the input ended
   bool pipeClosed = false;  ///< ended because nobody reads what is written
@@ -42,6 +43,7 @@ class RunSession {
 
  private:
   void openInput();
+  void takeBuiltInParameters();
   void openOutputs();
   void startGroups();
   void startProcess(std::unique_ptr<kelAbstractProcessGroupTracker> tracker);

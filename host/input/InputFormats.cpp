@@ -253,6 +253,25 @@ OpenedInput openInput(const std::string& path, const InputOptions& options) {
   return input;
 }
 
+std::optional<double> secondsBetweenFrames(const std::string& path, InputOptions options) {
+  std::error_code unreadable;
+  if (!isFile(path) && !fs::is_directory(path, unreadable)) {
+    return std::nullopt;  // what is taken from a pipe would be missing
+  }
+  options.images = noImages;
+  options.decodesVideo = false;
+  try {
+    const OpenedInput input = openInput(path, options);
+    InputFrame first;
+    InputFrame second;
+    const bool areThere = input.frames->next(first) && input.frames->next(second);
+    return areThere && first.time && second.time ? std::optional(*second.time - *first.time)
+                                                 : std::nullopt;
+  } catch (const InputError&) {
+    return std::nullopt;  // the run itself will tell
+  }
+}
+
 PeopleView readPeopleView(const std::string& path, const InputOptions& options) {
   const InputFormat& format = formatOf(path, keyOf(path, options));
   if (format.view == nullptr) {

@@ -19,6 +19,10 @@ std::vector<std::string> inputFormats();
 /// An input that cannot be opened or that no format takes is an `InputError`.
 OpenedInput openInput(const std::string& path, const InputOptions& options);
 
+/// How far the first two frames of an input are apart; none when it has no times, fewer frames, or
+/// can be read only once. Opens the input for itself.
+std::optional<double> secondsBetweenFrames(const std::string& path, InputOptions options);
+
 /// What an input says about the camera that made it.
 struct PeopleView {
   std::vector<PersonBox> boxes;

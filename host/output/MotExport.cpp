@@ -6,15 +6,22 @@
 
 namespace grouptracker {
 
+namespace {
+
+const cv::Rect unknown(-1, -1, -1, -1);
+
+}  // namespace
+
 void MotExport::write(const RunStep& step) {
   if (!step.inputFrame) {
     return;
   }
   std::string lines;
   for (const RunGroup& group : step.groups) {
-    if (group.isVisible && group.box2D && group.position) {
-      lines += fmt::format("{},{},{},{},{},{},1,{},{},0\n", *step.inputFrame, group.id,
-                           group.box2D->x, group.box2D->y, group.box2D->width, group.box2D->height,
+    if (group.isVisible && group.position) {
+      const cv::Rect box = group.box2D.value_or(unknown);
+      lines += fmt::format("{},{},{},{},{},{},{},{},{},0\n", *step.inputFrame, group.id, box.x,
+                           box.y, box.width, box.height, group.confidence.value_or(1.0),
                            group.position->x, group.position->y);
     }
   }

@@ -37,6 +37,17 @@ RunGroup ended(std::uint32_t id, const std::vector<std::uint32_t>& persons) {
   return state;
 }
 
+/// A group of the evidence, first listed at a frame, that came out of others.
+RunGroup ofEvidence(std::uint32_t id, const std::vector<std::uint32_t>& persons, std::int64_t since,
+                    const std::vector<std::uint32_t>& from = {}) {
+  RunGroup state = group(id, persons);
+  state.merge.reset();
+  state.split.reset();
+  state.since = since;
+  state.from = from;
+  return state;
+}
+
 /// Feeds frames and returns the events in words.
 class Events : public testing::Test {
  protected:
@@ -45,6 +56,11 @@ class Events : public testing::Test {
     frame.reportedFrame = ++m_frame;
     frame.frame = static_cast<std::uint32_t>(m_frame) + 2;
     frame.groups = groups;
+    if (!groups.empty() && groups.front().since) {
+      m_source = GroupSource::evidence;
+    }
+    frame.source = m_source;
+    frame.inputFrame = m_frame;
     std::vector<std::string> texts;
     for (const TrackedEvent& event : m_detector.next(frame)) {
       EXPECT_EQ(event.reportedFrame, m_frame);
@@ -56,7 +72,21 @@ class Events : public testing::Test {
  private:
   EventDetector m_detector;
   std::int32_t m_frame = 0;
+  GroupSource m_source = GroupSource::process;
 };
+
+TEST_F(Events, OfTheEvidenceNameOriginsAndReturns) {
+  EXPECT_THAT(at({ofEvidence(1, {1, 2}, 1), ofEvidence(2, {3, 4}, 1)}),
+              ElementsAre("group 1 created: 1, 2", "group 2 created: 3, 4"));
+  EXPECT_THAT(at({ofEvidence(1, {1, 2, 3, 4}, 1, {1, 2})}), ElementsAre("group 2 merged into 1"));
+  EXPECT_THAT(at({ofEvidence(1, {1, 2}, 1), ofEvidence(3, {3, 4}, 3, {1})}),
+              ElementsAre("group 3 created: 3, 4", "group 3 split from 1", "3 left group 1",
+                          "4 left group 1"));
+  EXPECT_THAT(at({ofEvidence(3, {3, 4}, 3)}), ElementsAre("group 1 ended"));
+  EXPECT_THAT(at({ofEvidence(1, {1, 2}, 1), ofEvidence(3, {3, 4}, 3)}),
+              ElementsAre("1 joined group 1", "2 joined group 1"));
+  EXPECT_THAT(at({}), ElementsAre("group 1 ended", "group 3 ended"));
+}
 
 TEST_F(Events, FollowTheLifeOfAGroup) {
   EXPECT_THAT(at({group(4, {7, 3})}), ElementsAre("group 4 created: 3, 7"));
