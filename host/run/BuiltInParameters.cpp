@@ -10,7 +10,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <sstream>
 
@@ -23,28 +22,17 @@ namespace grouptracker {
 
 namespace {
 
-/// A sample file and how it is meant.
-struct Sample {
-  const char* file;
-  double window;  ///< seconds of "temporalWinSize:"
-  double memory;  ///< seconds of "temporalWinForRemoval:"
-};
+const char* const sample = ":/parameters/walking.txt";
+constexpr double sampleRate = 2.5;      // frames a second that the sample is for
+constexpr double largestWeight = 1000;  // the usual limit
+constexpr double longestWindow = 25;    // frames; more cost time and gain little
 
-constexpr Sample walking{":/parameters/walking.txt", 3.2, 7.2};
-constexpr Sample video{":/parameters/video.txt", 1.1, 2.5};
-constexpr double fastestWalking = 5.0;  // frames a second up to which the first one is better
-constexpr double mostFrames = 1000.0;   // the usual limit of both windows
-
-ParameterFile read(const char* sample) {
+ParameterFile readSample() {
   loadParameters();
   QFile file(sample);
   file.open(QIODevice::ReadOnly);
   std::istringstream text(file.readAll().toStdString());
   return readParameterFile(text, sample);
-}
-
-double framesIn(double seconds, double framesPerSecond) {
-  return std::clamp(std::round(seconds * framesPerSecond), 1.0, mostFrames);
 }
 
 /// Whether the file holds the text now.
@@ -59,12 +47,19 @@ bool isWritten(const QString& path, const std::string& text) {
 }  // namespace
 
 std::string builtInParameters(double framesPerSecond) {
-  const Sample& sample = framesPerSecond <= fastestWalking ? walking : video;
-  const double window = framesIn(sample.window, framesPerSecond);
-  const double memory = framesIn(sample.memory, framesPerSecond);
-  return read(sample.file)
-      .with({{"temporalWinSize:", window},
-             {"temporalWinForRemoval:", std::max(memory, window + 5.0)}});
+  const ParameterFile file = readSample();
+  const double window = file.number("temporalWinSize:");
+  const double factor = framesPerSecond / sampleRate;
+  const double longer = std::min(factor, longestWindow / window);
+  const auto frames = [longer](double number) {
+    return std::max(1.0, std::round(number * longer));
+  };
+  const double memory = frames(file.number("temporalWinForRemoval:"));
+  // Speeds are metres a frame, so the same difference is a smaller number at a higher rate.
+  const double speedWeight = std::max(1.0, std::round(file.number("speedSimWeight:") * factor));
+  return file.with({{"temporalWinSize:", frames(window)},
+                    {"temporalWinForRemoval:", std::max(memory, frames(window) + 5.0)},
+                    {"speedSimWeight:", std::min(speedWeight, largestWeight)}});
 }
 
 std::string writeBuiltInParameters(double framesPerSecond) {

@@ -4,8 +4,8 @@
 
 namespace grouptracker {
 
-/// The text of the parameter file that holds when the user gives none: the sample that suits the
-/// rate, with what it counts in frames derived from seconds. `framesPerSecond` is above 0.
+/// The text of the parameter file that holds when the user gives none: the sample for people who
+/// were annotated, with what it says in frames derived from seconds. `framesPerSecond` is above 0.
 std::string builtInParameters(double framesPerSecond);
 
 /// Puts that text where a process can read it and returns the file, the same one for the same rate.
