@@ -1,7 +1,7 @@
 #include "tracker/display/GroupExtension.h"
 
 #include "tracker/diagnostics/Diagnostics.h"
-#include "tracker/geometry/Frames.h"
+#include "tracker/geometry/Numbering.h"
 
 #include <algorithm>
 #include <cmath>

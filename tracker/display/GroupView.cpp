@@ -1,7 +1,7 @@
 #include "tracker/display/GroupView.h"
 
 #include "tracker/diagnostics/Diagnostics.h"
-#include "tracker/geometry/Frames.h"
+#include "tracker/geometry/Numbering.h"
 #include "tracker/tracking/Group.h"
 
 namespace {

@@ -1,5 +1,5 @@
 #include "tracker/diagnostics/Diagnostics.h"
-#include "tracker/geometry/Frames.h"
+#include "tracker/geometry/Numbering.h"
 #include "tracker/geometry/Util.h"
 #include "tracker/plugin/GroupTrackerProcessGroupTracker.h"
 #include "tracker/plugin/GroupTrackerProcessGroupTrackerPrivate.h"

@@ -6,9 +6,9 @@
 /// grouping itself reads none of them.
 class SuddenDetect {
  public:
-  static int track_length;          ///< frames of a point's track
-  static double min_distance;       ///< pixels between two sampled points
-  static int gridSize;              ///< pixels between two points when new ones are looked for
-  static std::string gaussianGrid;  ///< file of the gaussian grid
-  static double alpha;
+  inline static int track_length = 0;       ///< frames of a point's track
+  inline static double min_distance = 0.0;  ///< pixels between two sampled points
+  inline static int gridSize = 0;  ///< pixels between two points when new ones are looked for
+  inline static std::string gaussianGrid;  ///< file of the gaussian grid
+  inline static double alpha = 0.0;
 };

@@ -1,12 +1,11 @@
-#include "tracker/tracking/ClusterGrouping.h"
-
 #include "tracker/clustering/MeanShift.h"
 #include "tracker/diagnostics/Diagnostics.h"
 #include "tracker/display/GroupExtension.h"
 #include "tracker/geometry/Converter.h"
+#include "tracker/geometry/ObjectType.h"
 #include "tracker/geometry/Util.h"
 #include "tracker/tracking/GroupTracker.h"
-#include "tracker/tracking/MobileTypes.h"
+#include "tracker/tracking/Grouping.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 #include "tracker/tracking/FrameMembers.h"
 
-#include "tracker/tracking/MobileTypes.h"
+#include "tracker/geometry/ObjectType.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,7 +2,7 @@
 
 #include "tracker/diagnostics/Diagnostics.h"
 #include "tracker/display/GroupColor.h"
-#include "tracker/tracking/MobileTypes.h"
+#include "tracker/geometry/ObjectType.h"
 
 #include <algorithm>
 

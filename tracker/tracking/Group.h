@@ -1,8 +1,7 @@
 #pragma once
 
 #include "tracker/display/ROI.h"
-#include "tracker/geometry/Frames.h"
-#include "tracker/tracking/Cohesion.h"
+#include "tracker/geometry/Numbering.h"
 #include "tracker/tracking/GroupMembers.h"
 #include "tracker/tracking/MetaLPO.h"
 

@@ -1,7 +1,7 @@
+#include "tracker/geometry/ObjectType.h"
 #include "tracker/geometry/Util.h"
 #include "tracker/tracking/Group.h"
 #include "tracker/tracking/GroupTracker.h"
-#include "tracker/tracking/MobileTypes.h"
 
 #include <opencv2/core.hpp>
 

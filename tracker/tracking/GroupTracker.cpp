@@ -1,8 +1,8 @@
 #include "tracker/tracking/GroupTracker.h"
 
 #include "tracker/diagnostics/Diagnostics.h"
-#include "tracker/geometry/Frames.h"
-#include "tracker/tracking/ClusterGrouping.h"
+#include "tracker/geometry/Numbering.h"
+#include "tracker/tracking/Grouping.h"
 
 #include <iterator>
 

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "tracker/tracking/Group.h"
+#include "tracker/tracking/Grouping.h"
 #include "tracker/tracking/MetaLPO.h"
 #include "tracker/tracking/MobileDump.h"
 #include "tracker/tracking/MotionChanges.h"
-#include "tracker/tracking/PairGrouping.h"
 #include "tracker/tracking/RememberedNodes.h"
 #include "tracker/tracking/TrajectoryFeatures.h"
 

@@ -1,7 +1,7 @@
 #include "tracker/diagnostics/Diagnostics.h"
-#include "tracker/geometry/Frames.h"
+#include "tracker/geometry/Numbering.h"
+#include "tracker/geometry/ObjectType.h"
 #include "tracker/tracking/GroupTracker.h"
-#include "tracker/tracking/MobileTypes.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "tracker/tracking/Cohesion.h"
 #include "tracker/tracking/GroupMembers.h"
 #include "tracker/tracking/MetaLPO.h"
 

@@ -27,6 +27,13 @@ void sortFew(Elements& elements, const Less& less) {
 
 }  // namespace
 
+MetaLPOLink::MetaLPOLink(const QSharedPointer<MetaLPO>& father, const QSharedPointer<MetaLPO>& son,
+                         double reliability)
+    : m_father(father),
+      m_fatherId(father ? father->getIdent() : noId),
+      m_son(son),
+      m_reliability(reliability) {}
+
 MetaLPO::MetaLPO(const QSharedPointer<kelDataLinkedPhysicalObject>& lpo, unsigned int frame)
     : m_ident(signedId(lpo->getIdent())),
       m_frame(frame),

@@ -1,10 +1,9 @@
 #pragma once
 
+#include "tracker/geometry/Numbering.h"
 #include "tracker/geometry/ObjectType.h"
-#include "tracker/tracking/Ids.h"
 #include "tracker/tracking/MetaLPOLink.h"
 #include "tracker/tracking/MotionChanges.h"
-#include "tracker/tracking/WeakNode.h"
 
 #include <kel/kelDataLinkedPhysicalObject.h>
 

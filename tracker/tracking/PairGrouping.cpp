@@ -1,8 +1,7 @@
-#include "tracker/tracking/PairGrouping.h"
-
 #include "tracker/diagnostics/Diagnostics.h"
+#include "tracker/geometry/ObjectType.h"
 #include "tracker/tracking/GroupTracker.h"
-#include "tracker/tracking/MobileTypes.h"
+#include "tracker/tracking/Grouping.h"
 
 namespace {
 

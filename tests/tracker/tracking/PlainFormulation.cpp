@@ -1,7 +1,7 @@
 #include "tests/tracker/tracking/PlainFormulation.h"
 
 #include "tracker/geometry/Util.h"
-#include "tracker/tracking/MobileTypes.h"
+#include "tracker/geometry/ObjectType.h"
 
 #include <fmt/format.h>
 
