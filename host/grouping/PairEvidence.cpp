@@ -66,6 +66,7 @@ TickBeliefs PairEvidence::decide() {
   for (const PersonAt& person : beliefs.people) {
     inView.push_back({person, &m_tracks.at(person.person)});
   }
+  beliefs.pairs.reserve(m_pairs.size());
   for (auto a = inView.begin(); a != inView.end(); ++a) {
     for (auto b = a + 1; b != inView.end(); ++b) {
       if (Pair* const pair = watchedPair(beliefs.time, *a, *b)) {
@@ -103,9 +104,10 @@ PairBelief PairEvidence::judge(double time, const Seen& a, const Seen& b, Pair& 
   bool isFresh = false;
   if (pair.lastNear == time) {
     pair.history.update(*a.track, *b.track);
-    PairFeatures features = pair.history.featuresAt(time);
+    pair.history.moveTo(time);
     isFresh = pair.history.firstTime() == time;
-    if (features.meanDistance < tooFar) {
+    if (pair.history.meanDistance() < tooFar) {
+      PairFeatures features = pair.history.features();
       markArrivals(*a.track, *b.track, features);
       result.evidence = m_model.logOdds(features);
       result.features = features;

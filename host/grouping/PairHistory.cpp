@@ -88,21 +88,22 @@ void PairHistory::add(const TrackPoint& a, const TrackPoint& b) {
   m_peaks.push_back({a.time, values[distance]});
 }
 
-void PairHistory::forgetBefore(double time) {
-  while (m_rows.front().time < time) {
-    m_rows.pop_front();
-  }
-  while (m_peaks.front().time < time) {
-    m_peaks.pop_front();
-  }
+void PairHistory::moveTo(double time) {
+  m_time = time;
+  m_rows.forgetBefore(time - windowPast - ticks::tolerance);
+  m_peaks.forgetBefore(time - windowPast - ticks::tolerance);
 }
 
-PairFeatures PairHistory::featuresAt(double time) {
-  forgetBefore(time - windowPast - ticks::tolerance);
+double PairHistory::meanDistance() const {
+  const Sums& before = m_rows.front().before;
+  return (m_total[distance] - before[distance]) / (m_total[seconds] - before[seconds]);
+}
+
+PairFeatures PairHistory::features() const {
   PairFeatures features;
   describeWindow(features);
-  describeRecent(time, features);
-  describeHistory(time, features);
+  describeRecent(features);
+  describeHistory(features);
   return features;
 }
 
@@ -132,9 +133,9 @@ void PairHistory::describeWindow(PairFeatures& features) const {
   features.across = haveDirection ? sums[across] / sums[walking] : anyDirection;
 }
 
-void PairHistory::describeRecent(double time, PairFeatures& features) const {
+void PairHistory::describeRecent(PairFeatures& features) const {
   const auto first =
-      std::lower_bound(m_rows.begin(), m_rows.end(), time - recentPast - ticks::tolerance,
+      std::lower_bound(m_rows.begin(), m_rows.end(), m_time - recentPast - ticks::tolerance,
                        [](const Row& row, double moment) { return row.time < moment; });
   const Sums sums = sumsSince(*first);
   features.recentDistance = sums[distance] / sums[seconds];
@@ -142,8 +143,8 @@ void PairHistory::describeRecent(double time, PairFeatures& features) const {
   features.recentShift = distanceBetween(first->apart, m_rows.back().apart);
 }
 
-void PairHistory::describeHistory(double time, PairFeatures& features) const {
-  features.timeTogether = time - m_firstTime;
+void PairHistory::describeHistory(PairFeatures& features) const {
+  features.timeTogether = m_time - m_firstTime;
   features.firstDistance = m_firstDistance;
   features.closeShare = m_total[closeSeconds] / m_total[seconds];
   features.nearShare = m_total[nearSeconds] / m_total[seconds];

@@ -5,10 +5,38 @@
 
 #include <array>
 #include <cstddef>
-#include <deque>
 #include <optional>
+#include <vector>
 
 namespace grouptracker {
+
+/// What is known of the last seconds, oldest first, in one piece of memory.
+template <typename Moment>
+class Window {
+ public:
+  bool empty() const { return m_first == m_moments.size(); }
+  auto begin() const { return m_moments.begin() + static_cast<std::ptrdiff_t>(m_first); }
+  auto end() const { return m_moments.end(); }
+  const Moment& front() const { return m_moments[m_first]; }
+  const Moment& back() const { return m_moments.back(); }
+  void push_back(const Moment& moment) { m_moments.push_back(moment); }
+  void pop_back() { m_moments.pop_back(); }
+  void forgetBefore(double time) {
+    while (m_moments[m_first].time < time) {
+      ++m_first;
+    }
+    if (m_first > mostForgotten) {
+      m_moments.erase(m_moments.begin(), begin());
+      m_first = 0;
+    }
+  }
+
+ private:
+  static constexpr std::size_t mostForgotten = 16;
+
+  std::vector<Moment> m_moments;
+  std::size_t m_first = 0;  ///< those before it are forgotten
+};
 
 /// What two persons did at the ticks at which both were in view. Means over a stretch of time come
 /// from running sums, so that a tick costs the same however long the window is.
@@ -19,9 +47,13 @@ class PairHistory {
 
   /// Adds the ticks that both tracks have got since the last time.
   void update(const PersonTrack& a, const PersonTrack& b);
-  /// The features at a moment at which both are in view; moments grow from call to call. What was
-  /// added last is the end of the window. The marks of arrival are left to the caller.
-  PairFeatures featuresAt(double time);
+  /// Moves the window to a moment at which both are in view; moments grow from call to call. What
+  /// was added last is the window's end.
+  void moveTo(double time);
+  /// The mean distance in the window, metres: all that is needed of pairs that are far apart.
+  double meanDistance() const;
+  /// The features of the moment. The marks of arrival are left to the caller.
+  PairFeatures features() const;
   /// When both were first in view together, seconds.
   double firstTime() const { return m_firstTime; }
 
@@ -59,16 +91,16 @@ class PairHistory {
 
   static Sums valuesOf(const TrackPoint& a, const TrackPoint& b);
   void add(const TrackPoint& a, const TrackPoint& b);
-  void forgetBefore(double time);
   Sums sumsSince(const Row& row) const;
   void describeWindow(PairFeatures& features) const;
-  void describeRecent(double time, PairFeatures& features) const;
-  void describeHistory(double time, PairFeatures& features) const;
+  void describeRecent(PairFeatures& features) const;
+  void describeHistory(PairFeatures& features) const;
 
-  std::deque<Row> m_rows;    ///< of the window
-  std::deque<Peak> m_peaks;  ///< distances of the window that no later one exceeds, falling
-  Sums m_total{};            ///< of all rows, also of those that are gone
-  std::size_t m_nextA = 0;   ///< points of the tracks from here on are new
+  double m_time = 0.0;      ///< the moment, seconds
+  Window<Row> m_rows;       ///< of the window
+  Window<Peak> m_peaks;     ///< distances of the window that no later one exceeds, falling
+  Sums m_total{};           ///< of all rows, also of those that are gone
+  std::size_t m_nextA = 0;  ///< points of the tracks from here on are new
   std::size_t m_nextB = 0;
   std::optional<double> m_lastTime;  ///< of the latest row, seconds; none before the first
   double m_firstTime = 0.0;          ///< seconds
