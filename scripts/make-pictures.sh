@@ -5,7 +5,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 demo=$(realpath "${1:-build/demo}")
-frame=${2:-150}
+frame=${2:-168}
 group=${3:-2}
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT

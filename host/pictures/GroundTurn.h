@@ -10,7 +10,7 @@ namespace grouptracker {
 
 /// Finds how the ground has to be turned, and mirrored where its axes are left-handed, to lie as
 /// the camera sees it: what is to the right in the image is to the right, what is far away is up.
-/// Learns it from where people's feet are on the ground and in the image.
+/// Learns it from where people are on the ground and how their boxes lie in the image.
 class GroundTurn {
  public:
   void add(const RunPerson& person);
@@ -19,9 +19,24 @@ class GroundTurn {
   std::optional<cv::Matx22f> matrix() const;
 
  private:
-  cv::Matx33d m_grounds = cv::Matx33d::zeros();  ///< sums of (x, y, 1)' (x, y, 1)
-  cv::Matx<double, 3, 2> m_feet = cv::Matx<double, 3, 2>::zeros();  ///< of (x, y, 1)' (u, -v)
-  cv::Vec2d m_feetSquared;                                          ///< of u² and v²
+  /// Two numbers that grow with the way to the right and with the way from the camera, as linear
+  /// functions of the place on the ground, by least squares.
+  class LinearView {
+   public:
+    void add(const cv::Point2f& place, const cv::Vec2d& seen);
+    /// None when the places explain less than a part of the numbers.
+    std::optional<cv::Matx22f> matrix(double leastPart) const;
+
+   private:
+    bool isBroad() const;
+
+    cv::Matx33d m_places = cv::Matx33d::zeros();  ///< sums of (x, y, 1)' (x, y, 1)
+    cv::Matx<double, 3, 2> m_seen = cv::Matx<double, 3, 2>::zeros();  ///< of (x, y, 1)' seen
+    cv::Vec2d m_seenSquared;
+  };
+
+  LinearView m_bySize;   ///< of cameras that show people far away smaller
+  LinearView m_byPlace;  ///< of cameras that look straight down
 };
 
 }  // namespace grouptracker
