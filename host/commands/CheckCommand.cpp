@@ -39,7 +39,8 @@ bool isWell(CheckReport& report, const Step& step) {
   }
 }
 
-void checkFrames(const OpenedInput& input, CheckReport& report) {
+InputWatch checkFrames(const OpenedInput& input, CheckReport& report) {
+  InputWatch watch(input.imageSize);
   FrameCheck frames(report, input.calibration, input.imageSize);
   InputFrame frame;
   bool hasMore = true;
@@ -49,6 +50,7 @@ void checkFrames(const OpenedInput& input, CheckReport& report) {
       hasMore = input.frames->next(frame);
       if (hasMore) {
         frames.look(frame);
+        watch.look(frame);
       }
     } catch (const UndeclaredMobile& error) {
       // Behind a damaged frame nobody knows what it would have declared.
@@ -58,6 +60,7 @@ void checkFrames(const OpenedInput& input, CheckReport& report) {
       hasDamage = true;
     }
   }
+  return watch;
 }
 
 }  // namespace
@@ -87,7 +90,7 @@ int CheckCommand::run() {
   return report.warnings() > 0 ? onlyWarnings : allIsWell;
 }
 
-void CheckCommand::checkFiles(CheckReport& report) const {
+void CheckCommand::checkFiles(CheckReport& report) {
   if (!m_parameterFile.empty()) {
     isWell(report, [&] { checkParameters(report); });
   }
@@ -97,13 +100,14 @@ void CheckCommand::checkFiles(CheckReport& report) const {
   isWell(report, [&] { checkInput(report); });
 }
 
-void CheckCommand::checkParameters(CheckReport& report) const {
+void CheckCommand::checkParameters(CheckReport& report) {
   const ParameterFile parameters = readParameterFile(m_parameterFile);
   if (parameters.problem) {
     report.problem(*parameters.problem);
     return;
   }
   checkParameterValues(parameters, m_parameterFile, report);
+  m_demands = {parameters.delay, parameters.needsImages};
 }
 
 void CheckCommand::checkInput(CheckReport& report) const {
@@ -115,14 +119,22 @@ void CheckCommand::checkInput(CheckReport& report) const {
     options = inputOptions(withoutCamera);
   }
   options.onProblem = [&](const InputError& error) { report.problem(error); };
+  options.onWarning = [&](const std::string& warning) {
+    report.warn(warning, m_choice.input, warning);
+  };
   OpenedInput input = openInput(m_choice.input, options);
   for (const std::string& note : input.notes) {
-    report.warn("note", m_choice.input, note);
+    report.warn(note, m_choice.input, note);
+  }
+  for (const std::string& warning : input.warnings) {
+    report.warn(warning, m_choice.input, warning);
   }
   if (input.calibration && input.calibration->getPosition().z <= 0.0) {
     report.warn("camera", m_choice.calibrationFile, "the camera stands below the ground");
   }
-  checkFrames(input, report);
+  for (const std::string& warning : checkFrames(input, report).warnings(m_demands)) {
+    report.warn(warning, m_choice.input, warning);
+  }
 }
 
 }  // namespace grouptracker

@@ -3,6 +3,7 @@
 #include "host/commands/Command.h"
 #include "host/commands/InputChoice.h"
 #include "host/commands/check/CheckReport.h"
+#include "host/input/InputWatch.h"
 
 #include <string>
 
@@ -17,13 +18,14 @@ class CheckCommand : public Command {
   int run() override;
 
  private:
-  void checkFiles(CheckReport& report) const;
-  void checkParameters(CheckReport& report) const;
+  void checkFiles(CheckReport& report);
+  void checkParameters(CheckReport& report);
   void checkInput(CheckReport& report) const;
 
   InputChoice m_choice;
   std::string m_parameterFile;
   std::string m_contextFile;
+  InputDemands m_demands;  ///< of the parameters, as soon as they are read
 };
 
 }  // namespace grouptracker

@@ -68,6 +68,9 @@ RunSummary RunSession::run() {
   m_summary.frames = m_tracker->frame();
   m_summary.seconds = m_progress->seconds();
   m_summary.stoppedBy = m_signals.signalName();
+  if (m_summary.stoppedBy.empty() && !m_summary.pipeClosed) {
+    warnOfInput();
+  }
   return m_summary;
 }
 
@@ -87,12 +90,35 @@ void RunSession::openInput() {
   if (!m_options.contextFile.empty()) {
     m_context = readSceneContext(m_options.contextFile);
   }
+  options.onWarning = [this](const std::string& warning) { warn(warning); };
   m_input = grouptracker::openInput(m_options.input, options);
+  m_watch.emplace(m_input.imageSize);
   if (!m_options.quiet) {
     for (const std::string& note : m_input.notes) {
       fmt::print(stderr, "{}\n", note);
     }
+    for (const std::string& warning : m_input.warnings) {
+      warn(warning);
+    }
   }
+}
+
+/// Of an input that was read to its end.
+void RunSession::warnOfInput() {
+  for (const std::string& warning :
+       m_watch->warnings({m_parameters.delay, m_parameters.needsImages})) {
+    warn(warning);
+  }
+}
+
+void RunSession::warn(const std::string& warning) {
+  if (m_options.quiet) {
+    return;
+  }
+  if (m_progress) {
+    m_progress->clear();
+  }
+  fmt::print(stderr, "{}: warning: {}\n", m_options.input, warning);
 }
 
 void RunSession::openOutputs() {
@@ -199,6 +225,7 @@ void RunSession::runFrame(InputFrame& frame) {
   }
   m_summary.mobiles += frame.observed.size();
   m_summary.wantsTimes = m_groups && !frame.time;
+  m_watch->look(frame);
   handOut(m_groups ? m_groups->advance(frame) : RunSteps());
   runProcess(frame);
 }

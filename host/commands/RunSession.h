@@ -5,6 +5,7 @@
 #include "host/commands/StepOutputs.h"
 #include "host/commands/StopSignals.h"
 #include "host/input/InputImages.h"
+#include "host/input/InputWatch.h"
 #include "host/input/OpenedInput.h"
 #include "host/output/RunFile.h"
 #include "host/run/EventDetector.h"
@@ -44,6 +45,9 @@ class RunSession {
  private:
   void openInput();
   void takeBuiltInParameters();
+  void warnOfInput();
+  /// Says what is hardly meant, unless the user wants no words.
+  void warn(const std::string& warning);
   void openOutputs();
   void startGroups();
   void startProcess(std::unique_ptr<kelAbstractProcessGroupTracker> tracker);
@@ -60,6 +64,7 @@ class RunSession {
   ParameterFile m_parameters;
   QSharedPointer<kelDataContext> m_context;
   OpenedInput m_input;
+  std::optional<InputWatch> m_watch;  ///< none before the input is opened
   ImageLoader m_images;
   std::unique_ptr<StepOutputs> m_outputs;   ///< of the groups
   std::unique_ptr<RunFileWriter> m_actors;  ///< null when nobody wants the process's own

@@ -1,5 +1,7 @@
 #include "host/input/FrameRange.h"
 
+#include <fmt/format.h>
+
 #include <charconv>
 #include <string_view>
 #include <system_error>
@@ -30,14 +32,24 @@ std::optional<FrameRange> FrameRange::parse(const std::string& text) {
 
 bool FramesWithin::next(InputFrame& frame) {
   while (m_source->next(frame)) {
+    m_seen = frame.number;
     if (frame.number > m_range.last) {
-      return false;
+      break;
     }
     if (m_range.contains(frame.number)) {
+      m_hasAny = true;
       return true;
     }
   }
+  warnOfNone();
   return false;
+}
+
+void FramesWithin::warnOfNone() const {
+  if (!m_hasAny && m_seen) {
+    m_warn(fmt::format("no frame lies within --frames; the {} is {}",
+                       *m_seen > m_range.last ? "first behind them" : "last", *m_seen));
+  }
 }
 
 }  // namespace grouptracker

@@ -3,6 +3,7 @@
 #include "host/people/InputFrame.h"
 
 #include <cstdint>
+#include <functional>
 #include <limits>
 #include <memory>
 #include <optional>
@@ -28,14 +29,22 @@ struct FrameRange {
 /// later ones may name their mobiles; those behind it are not.
 class FramesWithin : public FrameSource {
  public:
-  FramesWithin(std::unique_ptr<FrameSource> source, const FrameRange& range)
-      : m_source(std::move(source)), m_range(range) {}
+  using Warn = std::function<void(const std::string&)>;
+
+  /// `warn` hears of a range that holds none of the input's frames.
+  FramesWithin(std::unique_ptr<FrameSource> source, const FrameRange& range, Warn warn)
+      : m_source(std::move(source)), m_range(range), m_warn(std::move(warn)) {}
 
   bool next(InputFrame& frame) override;
 
  private:
   std::unique_ptr<FrameSource> m_source;
+  void warnOfNone() const;
+
   FrameRange m_range;
+  Warn m_warn;
+  std::optional<std::int64_t> m_seen;  ///< the last frame that was read
+  bool m_hasAny = false;               ///< within the range
 };
 
 }  // namespace grouptracker

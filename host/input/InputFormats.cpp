@@ -110,6 +110,9 @@ std::unique_ptr<ObservationTable> readMotInput(const std::string& path, const In
   input.files = {sequence.trackFile(), sequence.infoFile()};
   input.imageSize = sequence.info().imageSize;
   input.rate = sequence.info().rate;
+  if (const auto missing = sequence.missingImages(); missing && options.images.empty()) {
+    input.warnings.push_back(*missing);
+  }
   return sequence.read(options.mot, options.onProblem);
 }
 
@@ -248,7 +251,8 @@ OpenedInput openInput(const std::string& path, const InputOptions& options) {
                                                   options.rate.has_value());
   }
   if (!options.frames.isWhole()) {
-    input.frames = std::make_unique<FramesWithin>(std::move(input.frames), options.frames);
+    input.frames =
+        std::make_unique<FramesWithin>(std::move(input.frames), options.frames, options.onWarning);
   }
   return input;
 }

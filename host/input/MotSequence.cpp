@@ -58,6 +58,7 @@ SequenceInfo readSequenceInfo(std::istream& in, const std::string& name) {
     try {
       if (entry.key == "imDir") {
         info.imageFolder = entry.value;
+        info.namesImages = true;
       } else if (entry.key == "imExt") {
         info.imageExtension = entry.value;
       } else if (entry.key == "seqLength") {
@@ -90,6 +91,14 @@ MotSequence::MotSequence(const std::string& folder)
       m_trackFile(existing(folder, {"gt/gt.txt", "det/det.txt"})) {
   InputFile file(m_infoFile);
   m_info = readSequenceInfo(file.stream(), m_infoFile);
+}
+
+std::optional<std::string> MotSequence::missingImages() const {
+  const fs::path images = fs::path(m_folder) / m_info.imageFolder;
+  if (!m_info.namesImages || fs::is_directory(images)) {
+    return std::nullopt;
+  }
+  return "imDir: there is no folder " + images.string() + ", so frames have no images";
 }
 
 std::unique_ptr<ObservationTable> MotSequence::read(const MotChoice& choice,

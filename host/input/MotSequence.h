@@ -23,6 +23,7 @@ namespace grouptracker {
 struct SequenceInfo {
   std::string imageFolder = "img1";  ///< within the sequence's folder
   std::string imageExtension = ".jpg";
+  bool namesImages = false;           ///< whether the file says where images are
   std::int64_t length = 0;            ///< frames; 0 when the file does not say
   std::optional<cv::Size> imageSize;  ///< pixels
   std::optional<double> rate;         ///< frames a second
@@ -43,6 +44,8 @@ class MotSequence {
   const std::string& infoFile() const { return m_infoFile; }
   const std::string& trackFile() const { return m_trackFile; }
   const SequenceInfo& info() const { return m_info; }
+  /// What to tell the user when the images that the file names are not there.
+  std::optional<std::string> missingImages() const;
   /// The people of all the sequence's frames, with the images' names when the folder has images.
   std::unique_ptr<ObservationTable> read(const MotChoice& choice,
                                          const ProblemHandler& onProblem) const;

@@ -3,6 +3,7 @@
 #include "host/base/InputError.h"
 #include "host/camera/GroundPlaneCalibration.h"
 #include "host/input/CameraFromPeople.h"
+#include "host/input/HomographyCheck.h"
 #include "host/people/TrackAssembler.h"
 
 #include <algorithm>
@@ -53,6 +54,10 @@ void assembleInput(std::unique_ptr<ObservationTable> observations, const InputOp
     const View view = viewOf(*observations);
     if (options.homography) {
       input.calibration = cameraOf(*options.homography, input.imageSize, view.farthest);
+      const auto doubt = homographyDoubt(*observations, *options.homography, input.imageSize);
+      if (doubt) {
+        input.warnings.push_back(*doubt);
+      }
     } else if (view.hasBoxesOnly) {
       if (view.hasPositions) {
         throw InputError(input.files.front(),

@@ -13,6 +13,7 @@
 #include <QSharedPointer>
 #include <opencv2/core/matx.hpp>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -34,6 +35,8 @@ struct InputOptions {
   FrameRange frames;
   std::optional<double> rate;  ///< frame numbers a second, in place of what the input says
   ProblemHandler onProblem = throwProblem;
+  /// Hears of what is hardly meant and shows only while the input is read.
+  std::function<void(const std::string&)> onWarning = [](const std::string&) {};
   int wakeDescriptor = -1;  ///< becomes readable when the program is asked to stop
 };
 
@@ -44,6 +47,7 @@ struct OpenedInput {
       calibration;                    ///< given or the input's own; may be null
   std::vector<std::string> files;     ///< what the input consists of
   std::vector<std::string> notes;     ///< what the user should know about how it is read
+  std::vector<std::string> warnings;  ///< what is hardly meant
   std::optional<cv::Size> imageSize;  ///< pixels; none when nobody said
   std::optional<double> rate;         ///< frame numbers a second; none when only frames tell times
 };

@@ -4,6 +4,7 @@
 #include "tests/support/host/WalkingScene.h"
 #include "tests/support/program/Program.h"
 
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <opencv2/core.hpp>
@@ -90,6 +91,52 @@ TEST_F(Files, AreReadInTheSameWaysByEveryCommand) {
        {"convert", "calibrate", "check", "report", "evaluate", "tune"}) {
     EXPECT_EQ(readingOf(command), expected) << command;
   }
+}
+
+TEST_F(Files, AreWarnedOfOnceWhereTheyAreHardlyMeant) {
+  //  A camera 7 m above the ground that looks 28 degrees down; column before row.
+  folder.write("H.txt", "0.0862178 0 -41.3846\n0 -0.0404768 79.2786\n0 0.0108751 1\n");
+  folder.write("far.txt", "0.344871 0 -165.538\n0 -0.161907 317.114\n0 0.0108751 1\n");
+  std::string boxes;
+  for (int frame = 1; frame <= 12; ++frame) {
+    boxes += fmt::format("{0},1,{1},390,34,97,1,-1,-1,-1\n{0},2,{2},297,24,70,1,-1,-1,-1\n", frame,
+                         200 + 5 * frame, 500 - 4 * frame);
+  }
+  folder.write("seen.txt", boxes);
+  std::filesystem::create_directories(folder.path() / "clip/gt");
+  folder.write("clip/gt/gt.txt", boxes);
+  folder.write("clip/seqinfo.ini", "[Sequence]\nimDir=img1\nimWidth=960\nimHeight=720\n");
+  folder.write("drawing.txt", sampleParameters({{"saveOutput:", "1"}, {"temporalWinSize:", "12"}}));
+
+  struct Doubt {
+    QStringList arguments;
+    std::string warning;
+  };
+  const QStringList camera{"--calibration", "H.txt"};
+  const std::vector<Doubt> doubts{
+      {QStringList{"seen.txt", "--homography-order", "rowcol"} + camera,
+       "seen.txt: warning: through the homography 0 % of the people are of human size, with column "
+       "and row exchanged 100 %: see --homography-order"},
+      {{"seen.txt", "--calibration", "far.txt"},
+       "does it belong to another view, or to other units?"},
+      {{"seen.txt", "--calibration", "far.txt"}, "most people (24 of 24) are more than 5.1 m tall"},
+      {QStringList{"seen.txt", "--frames", "50:"} + camera,
+       "seen.txt: warning: no frame lies within --frames; the last is 12"},
+      {QStringList{"seen.txt", "--frames", ":0"} + camera,
+       "no frame lies within --frames; the first behind them is 1"},
+      {QStringList{"clip"} + camera, "clip: warning: imDir: there is no folder clip/img1"},
+      {QStringList{"seen.txt"} + camera, "(\"saveOutput:\"), but no frame has an image"},
+      {QStringList{"seen.txt"} + camera, "12 frames are not more than the process waits"}};
+  for (const auto& [arguments, warning] : doubts) {
+    EXPECT_EQ(run(QStringList{"check", "--parameters", "drawing.txt"} + arguments), 1) << said;
+    EXPECT_THAT(said, HasSubstr(warning));
+    EXPECT_EQ(said.find(warning), said.rfind(warning)) << "said twice: " << said;
+    run(QStringList{"run", "--parameters", "drawing.txt", "--actors", "a.jsonl", "--diagnostics",
+                    "none", "--mobile-dump", "none"} +
+        arguments);
+    EXPECT_THAT(said, HasSubstr(warning));
+  }
+  EXPECT_EQ(run(QStringList{"check", "seen.txt", "--parameters", "p.txt"} + camera), 0) << said;
 }
 
 TEST_F(Files, GiveEveryCommandWhatTheyGaveToTheRun) {
