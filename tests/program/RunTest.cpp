@@ -60,6 +60,33 @@ TEST_F(Run, WritesTheGroupsOfASceneAndWhatTheProcessPutsOut) {
   EXPECT_TRUE(std::filesystem::exists(inFolder("metasimages.txt")));
 }
 
+TEST_F(Run, NeedsNoParametersButARateOfItsOwn) {
+  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+  environment.insert("XDG_CACHE_HOME", QString::fromStdString(inFolder("cache")));
+  program.process().setProcessEnvironment(environment);
+  EXPECT_EQ(program.run({"run", "scene.jsonl", "--rate", "2.5", "--output", "groups.jsonl",
+                         "--mobile-dump", "none"}),
+            0);
+  EXPECT_THAT(program.output(), HasSubstr("cache/grouptracker-parameters-2.5.txt\n"));
+  ASSERT_EQ(groups().size(), std::size_t{sceneLength});
+  EXPECT_THAT(groups()[11], StartsWith(R"({"frame": 12, "time": 4.8, "groups": [{"id": 1, )"));
+}
+
+TEST_F(Run, RefusesWhatGivesNoGroupsAndLeavesOlderOnes) {
+  folder.write("groups.jsonl", "of an earlier run\n");
+  folder.write("model.json", "{\"flags\": {}}");
+  const auto errorsOf = [this](const QStringList& more) {
+    Program attempt(inFolder(""));
+    EXPECT_EQ(attempt.run(arguments("scene.jsonl", more)), 2);
+    return attempt.errors();
+  };
+  EXPECT_THAT(errorsOf({"--rate", "0"}), StartsWith("--rate: a number above 0 is expected"));
+  EXPECT_THAT(errorsOf({"--look-ahead", "nan"}), StartsWith("--look-ahead: 0 to 60 seconds"));
+  EXPECT_THAT(errorsOf({"--look-ahead", "-1"}), StartsWith("--look-ahead: 0 to 60 seconds"));
+  EXPECT_EQ(errorsOf({"--model", "model.json"}), "model.json:1: \"flags\" lacks \"intercept\"\n");
+  EXPECT_EQ(text("groups.jsonl"), "of an earlier run\n");
+}
+
 TEST_F(Run, SendsDiagnosticsAndDumpWhereTheUserWantsThem) {
   program.run(arguments("scene.jsonl"));
   const std::string diagnostics = program.output();
