@@ -14,11 +14,16 @@ namespace {
 
 constexpr mode_t readableByAll = 0666;  // less what the user's mask takes away
 
+/// Standard output under its name, which gives it a place of its own in a file.
+const char* placeOf(const std::string& path) {
+  return path == "-" ? "/dev/stdout" : path.c_str();
+}
+
 }  // namespace
 
 OutputFile::OutputFile(const std::string& path)
     : m_path(path),
-      m_file(::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, readableByAll)) {
+      m_file(::open(placeOf(path), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, readableByAll)) {
   if (!m_file.isOpen()) {
     throw OutputError(path, systemProblem("cannot be written"));
   }

@@ -114,8 +114,13 @@ int RunCommand::run() {
   if (!m_options.wantsGroups() && m_options.actorsFile.empty()) {
     throw InputError("--output", "a file for the groups is expected, or one for --actors");
   }
-  if (m_options.steps.pictures.showsTopView && !m_options.steps.wantsPictures() && !m_options.quiet) {
+  if (m_options.steps.pictures.showsTopView && !m_options.steps.wantsPictures() &&
+      !m_options.quiet) {
     fmt::print(stderr, "--top-view: warning: nothing is drawn without --video or --show\n");
+  }
+  const bool takesStandardOutput = m_options.outputFile == "-" || m_options.actorsFile == "-";
+  if (takesStandardOutput && m_options.diagnostics.empty()) {
+    m_options.diagnostics = noOutput;  // the two would be mixed
   }
   if (m_options.steps.showsWindow) {
     const auto screen = std::make_shared<PictureExchange>();

@@ -233,6 +233,16 @@ TEST_F(Run, NeedsImagesOnlyWhenTheParametersDrawOnThem) {
   EXPECT_EQ(drawing.errors(), "scene.jsonl:1: the image no.png is missing or not readable\n");
 }
 
+TEST_F(Run, WritesGroupsToStandardOutputWhenAsked) {
+  folder.write("scene.jsonl", walkingLine(1) + walkingLine(2));
+  const QStringList common{"run",           "scene.jsonl", "--parameters", "p.txt",
+                           "--mobile-dump", "none",        "--output"};
+  ASSERT_EQ(program.run(common + QStringList{"g.jsonl", "--diagnostics", "none"}), 0);
+  Program piped(inFolder(""));
+  ASSERT_EQ(piped.run(common + QStringList{"-"}), 0) << piped.errors();
+  EXPECT_EQ(piped.output(), textOf(inFolder("g.jsonl")));
+}
+
 TEST_F(Run, AnswersAWrongCommandLineWithOneLineAndAHint) {
   EXPECT_EQ(program.run({"run", "scene.jsonl"}), 2);
   EXPECT_THAT(program.errors(), StartsWith("--"));
