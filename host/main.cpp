@@ -9,6 +9,7 @@
 #include "host/commands/EvaluateCommand.h"
 #include "host/commands/EventsCommand.h"
 #include "host/commands/ExplainCommand.h"
+#include "host/commands/LearnCommand.h"
 #include "host/commands/ReportCommand.h"
 #include "host/commands/RunCommand.h"
 #include "host/commands/SimulateCommand.h"
@@ -52,6 +53,7 @@ std::vector<std::unique_ptr<Command>> allCommands() {
   commands.push_back(std::make_unique<SimulateCommand>());
   commands.push_back(std::make_unique<EvaluateCommand>());
   commands.push_back(std::make_unique<TuneCommand>());
+  commands.push_back(std::make_unique<LearnCommand>());
   commands.push_back(std::make_unique<EventsCommand>());
   commands.push_back(std::make_unique<ConvertCommand>());
   commands.push_back(std::make_unique<CalibrateCommand>());

@@ -128,6 +128,11 @@ Option& Option::oneOf(const std::vector<std::string>& words) {
   return *this;
 }
 
+Option& Option::count(int values) {
+  m_option->expected(values);
+  return *this;
+}
+
 Option& Option::separatedBy(char separator) {
   m_option->delimiter(separator);
   return *this;

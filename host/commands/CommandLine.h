@@ -33,6 +33,8 @@ class Option {
   Option& positive();
   Option& notNegative();
   Option& oneOf(const std::vector<std::string>& words);
+  /// How many values follow the option.
+  Option& count(int values);
   /// Takes several values out of one text, such as "2,2,3".
   Option& separatedBy(char separator);
 

@@ -2,8 +2,11 @@
 
 #include "host/base/InputFile.h"
 #include "host/base/JsonLine.h"
+#include "host/evaluation/Baselines.h"
 #include "host/explain/DecisionLog.h"
 #include "host/explain/Explainer.h"
+#include "host/explain/PairStory.h"
+#include "host/input/InputFormats.h"
 
 #include <fmt/format.h>
 
@@ -18,7 +21,8 @@ namespace {
 const char* const example = R"(Example:
   grouptracker run scene.jsonl --parameters p.txt --actors actors.jsonl \
     --diagnostics lines.txt --mobile-dump mobiles.txt
-  grouptracker explain lines.txt --group 4 --mobile-dump mobiles.txt)";
+  grouptracker explain lines.txt --group 4 --mobile-dump mobiles.txt
+  grouptracker explain seq_eth --persons 17 18)";
 
 /// A line with the persons of a group at a processed frame; empty when there are none.
 std::string membersLine(const DecisionLog& log, int group, std::int32_t frame) {
@@ -32,9 +36,16 @@ std::string membersLine(const DecisionLog& log, int group, std::int32_t frame) {
 
 Options ExplainCommand::declare(CommandLine& program) {
   Options command =
-      program.addCommand("explain", "Tells why the tracker made the groups of a run", example);
-  command.add("DIAGNOSTICS", m_diagnosticsFile, "the diagnostics of a run").required();
+      program.addCommand("explain", "Tells why people are in a group, or not", example);
+  command
+      .add("DIAGNOSTICS", m_diagnosticsFile,
+           "the diagnostics of a run: why the process made its groups; with --persons the INPUT of "
+           "the run")
+      .required();
   Options what = command.addChoice("what to explain", 1, 2);
+  what.add("--persons", m_persons, "why two people are together, or why not, over time")
+      .count(2)
+      .typeName("A B");
   what.add("--group", m_group, "the life of a group").typeName("G");
   what.add("--uncertain", m_uncertain, "the N decisions closest to the threshold").typeName("N");
   command.add("--frame", m_frame, "of the life only what is about this reported frame")
@@ -47,10 +58,20 @@ Options ExplainCommand::declare(CommandLine& program) {
       .add("--parameters", m_parameterFile,
            "the parameters, if not at the place that the diagnostics name")
       .typeName("FILE");
+  command.add("--model", m_modelFile, "for --persons: a model that learn wrote").typeName("FILE");
+  command
+      .add("--look-ahead", m_lookAhead,
+           "for --persons: seconds of the future that a decision may use")
+      .notNegative()
+      .showDefault();
+  declareReading(command, m_reading);
   return command;
 }
 
 int ExplainCommand::run() {
+  if (!m_persons.empty()) {
+    return explainPersons();
+  }
   InputFile file(m_diagnosticsFile);
   std::unique_ptr<MobileDump> dump;
   if (!m_dumpFile.empty()) {
@@ -75,6 +96,28 @@ int ExplainCommand::run() {
   if (m_uncertain) {
     fmt::print("{}", explainer.listUncertain(*m_uncertain));
   }
+  return finished;
+}
+
+int ExplainCommand::explainPersons() {
+  const EvidenceModel model =
+      m_modelFile.empty() ? EvidenceModel::builtIn() : EvidenceModel::read(m_modelFile);
+  GroupFinder finder(model, m_lookAhead);
+  PairStory story(static_cast<PersonId>(m_persons.front()), static_cast<PersonId>(m_persons.back()),
+                  model);
+  InputOptions options = inputOptions(m_reading);
+  options.decodesVideo = false;
+  const OpenedInput input = openInput(m_diagnosticsFile, options);
+  for (InputFrame frame; input.frames->next(frame);) {
+    story.watch(peopleIn(frame), finder);
+  }
+  story.finish(finder);
+  for (const int person : m_persons) {
+    if (!story.saw(static_cast<PersonId>(person))) {
+      throw InputError(m_diagnosticsFile, fmt::format("has no person {}", person));
+    }
+  }
+  fmt::print("{}", story.text());
   return finished;
 }
 

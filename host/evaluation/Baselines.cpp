@@ -62,21 +62,25 @@ Grouping groupByRule(const std::vector<Person>& persons, const std::vector<Place
 
 }  // namespace
 
+PeopleFrame peopleIn(const InputFrame& frame) {
+  std::map<PersonId, cv::Point2d> places;  // of several actors with one id the last counts
+  for (const RunPerson& person : personsIn(frame)) {
+    if (person.seen && std::isfinite(person.seen->ground.x) &&
+        std::isfinite(person.seen->ground.y)) {
+      places[person.id] = person.seen->ground;
+    }
+  }
+  PeopleFrame people{frame.number, frame.time, {}};
+  for (const auto& [person, place] : places) {
+    people.people.push_back({person, place});
+  }
+  return people;
+}
+
 std::vector<PeopleFrame> peopleIn(FrameSource& input) {
   std::vector<PeopleFrame> frames;
   for (InputFrame frame; input.next(frame);) {
-    std::map<PersonId, cv::Point2d> places;  // of several actors with one id the last counts
-    for (const RunPerson& person : personsIn(frame)) {
-      if (person.seen) {
-        places[person.id] = person.seen->ground;
-      }
-    }
-    PeopleFrame& people = frames.emplace_back();
-    people.number = frame.number;
-    people.time = frame.time;
-    for (const auto& [person, place] : places) {
-      people.people.push_back({person, place});
-    }
+    frames.push_back(peopleIn(frame));
   }
   return frames;
 }

@@ -10,8 +10,10 @@
 
 namespace grouptracker {
 
-/// Everybody who has a place, at every frame of an input.
+/// Everybody who has a place that can be compared with others', at every frame of an input.
 std::vector<PeopleFrame> peopleIn(FrameSource& input);
+/// The same at one frame.
+PeopleFrame peopleIn(const InputFrame& frame);
 
 /// Windowed scores of what needs no tracker, so that nobody is fooled by a score.
 struct Baselines {

@@ -9,13 +9,13 @@ namespace grouptracker {
 namespace {
 
 /// Something that happened to some persons, at the earliest and at the latest; seconds.
-struct Event {
+struct TimedEvent {
   double from = 0.0;
   double until = 0.0;
   PersonGroup persons;
 };
 
-using Events = std::vector<Event>;
+using TimedEvents = std::vector<TimedEvent>;
 
 /// The true groups of a step, with their identities when these are known.
 struct TrueStep {
@@ -28,7 +28,7 @@ struct TrueStep {
 /// The groups of `now` whose members come from several groups of `before`. Where identities are
 /// known, one of these must be gone: somebody who changed from one group to another that both go
 /// on brought nothing together.
-void addJoined(const TrueStep& before, const TrueStep& now, Event event, Events& events) {
+void addJoined(const TrueStep& before, const TrueStep& now, TimedEvent event, TimedEvents& events) {
   for (const PersonGroup& group : now.groups) {
     int sources = 0;
     bool isOneGone = before.ids.empty();
@@ -46,15 +46,15 @@ void addJoined(const TrueStep& before, const TrueStep& now, Event event, Events&
 }
 
 /// How long after a true event another one was found, seconds; below 0 for before.
-double delayOf(const Event& found, const Event& truth) {
+double delayOf(const TimedEvent& found, const TimedEvent& truth) {
   return found.from - std::clamp(found.from, truth.from, truth.until);
 }
 
-EventScore match(const Events& truth, const Events& found, double tolerance) {
+EventScore match(const TimedEvents& truth, const TimedEvents& found, double tolerance) {
   constexpr double rounding = 1e-6;  // seconds
   EventScore score{{0, std::ssize(found), std::ssize(truth)}, 0.0};
   std::vector<bool> isUsed(found.size(), false);
-  for (const Event& event : truth) {
+  for (const TimedEvent& event : truth) {
     std::size_t best = found.size();
     for (std::size_t i = 0; i < found.size(); ++i) {
       const double delay = std::abs(delayOf(found[i], event));
@@ -77,16 +77,16 @@ EventScore match(const Events& truth, const Events& found, double tolerance) {
 }  // namespace
 
 EventScores scoreEvents(const GroupedFrames& run, const GroupTruth& truth, double tolerance) {
-  Events merges;
-  Events splits;
-  Events foundMerges;
-  Events foundSplits;
+  TimedEvents merges;
+  TimedEvents splits;
+  TimedEvents foundMerges;
+  TimedEvents foundSplits;
   const std::vector<double> seconds = secondsOf(run);
   std::size_t before = run.size();  // the annotated frame before; none at first
   for (std::size_t i = 0; i < run.size(); ++i) {
     for (const FoundGroup& group : run[i].groups) {
       if (!group.from.empty()) {
-        Events& events = group.from.size() > 1 ? foundMerges : foundSplits;
+        TimedEvents& events = group.from.size() > 1 ? foundMerges : foundSplits;
         events.push_back({seconds[i], seconds[i], group.members});
       }
     }

@@ -25,6 +25,23 @@ double EvidenceModel::logOdds(const PairFeatures& features) const {
   return sum;
 }
 
+std::array<double, pairFeatures.size()> EvidenceModel::contributions(
+    const PairFeatures& features) const {
+  std::array<double, pairFeatures.size()> sums{};
+  std::size_t feature = 0;
+  forEachTerm(features, [&](std::size_t index, double factor) {
+    if (index < flagNames.size()) {
+      return;
+    }
+    // Weights follow each other curve by curve.
+    while (feature + 1 < sums.size() && index >= m_curves[feature + 1].lines.front().first) {
+      ++feature;
+    }
+    sums[feature] += m_weights[index] * factor;
+  });
+  return sums;
+}
+
 std::array<double, EvidenceModel::flagNames.size()> EvidenceModel::flagsOf(
     const PairFeatures& features) {
   return {1.0,

@@ -38,6 +38,9 @@ class EvidenceModel {
   template <typename Use>
   void forEachTerm(const PairFeatures& features, const Use& use) const;
 
+  /// What each of `pairFeatures` adds to the log-odds; the flags add the rest.
+  std::array<double, pairFeatures.size()> contributions(const PairFeatures& features) const;
+
   /// All weights, flags first, in the order of the file. The first is the intercept.
   const std::vector<double>& weights() const { return m_weights; }
   void setWeights(std::vector<double> weights) { m_weights = std::move(weights); }

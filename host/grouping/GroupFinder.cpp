@@ -75,7 +75,11 @@ std::vector<FrameGroups> GroupFinder::handOut(double knownUntil) {
       break;
     }
     if (oldest.tick) {
-      m_groups = m_identity.next(m_evidence.decide());
+      const TickBeliefs beliefs = m_evidence.decide();
+      if (m_watcher) {
+        m_watcher(oldest.frame, beliefs);
+      }
+      m_groups = m_identity.next(beliefs);
       std::erase_if(m_since,
                     [this](const auto& group) { return !m_identity.remembers(group.first); });
     }

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <map>
 #include <optional>
 #include <utility>
@@ -22,6 +23,11 @@ class GroupFinder {
   /// `lookAhead`: seconds of the future that a decision may use, 0 or more.
   GroupFinder(EvidenceModel model, double lookAhead)
       : m_lookAhead(lookAhead), m_evidence(std::move(model), lookAhead) {}
+
+  /// Is told of every frame at which groups are looked for what is believed of the pairs, before
+  /// the groups of that frame are handed out.
+  using TickWatcher = std::function<void(const PeopleFrame&, const TickBeliefs&)>;
+  void watchTicks(TickWatcher watcher) { m_watcher = std::move(watcher); }
 
   /// Takes the next frame; returns those that are decided now, in order.
   std::vector<FrameGroups> next(const PeopleFrame& frame);
@@ -41,7 +47,8 @@ class GroupFinder {
                       const PeopleFrame& frame, bool isTick);
   std::vector<GroupId> listedOrigin(const TickGroup& group) const;
 
-  double m_lookAhead;  ///< seconds
+  double m_lookAhead;     ///< seconds
+  TickWatcher m_watcher;  ///< empty when nobody wants to know
   PairEvidence m_evidence;
   GroupIdentity m_identity;
 

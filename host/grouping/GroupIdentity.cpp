@@ -13,7 +13,7 @@ namespace {
 
 constexpr double lowestBelief = -4.0;  // log-odds; also of those who were never near each other
 constexpr double highestBelief = 5.0;  // log-odds; one sure pair must not outvote three unsure
-constexpr double stay = 2.5;           // log-odds in favour of who is together already
+constexpr double stay = 3.0;           // log-odds in favour of who is together already
 constexpr double birth = 1.0;          // log-odds from which on a new group counts
 constexpr double sureBirth = 3.0;      // log-odds from which on it counts at once
 constexpr double confirmation = 0.8;   // seconds that it must last otherwise
@@ -38,7 +38,7 @@ std::vector<TickGroup> GroupIdentity::next(const TickBeliefs& tick) {
   for (const Gathering& gathering : gatherings) {
     const auto members = gathering.id ? membersOf(gathering) : std::vector<PersonId>();
     if (members.size() >= core) {
-      groups.push_back({*gathering.id, members, probabilityOf(gathering.evidence), {}});
+      groups.push_back({*gathering.id, members, certaintyOf(gathering.evidence), {}});
     }
   }
   std::sort(groups.begin(), groups.end(),

@@ -23,5 +23,9 @@ class TogetherChain {
 
 /// The probability of log-odds.
 double probabilityOf(double logOdds);
+/// The probability that a belief stands for. Evidence overlaps from tick to tick, so that beliefs
+/// grow beyond what they are worth: in recordings that a model was not learned from they come true
+/// as if they were 0.4 times as large.
+double certaintyOf(double belief);
 
 }  // namespace grouptracker

@@ -95,12 +95,12 @@ INSTANTIATE_TEST_SUITE_P(
                    "model.json:6: \"features.meanDistance.knots\" needs two knots at least"},
         WrongModel{"KnotsFall", "[0.4, 0.7,", "[0.4, 0.3,",
                    "model.json:6: \"features.meanDistance.knots\" must be ascending"},
-        WrongModel{"WeightIsNull", "-0.02157", "null",
+        WrongModel{"WeightIsNull", "\"always\": [", "\"always\": [null, ",
                    "model.json:7: \"features.meanDistance.always\" must be an array of numbers"},
-        WrongModel{"WeightIsMissing", "[-0.02157, ", "[",
+        WrongModel{"WeightIsMissing", "\"always\": [", "\"always\": [0.5], \"never\": [",
                    "model.json:7: \"features.meanDistance.always\" needs one weight for each of "
-                   "the 7 knots, not 6"},
-        WrongModel{"WeightDoesNotFit", "-0.02157", "-1e999",
+                   "the 7 knots, not 1"},
+        WrongModel{"WeightDoesNotFit", "\"always\": [", "\"always\": [-1e999, ",
                    "model.json:7: not valid JSON: a number that does not fit"}),
     [](const auto& row) { return row.param.name; });
 

@@ -73,8 +73,9 @@ std::vector<PeopleFrame> PathScene::at(double framesPerSecond) const {
   return frames;
 }
 
-std::vector<FrameGroups> groupsOf(const std::vector<PeopleFrame>& frames, double lookAhead) {
-  GroupFinder finder(EvidenceModel::builtIn(), lookAhead);
+std::vector<FrameGroups> groupsOf(const std::vector<PeopleFrame>& frames, double lookAhead,
+                                  const EvidenceModel& model) {
+  GroupFinder finder(model, lookAhead);
   std::vector<FrameGroups> lines;
   const auto append = [&lines](const std::vector<FrameGroups>& decided) {
     lines.insert(lines.end(), decided.begin(), decided.end());

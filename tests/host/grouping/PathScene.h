@@ -34,8 +34,9 @@ class PathScene {
   std::map<PersonId, Walker> m_walkers;
 };
 
-/// The groups of all frames by the built-in model.
-std::vector<FrameGroups> groupsOf(const std::vector<PeopleFrame>& frames, double lookAhead = 3.2);
+/// The groups of all frames.
+std::vector<FrameGroups> groupsOf(const std::vector<PeopleFrame>& frames, double lookAhead = 3.2,
+                                  const EvidenceModel& model = EvidenceModel::builtIn());
 
 /// What happens to groups, one text for each line with another set of groups than the line before:
 /// "1.2 s: 1={1,2} 3={4,5}<1".
