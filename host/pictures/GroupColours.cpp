@@ -44,8 +44,8 @@ std::size_t GroupColours::choose(const cv::Point2f& place) const {
   for (std::size_t colour = 0; colour < paletteSize; ++colour) {
     double least = std::numeric_limits<double>::max();
     for (const auto& [group, seen] : m_lately) {
-      const double away = cv::norm(seen.place - place) / near +
-                          static_cast<double>(m_steps - seen.atStep) / fading;
+      const double away =
+          cv::norm(seen.place - place) / near + static_cast<double>(m_steps - seen.atStep) / fading;
       least = std::min(least, (1.0 + paletteDifference(colour, seen.colour)) * (1.0 + away));
     }
     if (least > bestDifference) {

@@ -49,7 +49,7 @@ class SimulatedSource : public ObservationSource {
   TrackerFaults m_faults;
   std::int64_t m_tick;  ///< the next one of the world's own clock
   std::int64_t m_frame = 0;
-  double m_time = 0.0;  ///< seconds
+  double m_time = 0.0;            ///< seconds
   std::vector<Walker> m_watched;  ///< who was in view at the last meeting
   std::vector<Walker> m_inView;
   std::vector<Walker> m_tracked;

@@ -1,7 +1,7 @@
 #include "tests/tracker/tracking/PlainFormulation.h"
 
-#include "tracker/geometry/Util.h"
 #include "tracker/geometry/ObjectType.h"
+#include "tracker/geometry/Util.h"
 
 #include <fmt/format.h>
 
