@@ -1,6 +1,7 @@
 #include "host/base/InputError.h"
 #include "host/base/Interruption.h"
 #include "host/base/OutputError.h"
+#include "host/base/SystemProblem.h"
 #include "host/commands/CalibrateCommand.h"
 #include "host/commands/CheckCommand.h"
 #include "host/commands/Command.h"
@@ -9,6 +10,7 @@
 #include "host/commands/EvaluateCommand.h"
 #include "host/commands/EventsCommand.h"
 #include "host/commands/ExplainCommand.h"
+#include "host/commands/FileGuard.h"
 #include "host/commands/LearnCommand.h"
 #include "host/commands/ReportCommand.h"
 #include "host/commands/RunCommand.h"
@@ -22,7 +24,9 @@
 #include <opencv2/core/utility.hpp>
 #include <opencv2/core/utils/logger.hpp>
 
+#include <cerrno>
 #include <clocale>
+#include <csignal>
 #include <cstdio>
 #include <exception>
 #include <memory>
@@ -75,9 +79,19 @@ int report(const std::exception& failure, ExitStatus status) {
   return status;
 }
 
-int runCommand(Command& command) {
+/// Whatever a command printed has to arrive; a reader who has gone wants no more of it.
+void finishStandardOutput() {
+  if (std::fflush(stdout) != 0 && errno != EPIPE) {
+    throw OutputError("standard output", systemProblem("cannot be written"));
+  }
+}
+
+int runCommand(Command& command, const Options& options) {
   try {
-    return command.run();
+    refuseToDestroy(options);
+    const int status = command.run();
+    finishStandardOutput();
+    return status;
   } catch (const InputError& failure) {
     return report(failure, wrongInput);
   } catch (const OutputError& failure) {
@@ -92,17 +106,18 @@ int runCommand(Command& command) {
 }
 
 /// Runs a command within the application that it needs.
-int runWithin(Command& command, int& argc, char** argv) {
+int runWithin(Command& command, const Options& options, int& argc, char** argv) {
   const auto application = command.needsScreen() ? openScreen(argc, argv)
                                                  : std::make_unique<QCoreApplication>(argc, argv);
   std::setlocale(LC_NUMERIC, "C");  // Qt takes the user's; files have points in their numbers
-  return runCommand(command);
+  return runCommand(command, options);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
   silenceOpenCv();
+  std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow further is a failing write instead
   CommandLine line("Turns the people whom a tracker sees into groups that live over time",
                    GROUPTRACKER_VERSION);
   line.endHelpWith(inputsHelp);
@@ -116,7 +131,7 @@ int main(int argc, char** argv) {
   }
   for (const auto& [options, command] : commands) {
     if (options.wereChosen()) {
-      return runWithin(*command, argc, argv);
+      return runWithin(*command, options, argc, argv);
     }
   }
   return wrongInput;

@@ -1,17 +1,11 @@
 #include "host/base/Database.h"
 
 #include "host/base/OutputError.h"
-#include "host/base/SystemProblem.h"
-
-#include <cerrno>
-#include <cstdio>
+#include "host/base/OutputPlace.h"
 
 namespace grouptracker {
 
-Database::Database(const std::string& path) : m_name(path) {
-  if (std::remove(path.c_str()) != 0 && errno != ENOENT) {
-    throw OutputError(path, systemProblem("cannot be replaced"));
-  }
+Database::Database(const std::string& path) : m_name(path), m_place(openRegularOutput(path)) {
   open(path);
 }
 

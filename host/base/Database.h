@@ -1,5 +1,7 @@
 #pragma once
 
+#include "host/base/FileDescriptor.h"
+
 #include <sqlite3.h>
 
 #include <cstddef>
@@ -15,7 +17,7 @@ namespace grouptracker {
 /// the file.
 class Database {
  public:
-  /// In a file; an existing one is replaced.
+  /// In a file; an existing one is replaced, anything else that bears the name left as it is.
   explicit Database(const std::string& path);
   /// For what would take too much memory: a temporary file, in the folder of the environment
   /// variable TMPDIR or in /var/tmp, which vanishes with the program however that ends.
@@ -34,6 +36,8 @@ class Database {
   void open(const std::string& file);
 
   std::string m_name;  ///< for messages
+  /// Holds the lock. Closed last, since that takes away the locks that SQLite has on the file.
+  FileDescriptor m_place;
   std::unique_ptr<sqlite3, Close> m_handle;
 };
 

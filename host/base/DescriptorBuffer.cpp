@@ -1,8 +1,8 @@
 #include "host/base/DescriptorBuffer.h"
 
 #include "host/base/Interruption.h"
+#include "host/base/StopWish.h"
 
-#include <array>
 #include <cerrno>
 #include <poll.h>
 #include <system_error>
@@ -21,8 +21,8 @@ constexpr std::size_t bufferSize =
 
 }  // namespace
 
-DescriptorBuffer::DescriptorBuffer(int descriptor, int wakeDescriptor)
-    : m_descriptor(descriptor), m_wakeDescriptor(wakeDescriptor), m_bytes(bufferSize) {}
+DescriptorBuffer::DescriptorBuffer(int descriptor)
+    : m_descriptor(descriptor), m_bytes(bufferSize) {}
 
 DescriptorBuffer::int_type DescriptorBuffer::underflow() {
   for (;;) {
@@ -42,13 +42,7 @@ DescriptorBuffer::int_type DescriptorBuffer::underflow() {
 }
 
 void DescriptorBuffer::waitForInput() const {
-  std::array<pollfd, 2> waits{{{m_descriptor, POLLIN, 0}, {m_wakeDescriptor, POLLIN, 0}}};
-  while (::poll(waits.data(), waits.size(), -1) < 0) {
-    if (errno != EINTR) {
-      throwSystemError();
-    }
-  }
-  if ((waits[1].revents & POLLIN) != 0) {
+  if (!stop_wish::waitFor(m_descriptor, POLLIN)) {
     throw InputInterrupted();
   }
 }

@@ -15,7 +15,8 @@ FileDescriptor open(const std::string& path) {
   if (path == "-") {
     return FileDescriptor();
   }
-  FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  // A pipe that nobody writes yet is waited for when it is read, where a wish to stop is seen.
+  FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   if (!file.isOpen()) {
     throw InputError(path, systemProblem("cannot be opened"));
   }
@@ -24,9 +25,9 @@ FileDescriptor open(const std::string& path) {
 
 }  // namespace
 
-InputFile::InputFile(const std::string& path, int wakeDescriptor)
+InputFile::InputFile(const std::string& path)
     : m_file(open(path)),
-      m_buffer(m_file.isOpen() ? m_file.get() : STDIN_FILENO, wakeDescriptor),
+      m_buffer(m_file.isOpen() ? m_file.get() : STDIN_FILENO),
       m_stream(&m_buffer) {
   m_stream.exceptions(std::ios::badbit);
 }

@@ -14,8 +14,7 @@ namespace grouptracker {
 /// program is asked to stop.
 class InputFile {
  public:
-  /// `wakeDescriptor` becomes readable when the program is asked to stop; -1 without such a wish.
-  explicit InputFile(const std::string& path, int wakeDescriptor = -1);
+  explicit InputFile(const std::string& path);
 
   std::istream& stream() { return m_stream; }
 

@@ -24,4 +24,10 @@ class InputInterrupted : public Interruption {
   InputInterrupted() : Interruption("stopped while waiting for input") {}
 };
 
+/// The program is asked to stop while it waits for somebody who reads what it writes.
+class OutputInterrupted : public Interruption {
+ public:
+  OutputInterrupted() : Interruption("stopped while waiting for a reader") {}
+};
+
 }  // namespace grouptracker

@@ -53,6 +53,7 @@ bool LineReader::readChunks() {
       throw error("the line is longer than " + std::to_string(m_longest) + " bytes");
     }
     if (!chunkIsFull) {
+      m_hasEnd = endOfLine;
       return endOfLine || !m_line.empty();
     }
     m_in.clear(m_in.rdstate() & ~std::ios::failbit);

@@ -25,6 +25,8 @@ class LineReader {
   bool nextFilled();
   /// The current line without its end.
   const std::string& line() const { return m_line; }
+  /// Whether the current line has an end; only the last may have none, as one that was cut.
+  bool hasEnd() const { return m_hasEnd; }
   /// The current line's number, from 1; 0 before the first.
   std::uint64_t number() const { return m_number; }
   /// Where the current line stands: "FILE:LINE".
@@ -40,6 +42,7 @@ class LineReader {
   std::string m_name;
   std::size_t m_longest;  ///< bytes
   std::string m_line;
+  bool m_hasEnd = true;
   std::uint64_t m_number = 0;
 };
 

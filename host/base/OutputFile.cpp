@@ -2,30 +2,21 @@
 
 #include "host/base/Interruption.h"
 #include "host/base/OutputError.h"
+#include "host/base/OutputPlace.h"
+#include "host/base/StopWish.h"
 #include "host/base/SystemProblem.h"
 
 #include <cerrno>
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 namespace grouptracker {
 
-namespace {
-
-constexpr mode_t readableByAll = 0666;  // less what the user's mask takes away
-
-/// Standard output under its name, which gives it a place of its own in a file.
-const char* placeOf(const std::string& path) {
-  return path == "-" ? "/dev/stdout" : path.c_str();
-}
-
-}  // namespace
-
 OutputFile::OutputFile(const std::string& path)
-    : m_path(path),
-      m_file(::open(placeOf(path), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, readableByAll)) {
-  if (!m_file.isOpen()) {
-    throw OutputError(path, systemProblem("cannot be written"));
+    : m_path(path), m_file(openOutput(path)), m_isRegular(isRegular(m_file)) {
+  if (!m_isRegular) {
+    ::fcntl(m_file.get(), F_SETFL, ::fcntl(m_file.get(), F_GETFL) | O_NONBLOCK);
   }
 }
 
@@ -33,12 +24,33 @@ void OutputFile::writeLines(std::string_view lines) {
   std::string_view rest = lines;
   while (!rest.empty()) {
     const ssize_t count = ::write(m_file.get(), rest.data(), rest.size());
-    if (count < 0 && errno != EINTR) {
+    if (count < 0 && errno == EAGAIN) {
+      waitForReader();
+    } else if (count < 0 && errno != EINTR) {
       fail(errno);
     }
     rest.remove_prefix(count < 0 ? 0 : static_cast<std::size_t>(count));
   }
   m_wholeLines += static_cast<off_t>(lines.size());
+}
+
+void OutputFile::rewrite(std::int64_t at, std::string_view bytes) {
+  if (::pwrite(m_file.get(), bytes.data(), bytes.size(), at) !=
+      static_cast<ssize_t>(bytes.size())) {
+    fail(errno);
+  }
+}
+
+// A run that is asked to stop still writes its last lines, but not to somebody who reads none.
+void OutputFile::waitForReader() const {
+  constexpr int patience = 1000;  // ms
+  if (stop_wish::waitFor(m_file.get(), POLLOUT)) {
+    return;
+  }
+  pollfd reader{m_file.get(), POLLOUT, 0};
+  if (::poll(&reader, 1, patience) != 1) {
+    throw OutputInterrupted();
+  }
 }
 
 void OutputFile::fail(int error) {

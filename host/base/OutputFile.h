@@ -2,6 +2,7 @@
 
 #include "host/base/FileDescriptor.h"
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <sys/types.h>
@@ -9,21 +10,27 @@
 namespace grouptracker {
 
 /// A text file that holds whole lines only, whatever happens: each line goes to the operating
-/// system in one piece, and a line that a full disk cuts is taken back. An existing file is
-/// replaced. What cannot be opened or written is an `OutputError`; a pipe without reader is
-/// `ClosedPipe`.
+/// system in one piece, and a line that a full disk cuts is taken back. Opened as `openOutput()`
+/// says. What cannot be written is an `OutputError`; a pipe whose reader has gone is `ClosedPipe`,
+/// and one whose reader does not read, `OutputInterrupted` soon after the program is asked to stop.
 class OutputFile {
  public:
   explicit OutputFile(const std::string& path);
 
-  /// Writes text that ends with a line end.
+  /// Writes text that ends with a line end, or another piece that shall be there as a whole.
   void writeLines(std::string_view lines);
+  /// Whether something else can be put in the place of what was written: not in a pipe.
+  bool canBeRewritten() const { return m_isRegular; }
+  /// Puts bytes in the place of as many that were written; `at` counts from the file's start.
+  void rewrite(std::int64_t at, std::string_view bytes);
 
  private:
+  void waitForReader() const;
   [[noreturn]] void fail(int error);
 
   std::string m_path;
   FileDescriptor m_file;
+  bool m_isRegular;        ///< nobody has to be waited for then
   off_t m_wholeLines = 0;  ///< bytes written so far, all of whole lines
 };
 

@@ -104,6 +104,9 @@ cv::Matx33d readHomography(std::istream& in, const std::string& name, ImageOrder
   if (!std::isfinite(determinant) || determinant == 0.0) {
     throw lines.error("the homography cannot be inverted");
   }
+  if (lines.nextFilled()) {
+    throw lines.error("a homography has three lines; this one is too many");
+  }
   if (order == ImageOrder::rowColumn) {
     for (int row = 0; row < size; ++row) {
       std::swap(homography(row, 0), homography(row, 1));

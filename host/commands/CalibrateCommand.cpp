@@ -1,6 +1,5 @@
 #include "host/commands/CalibrateCommand.h"
 
-#include "host/base/FileIdentity.h"
 #include "host/base/InputError.h"
 #include "host/camera/HostCalibration.h"
 #include "host/input/CameraFromPeople.h"
@@ -55,12 +54,11 @@ Options CalibrateCommand::declare(CommandLine& program) {
   command.add("--body-height", m_bodyHeight, "mean height of the people in metres")
       .within(0.5, 2.5)
       .showDefault();
-  command.add("--output", m_outputFile, "the camera, OpenCV yml").required().typeName("FILE");
+  command.add("--output", m_outputFile, "the camera, OpenCV yml").required().writes("FILE");
   return command;
 }
 
 int CalibrateCommand::run() {
-  refuseOverwriting({m_outputFile}, {m_choice.input});
   const PeopleView view = readPeopleView(m_choice.input, inputOptions(m_choice));
   const auto known = m_choice.imageSize ? m_choice.imageSize : view.imageSize;
   try {

@@ -69,8 +69,8 @@ Options CheckCommand::declare(CommandLine& program) {
   Options command =
       program.addCommand("check", "Looks through an input and its files without running", example);
   declareInput(command, m_choice);
-  command.add("--parameters", m_parameterFile, "the tracker's 47 parameters").typeName("FILE");
-  command.add("--context", m_contextFile, "description of the scene, JSON").typeName("FILE");
+  command.add("--parameters", m_parameterFile, "the tracker's 47 parameters").reads("FILE");
+  command.add("--context", m_contextFile, "description of the scene, JSON").reads("FILE");
   return command;
 }
 

@@ -6,10 +6,14 @@
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <iomanip>
+#include <limits>
 #include <sstream>
+#include <system_error>
 #include <type_traits>
 #include <utility>
 
@@ -80,6 +84,36 @@ std::optional<std::string> slipIn(CLI::App& program) {
                      didYouMean(word, known));
 }
 
+/// The number itself, of which the option may take none or several.
+template <typename Value>
+struct Single {
+  using Type = Value;
+};
+template <typename Value>
+struct Single<std::optional<Value>> {
+  using Type = Value;
+};
+template <typename Value>
+struct Single<std::vector<Value>> {
+  using Type = Value;
+};
+
+/// The parser itself would take the nearest number for one that does not fit.
+template <typename Whole>
+CLI::Validator wholeCheck() {
+  const auto check = [](const std::string& text) {
+    const char* const end = text.data() + text.size();
+    Whole number = 0;
+    const auto [rest, error] = std::from_chars(text.data(), end, number);
+    return error == std::errc() && rest == end
+               ? std::string()
+               : text + " is not a whole number from " +
+                     std::to_string(std::numeric_limits<Whole>::min()) + " to " +
+                     std::to_string(std::numeric_limits<Whole>::max());
+  };
+  return CLI::Validator(check, std::string());
+}
+
 }  // namespace
 
 Option& Option::required() {
@@ -90,6 +124,55 @@ Option& Option::required() {
 Option& Option::typeName(const char* name) {
   m_option->type_name(name);
   return *this;
+}
+
+namespace {
+
+/// What the user gave to an option, without the word that stands for nothing.
+std::vector<std::string> namesIn(const CLI::Option& option) {
+  const std::string type = option.get_type_name();
+  std::vector<std::string> names = option.results();
+  std::erase_if(
+      names, [&](const std::string& name) { return name.empty() || type.ends_with("|" + name); });
+  return names;
+}
+
+std::vector<std::string> allOf(const std::vector<CommandFiles::Names>& options) {
+  std::vector<std::string> all;
+  for (const auto& names : options) {
+    const std::vector<std::string> some = names();
+    all.insert(all.end(), some.begin(), some.end());
+  }
+  return all;
+}
+
+}  // namespace
+
+Option& Option::reads(const char* name) {
+  m_files->read.emplace_back([option = m_option] { return namesIn(*option); });
+  return typeName(name);
+}
+
+Option& Option::readsBoth(const char* name) {
+  m_files->read.emplace_back([option = m_option] {
+    std::vector<std::string> both;
+    for (const std::string& names : namesIn(*option)) {
+      const auto colon = std::min(names.rfind(':'), names.size());
+      both.push_back(names.substr(0, colon));
+      both.push_back(names.substr(std::min(colon + 1, names.size())));
+    }
+    return both;
+  });
+  return typeName(name);
+}
+
+Option& Option::writes(const char* name) {
+  m_files->written.emplace_back([option = m_option] {
+    std::vector<std::string> names = namesIn(*option);
+    std::erase(names, "-");  // standard output
+    return names;
+  });
+  return typeName(name);
 }
 
 Option& Option::heading(const char* text) {
@@ -143,8 +226,10 @@ Option Options::add(const std::string& name, Value& value, const std::string& he
   CLI::Option* const option = m_command->add_option(name, value, help);
   if constexpr (isReal<Value>) {
     option->check(numberCheck("a finite number", [](double) { return true; }));
+  } else if constexpr (std::is_integral_v<typename Single<Value>::Type>) {
+    option->check(wholeCheck<typename Single<Value>::Type>());
   }
-  return Option(option);
+  return {option, *m_files};
 }
 
 template Option Options::add(const std::string&, std::string&, const std::string&);
@@ -159,7 +244,7 @@ template Option Options::add(const std::string&, double&, const std::string&);
 template Option Options::add(const std::string&, std::optional<double>&, const std::string&);
 
 Option Options::addFlag(const std::string& name, bool& flag, const std::string& help) {
-  return Option(m_command->add_flag(name, flag, help));
+  return {m_command->add_flag(name, flag, help), *m_files};
 }
 
 Option Options::addParsed(const std::string& name, std::function<bool(const std::string&)> take,
@@ -169,17 +254,25 @@ Option Options::addParsed(const std::string& name, std::function<bool(const std:
       throw CLI::ValidationError(name, expected);
     }
   };
-  return Option(m_command->add_option_function<std::string>(name, parse, help));
+  return {m_command->add_option_function<std::string>(name, parse, help), *m_files};
 }
 
 Options Options::addChoice(const std::string& name, std::size_t least, std::size_t most) {
   CLI::App* const choice = m_command->add_option_group(name);
   choice->require_option(least, most);
-  return Options(choice);
+  return {choice, m_files};
 }
 
 bool Options::wereChosen() const {
   return m_command->parsed();
+}
+
+std::vector<std::string> Options::filesRead() const {
+  return allOf(m_files->read);
+}
+
+std::vector<std::string> Options::filesWritten() const {
+  return allOf(m_files->written);
 }
 
 CommandLine::CommandLine(const std::string& description, const std::string& version)
@@ -198,7 +291,7 @@ Options CommandLine::addCommand(const std::string& name, const std::string& desc
                                 const std::string& footer) {
   CLI::App* const command = m_program->add_subcommand(name, description);
   command->footer(footer);
-  return Options(command);
+  return {command, std::make_shared<CommandFiles>()};
 }
 
 std::optional<int> CommandLine::parse(int argc, char** argv) {

@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 // NOLINTNEXTLINE(readability-identifier-naming): the name is the parser's own
@@ -15,15 +16,30 @@ class Option;
 
 namespace grouptracker {
 
+/// The files and folders that a command reads and writes, as its options name them.
+struct CommandFiles {
+  using Names = std::function<std::vector<std::string>()>;
+
+  std::vector<Names> read;  ///< to be called when the command line is parsed
+  std::vector<Names> written;
+};
+
 /// One option of a command, about which more can be said. The parser that stands behind it is known
 /// to CommandLine.cpp only, because its headers take longer to compile than any command.
 class Option {
  public:
-  explicit Option(CLI::Option* option) : m_option(option) {}
+  Option(CLI::Option* option, CommandFiles& files) : m_option(option), m_files(&files) {}
 
   Option& required();
   /// What the help says in place of the value's type, such as "FILE".
   Option& typeName(const char* name);
+  /// Says that the command reads what the option names, and what the help says in place of the
+  /// value's type, such as "FILE". The word behind a bar in it, as in "FILE|none", is no file.
+  Option& reads(const char* name);
+  /// The same for INPUT:TRUTH, two files in one value.
+  Option& readsBoth(const char* name);
+  /// Says that the command writes what the option names.
+  Option& writes(const char* name);
   /// The heading under which the help lists the option.
   Option& heading(const char* text);
   /// Lets the help say the value that holds without the option.
@@ -40,13 +56,15 @@ class Option {
 
  private:
   CLI::Option* m_option;
+  CommandFiles* m_files;
 };
 
 /// The options of one command. Values are written where the option says once the command line is
 /// parsed; they outlive the parsing.
 class Options {
  public:
-  explicit Options(CLI::App* command) : m_command(command) {}
+  Options(CLI::App* command, std::shared_ptr<CommandFiles> files)
+      : m_command(command), m_files(std::move(files)) {}
 
   /// An option with a value, or an argument by its place when the name has no dashes. The types are
   /// those that are instantiated in the .cpp file.
@@ -63,9 +81,13 @@ class Options {
 
   /// Whether the user chose this command.
   bool wereChosen() const;
+  /// What the user names to be read and to be written.
+  std::vector<std::string> filesRead() const;
+  std::vector<std::string> filesWritten() const;
 
  private:
   CLI::App* m_command;
+  std::shared_ptr<CommandFiles> m_files;
 };
 
 /// The program's command line.

@@ -64,7 +64,7 @@ Options ConvertCommand::declare(CommandLine& program) {
   Options command = program.addCommand(
       "convert", "Writes an input as a scene file with all that a run needs", example);
   declareInput(command, m_choice);
-  command.add("--output", m_outputFile, "the scene file *.jsonl").required().typeName("FILE");
+  command.add("--output", m_outputFile, "the scene file *.jsonl").required().writes("FILE");
   return command;
 }
 
@@ -73,9 +73,7 @@ int ConvertCommand::run() {
   for (const std::string& note : input.notes) {
     fmt::print(stderr, "{}\n", note);
   }
-  std::vector<std::string> inputs = input.files;
-  inputs.push_back(m_choice.calibrationFile);
-  refuseOverwriting({m_outputFile}, inputs);
+  refuseOverwriting({m_outputFile}, input.files);
   SceneWriter scene(m_outputFile);
   scene.carryCalibration(cameraText(input));
   scene.keepNumbers();

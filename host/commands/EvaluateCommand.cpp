@@ -20,19 +20,20 @@ const char* const example = R"(Example:
   grouptracker evaluate groups.jsonl --truth seq_eth/groups.txt --baselines)";
 
 void declareScores(Options& command, EvaluationOptions& options) {
+  constexpr int longest = 1'000'000'000;  // time steps
   command
       .add("--window", options.window.length, "time steps of a window; windows follow each other")
-      .positive()
+      .within(1, longest)
       .showDefault();
   command
       .add("--together", options.window.together,
            "time steps of a window in one group that make two persons one group")
-      .positive()
+      .within(1, longest)
       .showDefault();
   command
       .add("--event-tolerance", options.eventTolerance,
            "seconds between a found merge or split and the true one")
-      .notNegative()
+      .within(0, longest)
       .showDefault();
 }
 
@@ -42,28 +43,30 @@ Options EvaluateCommand::declare(CommandLine& program) {
   Options command =
       program.addCommand("evaluate", "Scores the groups of a run against annotated ones", example);
   command.add("GROUPS", m_groupsFile, "what a run wrote with --output, or with --actors")
-      .required();
+      .required()
+      .reads("FILE");
   command
       .add("--truth", m_truthFile,
            "annotated groups: one a line for the whole sequence, or per frame in *.jsonl")
       .required()
-      .typeName("FILE");
+      .reads("FILE");
   command.add("--compare", m_otherFile, "the groups of another run, to be put side by side")
-      .typeName("GROUPS");
-  command.add("--output", m_outputFile, "all numbers as JSON").typeName("FILE");
+      .reads("GROUPS");
+  command.add("--output", m_outputFile, "all numbers as JSON").writes("FILE");
   command.add("--errors", m_errorsFile, "who is in the wrong company at which frame, CSV")
-      .typeName("FILE");
+      .writes("FILE");
   command.addFlag("--baselines", m_baselines,
                   "also score everybody alone and a crude rule over the window");
-  command.add("--input", m_choice.input,
-              "the input of the run, for --baselines (default: the folder of the truth)");
+  command
+      .add("--input", m_choice.input,
+           "the input of the run, for --baselines (default: the folder of the truth)")
+      .reads("INPUT");
   declareScores(command, m_options);
   declareReading(command, m_choice);
   return command;
 }
 
 int EvaluateCommand::run() {
-  refuseOverwriting({m_outputFile, m_errorsFile}, {m_groupsFile, m_truthFile, m_otherFile});
   const GroupTruth truth = readTruth(m_truthFile);
   const GroupedFrames run = readRun(m_groupsFile, truth);
   EvaluationReport report = evaluate(run, truth, m_options);
@@ -71,6 +74,7 @@ int EvaluateCommand::run() {
     InputOptions options = inputOptions(m_choice);
     options.decodesVideo = false;
     const OpenedInput input = openInput(inputOfBaselines(), options);
+    refuseOverwriting({m_outputFile, m_errorsFile}, input.files);
     report.baselines = scoreBaselines(peopleIn(*input.frames), truth, m_options.window);
   }
   fmt::print("{}", m_otherFile.empty() ? tableOf(report)

@@ -1,6 +1,5 @@
 #include "host/commands/EventsCommand.h"
 
-#include "host/base/FileIdentity.h"
 #include "host/base/InputFile.h"
 #include "host/base/OutputError.h"
 #include "host/base/SystemProblem.h"
@@ -63,13 +62,14 @@ Options EventsCommand::declare(CommandLine& program) {
   command
       .add("GROUPS", m_groupsFile,
            "what a run wrote with --output, or with --actors; - for standard input")
-      .required();
+      .required()
+      .reads("FILE");
   command.add("--output", m_outputFile, "the events, JSON Lines, instead of standard output")
-      .typeName("FILE");
+      .writes("FILE");
   command
       .add("--input", m_choice.input,
            "what was given to run: the exports then tell where people were")
-      .typeName("INPUT");
+      .reads("INPUT");
   declareReplayOptions(command, m_steps);
   declareReading(command, m_choice);
   return command;
@@ -79,9 +79,6 @@ int EventsCommand::run() {
   if (m_steps.wantsPictures() && m_choice.input.empty()) {
     throw InputError(m_groupsFile, "does not tell where people were: --video needs --input");
   }
-  std::vector<std::string> outputs = m_steps.files();
-  outputs.push_back(m_outputFile);
-  refuseOverwriting(outputs, {m_groupsFile, m_choice.input});
   StepSinks own;
   own.push_back(openEvents(m_outputFile));
   StepOutputs sinks(m_steps, std::move(own));

@@ -41,7 +41,8 @@ Options ExplainCommand::declare(CommandLine& program) {
       .add("DIAGNOSTICS", m_diagnosticsFile,
            "the diagnostics of a run: why the process made its groups; with --persons the INPUT of "
            "the run")
-      .required();
+      .required()
+      .reads("FILE");
   Options what = command.addChoice("what to explain", 1, 2);
   what.add("--persons", m_persons, "why two people are together, or why not, over time")
       .count(2)
@@ -53,12 +54,12 @@ Options ExplainCommand::declare(CommandLine& program) {
   command
       .add("--mobile-dump", m_dumpFile,
            "the mobile dump of the same run: tells links, shared sons and ancestors")
-      .typeName("FILE");
+      .reads("FILE");
   command
       .add("--parameters", m_parameterFile,
            "the parameters, if not at the place that the diagnostics name")
-      .typeName("FILE");
-  command.add("--model", m_modelFile, "for --persons: a model that learn wrote").typeName("FILE");
+      .reads("FILE");
+  command.add("--model", m_modelFile, "for --persons: a model that learn wrote").reads("FILE");
   command
       .add("--look-ahead", m_lookAhead,
            "for --persons: seconds of the future that a decision may use")

@@ -5,6 +5,7 @@
 #include "host/camera/CalibrationReader.h"
 #include "host/camera/GroundPlaneCalibration.h"
 #include "host/input/InputFormats.h"
+#include "host/input/InputImages.h"
 #include "host/people/LinkOptions.h"
 
 #include <algorithm>
@@ -97,7 +98,7 @@ void declareCamera(Options& command, InputChoice& choice) {
       .add("--calibration", choice.calibrationFile,
            "camera: OpenCV yml, xml or json; Tsai's model as XML; or a text of 3 x 3 numbers, "
            "the homography from the image to the ground")
-      .typeName("FILE")
+      .reads("FILE")
       .heading(heading);
   command
       .add("--homography-order", choice.homographyOrder,
@@ -150,7 +151,8 @@ void declareInput(Options& command, InputChoice& choice) {
            "SQLite file of a pedestrian simulation; obsmat.txt or a folder with it; MOTChallenge "
            "file or sequence folder; XML file with boxes; scene file *.jsonl, - for a scene on "
            "standard input")
-      .required();
+      .required()
+      .reads("PATH");
   declareReading(command, choice);
 }
 
@@ -172,12 +174,19 @@ void declareReading(Options& command, InputChoice& choice) {
       .add("--images", choice.images,
            "folder with images by sorted name, or a video file, for inputs that name none; none "
            "leaves all images out")
-      .typeName("FOLDER|VIDEO|none")
+      .reads("FOLDER|VIDEO|none")
+      .heading(heading);
+  command
+      .add("--max-pixels", choice.maxPixels,
+           "images and videos of more pixels are refused before they are decoded")
+      .positive()
+      .showDefault()
       .heading(heading);
   declareLinks(command, choice);
 }
 
 InputOptions inputOptions(const InputChoice& choice) {
+  limitPixels(choice.maxPixels);
   InputOptions options;
   options.format = choice.format;
   options.imageSize = choice.imageSize;

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "host/commands/CommandLine.h"
+#include "host/input/InputImages.h"
 #include "host/input/OpenedInput.h"
 
 #include <opencv2/core/types.hpp>
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -20,7 +22,8 @@ struct InputChoice {
   std::string homographyOrder;        ///< "colrow" or "rowcol", of a calibration that is a text
   std::optional<cv::Size> imageSize;  ///< pixels
   std::optional<double> minConfidence;
-  std::string images;  ///< a folder, a video file, or `noImages`
+  std::string images;                        ///< a folder, a video file, or `noImages`
+  std::int64_t maxPixels = usualMostPixels;  ///< of an image or a video
   FrameRange frames;
   std::optional<double> rate;  ///< frame numbers a second
   TableChoice table;

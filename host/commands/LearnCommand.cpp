@@ -94,11 +94,11 @@ Options LearnCommand::declare(CommandLine& program) {
            "annotated inputs, each with the file of its groups and, where it tells no times, its "
            "frame numbers a second (default: 0.4 s a frame)")
       .required();
-  command.add("--output", m_outputFile, "the model, for run --model").required().typeName("FILE");
+  command.add("--output", m_outputFile, "the model, for run --model").required().writes("FILE");
   command
       .add("--calibration-picture", m_pictureFile,
            "how far probabilities can be trusted, a picture as SVG")
-      .typeName("FILE");
+      .writes("FILE");
   command
       .add("--ridge", m_ridge,
            "how strongly weights are held back: larger learns less from the single case")

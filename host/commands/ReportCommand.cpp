@@ -1,6 +1,5 @@
 #include "host/commands/ReportCommand.h"
 
-#include "host/base/FileIdentity.h"
 #include "host/base/InputFile.h"
 #include "host/commands/TruthTeller.h"
 #include "host/evaluation/TruthReader.h"
@@ -106,28 +105,28 @@ Options ReportCommand::declare(CommandLine& program) {
   Options command = program.addCommand("report", "Makes one HTML file that shows a run", example);
   declareInput(command, m_choice);
   command.add("GROUPS", m_groupsFile, "what the run wrote with --output, or with --actors")
-      .required();
-  command.add("--output", m_outputFile, "the report").required().typeName("FILE");
+      .required()
+      .reads("FILE");
+  command.add("--output", m_outputFile, "the report").required().writes("FILE");
   command.add("--title", m_title, "the heading, instead of the input's name").typeName("TEXT");
   command
       .add("--truth", m_truthFile,
            "the true groups, as evaluate takes them: who is wrong is marked at every frame")
-      .typeName("FILE");
+      .reads("FILE");
   command
       .add(
           "--diagnostics", m_diagnosticsFile,
           "the diagnostics of the run: the report then tells why the process put out what the file "
           "of --actors holds")
-      .typeName("FILE");
+      .reads("FILE");
   command
       .add("--parameters", m_parameterFile,
            "the parameters, if not at the place that the diagnostics name")
-      .typeName("FILE");
+      .reads("FILE");
   return command;
 }
 
 int ReportCommand::run() {
-  refuseOverwriting({m_outputFile}, {m_choice.input, m_groupsFile, m_diagnosticsFile});
   const OpenedInput input = openInput(m_choice.input, inputOptions(m_choice));
   WholeFile output(m_outputFile);
   ReportData data;

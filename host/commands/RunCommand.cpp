@@ -27,23 +27,23 @@ void declareFiles(Options& command, RunOptions& options) {
   command
       .add("--parameters", options.parameterFile,
            "the tracker's 47 parameters, in place of a built-in set that suits the rate")
-      .typeName("FILE");
+      .reads("FILE");
   command.add("--output", options.outputFile, "the groups of every frame, JSON Lines")
-      .typeName("FILE");
+      .writes("FILE");
   command
       .add("--actors", options.actorsFile,
            "what the process put out at every frame, JSON Lines: actors that stand for groups")
-      .typeName("FILE");
-  command.add("--context", options.contextFile, "description of the scene, JSON").typeName("FILE");
+      .writes("FILE");
+  command.add("--context", options.contextFile, "description of the scene, JSON").reads("FILE");
   command.add("--plugin", options.pluginFile, "the plugin, if not beside the program")
-      .typeName("FILE");
+      .reads("FILE");
 }
 
 void declareEvidence(Options& command, RunOptions& options) {
   command
       .add("--model", options.modelFile,
            "what speaks for people belonging together, in place of the built-in model")
-      .typeName("FILE");
+      .reads("FILE");
   const auto take = [&options](const std::string& text) {
     options.lookAhead = parseFinite(text);
     return options.lookAhead && *options.lookAhead >= 0.0 && *options.lookAhead <= longestLookAhead;
@@ -60,12 +60,12 @@ void declareTexts(Options& command, RunOptions& options) {
   command
       .add("--diagnostics", options.diagnostics,
            "where the process's lines go instead of standard output; none saves their cost")
-      .typeName("FILE|none");
+      .writes("FILE|none");
   command
       .add("--mobile-dump", options.mobileDump,
            "the file to which all remembered mobiles are appended at every frame, instead "
            "of metas*.txt in the working directory; none saves its cost")
-      .typeName("FILE|none");
+      .writes("FILE|none");
   command.addFlag("--quiet", options.quiet, "no progress and no summary");
 }
 

@@ -1,10 +1,9 @@
 #include "host/commands/RunSession.h"
 
 #include "host/base/DescriptorBuffer.h"
-#include "host/base/FileDescriptor.h"
-#include "host/base/FileIdentity.h"
 #include "host/base/Interruption.h"
 #include "host/base/OutputError.h"
+#include "host/base/OutputPlace.h"
 #include "host/base/SystemProblem.h"
 #include "host/input/InputFormats.h"
 #include "host/input/SceneContextReader.h"
@@ -16,7 +15,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <fcntl.h>
 #include <filesystem>
 #include <unistd.h>
 #include <utility>
@@ -28,15 +26,6 @@ namespace {
 /// The file name of an option that may be "none" or not given; empty then.
 std::string fileOf(const std::string& option) {
   return option == noOutput ? std::string() : option;
-}
-
-FileDescriptor openForWriting(const std::string& path, int flags) {
-  constexpr mode_t readableByAll = 0666;  // less what the user's mask takes away
-  FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | flags, readableByAll));
-  if (!file.isOpen()) {
-    throw OutputError(path, systemProblem("cannot be written"));
-  }
-  return file;
 }
 
 }  // namespace
@@ -85,7 +74,6 @@ void RunSession::takeBuiltInParameters() {
 
 void RunSession::openInput() {
   InputOptions options = inputOptions(m_options);
-  options.wakeDescriptor = m_signals.wakeDescriptor();
   options.decodesVideo = m_parameters.needsImages || m_options.steps.wantsPictures();
   if (!m_options.contextFile.empty()) {
     m_context = readSceneContext(m_options.contextFile);
@@ -124,12 +112,6 @@ void RunSession::warn(const std::string& warning) {
 void RunSession::openOutputs() {
   const std::string dump = fileOf(m_options.mobileDump);
   const std::string diagnostics = fileOf(m_options.diagnostics);
-  std::vector<std::string> inputs = m_input.files;
-  inputs.insert(inputs.end(), {m_options.parameterFile, m_options.calibrationFile,
-                               m_options.contextFile, m_options.modelFile});
-  std::vector<std::string> outputs = m_options.steps.files();
-  outputs.insert(outputs.end(), {m_options.outputFile, m_options.actorsFile, diagnostics, dump});
-  refuseOverwriting(outputs, inputs);
   StepSinks own;
   if (!m_options.outputFile.empty()) {
     own.push_back(std::make_unique<RunFileWriter>(m_options.outputFile));
@@ -138,14 +120,15 @@ void RunSession::openOutputs() {
     m_actors = std::make_unique<RunFileWriter>(m_options.actorsFile);
   }
   if (!dump.empty()) {
-    openForWriting(dump, O_APPEND);  // the process opens it anew and would not say that it cannot
+    // The process opens it anew and would not say that it cannot.
+    m_dump = openOutput(dump, OldContent::kept);
   }
   if (const auto& screen = m_options.steps.pictures.screen) {
     screen->endWhen([this] { return m_signals.stopRequested(); });
   }
   m_outputs = std::make_unique<StepOutputs>(m_options.steps, std::move(own));
   if (!diagnostics.empty()) {
-    ::dup2(openForWriting(diagnostics, O_TRUNC).get(), STDOUT_FILENO);
+    ::dup2(openOutput(diagnostics).get(), STDOUT_FILENO);
   }
 }
 
@@ -211,7 +194,7 @@ void RunSession::runFrames() {
   try {
     while (!m_signals.stopRequested() && m_input.frames->next(frame)) {
       runFrame(frame);
-      checkStandardOutput();
+      checkOutputsOfProcess();
       m_progress->update(m_tracker->frame());
     }
   } catch (const InputInterrupted&) {
@@ -263,7 +246,7 @@ void RunSession::handOut(RunSteps steps) {
   }
 }
 
-void RunSession::checkStandardOutput() {
+void RunSession::checkOutputsOfProcess() {
   const bool isWritten = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
   if (m_signals.pipeClosed()) {
     throw ClosedPipe();
@@ -271,6 +254,9 @@ void RunSession::checkStandardOutput() {
   if (!isWritten) {
     throw OutputError("standard output", systemProblem("cannot be written",
                                                        m_processErrno != 0 ? m_processErrno : EIO));
+  }
+  if (const auto problem = m_tracker->outputProblem()) {
+    throw OutputError(*problem);
   }
 }
 

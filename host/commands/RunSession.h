@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/base/FileDescriptor.h"
 #include "host/commands/Progress.h"
 #include "host/commands/RunOptions.h"
 #include "host/commands/StepOutputs.h"
@@ -57,7 +58,7 @@ class RunSession {
   void runProcess(const InputFrame& frame);
   void handOut(RunSteps steps);
   void finishAfterFailure(bool canWrite);
-  void checkStandardOutput();
+  void checkOutputsOfProcess();
 
   RunOptions m_options;
   StopSignals m_signals;
@@ -66,6 +67,7 @@ class RunSession {
   OpenedInput m_input;
   std::optional<InputWatch> m_watch;  ///< none before the input is opened
   ImageLoader m_images;
+  FileDescriptor m_dump;  ///< of the mobiles, which the process writes: holds the lock
   std::unique_ptr<StepOutputs> m_outputs;   ///< of the groups
   std::unique_ptr<RunFileWriter> m_actors;  ///< null when nobody wants the process's own
   std::unique_ptr<TrackerRun> m_tracker;

@@ -40,7 +40,7 @@ constexpr double fastest = 240.0;
 
 void declareExport(Options& command, const Export& row, StepOptions& options) {
   command.add(row.option, options.exportFiles[row.option], row.help)
-      .typeName("FILE")
+      .writes("FILE")
       .heading(heading);
 }
 
@@ -48,7 +48,7 @@ void declarePictures(Options& command, PictureOptions& pictures) {
   command
       .add("--video", pictures.path,
            "draws every reported frame into a film (.mp4, .mkv, .avi) or a folder of images")
-      .typeName("FILE|FOLDER")
+      .writes("FILE|FOLDER")
       .heading(heading);
   command
       .addFlag("--top-view", pictures.showsTopView,

@@ -1,5 +1,7 @@
 #include "host/commands/StopSignals.h"
 
+#include "host/base/StopWish.h"
+
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -45,6 +47,7 @@ StopSignals::StopSignals() {
   if (::pipe2(wakePipe.data(), O_CLOEXEC | O_NONBLOCK) != 0) {
     wakePipe = {-1, -1};  // a stop is then seen after the next input only
   }
+  stop_wish::setDescriptor(wakePipe[0]);
   for (const int signal : stopSignals) {
     // With SA_RESETHAND the second signal does what it usually does.
     install(signal, noteStop, SA_RESTART | static_cast<int>(SA_RESETHAND));
@@ -58,6 +61,7 @@ StopSignals::~StopSignals() {
   }
   // What is still buffered for a closed pipe is written at exit and must not end the program then.
   install(SIGPIPE, SIG_IGN, 0);
+  stop_wish::setDescriptor(-1);
   ::close(wakePipe[0]);
   ::close(wakePipe[1]);
 }
@@ -73,10 +77,6 @@ std::string StopSignals::signalName() const {
 
 bool StopSignals::pipeClosed() const {
   return pipeIsClosed != 0;
-}
-
-int StopSignals::wakeDescriptor() const {
-  return wakePipe[0];
 }
 
 }  // namespace grouptracker

@@ -6,7 +6,8 @@ namespace grouptracker {
 
 /// Catches the wish to stop: SIGINT, SIGTERM and SIGHUP ask for a stop after the current frame, the
 /// second of them ends the program at once; SIGPIPE tells that nobody reads standard output or
-/// another pipe any more. There is one set of signals, so one object of this class at a time.
+/// another pipe any more. Everything that waits sees the wish in `stop_wish`. There is one set of
+/// signals, so one object of this class at a time.
 class StopSignals {
  public:
   StopSignals();
@@ -20,8 +21,6 @@ class StopSignals {
   std::string signalName() const;
   /// Whether a pipe that the program wrote to was closed by its reader.
   bool pipeClosed() const;
-  /// Becomes readable when a stop is asked for: for waits that shall end then.
-  int wakeDescriptor() const;
 };
 
 }  // namespace grouptracker

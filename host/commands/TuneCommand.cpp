@@ -13,20 +13,21 @@ const char* const example = R"(Example:
 void declareFiles(Options& command, TuneOptions& options) {
   command
       .add("INPUT:TRUTH", options.sequences, "annotated inputs, each with the file of its groups")
-      .required();
+      .required()
+      .readsBoth("TEXT");
   command
       .add("--further", options.further,
            "inputs that --leave-one-out never leaves out, such as simulated scenes")
-      .typeName("INPUT:TRUTH");
+      .readsBoth("INPUT:TRUTH");
   command.add("--base", options.baseFile, "the values of what is not searched for")
       .required()
-      .typeName("FILE");
-  command.add("--output", options.outputFile, "the parameters found").required().typeName("FILE");
+      .reads("FILE");
+  command.add("--output", options.outputFile, "the parameters found").required().writes("FILE");
   command
       .add("--space", options.spaceFile,
            "what is tuned and how far, `name low high linear|logarithmic|whole` a line")
-      .typeName("FILE");
-  command.add("--log", options.logFile, "all trials as they finish, CSV").typeName("FILE");
+      .reads("FILE");
+  command.add("--log", options.logFile, "all trials as they finish, CSV").writes("FILE");
   command.addFlag("--resume", options.resume, "take the trials that the log holds from there");
 }
 

@@ -1,6 +1,5 @@
 #include "host/commands/TuneSession.h"
 
-#include "host/base/FileIdentity.h"
 #include "host/base/InputError.h"
 #include "host/base/InputFile.h"
 #include "host/base/OutputError.h"
@@ -111,7 +110,6 @@ TuneSession::TuneSession(const TuneOptions& options)
     : m_options(options),
       m_base(readValidParameterFile(options.baseFile)),
       m_space(readSpace(options.spaceFile, m_base)) {
-  refuseOverwriting({options.outputFile, options.logFile}, {options.baseFile, options.spaceFile});
   InputOptions reading = inputOptions(options.reading);
   reading.decodesVideo = false;
   m_space.startFrom(options.reading.links);

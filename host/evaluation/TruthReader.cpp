@@ -34,6 +34,11 @@ std::optional<PersonGroup> parsePersons(std::string_view line) {
   return persons;
 }
 
+/// A header has words only: with a number in it, it is a line of persons with a typing error.
+bool isHeader(std::string_view line) {
+  return line.find_first_of("0123456789") == line.npos;
+}
+
 PersonGroup readPersons(json::Value value) {
   PersonGroup persons;
   json::readArray(
@@ -102,7 +107,7 @@ GroupTruth readGroupLists(std::istream& in, const std::string& name) {
   bool isFirst = true;
   while (lines.nextFilled()) {
     auto persons = parsePersons(lines.line());
-    if (!persons && !isFirst) {
+    if (!persons && !(isFirst && isHeader(lines.line()))) {
       throw lines.error("the persons of a group are expected, whole numbers from 0 on");
     }
     isFirst = false;

@@ -79,18 +79,22 @@ void DecisionLog::take(const std::string& line) {
 void DecisionLog::takeInput(const std::string& line) {
   std::int64_t id = 0;
   if (std::sscanf(line.c_str(), "TPO id: %" SCNd64, &id) == 1) {
-    m_person = id;
+    m_person = knownId(id);
   } else if (std::sscanf(line.c_str(), "   id: %" SCNd64, &id) == 1) {
-    m_personOf.try_emplace(id, m_person);
+    m_personOf.try_emplace(knownId(id), m_person);
   }
 }
 
 void DecisionLog::takeProcessedMobiles(const std::string& line) {
-  std::int64_t id = 0;
-  int length = 0;
-  for (const char* at = line.c_str();
-       std::sscanf(at, "%" SCNd64 " (%*[^)]), %n", &id, &length) == 1; at += length) {
-    m_processed.insert(id);
+  const char* at = line.c_str();
+  for (;;) {
+    std::int64_t id = 0;
+    int length = 0;  // stays 0 where the text behind an id is another than expected
+    if (std::sscanf(at, "%" SCNd64 " (%*[^)]), %n", &id, &length) != 1 || length == 0) {
+      return;
+    }
+    m_processed.insert(knownId(id));
+    at += length;
   }
 }
 
@@ -101,8 +105,9 @@ void DecisionLog::takeCoherence(const std::string& line) {
   double coherence = 0.0;
   CoherenceParts parts;
   const auto addWith = [&](DecisionKind kind, std::optional<int> about,
-                           const std::vector<std::int64_t>& mobiles) {
-    add(kind, about, mobiles).coherence = coherence;
+                           std::vector<std::int64_t> mobiles) {
+    std::transform(mobiles.begin(), mobiles.end(), mobiles.begin(), knownId);
+    add(kind, about, std::move(mobiles)).coherence = coherence;
   };
   if (const char* text = from(line, "not adding mobile ");
       text && std::sscanf(text,
@@ -145,7 +150,7 @@ void DecisionLog::takeCreation(const std::string& line) {
   if (std::sscanf(line.c_str(), "created new group with mobile %" SCNd64 " and id=%d", &mobile,
                   &group) == 2) {
     if (!m_decisions.empty() && m_decisions.back().kind == DecisionKind::notFounded &&
-        m_decisions.back().mobiles == std::vector<std::int64_t>{mobile}) {
+        m_decisions.back().mobiles == std::vector{knownId(mobile)}) {
       m_decisions.back().kind = DecisionKind::foundedByAncestry;  // it was founded after all
       m_decisions.back().group = group;
     }
@@ -156,7 +161,7 @@ void DecisionLog::takeCreation(const std::string& line) {
     int step = 0;
     for (const char* at = line.c_str() + length;
          std::sscanf(at, "%" SCNd64 " %n", &mobile, &step) == 1; at += step) {
-      mobiles.push_back(mobile);
+      mobiles.push_back(knownId(mobile));
     }
     add(DecisionKind::foundedByCluster, group, std::move(mobiles));
   } else if (const char* text = from(line, "remove group ");

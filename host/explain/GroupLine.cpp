@@ -43,7 +43,7 @@ std::optional<GroupLine> GroupLine::parse(const std::string& line) {
     if (end == at) {
       break;
     }
-    group.mobiles.push_back(mobile);
+    group.mobiles.push_back(knownId(mobile));
   }
   const auto endFrame = line.find("endFrame=");
   if (endFrame == std::string::npos ||

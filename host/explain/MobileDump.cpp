@@ -38,10 +38,13 @@ void MobileDump::readFrame() {
                     "mobile %" SCNd64 " @ frame %d has best father %" SCNd64
                     " has best son %" SCNd64 " and is in group %d",
                     &id, &mobile.frame, &mobile.bestFather, &mobile.bestSon, &mobile.group) == 5) {
-      latest = &m_mobiles.insert_or_assign(id, mobile).first->second;
+      mobile.bestFather = knownId(mobile.bestFather);
+      mobile.bestSon = knownId(mobile.bestSon);
+      latest = &m_mobiles.insert_or_assign(knownId(id), mobile).first->second;
     } else if (latest != nullptr &&
                std::sscanf(line, "\tlink from %" SCNd64 " to %*d with reliability %lf",
                            &link.father, &link.reliability) == 2) {
+      link.father = knownId(link.father);
       latest->links.push_back(link);
     }
   }

@@ -17,8 +17,8 @@ namespace grouptracker {
 ///     mobile 51 @ frame 18 has best father 46 has best son 56 and is in group 3
 ///     	link from 46 to 51 with reliability 0.9
 ///
-/// Ids are signed, `none` where there is none. Lines of other kinds are passed over; a file without
-/// any frame is an `InputError`.
+/// Ids are shown with a sign, `none` where there is none. Lines of other kinds are passed over; a
+/// file without any frame is an `InputError`.
 class MobileDump {
  public:
   struct Link {

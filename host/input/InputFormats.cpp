@@ -85,7 +85,7 @@ OpenedInput openScene(const std::string& path, const InputOptions& options) {
       estimateCamera(peopleBoxes(path), input);
     }
   }
-  input.frames = std::make_unique<SceneReader>(path, input.calibration, options.wakeDescriptor);
+  input.frames = std::make_unique<SceneReader>(path, input.calibration);
   return input;
 }
 
@@ -240,6 +240,18 @@ std::vector<std::string> inputFormats() {
     keys.emplace_back(format.key);
   }
   return keys;
+}
+
+std::vector<std::string> filesWithin(const std::string& path) {
+  std::error_code unreadable;
+  std::vector<std::string> files;
+  if (fs::is_directory(path, unreadable)) {
+    for (const char* const name :
+         {"obsmat.txt", "H.txt", "seqinfo.ini", "gt/gt.txt", "det/det.txt"}) {
+      files.push_back(fs::path(path) / name);
+    }
+  }
+  return files;
 }
 
 OpenedInput openInput(const std::string& path, const InputOptions& options) {

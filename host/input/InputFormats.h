@@ -33,4 +33,7 @@ struct PeopleView {
 /// `InputError`.
 PeopleView readPeopleView(const std::string& path, const InputOptions& options);
 
+/// The files within an input's folder that are read when it is one; none for an input of one file.
+std::vector<std::string> filesWithin(const std::string& path);
+
 }  // namespace grouptracker

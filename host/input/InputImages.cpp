@@ -3,6 +3,9 @@
 #include "host/base/InputError.h"
 #include "host/base/InputFile.h"
 
+#include <QImageReader>
+#include <QSize>
+#include <QString>
 #include <fmt/format.h>
 #include <opencv2/imgcodecs.hpp>
 
@@ -30,14 +33,44 @@ class WithoutImages : public FrameSource {
   std::unique_ptr<FrameSource> m_source;
 };
 
+std::int64_t mostPixels = usualMostPixels;
+
+bool isTooLarge(std::int64_t width, std::int64_t height) {
+  return width > 0 && height > 0 && width > mostPixels / height;
+}
+
+std::string tooLarge(std::int64_t width, std::int64_t height) {
+  return fmt::format("has {}x{} pixels, more than --max-pixels {}", width, height, mostPixels);
+}
+
+/// The size as the head of the file tells it; empty for a form of which Qt knows nothing.
+QSize sizeInHead(const std::filesystem::path& file) {
+  QImageReader reader(QString::fromStdString(file.string()));
+  reader.setDecideFormatFromContent(true);
+  return reader.size();
+}
+
 }  // namespace
+
+void limitPixels(std::int64_t most) {
+  mostPixels = most;
+}
 
 cv::Mat readImage(const std::filesystem::path& file, const std::string& place) {
   cv::Mat pixels;
-  try {
-    pixels = cv::imread(file.string(), cv::IMREAD_COLOR);
-  } catch (const cv::Exception&) {
-    pixels.release();  // the same as a file that is no image
+  std::error_code unreadable;
+  // Nothing but a file: a pipe or a device could be waited for without end.
+  if (std::filesystem::is_regular_file(file, unreadable)) {
+    const QSize size = sizeInHead(file);
+    if (isTooLarge(size.width(), size.height())) {
+      throw InputError(place,
+                       "the image " + file.string() + " " + tooLarge(size.width(), size.height()));
+    }
+    try {
+      pixels = cv::imread(file.string(), cv::IMREAD_COLOR);
+    } catch (const cv::Exception&) {
+      pixels.release();  // the same as a file that is no image
+    }
   }
   if (pixels.empty()) {
     throw InputError(place, "the image " + file.string() + " is missing or not readable");
@@ -115,6 +148,11 @@ VideoImages::VideoImages(std::unique_ptr<FrameSource> source, const std::string&
   }
   if (!m_video.isOpened()) {
     throw InputError(file, "neither a folder of images nor a readable video");
+  }
+  const auto width = static_cast<std::int64_t>(m_video.get(cv::CAP_PROP_FRAME_WIDTH));
+  const auto height = static_cast<std::int64_t>(m_video.get(cv::CAP_PROP_FRAME_HEIGHT));
+  if (isTooLarge(width, height)) {
+    throw InputError(file, tooLarge(width, height));
   }
 }
 

@@ -14,7 +14,14 @@
 
 namespace grouptracker {
 
-/// Reads an image in colour. A file that is no readable image is an `InputError` at `place`.
+/// Lets images and videos have at most so many pixels: their size is looked at before they are
+/// decoded, since a small file may unfold to more than the memory holds. Holds for the whole
+/// program; to be said before the first image.
+void limitPixels(std::int64_t most);
+inline constexpr std::int64_t usualMostPixels = 100'000'000;
+
+/// Reads an image in colour. A file that is no readable image or has too many pixels is an
+/// `InputError` at `place`.
 cv::Mat readImage(const std::filesystem::path& file, const std::string& place);
 
 /// Loads the images of an input's frames from their files. A file that is no readable image and an

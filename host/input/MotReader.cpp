@@ -103,9 +103,16 @@ std::unique_ptr<ObservationTable> readMot(std::istream& in, const std::string& n
   auto table = std::make_unique<ObservationTable>(name, onProblem);
   LineReader lines(in, name, longestRow);
   std::vector<double> row;
+  std::size_t before = 0;  // columns of the line before
   while (lines.nextFilled()) {
     try {
       parseCommaNumbers(lines.line(), row);
+      if (!lines.hasEnd() && row.size() >= fewestColumns && row.size() < before) {
+        // It would pass for a line of another kind.
+        throw ValueProblem("the line is cut: " + std::to_string(row.size()) + " numbers, " +
+                           std::to_string(before) + " on the line before");
+      }
+      before = row.size();
       addRow(row, lines.number(), choice, *table);
     } catch (const ValueProblem& problem) {
       onProblem(lines.error(problem.what()));

@@ -37,7 +37,6 @@ struct InputOptions {
   ProblemHandler onProblem = throwProblem;
   /// Hears of what is hardly meant and shows only while the input is read.
   std::function<void(const std::string&)> onWarning = [](const std::string&) {};
-  int wakeDescriptor = -1;  ///< becomes readable when the program is asked to stop
 };
 
 /// An input that is ready to be read.

@@ -31,9 +31,9 @@ SceneReader::SceneReader(std::istream& in, const std::string& name,
       m_calibration(std::move(calibration)),
       m_mobiles(window) {}
 
-SceneReader::SceneReader(const std::string& path, Calibration calibration, int wakeDescriptor)
+SceneReader::SceneReader(const std::string& path, Calibration calibration)
     : m_path(path),
-      m_file(std::make_unique<InputFile>(path, wakeDescriptor)),
+      m_file(std::make_unique<InputFile>(path)),
       m_lines(m_file->stream(), path == "-" ? "standard input" : path),
       m_imageFolder(path == "-" ? std::filesystem::path()
                                 : std::filesystem::path(path).parent_path()),

@@ -33,7 +33,7 @@ class SceneReader : public FrameSource {
   SceneReader(std::istream& in, const std::string& name, std::filesystem::path imageFolder,
               Calibration calibration, std::size_t window = MobileStore::defaultWindow);
   /// Opens a file, or standard input with the path "-".
-  SceneReader(const std::string& path, Calibration calibration, int wakeDescriptor);
+  SceneReader(const std::string& path, Calibration calibration);
 
   bool next(InputFrame& frame) override;
   std::optional<std::uint64_t> totalFrames() override;

@@ -83,7 +83,7 @@ bool ObservationTable::next(ObservationStep& step) {
       step.observations.push_back(row.observation);
     }
     if (!m_rows.next(row)) {
-      m_stepsLeft = static_cast<std::uint64_t>((m_finalFrame - frame) / m_frameStep);
+      m_stepsLeft = stepsToTheEnd(frame);
       return true;
     }
   }
@@ -157,7 +157,7 @@ void ObservationTable::countSteps() {
   std::int64_t last = m_firstFrame.value_or(0);
   m_totalSteps = m_firstFrame ? 1 : 0;
   for (ObservationRow row; m_rows.next(row); last = row.frame) {
-    if (stepsBetween(last, row.frame) > longestGap) {
+    if (isJump(row.frame - last)) {
       m_onProblem({m_name, row.line,
                    m_hasTimes
                        ? fmt::format("the time jumps from {} to {}", momentText(last),
@@ -166,11 +166,10 @@ void ObservationTable::countSteps() {
     }
     m_totalSteps += static_cast<std::uint64_t>(stepsBetween(last, row.frame));
   }
-  const std::int64_t after = (m_finalFrame - last) / m_frameStep;
-  if (after > longestGap) {
+  if (isJump(m_finalFrame - last)) {
     m_onProblem({m_name, fmt::format("nobody is seen from frame {} to {}", last, m_finalFrame)});
   }
-  m_totalSteps += static_cast<std::uint64_t>(after);
+  m_totalSteps += stepsToTheEnd(last);
 }
 
 void ObservationTable::restart() {
@@ -185,15 +184,27 @@ void ObservationTable::restart() {
     m_nextFrame = row.frame - static_cast<std::int64_t>(m_stepsLeft) * m_frameStep;
   } else if (m_firstFrame) {
     m_nextFrame = *m_firstFrame;
-    m_stepsLeft = static_cast<std::uint64_t>(m_finalFrame - *m_firstFrame) + 1;
+    m_stepsLeft = stepsToTheEnd(*m_firstFrame) + 1;
   }
 }
 
-// A gap that is no multiple of the step is rounded, so that time goes on at its usual pace.
+// A gap that is no multiple of the step is rounded, so that time goes on at its usual pace. Whoever
+// reads on behind a jump has been told of it and need not live through the time of a typing error.
 std::int64_t ObservationTable::stepsBetween(std::int64_t earlier, std::int64_t later) const {
   const std::int64_t difference = later - earlier;
-  return difference == 0 ? 0
-                         : std::max<std::int64_t>(1, (difference + m_frameStep / 2) / m_frameStep);
+  if (difference == 0 || isJump(difference)) {
+    return difference == 0 ? 0 : 1;
+  }
+  return std::max<std::int64_t>(1, (difference + m_frameStep / 2) / m_frameStep);
+}
+
+std::uint64_t ObservationTable::stepsToTheEnd(std::int64_t last) const {
+  const std::int64_t difference = m_finalFrame - last;
+  return isJump(difference) ? 0 : static_cast<std::uint64_t>(difference / m_frameStep);
+}
+
+bool ObservationTable::isJump(std::int64_t difference) const {
+  return difference / m_frameStep > longestGap;
 }
 
 }  // namespace grouptracker

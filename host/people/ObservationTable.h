@@ -58,6 +58,10 @@ class ObservationTable : public ObservationSource {
   void countSteps();
   void restart();
   std::int64_t stepsBetween(std::int64_t earlier, std::int64_t later) const;
+  /// The empty steps behind the last row.
+  std::uint64_t stepsToTheEnd(std::int64_t last) const;
+  /// Whether frame numbers this far apart are a typing error rather than a pause.
+  bool isJump(std::int64_t difference) const;
   void startStep(std::int64_t frame, ObservationStep& step);
   std::string momentText(std::int64_t frame) const;
 

@@ -1,12 +1,15 @@
 #include "host/pictures/PictureWriter.h"
 
+#include "host/base/OutputError.h"
 #include "host/pictures/VideoFile.h"
 
 #include <algorithm>
+#include <system_error>
 
 namespace grouptracker {
 
-PictureWriter::PictureWriter(const PictureOptions& options) : m_painter(options.showsTopView) {
+PictureWriter::PictureWriter(const PictureOptions& options)
+    : m_path(options.path), m_painter(options.showsTopView) {
   if (!options.path.empty()) {
     m_targets.push_back(std::make_shared<VideoFile>(options.path, options.rate));
   }
@@ -21,9 +24,22 @@ void PictureWriter::write(const RunStep& step) {
   if (!step.inputFrame || !isWanted) {
     return;
   }
+  refuseImagesOfInput(step);
   const cv::Mat picture = m_painter.paint(step);
   for (const auto& target : m_targets) {
     target->add(picture, step.reportedFrame);
+  }
+}
+
+void PictureWriter::refuseImagesOfInput(const RunStep& step) {
+  const std::filesystem::path folder = step.imageFile.parent_path();
+  if (m_path.empty() || step.imageFile.empty() || folder == m_knownFolder) {
+    return;
+  }
+  m_knownFolder = folder;
+  std::error_code isMissing;
+  if (std::filesystem::equivalent(folder.empty() ? "." : folder, m_path, isMissing)) {
+    throw OutputError(m_path, "would overwrite the images of the input");
   }
 }
 

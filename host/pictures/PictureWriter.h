@@ -4,7 +4,9 @@
 #include "host/pictures/StepPainter.h"
 #include "host/run/StepSink.h"
 
+#include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -27,6 +29,11 @@ class PictureWriter : public StepSink {
   void finish() override;
 
  private:
+  /// Images that were not read yet would be lost.
+  void refuseImagesOfInput(const RunStep& step);
+
+  std::string m_path;
+  std::optional<std::filesystem::path> m_knownFolder;  ///< of the image before
   StepPainter m_painter;
   std::vector<std::shared_ptr<PictureTarget>> m_targets;
 };

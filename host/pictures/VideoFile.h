@@ -1,17 +1,20 @@
 #pragma once
 
+#include "host/base/FileDescriptor.h"
+#include "host/pictures/Film.h"
 #include "host/pictures/PictureTarget.h"
 
 #include <opencv2/core.hpp>
-#include <opencv2/videoio.hpp>
 
+#include <memory>
 #include <string>
 
 namespace grouptracker {
 
-/// A film, for a path with the ending of one (.mp4, .mkv, .avi), or a folder of numbered
-/// PNG images, for a path without ending or a folder that is there. The place is tried at once; one
-/// that cannot be written, or has another ending, is an `OutputError`.
+/// A film, for a path with the ending of one (.mp4, .mkv, .avi), or a folder of numbered PNG
+/// images, for a path without ending or a folder that is there; each image is there as a whole or
+/// not at all. The place is tried and locked at once; one that cannot be written is an
+/// `OutputError`.
 class VideoFile : public PictureTarget {
  public:
   /// `rate` is in pictures per second.
@@ -25,13 +28,11 @@ class VideoFile : public PictureTarget {
   void finish() override;
 
  private:
-  void open(cv::Size size);
-  [[noreturn]] void fail(const std::string& reason) const;
+  void openFolder();
 
   std::string m_path;
-  double m_rate;
-  bool m_isFilm;
-  cv::VideoWriter m_film;
+  std::unique_ptr<Film> m_film;  ///< null for a folder
+  FileDescriptor m_folder;       ///< not open for a film
 };
 
 }  // namespace grouptracker

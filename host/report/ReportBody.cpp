@@ -14,7 +14,7 @@ ReportBody::~ReportBody() = default;
 
 template <typename Number>
 void ReportBody::append(const char* name, const char* type, const std::vector<Number>& values) {
-  constexpr int alignment = 4;  // bytes, as typed arrays want it
+  constexpr int alignment = 8;  // bytes, as typed arrays want it
   m_bytes.append((alignment - m_bytes.size() % alignment) % alignment, '\0');
   m_list->push_back(
       {{"name", name}, {"type", type}, {"offset", m_bytes.size()}, {"length", values.size()}});
@@ -26,6 +26,7 @@ template void ReportBody::append(const char*, const char*, const std::vector<std
 template void ReportBody::append(const char*, const char*, const std::vector<std::int16_t>&);
 template void ReportBody::append(const char*, const char*, const std::vector<std::int32_t>&);
 template void ReportBody::append(const char*, const char*, const std::vector<std::uint32_t>&);
+template void ReportBody::append(const char*, const char*, const std::vector<double>&);
 
 QByteArray ReportBody::packed() const {
   constexpr int best = 9;

@@ -10,8 +10,8 @@
 
 namespace grouptracker {
 
-/// The numbers of a report as the page reads them: arrays of little-endian integers one after the
-/// other, each at a multiple of four bytes, and a list that says where each one lies.
+/// The numbers of a report as the page reads them: little-endian arrays one after the other,
+/// each at a multiple of eight bytes, and a list that says where each one lies.
 class ReportBody {
  public:
   ReportBody();
@@ -31,6 +31,7 @@ class ReportBody {
   void add(const char* name, const std::vector<std::uint32_t>& values) {
     append(name, "u32", values);
   }
+  void add(const char* name, const std::vector<double>& values) { append(name, "f64", values); }
 
   /// Name, type, offset in bytes and length of each array.
   const nlohmann::json& list() const { return *m_list; }

@@ -28,7 +28,7 @@ bool fitsStep(std::int32_t from, std::int32_t to) {
 void ReportData::addFrame(std::int64_t inputFrame, const std::vector<RunPerson>& persons) {
   const auto frame = static_cast<std::uint32_t>(m_frameNumbers.size());
   m_indexOf.emplace(inputFrame, frame);
-  m_frameNumbers.push_back(static_cast<std::int32_t>(inputFrame));
+  m_frameNumbers.push_back(static_cast<double>(inputFrame));
   m_isDecided.push_back(0);
   std::map<std::uint32_t, Run> now;
   for (const RunPerson& person : persons) {
@@ -210,7 +210,9 @@ void ReportData::fill(ReportBody& body) {
 void ReportData::fillGroups(ReportBody& body) const {
   constexpr std::int64_t mostGaps = 200;  // side by side
   const std::int64_t span =
-      m_frameNumbers.empty() ? 0 : std::int64_t{m_frameNumbers.back()} - m_frameNumbers.front();
+      m_frameNumbers.empty()
+          ? 0
+          : static_cast<std::int64_t>(m_frameNumbers.back() - m_frameNumbers.front());
   std::vector<std::uint32_t> ids;
   std::vector<std::uint32_t> lanes;
   std::vector<std::uint8_t> colours;

@@ -82,7 +82,7 @@ class ReportData {
   void endRun(const Run& run);
   void fillGroups(ReportBody& body) const;
 
-  std::vector<std::int32_t> m_frameNumbers;
+  std::vector<double> m_frameNumbers;  ///< exact up to 2^53
   std::unordered_map<std::int64_t, std::uint32_t> m_indexOf;
   std::vector<std::uint8_t> m_isDecided;                ///< by frame: whether a step was about it
   std::optional<std::vector<std::uint8_t>> m_verdicts;  ///< by frame; none without truth

@@ -2,6 +2,7 @@
 
 #include <QMap>
 #include <QString>
+#include <QStringList>
 #include <QVariant>
 
 #include <cmath>
@@ -100,6 +101,14 @@ RunStep TrackerRun::advance(const InputFrame& frame) {
     step.groups.push_back(describe(*group));
   }
   return step;
+}
+
+std::optional<OutputError> TrackerRun::outputProblem() const {
+  const QStringList problem =
+      m_process->getSpecificParameters().value("outputProblem").toStringList();
+  return problem.size() == 2
+             ? std::optional(OutputError(problem[0].toStdString(), problem[1].toStdString()))
+             : std::nullopt;
 }
 
 void TrackerRun::note(const InputFrame& frame) {

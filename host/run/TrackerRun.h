@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/base/OutputError.h"
 #include "host/people/InputFrame.h"
 #include "host/run/MobileOwners.h"
 #include "host/run/RunStep.h"
@@ -12,6 +13,7 @@
 #include <cstdint>
 #include <deque>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -54,6 +56,9 @@ class TrackerRun {
   /// The steps still owed when the input has ended: none, since the process decides no frame before
   /// the delay has passed.
   RunSteps finish() { return {}; }
+  /// What the process could not write at the latest frame, as an error that names the file; none
+  /// when all is written.
+  std::optional<OutputError> outputProblem() const;
   /// The number of frames handed over so far: the process counts the same way.
   std::uint32_t frame() const { return m_frame; }
 

@@ -82,6 +82,12 @@ TEST_F(Evaluate, RefusesATruthForOtherPeople) {
             "others.txt:1: no group has two members in view together in groups.jsonl\n");
 }
 
+TEST_F(Evaluate, SaysThatStandardOutputCannotBeWritten) {
+  program.process().setStandardOutputFile("/dev/full");
+  EXPECT_EQ(program.run({"evaluate", "groups.jsonl", "--truth", "walk/groups.txt"}), 4);
+  EXPECT_EQ(program.errors(), "standard output: cannot be written: No space left on device\n");
+}
+
 TEST_F(Evaluate, NamesTheLineThatIsWrong) {
   folder.write("groups.jsonl", text("groups.jsonl") + "{\"frame\": 21");
   EXPECT_EQ(program.run({"evaluate", "groups.jsonl", "--truth", "walk/groups.txt"}), 2);

@@ -146,6 +146,28 @@ TEST_F(Explanation, OfAReplayedRunIsInItsStepsAndNamesTheFramesOfTheInput) {
               StartsWith("frame 70 (decided 2 frames later): group 1 merged into it\n"));
 }
 
+// A list of the mobiles that says something else behind an id used to be read without end.
+TEST(DecisionLog, PassesOverListsOfMobilesThatItDoesNotKnow) {
+  std::istringstream in(
+      "********** Frame 3 *************\nmobiles at processed frame 1:\n1 (A(b)), \n12 ), \n");
+  EXPECT_TRUE(DecisionLog::read(in, "lines.txt", nullptr).decisions().empty());
+}
+
+// The tracker shows ids with a sign.
+TEST(DecisionLog, KnowsPersonsAndMobilesFromTwoToTheThirtyFirstOn) {
+  std::istringstream in(
+      "********** Frame 3 *************\nTPO id: -294967296\n   id: -1294967295,    type: PERSON,\n"
+      "TPO id: 7\n   id: -1294967294,    type: PERSON,\nmobiles at processed frame 1:\n"
+      "-1294967295 (PERSON), -1294967294 (PERSON), \n"
+      "created group 0 from pair -1294967295 and -1294967294 with group coherence 1.000000\n"
+      "------------ Groups:\n- 0, mobiles: -1294967295 -1294967294 startFrame=1, endFrame=-1, "
+      "isUpdated=true\n--------------------\n");
+  const DecisionLog log = DecisionLog::read(in, "lines.txt", nullptr);
+  EXPECT_THAT(log.membersAt(0, 1), ElementsAre(7, 4000000000));
+  ASSERT_EQ(log.decisions().size(), 1U);
+  EXPECT_THAT(log.decisions()[0].mobiles, ElementsAre(3000000001, 3000000002));
+}
+
 TEST(ExplainCommand, AnswersForARunAndRefusesWhatIsNoRun) {
   const TempFolder folder;
   folder.write("p.txt", sampleParameters());

@@ -3,14 +3,15 @@
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
 
 constexpr std::size_t piecesAtOnce = 1024;  // that the system takes in one call
 
-// Writes all pieces, each of which is shortened by what is written of it.
-void writeAll(int file, iovec* piece, const iovec* end) {
+// Writes all pieces, each of which is shortened by what is written of it; false when it cannot.
+bool writeAll(int file, iovec* piece, const iovec* end) {
   while (piece != end) {
     const auto count = std::min(static_cast<std::size_t>(end - piece), piecesAtOnce);
     const ssize_t result = writev(file, piece, static_cast<int>(count));
@@ -18,7 +19,7 @@ void writeAll(int file, iovec* piece, const iovec* end) {
       continue;
     }
     if (result <= 0) {
-      return;
+      return false;
     }
     auto written = static_cast<std::size_t>(result);
     while (piece != end && written >= piece->iov_len) {
@@ -30,6 +31,7 @@ void writeAll(int file, iovec* piece, const iovec* end) {
       piece->iov_len -= written;
     }
   }
+  return true;
 }
 
 }  // namespace
@@ -41,11 +43,21 @@ void GatheredText::add(std::string_view text) {
   }
 }
 
-void GatheredText::appendTo(const std::string& fileName) {
+bool GatheredText::appendTo(const std::string& fileName) {
   constexpr int mode = 0666;
   const int file = open(fileName.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, mode);
-  if (file >= 0) {
-    writeAll(file, m_pieces.data(), m_pieces.data() + m_pieces.size());
-    close(file);
+  if (file < 0) {
+    return false;
   }
+  struct stat before = {};
+  const bool canBeCut = fstat(file, &before) == 0 && S_ISREG(before.st_mode);
+  const bool isWritten = writeAll(file, m_pieces.data(), m_pieces.data() + m_pieces.size());
+  const int reason = errno;
+  if (!isWritten && canBeCut) {
+    // No part of it, such as half a line, is better than a part.
+    [[maybe_unused]] const int ignored = ftruncate(file, before.st_size);
+  }
+  close(file);
+  errno = reason;
+  return isWritten;
 }

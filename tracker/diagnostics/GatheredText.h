@@ -11,9 +11,10 @@ class GatheredText {
  public:
   void clear() { m_pieces.clear(); }
   void add(std::string_view text);
-  /// Appends everything to the file, which is made when there is none. A file that cannot be
-  /// written gets nothing, or as much as fits.
-  void appendTo(const std::string& fileName);
+  /// Appends everything to the file, which is made when there is none; false, with the reason in
+  /// `errno`, when it cannot be written. A file then keeps what it had, a pipe or a device got as
+  /// much as went through.
+  bool appendTo(const std::string& fileName);
 
  private:
   std::vector<iovec> m_pieces;

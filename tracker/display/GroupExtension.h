@@ -7,6 +7,7 @@
 #include <QImage>
 #include <QSharedPointer>
 #include <QString>
+#include <QStringList>
 #include <opencv2/core/types.hpp>
 
 #include <list>
@@ -71,6 +72,8 @@ class GroupExtension {
 
   /// Draws on the current image and saves it, when `saveOutput` is set and there is an image.
   void saveOutputWithOpenCV();
+  /// The file of the image that could not be saved just now, and why; empty when nothing failed.
+  const QStringList& saveProblem() const { return m_saveProblem; }
 
   /// The current image with boxes, groups and cluster centres, for the screen; a null image when
   /// neither display nor saving is on or the image cannot be converted. Texts need a
@@ -103,6 +106,7 @@ class GroupExtension {
   void paintMarks(QPainter& painter) const;
 
   int m_frameNumber = 0;
+  QStringList m_saveProblem;
   std::list<Bbox> m_bboxes;
   std::list<Bbox> m_inclBboxes;
   std::list<DisplayGroup> m_displayGroups;

@@ -3,12 +3,15 @@
 #include "tracker/diagnostics/Diagnostics.h"
 #include "tracker/display/GroupExtension.h"
 
+#include <QFileInfo>
+#include <QSaveFile>
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
 
 #include <algorithm>
 #include <exception>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -58,17 +61,26 @@ std::string toText(unsigned int id) {
   return std::to_string(static_cast<int>(id));
 }
 
-bool save(const std::string& name, const cv::Mat& pixels) {
+/// Puts the image in place as a whole. Returns why it cannot; nothing when it can.
+QString save(const QString& name, const cv::Mat& pixels) {
+  std::vector<uchar> bytes;
   try {
-    return cv::imwrite(name, pixels);
-  } catch (const std::exception&) {  // no writer for such a name, for one
-    return false;
+    cv::imencode("." + QFileInfo(name).suffix().toStdString(), pixels, bytes);
+  } catch (const std::exception&) {
+    return "no image can have this name";
   }
+  const auto size = static_cast<qint64>(bytes.size());
+  QSaveFile file(name);
+  const bool isSaved = file.open(QIODevice::WriteOnly) &&
+                       file.write(reinterpret_cast<const char*>(bytes.data()), size) == size &&
+                       file.commit();
+  return isSaved ? QString() : file.errorString();
 }
 
 }  // namespace
 
 void GroupExtension::saveOutputWithOpenCV() {
+  m_saveProblem.clear();
   if (!saveOutput || drawnFrame() < 0) {
     return;
   }
@@ -82,8 +94,10 @@ void GroupExtension::saveOutputWithOpenCV() {
     drawGroup(pixels, group);
   }
   const std::string name = outputImageName(drawnFrame());
-  if (!save(name, pixels)) {
+  const QString reason = save(QString::fromStdString(name), pixels);
+  if (!reason.isEmpty()) {
     Diagnostics::print("Could not save: {}\n", name);
+    m_saveProblem = QStringList{QString::fromStdString(name), "cannot be written: " + reason};
   }
 }
 

@@ -11,7 +11,9 @@ class GroupTrackerProcessGroupTrackerPrivate;
 /// "temporalWinSize:" frames back.
 ///
 /// Two named parameters of an instance are read by `init()`: "diagnostics" (false: nothing is
-/// printed) and "mobileDump" (false: no dump of the mobiles; a text: the dump's file name).
+/// printed) and "mobileDump" (false: no dump of the mobiles; a text: the dump's file name). A third
+/// one, "outputProblem", is set by `process()` when a file could not be written at this frame: the
+/// file and what is wrong, a list of two texts. The process itself goes on.
 class GroupTrackerProcessGroupTracker : public kelAbstractProcessGroupTracker {
   Q_OBJECT
  public:

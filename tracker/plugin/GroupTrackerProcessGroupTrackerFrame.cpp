@@ -11,6 +11,8 @@
 
 namespace {
 
+const char* const outputProblem = "outputProblem";  // of the named parameters
+
 constexpr int eventMemory = 49;      // frames for which a merge or split stays in the output
 constexpr float sceneReach = 10000;  // metres; half the side of the box that every group reports
 
@@ -100,6 +102,7 @@ void GroupTrackerProcessGroupTracker::process() {
   d().track();
   d().reportGroups();
   d().drawOutput();
+  d().tellProblems();
 }
 
 bool GroupTrackerProcessGroupTrackerPrivate::displays() {
@@ -210,6 +213,23 @@ QSharedPointer<kelDataActor> GroupTrackerProcessGroupTrackerPrivate::actorOf(con
   actor->addSpecificProperty("Merge", recentEvent(group.getMerges(), reportedFrame));
   actor->addSpecificProperty("Split", recentEvent(group.getSplits(), reportedFrame));
   return actor;
+}
+
+// A dump that nobody asked for by name is nobody's loss where no file can be made.
+void GroupTrackerProcessGroupTrackerPrivate::tellProblems() {
+  QStringList problem = extension->saveProblem();
+  const MobileDump& dump = tracker.mobileDump();
+  const bool isWanted =
+      dump.hasWritten() || specificParameters.value("mobileDump").type() == QVariant::String;
+  if (!dump.problem().empty() && isWanted) {
+    problem = QStringList{QString::fromStdString(dump.file()),
+                          "cannot be written: " + QString::fromStdString(dump.problem())};
+  }
+  if (problem.isEmpty()) {
+    specificParameters.remove(outputProblem);
+  } else {
+    specificParameters.insert(outputProblem, problem);
+  }
 }
 
 void GroupTrackerProcessGroupTrackerPrivate::drawOutput() {

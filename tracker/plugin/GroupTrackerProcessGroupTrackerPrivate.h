@@ -53,6 +53,7 @@ class GroupTrackerProcessGroupTrackerPrivate : public kelAbstractProcessGroupTra
   void track();
   void reportGroups();
   void drawOutput();
+  void tellProblems();
 
   GroupTracker tracker;
   QSharedPointer<kelDataImage> delayedImage;  ///< null until the queue has filled

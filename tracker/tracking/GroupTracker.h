@@ -58,6 +58,7 @@ class GroupTracker {
 
   /// The file to which the remembered mobiles are dumped at every intake; empty for no dump.
   void setMobileDump(const std::string& fileName) { m_dump.setFile(fileName); }
+  const MobileDump& mobileDump() const { return m_dump; }
 
   // The scene's bounds on the ground, metres
 

@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <limits>
 
 namespace {
@@ -33,7 +35,8 @@ void MobileDump::write(unsigned int frame, const RememberedNodes& mobiles) {
     oldest = std::min(oldest, node->getIntakeNumber());
   }
   m_pieces.add("--------------------\n");
-  m_pieces.appendTo(m_file);
+  m_problem = m_pieces.appendTo(m_file) ? "" : std::strerror(errno);
+  m_hasWritten = m_hasWritten || m_problem.empty();
   forgetBefore(oldest);
 }
 

@@ -22,8 +22,14 @@ class MobileDump {
   /// The file that the dumps are appended to; empty for none.
   void setFile(const std::string& name) { m_file = name; }
 
-  /// Appends the dump of a frame. A file that cannot be written is not reported.
+  /// Appends the dump of a frame. For a file that cannot be written see `problem()`.
   void write(unsigned int frame, const RememberedNodes& mobiles);
+
+  /// Why the latest dump is not in the file, such as "No space left on device"; empty when it is.
+  const std::string& problem() const { return m_problem; }
+  const std::string& file() const { return m_file; }
+  /// Whether any dump is in the file.
+  bool hasWritten() const { return m_hasWritten; }
 
  private:
   /// The texts of one node, with what the node said when they were made.
@@ -45,6 +51,8 @@ class MobileDump {
   void forgetBefore(std::size_t number);
 
   std::string m_file;
+  std::string m_problem;
+  bool m_hasWritten = false;
   std::deque<Texts> m_texts;    ///< in the order in which the nodes were taken in
   std::size_t m_forgotten = 0;  ///< nodes whose texts came before these
   TextBuffer m_line;            ///< kept for its room; the texts get just the size

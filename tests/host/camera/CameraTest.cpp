@@ -219,6 +219,8 @@ TEST(Homography, SaysInWhichLineItIsWrong) {
   EXPECT_EQ(error("1 0 a\n"), "H.txt:1: a number is expected instead of \"a\"");
   EXPECT_EQ(error("1 0 0\n0 1 0\n"),
             "H.txt:3: three lines of three numbers are expected, the file ends before");
+  EXPECT_EQ(error("1 0 0\n0 1 0\n0 0 1\n\n0 0 1\n"),
+            "H.txt:5: a homography has three lines; this one is too many");
   EXPECT_EQ(error("1 0 0\n2 0 0\n0 0 1"), "H.txt:3: the homography cannot be inverted");
 }
 

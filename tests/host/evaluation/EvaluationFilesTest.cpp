@@ -28,6 +28,8 @@ TEST(GroupLists, NameTheWrongLine) {
   EXPECT_EQ(errorOf([] { listsOf("1 2\n3 x\n"); }),
             "groups.txt:2: the persons of a group are expected, whole numbers from 0 on");
   EXPECT_THAT(errorOf([] { listsOf("1 2\n3 -4\n"); }), testing::StartsWith("groups.txt:2: "));
+  EXPECT_THAT(errorOf([] { listsOf("1 2x\n3 4\n"); }), testing::StartsWith("groups.txt:1: "))
+      << "a header holds no numbers";
 }
 
 TEST(GroupsPerFrame, AreListsOrObjectsAndMayHaveIds) {

@@ -10,6 +10,7 @@
 #include <memory>
 #include <sstream>
 #include <string>
+#include <sys/stat.h>
 #include <vector>
 
 namespace grouptracker {
@@ -79,6 +80,24 @@ TEST(ImageLoader, RefusesImagesOfChangingSize) {
   EXPECT_EQ(errorOf([&] { loader.load(frame); }), "scene:3: the image " +
                                                       (folder.path() / "b.png").string() +
                                                       " has 24x32 pixels, the first has 32x24");
+}
+
+// A small file may unfold to more than the memory holds, and a pipe be waited for without end.
+TEST(Image, IsRefusedBeforeItIsDecodedWhenItIsTooLargeOrNoFile) {
+  const TempFolder folder;
+  const std::string file = folder.path() / "i.png";
+  cv::imwrite(file, image({64, 48}, 0));
+  limitPixels(64 * 48 - 1);
+  EXPECT_EQ(errorOf([&] { readImage(file, "s.jsonl:3"); }),
+            "s.jsonl:3: the image " + file + " has 64x48 pixels, more than --max-pixels 3071");
+  limitPixels(usualMostPixels);
+  EXPECT_EQ(readImage(file, "s.jsonl:3").cols, 64);
+  const std::string pipe = folder.path() / "pipe.png";
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  for (const std::string& name : {pipe, std::string("/dev/zero")}) {
+    EXPECT_EQ(errorOf([&] { readImage(name, "s.jsonl:3"); }),
+              "s.jsonl:3: the image " + name + " is missing or not readable");
+  }
 }
 
 }  // namespace

@@ -78,6 +78,8 @@ TEST(Mot, SaysInWhichLineItIsWrong) {
   const std::vector<BadText> cases{
       {"1,1,0,0,5,9\n1,2,0,0,5", "track.txt:2: 6 to 10 numbers are expected, not 5"},
       {"1,1,0,0,5,9,1,1,1,1,1", "track.txt:1: 6 to 10 numbers are expected, not 11"},
+      {"1,1,0,0,5,9,1,1,2,0\n1,2,0,0,5,9,1,1",
+       "track.txt:2: the line is cut: 8 numbers, 10 on the line before"},
       {"1,1,0,,5,9", "track.txt:1: a number is expected instead of \"\""},
       {"1,1,0,0,5,9x", "track.txt:1: a number is expected instead of \"9x\""},
       {"1,1,nan,0,5,9", "track.txt:1: a number is expected instead of \"nan\""},
@@ -99,6 +101,19 @@ TEST(Mot, SaysInWhichLineItIsWrong) {
   }
   EXPECT_EQ(errorOf([] { mot(std::string(1 << 20, '1')); }),
             "track.txt:1: the line is longer than 65536 bytes");
+}
+
+// Whoever looks for problems reads on behind a jump, but not through all the frames in between.
+TEST(Mot, PassesOverAJumpThatWasReported) {
+  std::istringstream in("1,1,0,0,9,9\n2,1,0,0,9,9\n3000000000,1,0,0,9,9\n3000000001,1,0,0,9,9\n");
+  std::vector<std::string> problems;
+  const auto table = readMot(in, "track.txt", {}, [&](const InputError& problem) {
+    problems.emplace_back(problem.what());
+  });
+  table->finish();
+  EXPECT_EQ(problems,
+            std::vector<std::string>{"track.txt:3: the frame number jumps from 2 to 3000000000"});
+  EXPECT_EQ(stepsOf(*table).size(), 4U);
 }
 
 TEST(Mot, SortsInBoundedMemoryLikeInMemory) {

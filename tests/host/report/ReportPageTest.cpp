@@ -38,15 +38,17 @@ class PageNumbers {
   }
   std::vector<std::int64_t> read(const nlohmann::json& array) const {
     const std::string type = array["type"];
-    const int size = type == "u8" ? 1 : type == "i16" ? 2 : 4;
+    const int size = type == "u8" ? 1 : type == "i16" ? 2 : type == "f64" ? 8 : 4;
     std::vector<std::int64_t> numbers;
     for (int i = 0; i < array["length"].get<int>(); ++i) {
       const char* at = m_bytes.constData() + array["offset"].get<int>() + i * size;
       std::int32_t wide = 0;
       std::int16_t narrow = 0;
+      double real = 0.0;
+      std::memcpy(&real, at, size == 8 ? 8 : 1);
       std::memcpy(&wide, at, size == 4 ? 4 : 1);
       std::memcpy(&narrow, at, size == 2 ? 2 : 1);
-      numbers.push_back(size == 2 ? narrow : wide);
+      numbers.push_back(size == 8 ? static_cast<std::int64_t>(real) : size == 2 ? narrow : wide);
     }
     return numbers;
   }
@@ -87,13 +89,13 @@ TEST(ReportData, StoresWaysAsRunsAndMembersAsSpans) {
   data.addFrame(780, {at(7, {1.0F, -2.0F})});
   data.addFrame(786, {at(7, {1.5F, -2.01F}), at(8, {0.0F, 0.0F})});
   data.addFrame(792, {at(8, {1000.0F, 0.0F})});  // too far for a step
-  data.addFrame(798, {at(7, {3.0F, 3.0F})});
+  data.addFrame(5'000'000'798, {at(7, {3.0F, 3.0F})});
   EXPECT_TRUE(data.addGroups(groupsAt(780, 4, {7, 8})));
   EXPECT_TRUE(data.addGroups(groupsAt(786, 4, {7})));
-  EXPECT_TRUE(data.addGroups(groupsAt(798, 4, {7})));
+  EXPECT_TRUE(data.addGroups(groupsAt(5'000'000'798, 4, {7})));
   EXPECT_FALSE(data.addGroups(groupsAt(781, 4, {7})));
   const PageNumbers page(makeReportPage(titled("</script>"), data, ImageStrip(), {}));
-  EXPECT_EQ(page["frameNumbers"], (Numbers{780, 786, 792, 798}));
+  EXPECT_EQ(page["frameNumbers"], (Numbers{780, 786, 792, 5'000'000'798}));
   EXPECT_EQ(page["runPerson"], (Numbers{8, 7, 8, 7}));
   EXPECT_EQ(page["runStart"], (Numbers{1, 0, 2, 3}));
   EXPECT_EQ(page["runLength"], (Numbers{1, 2, 1, 1}));

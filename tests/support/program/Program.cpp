@@ -16,6 +16,10 @@ Program::Program(const std::string& workingFolder) {
   m_process.setWorkingDirectory(QString::fromStdString(workingFolder));
 }
 
+std::string Program::path() {
+  return GROUPTRACKER_PROGRAM;
+}
+
 void Program::start(const QStringList& arguments) {
   m_process.start(GROUPTRACKER_PROGRAM, arguments);
   m_process.waitForStarted(patience);

@@ -14,6 +14,8 @@ class Program {
  public:
   explicit Program(const std::string& workingFolder);
 
+  /// The file of the program.
+  static std::string path();
   /// The process behind, for tests that close or redirect its channels.
   QProcess& process() { return m_process; }
   void start(const QStringList& arguments);

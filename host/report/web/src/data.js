@@ -19,7 +19,7 @@ async function loadData() {
   const packed = bytesOf(document.getElementById('body').textContent.trim());
   const stream = new Blob([packed]).stream().pipeThrough(new DecompressionStream('deflate'));
   const buffer = await new Response(stream).arrayBuffer();
-  const types = { u8: Uint8Array, i16: Int16Array, i32: Int32Array, u32: Uint32Array };
+  const types = { u8: Uint8Array, i16: Int16Array, i32: Int32Array, u32: Uint32Array, f64: Float64Array };
   const arrays = {};
   for (const { name, type, offset, length } of head.arrays) {
     arrays[name] = new types[type](buffer, offset, length);

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "host/base/FileDescriptor.h"
+
+#include <string>
+
+namespace grouptracker {
+
+/// What becomes of a file that is there already.
+enum class OldContent { replaced, kept };
+
+/// Opens a file, pipe or device for writing: the one way in which the program opens its outputs. A
+/// regular file is locked as long as it is open, so that no two runs write the same one, and only
+/// then emptied; links are followed. For the reader of a named pipe it waits until there is one or
+/// the program is asked to stop, which is `OutputInterrupted`. What else cannot be opened is an
+/// `OutputError`. The descriptor blocks.
+FileDescriptor openOutput(const std::string& path, OldContent old = OldContent::replaced);
+
+/// The same for a place that must be a regular file or nothing yet, such as a database.
+FileDescriptor openRegularOutput(const std::string& path);
+
+/// Locks a folder, into which files are written, in the same way.
+FileDescriptor lockFolder(const std::string& path);
+
+/// Whether an open file is a regular one, which can be cut and read again.
+bool isRegular(const FileDescriptor& file);
+
+}  // namespace grouptracker

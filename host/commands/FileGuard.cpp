@@ -1,0 +1,22 @@
+#include "host/commands/FileGuard.h"
+
+#include "host/base/FileIdentity.h"
+#include "host/input/InputFormats.h"
+
+#include <string>
+#include <vector>
+
+namespace grouptracker {
+
+void refuseToDestroy(const Options& command) {
+  const std::vector<std::string> written = command.filesWritten();
+  std::vector<std::string> inputs;
+  for (const std::string& input : command.filesRead()) {
+    inputs.push_back(input);
+    const std::vector<std::string> within = filesWithin(input);
+    inputs.insert(inputs.end(), within.begin(), within.end());
+  }
+  refuseOverwriting(written, inputs);
+}
+
+}  // namespace grouptracker

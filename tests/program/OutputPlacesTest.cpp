@@ -1,0 +1,200 @@
+#include "tests/support/base/TempFolder.h"
+#include "tests/support/host/SampleParameters.h"
+#include "tests/support/host/WalkingScene.h"
+#include "tests/support/program/Program.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <opencv2/imgcodecs.hpp>
+#include <opencv2/videoio.hpp>
+
+#include <algorithm>
+#include <csignal>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace grouptracker {
+
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+/// Everything that the program writes, at places that are taken, full, or not what they seem.
+class OutputPlaces : public testing::Test {
+ protected:
+  OutputPlaces() {
+    folder.write("p.txt", sampleParameters());
+    folder.write("scene.jsonl", walkingScene(12));
+    folder.write("truth.txt", "1 2\n");
+    folder.write("g.jsonl",
+                 R"({"frame": 2, "reportedFrame": 1, "inputFrame": 1, "persons": [], "groups": []})"
+                 "\n");
+  }
+
+  std::string in(const std::string& name) const { return folder.path() / name; }
+  std::string text(const std::string& name) const { return textOf(folder.path() / name); }
+  int run(Program& program, const QStringList& more, const QString& dump = "none") const {
+    return program.run(runArguments(more, dump));
+  }
+  static QStringList runArguments(const QStringList& more, const QString& dump = "none") {
+    return QStringList{"run",
+                       "scene.jsonl",
+                       "--parameters",
+                       "p.txt",
+                       "--output",
+                       "groups.jsonl",
+                       "--quiet",
+                       "--diagnostics",
+                       "none",
+                       "--mobile-dump",
+                       dump} +
+           more;
+  }
+  /// The program under a limit of the size of files, of so many blocks of 512 bytes.
+  int runLimited(Program& program, int blocks, const QStringList& arguments) const {
+    program.process().start("sh",
+                            QStringList{"-c", "ulimit -f $0; exec \"$@\"", QString::number(blocks),
+                                        QString::fromStdString(Program::path())} +
+                                arguments);
+    program.process().waitForStarted();
+    return program.finish();
+  }
+
+  const TempFolder folder;
+};
+
+TEST_F(OutputPlaces, AreNeverWhatTheCommandReads) {
+  const std::vector<QStringList> commands{
+      {"report", "scene.jsonl", "g.jsonl", "--truth", "truth.txt", "--output", "truth.txt"},
+      {"report", "scene.jsonl", "g.jsonl", "--parameters", "p.txt", "--output", "./p.txt"},
+      {"evaluate", "g.jsonl", "--truth", "truth.txt", "--input", "scene.jsonl", "--baselines",
+       "--output", "scene.jsonl"},
+      {"evaluate", "g.jsonl", "--truth", "truth.txt", "--errors", "truth.txt"},
+      {"tune", "scene.jsonl:truth.txt", "--base", "p.txt", "--output", "truth.txt"},
+      {"tune", "scene.jsonl:truth.txt", "--base", "p.txt", "--output", "o.txt", "--log", "p.txt"},
+      {"convert", "scene.jsonl", "--calibration", "p.txt", "--output", "p.txt"},
+      {"events", "g.jsonl", "--input", "scene.jsonl", "--csv", "scene.jsonl"},
+      {"calibrate", "scene.jsonl", "--output", "scene.jsonl"}};
+  for (const QStringList& command : commands) {
+    const auto before = text("truth.txt") + text("p.txt") + text("scene.jsonl");
+    Program program(folder.path());
+    EXPECT_EQ(program.run(command), 4) << command.join(' ').toStdString();
+    EXPECT_THAT(program.errors(), HasSubstr(": would overwrite "));
+    EXPECT_TRUE(text("truth.txt") + text("p.txt") + text("scene.jsonl") == before);
+  }
+}
+
+TEST_F(OutputPlaces, AreNotTheFileOnStandardInputOrOutput) {
+  Program program(folder.path());
+  program.process().setStandardInputFile(QString::fromStdString(in("scene.jsonl")));
+  EXPECT_EQ(program.run({"run", "-", "--parameters", "p.txt", "--output", "scene.jsonl"}), 4);
+  EXPECT_EQ(program.errors(), "scene.jsonl: would overwrite standard input\n");
+  Program both(folder.path());
+  both.process().setStandardOutputFile(QString::fromStdString(in("g2.jsonl")));
+  EXPECT_EQ(both.run({"run", "scene.jsonl", "--parameters", "p.txt", "--output", "g2.jsonl"}), 4);
+}
+
+TEST_F(OutputPlaces, OfADatabaseAreRegularFilesAndLinksAreFollowed) {
+  ASSERT_EQ(::mkfifo(in("pipe").c_str(), 0600), 0);
+  Program program(folder.path());
+  EXPECT_EQ(run(program, {"--sqlite", "pipe"}), 4);
+  EXPECT_EQ(program.errors(), "pipe: is no regular file, so it cannot be replaced\n");
+  EXPECT_TRUE(std::filesystem::is_fifo(in("pipe")));
+
+  folder.write("run.sqlite", "of an earlier run");
+  std::filesystem::create_symlink("run.sqlite", in("link"));
+  Program linked(folder.path());
+  EXPECT_EQ(run(linked, {"--sqlite", "link"}), 0) << linked.errors();
+  EXPECT_TRUE(std::filesystem::is_symlink(in("link")));
+  EXPECT_THAT(text("run.sqlite"), StartsWith("SQLite format 3"));
+}
+
+TEST_F(OutputPlaces, AreWrittenByOneRunAtATime) {
+  std::filesystem::create_directory(in("pictures"));
+  for (const QString name : {"e.jsonl", "t.csv", "r.sqlite", "f.mp4", "pictures", "dump.txt"}) {
+    const std::string path = in(name.toStdString());
+    const int other = ::open(path.c_str(), name == "pictures" ? O_RDONLY : O_RDWR | O_CREAT, 0600);
+    ASSERT_EQ(::flock(other, LOCK_EX), 0);
+    Program second(folder.path());
+    const QString option = name.endsWith("jsonl")    ? "--events"
+                           : name.endsWith("csv")    ? "--csv"
+                           : name.endsWith("sqlite") ? "--sqlite"
+                                                     : "--video";
+    EXPECT_EQ(name == "dump.txt" ? run(second, {}, name) : run(second, {option, name}), 4);
+    EXPECT_EQ(second.errors(), name.toStdString() + ": is being written by another run\n");
+    ::close(other);
+  }
+}
+
+TEST_F(OutputPlaces, ThatAreFullAreToldAndHoldWhatIsWhole) {
+  folder.write("scene.jsonl", walkingScene(60));
+  Program dump(folder.path());
+  EXPECT_EQ(runLimited(dump, 8, runArguments({}, "dump.txt")), 4);
+  EXPECT_EQ(dump.errors(), "dump.txt: cannot be written: File too large\n");
+  EXPECT_THAT(text("dump.txt"), testing::EndsWith("\n--------------------\n"));
+
+  QStringList silent = runArguments({});
+  silent[5] = "/dev/null";
+  Program film(folder.path());
+  EXPECT_EQ(runLimited(film, 40, silent + QStringList{"--video", "film.mp4"}), 4);
+  EXPECT_EQ(film.errors(), "film.mp4: cannot be written: File too large\n");
+  cv::VideoCapture shown(in("film.mp4"));
+  cv::Mat picture;
+  EXPECT_TRUE(shown.read(picture)) << "what was written before can be seen";
+
+  Program pictures(folder.path());
+  EXPECT_EQ(runLimited(pictures, 1, silent + QStringList{"--video", "pictures"}), 4);
+  EXPECT_THAT(pictures.errors(), StartsWith("pictures/000001.png: cannot be written: "));
+  EXPECT_TRUE(std::filesystem::is_empty(in("pictures")));
+}
+
+TEST_F(OutputPlaces, OfAnnotatedImagesAreToldWhenTheyCannotBeWritten) {
+  cv::imwrite(in("1.png"), cv::Mat(40, 60, CV_8UC3, cv::Scalar::all(9)));
+  std::string scene;
+  for (int frame = 1; frame <= 6; ++frame) {
+    scene += walkingLine(frame, R"("image": "1.png", )");
+  }
+  folder.write("scene.jsonl", scene);
+  folder.write("p.txt",
+               sampleParameters(
+                   {{"saveOutput:", "1"}, {"openCVOutput:", "1"}, {"outputFolder:", "missing/"}}));
+  Program program(folder.path());
+  EXPECT_EQ(run(program, {}), 4);
+  EXPECT_THAT(program.errors(), StartsWith("missing/"));
+  EXPECT_THAT(program.errors(), HasSubstr(": cannot be written: "));
+  EXPECT_THAT(text("groups.jsonl"), testing::EndsWith("}\n")) << "what was decided is there";
+}
+
+TEST_F(OutputPlaces, ThatWaitForAnybodyLetTheProgramStop) {
+  ASSERT_EQ(::mkfifo(in("pipe").c_str(), 0600), 0);
+  for (const QString option : {"--events", "--context", "--calibration"}) {
+    Program waiting(folder.path());
+    waiting.start(runArguments({option, "pipe"}));
+    ::usleep(300'000);
+    EXPECT_EQ(waiting.process().state(), QProcess::Running) << option.toStdString();
+    waiting.send(SIGINT);
+    EXPECT_TRUE(waiting.process().waitForFinished(5000)) << option.toStdString();
+  }
+}
+
+TEST_F(OutputPlaces, AreNotTheImagesOfTheInput) {
+  cv::imwrite(in("000001.png"), cv::Mat(40, 60, CV_8UC3, cv::Scalar::all(9)));
+  const std::string image = text("000001.png");
+  std::string scene;
+  for (int frame = 1; frame <= 6; ++frame) {
+    scene += walkingLine(frame, R"("image": "000001.png", )");
+  }
+  folder.write("scene.jsonl", scene);
+  Program program(folder.path());
+  EXPECT_EQ(run(program, {"--video", "."}), 4);
+  EXPECT_EQ(program.errors(), ".: would overwrite the images of the input\n");
+  EXPECT_TRUE(text("000001.png") == image);
+}
+
+}  // namespace
+
+}  // namespace grouptracker
