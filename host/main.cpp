@@ -15,6 +15,7 @@
 #include "host/commands/ReportCommand.h"
 #include "host/commands/RunCommand.h"
 #include "host/commands/SimulateCommand.h"
+#include "host/commands/StopSignals.h"
 #include "host/commands/TuneCommand.h"
 #include "host/pictures/window/RunBesideWindow.h"
 #include "host/run/TrackerRun.h"
@@ -91,7 +92,7 @@ int runCommand(Command& command, const Options& options) {
     refuseToDestroy(options);
     const int status = command.run();
     finishStandardOutput();
-    return status;
+    return status == finished ? StopSignals::exitStatus() : status;
   } catch (const InputError& failure) {
     return report(failure, wrongInput);
   } catch (const OutputError& failure) {
@@ -99,7 +100,7 @@ int runCommand(Command& command, const Options& options) {
   } catch (const ProcessError& failure) {
     return report(failure, processFailed);
   } catch (const Interruption&) {
-    return finished;
+    return StopSignals::exitStatus();
   } catch (const std::exception& failure) {
     return report(std::runtime_error(std::string("unexpected: ") + failure.what()), processFailed);
   }

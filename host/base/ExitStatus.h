@@ -4,7 +4,7 @@ namespace grouptracker {
 
 /// The statuses with which the program ends.
 enum ExitStatus : int {
-  finished = 0,         ///< also when the user or the reader of a pipe ended the run
+  finished = 0,  ///< also when the reader of a pipe ended the run; a signal is 128 + its number
   wrongParameters = 1,  ///< ended by the process itself, from within
   wrongInput = 2,       ///< also a wrong command line
   processFailed = 3,    ///< an exception left the process

@@ -42,7 +42,9 @@ void refuseOverwriting(const std::vector<std::string>& outputs,
                        const std::vector<std::string>& inputs) {
   for (std::size_t i = 0; i < outputs.size(); ++i) {
     std::vector<std::string> others = inputs;
-    others.push_back(standardOutput);
+    if (!outputs[i].starts_with("/dev/")) {  // as /dev/stdout, which is meant to be the same
+      others.push_back(standardOutput);
+    }
     others.insert(others.end(), outputs.begin(), outputs.begin() + static_cast<std::ptrdiff_t>(i));
     for (const std::string& other : others) {
       if (!outputs[i].empty() && !other.empty() && areSameFile(outputs[i], other)) {

@@ -2,6 +2,7 @@
 
 #include "host/base/InputError.h"
 #include "host/commands/RunSession.h"
+#include "host/commands/RunStatus.h"
 #include "host/pictures/PictureExchange.h"
 #include "host/pictures/window/RunBesideWindow.h"
 
@@ -66,6 +67,12 @@ void declareTexts(Options& command, RunOptions& options) {
            "the file to which all remembered mobiles are appended at every frame, instead "
            "of metas*.txt in the working directory; none saves its cost")
       .writes("FILE|none");
+  command
+      .add(
+          "--status", options.statusFile,
+          "says in JSON whether the outputs are complete: false from the first frame on, true when "
+          "all is written")
+      .writes("FILE");
   command.addFlag("--quiet", options.quiet, "no progress and no summary");
 }
 
@@ -134,7 +141,11 @@ int RunCommand::run() {
 
 void RunCommand::runSession() {
   RunSession session(m_options);
+  const RunStatus status(m_options.statusFile);
   const RunSummary summary = session.run();
+  if (summary.stoppedBy.empty() && !summary.pipeClosed) {
+    status.complete(summary.frames);
+  }
   if (!m_options.quiet && !summary.pipeClosed) {
     printSummary(summary);
   }

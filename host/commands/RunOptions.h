@@ -18,6 +18,7 @@ struct RunOptions : InputChoice {
   std::string pluginFile;
   std::string diagnostics;  ///< a file, or "none"; standard output when empty
   std::string mobileDump;   ///< a file, or "none"; the process's own choice when empty
+  std::string statusFile;   ///< says whether the outputs are complete
   StepOptions steps;        ///< of the groups
   bool skipsFailedFrames = false;
   bool quiet = false;

@@ -75,6 +75,11 @@ std::string StopSignals::signalName() const {
   return name != nullptr ? std::string("SIG") + name : std::string();
 }
 
+int StopSignals::exitStatus() {
+  constexpr int stopped = 128;  // and the number of the signal
+  return stopSignal == 0 ? 0 : stopped + stopSignal;
+}
+
 bool StopSignals::pipeClosed() const {
   return pipeIsClosed != 0;
 }

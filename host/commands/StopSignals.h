@@ -19,6 +19,9 @@ class StopSignals {
   bool stopRequested() const;
   /// The name of the signal that asked for a stop; empty without one.
   std::string signalName() const;
+  /// The exit status that tells of the signal, as shells do; that of success when no stop was asked
+  /// for. Holds behind the life of the object, too.
+  static int exitStatus();
   /// Whether a pipe that the program wrote to was closed by its reader.
   bool pipeClosed() const;
 };

@@ -2,15 +2,24 @@
 
 #include <cinttypes>
 #include <cstdio>
+#include <utility>
 
 namespace grouptracker {
 
-MobileDump::MobileDump(const std::string& path) : m_file(path), m_lines(m_file.stream(), path) {
+MobileDump::MobileDump(std::istream& in, const std::string& name) : m_lines(in, name) {
   readFrame();
   if (m_isAtEnd) {
-    throw InputError(path, "holds no frame of a run's mobile dump");
+    throw InputError(name, "holds no frame of a run's mobile dump");
   }
 }
+
+MobileDump::MobileDump(std::unique_ptr<InputFile> file, const std::string& path)
+    : MobileDump(file->stream(), path) {
+  m_file = std::move(file);
+}
+
+MobileDump::MobileDump(const std::string& path)
+    : MobileDump(std::make_unique<InputFile>(path), path) {}
 
 const MobileDump::Mobiles& MobileDump::at(std::uint32_t frame) {
   static const Mobiles nothing;

@@ -5,7 +5,9 @@
 #include "host/base/None.h"
 
 #include <cstdint>
+#include <istream>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -35,15 +37,18 @@ class MobileDump {
   using Mobiles = std::map<std::int64_t, Mobile>;
 
   explicit MobileDump(const std::string& path);
+  /// `name` is the dump's name in messages. The stream must outlive the dump.
+  MobileDump(std::istream& in, const std::string& name);
 
   /// The mobiles at a frame; frames are asked for in ascending order. Empty for a frame that the
   /// dump does not hold.
   const Mobiles& at(std::uint32_t frame);
 
  private:
+  MobileDump(std::unique_ptr<InputFile> file, const std::string& path);
   void readFrame();
 
-  InputFile m_file;
+  std::unique_ptr<InputFile> m_file;  ///< null for a stream of somebody else's
   LineReader m_lines;
   std::uint32_t m_frame = 0;      ///< of `m_mobiles`; 0 before the first
   std::uint32_t m_nextFrame = 0;  ///< whose head line has been read

@@ -4,6 +4,8 @@
 #include "host/output/WholeFile.h"
 #include "host/run/StepSink.h"
 
+#include <chrono>
+#include <memory>
 #include <string>
 
 namespace grouptracker {
@@ -13,16 +15,21 @@ namespace grouptracker {
 /// an arrow from the end of each group to the one that it merged into and a dashed one from each
 /// group to those that split from it, at the frame of the event. Frames are the input's own
 /// numbers. The places of all are fixed, so every program of Graphviz draws the same. Written when
-/// the run has ended.
+/// the run has ended and, where the place is a file, every few seconds before.
 class LineageGraph : public StepSink {
  public:
-  explicit LineageGraph(const std::string& path) : m_file(path) {}
+  explicit LineageGraph(const std::string& path)
+      : m_path(path), m_file(std::make_unique<WholeFile>(path)) {}
 
-  void write(const RunStep& step) override { m_tree.add(step); }
+  void write(const RunStep& step) override;
   void finish() override;
 
  private:
-  WholeFile m_file;
+  using Clock = std::chrono::steady_clock;
+
+  std::string m_path;
+  std::unique_ptr<WholeFile> m_file;
+  Clock::time_point m_written = Clock::now();
   FamilyTree m_tree;
 };
 

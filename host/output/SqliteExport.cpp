@@ -4,7 +4,8 @@ namespace grouptracker {
 
 namespace {
 
-constexpr int portion = 250;  // frames from one commit to the next
+constexpr int portion = 250;  // frames from one commit to the next, at most
+constexpr std::chrono::seconds longestWait(1);
 
 const char* const schema = R"(
 PRAGMA synchronous = OFF;
@@ -65,7 +66,7 @@ void SqliteExport::write(const RunStep& step) {
   for (const TrackedEvent& event : step.events) {
     writeEvent(event);
   }
-  if (++m_framesInPortion == portion) {
+  if (++m_framesInPortion == portion || Clock::now() - m_committed >= longestWait) {
     commit();
     m_database.execute("BEGIN");
   }
@@ -106,6 +107,7 @@ void SqliteExport::writeEvent(const TrackedEvent& event) {
 void SqliteExport::commit() {
   m_database.execute("COMMIT");
   m_framesInPortion = 0;
+  m_committed = Clock::now();
 }
 
 void SqliteExport::finish() {

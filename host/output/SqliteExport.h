@@ -3,6 +3,7 @@
 #include "host/base/Database.h"
 #include "host/run/StepSink.h"
 
+#include <chrono>
 #include <cstdint>
 #include <map>
 #include <string>
@@ -21,8 +22,8 @@ namespace grouptracker {
 /// `frame` is everywhere the reported frame, `decided_at` the frame at which it was decided, both
 /// counted from 1; `input_frame` is the input's own number. x and y are metres on the ground.
 /// Members are those of visible groups. Indexes answer at once who was in a group, in which groups
-/// a person was, and who was with whom when. The file is a sound database at any time: rows become
-/// visible to others in portions of some frames.
+/// a person was, and who was with whom when. The file is a sound database at any time, at most a
+/// second behind what was written.
 class SqliteExport : public StepSink {
  public:
   explicit SqliteExport(const std::string& path);
@@ -31,6 +32,8 @@ class SqliteExport : public StepSink {
   void finish() override;
 
  private:
+  using Clock = std::chrono::steady_clock;
+
   void writeMembers(const RunStep& step);
   void writeEvent(const TrackedEvent& event);
   void commit();
@@ -44,6 +47,7 @@ class SqliteExport : public StepSink {
   Statement m_merged;
   std::int64_t m_lastEvent = 0;
   int m_framesInPortion = 0;
+  Clock::time_point m_committed = Clock::now();
 };
 
 }  // namespace grouptracker

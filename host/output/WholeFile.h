@@ -20,6 +20,8 @@ class WholeFile {
 
   /// Puts the text in place, once; what cannot be written is an `OutputError`.
   void write(std::string_view text);
+  /// Whether the place is a file, which another text can be put in; not what is a stream.
+  bool canBeReplaced() const { return !m_stream; }
 
  private:
   [[noreturn]] void fail() const;

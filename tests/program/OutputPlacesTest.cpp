@@ -54,6 +54,14 @@ class OutputPlaces : public testing::Test {
                        dump} +
            more;
   }
+  /// Whether the program notices SIGHUP and SIGINT by now, as the system says it in bits.
+  static bool catchesSignals(Program& program) {
+    constexpr std::size_t digits = 16;
+    const std::string status =
+        textOf("/proc/" + std::to_string(program.process().processId()) + "/status");
+    const auto at = status.find("SigCgt:\t");
+    return at != std::string::npos && status[at + 8 + digits - 1] == '3';
+  }
   /// The program under a limit of the size of files, of so many blocks of 512 bytes.
   int runLimited(Program& program, int blocks, const QStringList& arguments) const {
     program.process().start("sh",
@@ -174,10 +182,12 @@ TEST_F(OutputPlaces, ThatWaitForAnybodyLetTheProgramStop) {
   for (const QString option : {"--events", "--context", "--calibration"}) {
     Program waiting(folder.path());
     waiting.start(runArguments({option, "pipe"}));
-    ::usleep(300'000);
+    ASSERT_TRUE(waiting.waitUntil([&] { return catchesSignals(waiting); }));
+    ::usleep(200'000);  // to the pipe
     EXPECT_EQ(waiting.process().state(), QProcess::Running) << option.toStdString();
     waiting.send(SIGINT);
     EXPECT_TRUE(waiting.process().waitForFinished(5000)) << option.toStdString();
+    EXPECT_EQ(waiting.finish(), 128 + SIGINT);
   }
 }
 

@@ -132,7 +132,7 @@ TEST_F(Run, StopsInOrderWhenAskedWhileWaitingForInput) {
     ASSERT_TRUE(live.waitUntil([&] { return actors().size() == 1; }));
     live.send(signal);
     ASSERT_TRUE(live.process().waitForFinished());
-    EXPECT_EQ(live.finish(), 0);
+    EXPECT_EQ(live.finish(), 128 + signal);
     EXPECT_THAT(live.errors(), HasSubstr(signal == SIGINT ? "stopped by SIGINT" : "SIGTERM"));
     EXPECT_THAT(text("groups.jsonl"), EndsWith("}\n"));
   }
@@ -162,6 +162,15 @@ TEST_F(Run, ReportsAFullDisk) {
   chatty.process().setStandardOutputFile("/dev/full");
   EXPECT_EQ(chatty.run(arguments("scene.jsonl")), 4);
   EXPECT_EQ(chatty.errors(), "standard output: cannot be written: No space left on device\n");
+}
+
+TEST_F(Run, SaysBesideItsOutputsWhetherTheyAreComplete) {
+  EXPECT_EQ(program.run(arguments("scene.jsonl", {"--status", "status.json"})), 0);
+  EXPECT_EQ(text("status.json"), "{\"complete\": true, \"frames\": 12}\n");
+  folder.write("scene.jsonl", walkingScene(3) + walkingLine(4).substr(0, 100));
+  Program cut(inFolder(""));
+  EXPECT_EQ(cut.run(arguments("scene.jsonl", {"--status", "status.json"})), 2);
+  EXPECT_EQ(text("status.json"), "{\"complete\": false, \"frames\": 0}\n");
 }
 
 TEST_F(Run, NamesTheLineOfDamagedInputAndKeepsWhatWasDone) {

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace grouptracker {
+
+/// A small file beside the outputs of a run that says whether they are complete, for who finds them
+/// later:
+///
+///     {"complete": true, "frames": 3000}
+///
+/// It stands there with false from the first frame on and is replaced, as a whole, when the input
+/// has been read to its end and every output is written. Whatever ends a run before leaves the
+/// false.
+class RunStatus {
+ public:
+  /// Nothing is written when the path is empty. What cannot be written is an `OutputError`.
+  explicit RunStatus(const std::string& path);
+
+  /// All is written; `frames` were read.
+  void complete(std::uint64_t frames) const;
+
+ private:
+  void write(bool isComplete, std::uint64_t frames) const;
+
+  std::string m_path;
+};
+
+}  // namespace grouptracker

@@ -1,0 +1,205 @@
+#!/usr/bin/env python3
+"""Attacks the program at random: kills, limits of the size of files, readers who leave, damaged input.
+
+Whatever happens, it must neither crash nor hang, say what is wrong in one line, and leave files that hold
+what is whole. Each attack has a number; the same --seed makes the same attacks.
+"""
+
+import argparse
+import json
+import os
+import pathlib
+import random
+import resource
+import shutil
+import signal
+import sqlite3
+import subprocess
+import sys
+import tempfile
+import time
+
+PATIENCE = 60  # seconds, for a build with sanitizers on a busy machine
+GOOD_ENDS = {0, 1, 2, 3, 4}
+SANITIZER = 99
+
+
+class Failed(Exception):
+    """What the program must not do."""
+
+
+class Torture:
+    def __init__(self, program, folder, rng):
+        self.program = str(pathlib.Path(program).resolve())
+        self.folder = folder
+        self.random = rng
+        self.environment = dict(os.environ, ASAN_OPTIONS=f"exitcode={SANITIZER}",
+                                UBSAN_OPTIONS=f"halt_on_error=1:exitcode={SANITIZER}")
+        self.scene = folder / "scene"
+        parameters = pathlib.Path(__file__).resolve().parent.parent / "samples/parameters/video.txt"
+        shutil.copy(parameters, folder / "p.txt")
+        self.must(["simulate", "--output", "scene", "--frames", "150", "--people", "12", "--images", "--quiet"])
+        self.must(self.run_with("first") + ["--diagnostics", "lines.txt", "--mobile-dump", "dump.txt"])
+
+    def start(self, arguments, **more):
+        return subprocess.Popen([self.program, *arguments], cwd=self.folder, env=self.environment,
+                                stdin=subprocess.DEVNULL, stderr=subprocess.PIPE, **more)
+
+    def end_of(self, process):
+        try:
+            _, errors = process.communicate(timeout=PATIENCE)
+        except subprocess.TimeoutExpired as hang:
+            process.kill()
+            raise Failed(f"hangs: {process.args}") from hang
+        text = errors.decode(errors="replace")
+        if process.returncode == SANITIZER or "unexpected:" in text:
+            raise Failed(f"{process.args} says\n{text[-3000:]}")
+        return process.returncode, text
+
+    def must(self, arguments):
+        status, text = self.end_of(self.start(arguments, stdout=subprocess.DEVNULL))
+        if status != 0:
+            raise Failed(f"{arguments} ends with {status}: {text}")
+
+    def run_with(self, name, scene="scene/scene.jsonl"):
+        """A run that writes everything that there is, each file called after `name`."""
+        pictures = f"{name}.mp4" if self.random.random() < 0.7 else f"{name}-pictures"
+        return ["run", scene, "--parameters", "p.txt", "--quiet", "--output", f"{name}.jsonl",
+                "--actors", f"{name}-actors.jsonl", "--events", f"{name}-events.jsonl", "--csv", f"{name}.csv",
+                "--mot", f"{name}.mot", "--sqlite", f"{name}.sqlite", "--graph", f"{name}.dot",
+                "--video", pictures]
+
+    def check_files(self, name):
+        for path in self.folder.glob(f"{name}*"):
+            if path.is_dir():
+                for picture in path.glob("[0-9]*.png"):
+                    if not picture.read_bytes().endswith(b"IEND\xaeB`\x82"):
+                        raise Failed(f"{picture} is cut")
+            elif path.suffix == ".sqlite" and path.stat().st_size > 0:
+                with sqlite3.connect(path) as database:
+                    if database.execute("PRAGMA integrity_check").fetchone() != ("ok",):
+                        raise Failed(f"{path} is damaged")
+            elif path.suffix in (".jsonl", ".csv", ".mot", ".dot", ".txt"):
+                self.check_lines(path)
+
+    @staticmethod
+    def check_lines(path):
+        text = path.read_text(errors="replace")
+        if text and not text.endswith("\n"):
+            raise Failed(f"{path} ends in the middle of a line")
+        if path.suffix == ".jsonl":
+            for line in text.splitlines():
+                json.loads(line)
+
+    def kill(self):
+        process = self.start(self.run_with("killed"), stdout=subprocess.DEVNULL)
+        time.sleep(self.random.uniform(0.0, 3.0))
+        process.kill()
+        process.communicate()
+        self.check_files("killed")
+
+    def stop(self):
+        number = self.random.choice([signal.SIGINT, signal.SIGTERM, signal.SIGHUP])
+        process = self.start(self.run_with("stopped"), stdout=subprocess.DEVNULL)
+        time.sleep(self.random.uniform(0.5, 3.0))
+        process.send_signal(number)
+        status, text = self.end_of(process)
+        if status not in (0, 128 + number, -number):  # the last before the program catches signals
+            raise Failed(f"stopped by {number} it ends with {status}: {text}")
+        self.check_files("stopped")
+
+    def limit(self):
+        size = self.random.randrange(0, 600_000)
+        process = self.start(self.run_with("limited") + ["--diagnostics", "none", "--mobile-dump", "limited.txt"],
+                             stdout=subprocess.DEVNULL,
+                             preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (size, size)))
+        status, text = self.end_of(process)
+        if status not in (0, 4) or (status == 4 and len(text.splitlines()) != 1):
+            raise Failed(f"with files of at most {size} bytes it ends with {status}: {text}")
+        self.check_files("limited")
+
+    def leave(self):
+        process = self.start(self.run_with("left"), stdout=subprocess.PIPE)
+        process.stdout.read(self.random.randrange(0, 300_000))
+        time.sleep(self.random.choice([0.0, 0.5]))
+        process.stdout.close()
+        process.stdout = None
+        status, text = self.end_of(process)
+        if status not in GOOD_ENDS | {5}:
+            raise Failed(f"when its reader leaves it ends with {status}: {text}")
+        self.check_files("left")
+
+    def damage(self):
+        """One file of a command's is damaged; the command says so or copes."""
+        names = ["scene/scene.jsonl", "first.jsonl", "first-actors.jsonl", "lines.txt", "dump.txt", "p.txt",
+                 "scene/calibration.yml", "scene/truth.jsonl", "scene/context.json"]
+        name = self.random.choice(names)
+        data = bytearray((self.folder / name).read_bytes()[:200_000])
+        for _ in range(self.random.randrange(1, 4)):
+            self.damage_once(data)
+        bad = self.folder / ("bad" + pathlib.Path(name).suffix)
+        bad.write_bytes(data)
+        here = lambda file: bad.name if file == name else file
+        scene, groups = here("scene/scene.jsonl"), here("first.jsonl")
+        commands = [
+            ["check", scene, "--parameters", here("p.txt"), "--calibration", here("scene/calibration.yml")],
+            ["run", scene, "--parameters", here("p.txt"), "--output", "damaged.jsonl", "--context",
+             here("scene/context.json"), "--calibration", here("scene/calibration.yml"), "--quiet",
+             "--mobile-dump", "none"],
+            ["explain", here("lines.txt"), "--mobile-dump", here("dump.txt"), "--parameters", here("p.txt"),
+             "--group", "0", "--uncertain", "9"],
+            ["report", scene, here("first-actors.jsonl"), "--diagnostics", here("lines.txt"), "--parameters",
+             here("p.txt"), "--truth", here("scene/truth.jsonl"), "--output", "r.html"],
+            ["evaluate", groups, "--truth", here("scene/truth.jsonl")],
+            ["events", groups, "--output", "damaged-events.jsonl"],
+        ]
+        for command in commands:
+            if bad.name not in command:
+                continue
+            status, text = self.end_of(self.start(command, stdout=subprocess.DEVNULL))
+            if status not in GOOD_ENDS:
+                raise Failed(f"{command} ends with {status}: {text}")
+
+    def damage_once(self, data):
+        at = self.random.randrange(len(data)) if data else 0
+        kind = self.random.randrange(5)
+        if kind == 0:
+            del data[at:]
+        elif kind == 1:
+            data[at:at + 1] = bytes([self.random.randrange(256)])
+        elif kind == 2:
+            del data[at:at + self.random.randrange(1, 50)]
+        elif kind == 3:
+            data[at:at] = data[at:at + self.random.randrange(1, 200)]
+        else:
+            data[at:at] = self.random.choice([b"1e999", b"-1", b"4294967296", b"9" * 30, b"\0", b"nan", b"}", b"]", b"\n"])
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("--minutes", type=float, default=2.0)
+    parser.add_argument("--program", required=True)
+    parser.add_argument("--keep", type=pathlib.Path, required=True, help="where the files of a failure go")
+    parser.add_argument("--seed", type=int, default=int(time.time()))
+    options = parser.parse_args()
+    counts = {}
+    with tempfile.TemporaryDirectory() as folder:
+        torture = Torture(options.program, pathlib.Path(folder), random.Random(options.seed))
+        attacks = [torture.kill, torture.stop, torture.limit, torture.leave, torture.damage, torture.damage]
+        end = time.monotonic() + 60.0 * options.minutes
+        while time.monotonic() < end:
+            attack = torture.random.choice(attacks)
+            try:
+                attack()
+            except (Failed, ValueError, sqlite3.Error) as failure:
+                print(f"{attack.__name__} (seed {options.seed}): {failure}", file=sys.stderr)
+                shutil.rmtree(options.keep, ignore_errors=True)
+                shutil.copytree(folder, options.keep)
+                return 1
+            counts[attack.__name__] = counts.get(attack.__name__, 0) + 1
+    print("survived " + ", ".join(f"{count} x {name}" for name, count in sorted(counts.items())))
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
