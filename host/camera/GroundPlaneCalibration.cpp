@@ -175,8 +175,8 @@ cv::Size guessImageSize(const cv::Point2d& farthest) {
   const double right = std::max(1.0, farthest.x);
   const double bottom = std::max(1.0, farthest.y);
   const auto* const fitting =
-      std::find_if(usualSizes.begin(), usualSizes.end(), [&](const cv::Size& size) {
-        return right <= size.width + annotationSlack && bottom <= size.height + annotationSlack;
+      std::find_if(usualSizes.begin(), usualSizes.end(), [&](const cv::Size& usual) {
+        return right <= usual.width + annotationSlack && bottom <= usual.height + annotationSlack;
       });
   if (fitting != usualSizes.end()) {
     return *fitting;

@@ -65,7 +65,7 @@ std::string toText(unsigned int id) {
 QString save(const QString& name, const cv::Mat& pixels) {
   std::vector<uchar> bytes;
   try {
-    cv::imencode("." + QFileInfo(name).suffix().toStdString(), pixels, bytes);
+    cv::imencode(("." + QFileInfo(name).suffix()).toStdString(), pixels, bytes);
   } catch (const std::exception&) {
     return "no image can have this name";
   }
