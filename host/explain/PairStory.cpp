@@ -151,7 +151,8 @@ std::string PairStory::text() const {
       "unlikely.\nThey are about the six seconds before a moment and what follows within the "
       "look-ahead.\n";
   for (const Phase& phase : phases()) {
-    text += "\n" + describe(phase);
+    text += '\n';
+    text += describe(phase);
   }
   return text;
 }
