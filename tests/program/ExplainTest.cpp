@@ -103,7 +103,8 @@ TEST_F(Explanation, TellsTheLifeOfAGroupFromTheLines) {
       "frame 2 (decided at 4): person 2 left\n");
   EXPECT_THAT(explainer.explainGroup(1), HasSubstr("frame 1 (decided at 3): split from group 0\n"));
   EXPECT_THAT(explainer.explainGroup(1), HasSubstr("merged into group 0"));
-  EXPECT_THAT(explainer.explainGroup(0, 2), StartsWith("frame 2 (decided at 4): group 1 went"));
+  EXPECT_THAT(explainer.explainGroup(0, 2),
+              StartsWith("frame 2 (decided at 4): group 1 merged into it"));
   EXPECT_THAT(log.membersAt(0, 2), ElementsAre(1, 3, 5));
   EXPECT_EQ(explainer.explainGroup(5), "");
 }
