@@ -3,7 +3,7 @@
 #include "host/base/FileIdentity.h"
 #include "host/base/InputError.h"
 #include "host/base/OutputFile.h"
-#include "host/evaluation/ErrorList.h"
+#include "host/evaluation/FrameScores.h"
 #include "host/evaluation/ScoredSteps.h"
 #include "host/evaluation/TruthReader.h"
 #include "host/input/InputFormats.h"

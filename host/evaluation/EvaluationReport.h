@@ -3,7 +3,6 @@
 #include "host/evaluation/Baselines.h"
 #include "host/evaluation/EventScores.h"
 #include "host/evaluation/FrameScores.h"
-#include "host/evaluation/MembershipScores.h"
 #include "host/evaluation/TimeScores.h"
 #include "host/evaluation/WindowScores.h"
 

@@ -1,7 +1,7 @@
 #include "host/evaluation/ScoredSteps.h"
 
 #include "host/base/InputFile.h"
-#include "host/grouping/Ticks.h"
+#include "host/grouping/PeopleFrame.h"
 #include "host/output/RunFile.h"
 #include "host/run/GroupRun.h"
 

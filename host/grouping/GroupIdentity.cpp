@@ -1,7 +1,7 @@
 #include "host/grouping/GroupIdentity.h"
 
 #include "host/grouping/Partition.h"
-#include "host/grouping/Ticks.h"
+#include "host/grouping/PeopleFrame.h"
 
 #include <algorithm>
 #include <cmath>

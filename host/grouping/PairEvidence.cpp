@@ -1,6 +1,6 @@
 #include "host/grouping/PairEvidence.h"
 
-#include "host/grouping/Ticks.h"
+#include "host/grouping/PeopleFrame.h"
 
 #include <algorithm>
 #include <cmath>

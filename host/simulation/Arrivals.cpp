@@ -1,7 +1,5 @@
 #include "host/simulation/Arrivals.h"
 
-#include "host/simulation/Crowding.h"
-
 #include <algorithm>
 #include <array>
 #include <cmath>

@@ -43,4 +43,10 @@ std::vector<int> drawSizes(int people, double groupShare, RandomNumbers& random)
 /// lies.
 cv::Point2d placeElsewhere(const cv::Point2d& place, RandomNumbers& random);
 
+/// Adds what makes a scene crowded: two dense streams that pass each other, groups that stand and
+/// talk, people who wait and people who queue. Half of those who stand are there from the
+/// beginning. Draws no random number when the options ask for none of it.
+void planCrowding(const SimulationOptions& options, RandomNumbers& random,
+                  std::vector<Arrival>& arrivals);
+
 }  // namespace grouptracker

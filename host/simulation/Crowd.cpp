@@ -1,6 +1,6 @@
 #include "host/simulation/Crowd.h"
 
-#include "host/simulation/Circle.h"
+#include "host/simulation/Posts.h"
 #include "host/simulation/Walker.h"
 
 #include <algorithm>

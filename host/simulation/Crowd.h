@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/simulation/Arrivals.h"
-#include "host/simulation/Queue.h"
+#include "host/simulation/Posts.h"
 #include "host/simulation/Walker.h"
 
 #include <cstddef>

@@ -1,6 +1,5 @@
-#include "host/simulation/Crowding.h"
-
-#include "host/simulation/Queue.h"
+#include "host/simulation/Arrivals.h"
+#include "host/simulation/Posts.h"
 
 #include <algorithm>
 #include <cmath>

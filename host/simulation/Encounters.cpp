@@ -1,6 +1,6 @@
 #include "host/simulation/Encounters.h"
 
-#include "host/simulation/Circle.h"
+#include "host/simulation/Posts.h"
 
 #include <algorithm>
 #include <cmath>

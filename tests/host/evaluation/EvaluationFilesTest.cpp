@@ -1,4 +1,3 @@
-#include "host/evaluation/ErrorList.h"
 #include "host/evaluation/FrameScores.h"
 #include "host/evaluation/ScoredSteps.h"
 #include "host/evaluation/TruthReader.h"
@@ -62,7 +61,7 @@ TEST(GroupsOfARun, AreThoseThatAreVisibleAtFramesOfTheInput) {
   EXPECT_EQ(run[0].groups[0].from, (std::vector<GroupId>{2, 4})) << "it has merged just now";
 }
 
-TEST(ErrorList, TellsWhoIsMissedAndWhoIsTooManyAtEachFrame) {
+TEST(FrameScores, TellsWhoIsMissedAndWhoIsTooManyAtEachFrame) {
   std::istringstream lines(
       R"({"frame": 2, "reportedFrame": 1, "inputFrame": 780, "persons": [1, 2, 3, 4, 5, 6, 7, 8],)"
       R"( "groups": [{"id": 4, "persons": [1, 2, 4], "properties": {"Visible": true}},)"
