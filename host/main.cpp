@@ -18,6 +18,7 @@
 #include "host/commands/StopSignals.h"
 #include "host/commands/TuneCommand.h"
 #include "host/pictures/window/RunBesideWindow.h"
+#include "host/run/ParameterFile.h"
 #include "host/run/TrackerRun.h"
 
 #include <QCoreApplication>
@@ -93,6 +94,8 @@ int runCommand(Command& command, const Options& options) {
     const int status = command.run();
     finishStandardOutput();
     return status == finished ? StopSignals::exitStatus() : status;
+  } catch (const WrongParameters& failure) {
+    return report(failure, wrongParameters);
   } catch (const InputError& failure) {
     return report(failure, wrongInput);
   } catch (const OutputError& failure) {

@@ -3,12 +3,14 @@
 #include "host/base/InputError.h"
 #include "host/commands/check/FrameCheck.h"
 #include "host/commands/check/ParameterCheck.h"
+#include "host/evaluation/TruthReader.h"
 #include "host/input/InputFormats.h"
 #include "host/input/SceneContextReader.h"
-#include "host/run/ParameterFile.h"
+#include "host/run/RunParameters.h"
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <optional>
 
@@ -39,7 +41,18 @@ bool isWell(CheckReport& report, const Step& step) {
   }
 }
 
-InputWatch checkFrames(const OpenedInput& input, CheckReport& report) {
+/// The people of a frame, for a truth that is to be about them.
+FrameGroups allAlone(const InputFrame& frame) {
+  FrameGroups people;
+  people.frame = frame.number;
+  for (const RunPerson& person : personsIn(frame)) {
+    people.alone.push_back(person.id);
+  }
+  std::sort(people.alone.begin(), people.alone.end());
+  return people;
+}
+
+InputWatch checkFrames(const OpenedInput& input, CheckReport& report, GroupedFrames* people) {
   InputWatch watch(input.imageSize);
   FrameCheck frames(report, input.calibration, input.imageSize);
   InputFrame frame;
@@ -51,6 +64,7 @@ InputWatch checkFrames(const OpenedInput& input, CheckReport& report) {
       if (hasMore) {
         frames.look(frame);
         watch.look(frame);
+        people != nullptr ? people->push_back(allAlone(frame)) : void();
       }
     } catch (const UndeclaredMobile& error) {
       // Behind a damaged frame nobody knows what it would have declared.
@@ -70,7 +84,15 @@ Options CheckCommand::declare(CommandLine& program) {
       program.addCommand("check", "Looks through an input and its files without running", example);
   declareInput(command, m_choice);
   command.add("--parameters", m_parameterFile, "the tracker's 47 parameters").reads("FILE");
+  command
+      .add("--set", m_parameterChanges,
+           "gives one parameter another value; can be given several times")
+      .repeatable()
+      .typeName("LABEL=VALUE");
   command.add("--context", m_contextFile, "description of the scene, JSON").reads("FILE");
+  command.add("--truth", m_truthFile, "annotated groups, which should be about the same people")
+      .reads("FILE");
+  declarePictureOptions(command, m_steps);
   return command;
 }
 
@@ -81,7 +103,7 @@ int CheckCommand::run() {
   } catch (const TooManyProblems&) {
     fmt::print("stopped after {}\n", counted(report.problems(), "problem"));
   }
-  report.printWarnings();
+  report.printRest();
   fmt::print("{}, {} of warnings\n", counted(report.problems(), "problem"),
              counted(report.warnings(), "kind"));
   if (report.problems() > 0) {
@@ -91,8 +113,11 @@ int CheckCommand::run() {
 }
 
 void CheckCommand::checkFiles(CheckReport& report) {
-  if (!m_parameterFile.empty()) {
+  if (!m_parameterFile.empty() || !m_parameterChanges.empty()) {
     isWell(report, [&] { checkParameters(report); });
+  }
+  if (const auto doubt = m_steps.doubt()) {
+    report.warn("pictures", m_choice.input, *doubt);
   }
   if (!m_contextFile.empty()) {
     isWell(report, [&] { readSceneContext(m_contextFile); });
@@ -101,12 +126,9 @@ void CheckCommand::checkFiles(CheckReport& report) {
 }
 
 void CheckCommand::checkParameters(CheckReport& report) {
-  const ParameterFile parameters = readParameterFile(m_parameterFile);
-  if (parameters.problem) {
-    report.problem(*parameters.problem);
-    return;
-  }
-  checkParameterValues(parameters, m_parameterFile, report);
+  const RunParameters chosen(m_parameterFile, m_parameterChanges);
+  const ParameterFile& parameters = chosen.values();
+  checkParameterValues(parameters, m_parameterFile.empty() ? "--set" : m_parameterFile, report);
   m_demands = {parameters.delay, parameters.needsImages};
 }
 
@@ -132,8 +154,19 @@ void CheckCommand::checkInput(CheckReport& report) const {
   if (input.calibration && input.calibration->getPosition().z <= 0.0) {
     report.warn("camera", m_choice.calibrationFile, "the camera stands below the ground");
   }
-  for (const std::string& warning : checkFrames(input, report).warnings(m_demands)) {
+  GroupedFrames people;
+  const InputWatch watch = checkFrames(input, report, m_truthFile.empty() ? nullptr : &people);
+  for (const std::string& warning : watch.warnings(m_demands)) {
     report.warn(warning, m_choice.input, warning);
+  }
+  if (!m_truthFile.empty()) {
+    checkTruth(people, report);
+  }
+}
+
+void CheckCommand::checkTruth(const GroupedFrames& people, CheckReport& report) const {
+  if (const auto problem = whyAboutOthers(readTruth(m_truthFile), people)) {
+    report.problem(InputError(m_truthFile, 1, *problem + m_choice.input));
   }
 }
 

@@ -2,10 +2,13 @@
 
 #include "host/commands/Command.h"
 #include "host/commands/InputChoice.h"
+#include "host/commands/StepOptions.h"
 #include "host/commands/check/CheckReport.h"
+#include "host/evaluation/ScoredSteps.h"
 #include "host/input/InputWatch.h"
 
 #include <string>
+#include <vector>
 
 namespace grouptracker {
 
@@ -21,9 +24,13 @@ class CheckCommand : public Command {
   void checkFiles(CheckReport& report);
   void checkParameters(CheckReport& report);
   void checkInput(CheckReport& report) const;
+  void checkTruth(const GroupedFrames& people, CheckReport& report) const;
 
   InputChoice m_choice;
+  StepOptions m_steps;  ///< what a run would be asked to draw
   std::string m_parameterFile;
+  std::vector<std::string> m_parameterChanges;
+  std::string m_truthFile;
   std::string m_contextFile;
   InputDemands m_demands;  ///< of the parameters, as soon as they are read
 };

@@ -167,11 +167,7 @@ Option& Option::readsBoth(const char* name) {
 }
 
 Option& Option::writes(const char* name) {
-  m_files->written.emplace_back([option = m_option] {
-    std::vector<std::string> names = namesIn(*option);
-    std::erase(names, "-");  // standard output
-    return names;
-  });
+  m_files->written.emplace_back([option = m_option] { return namesIn(*option); });
   return typeName(name);
 }
 
@@ -213,6 +209,11 @@ Option& Option::oneOf(const std::vector<std::string>& words) {
 
 Option& Option::count(int values) {
   m_option->expected(values);
+  return *this;
+}
+
+Option& Option::repeatable() {
+  m_option->allow_extra_args(false);
   return *this;
 }
 

@@ -51,6 +51,8 @@ class Option {
   Option& oneOf(const std::vector<std::string>& words);
   /// How many values follow the option.
   Option& count(int values);
+  /// Lets the option be given several times, each time with one value.
+  Option& repeatable();
   /// Takes several values out of one text, such as "2,2,3".
   Option& separatedBy(char separator);
 

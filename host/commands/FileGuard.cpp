@@ -1,6 +1,7 @@
 #include "host/commands/FileGuard.h"
 
 #include "host/base/FileIdentity.h"
+#include "host/base/OutputError.h"
 #include "host/input/InputFormats.h"
 
 #include <string>
@@ -9,7 +10,10 @@
 namespace grouptracker {
 
 void refuseToDestroy(const Options& command) {
-  const std::vector<std::string> written = command.filesWritten();
+  std::vector<std::string> written = command.filesWritten();
+  if (std::erase(written, "-") > 1) {
+    throw OutputError("-", "standard output takes one of the outputs only");
+  }
   std::vector<std::string> inputs;
   for (const std::string& input : command.filesRead()) {
     inputs.push_back(input);

@@ -144,15 +144,27 @@ std::optional<double> parseFinite(const std::string& text) {
   }
 }
 
-void declareInput(Options& command, InputChoice& choice) {
-  command
+namespace {
+
+Option addInput(Options& command, InputChoice& choice) {
+  return command
       .add("INPUT", choice.input,
            "CSV or other text with columns frame, id, x and y; text of a pedestrian laboratory; "
            "SQLite file of a pedestrian simulation; obsmat.txt or a folder with it; MOTChallenge "
            "file or sequence folder; XML file with boxes; scene file *.jsonl, - for a scene on "
            "standard input")
-      .required()
       .reads("PATH");
+}
+
+}  // namespace
+
+void declareInput(Options& command, InputChoice& choice) {
+  addInput(command, choice).required();
+  declareReading(command, choice);
+}
+
+void declareOptionalInput(Options& command, InputChoice& choice) {
+  addInput(command, choice);
   declareReading(command, choice);
 }
 

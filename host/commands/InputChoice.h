@@ -32,6 +32,9 @@ struct InputChoice {
 
 /// Adds INPUT and the options that say how to read it.
 void declareInput(Options& command, InputChoice& choice);
+/// The same for a command that can do something without an input, too, and tells by itself that
+/// there is none.
+void declareOptionalInput(Options& command, InputChoice& choice);
 /// Adds the options only, for a command whose input has another name. To be added last, as they
 /// have a heading of their own.
 void declareReading(Options& command, InputChoice& choice);

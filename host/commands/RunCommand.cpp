@@ -3,33 +3,53 @@
 #include "host/base/InputError.h"
 #include "host/commands/RunSession.h"
 #include "host/commands/RunStatus.h"
+#include "host/commands/UsualOutput.h"
+#include "host/input/InputFormats.h"
 #include "host/pictures/PictureExchange.h"
 #include "host/pictures/window/RunBesideWindow.h"
+#include "host/run/RunParameters.h"
 
 #include <fmt/format.h>
 
 #include <memory>
 #include <string>
+#include <unistd.h>
 
 namespace grouptracker {
 
 namespace {
 
-const char* const example = R"(Example:
-  grouptracker run scene.jsonl --parameters samples/parameters/walking.txt \
-    --calibration camera.yml --output groups.jsonl --diagnostics none --mobile-dump none)";
+const char* const example = R"(Examples:
+  grouptracker run tracks.csv
+  grouptracker run scene.jsonl --rate 25 --output groups.jsonl --events events.jsonl
+  grouptracker run --print-parameters --rate 10 --set coherenceThreshold=5 > parameters.txt)";
 
 constexpr double longestLookAhead = 60.0;  // seconds; all that comes in it is kept in memory
 const std::string skip = "skip";
 const std::string stop = "stop";
 
-void declareFiles(Options& command, RunOptions& options) {
-  declareInput(command, options);
+void declareParameters(Options& command, RunOptions& options) {
   command
       .add("--parameters", options.parameterFile,
            "the tracker's 47 parameters, in place of a built-in set that suits the rate")
       .reads("FILE");
-  command.add("--output", options.outputFile, "the groups of every frame, JSON Lines")
+  command
+      .add("--set", options.parameterChanges,
+           "gives one parameter another value; can be given several times")
+      .repeatable()
+      .typeName("LABEL=VALUE");
+  command.addFlag("--print-parameters", options.printsParameters,
+                  "instead of running, writes the parameters that the run would take, each with "
+                  "its meaning; without INPUT those for --rate frames a second");
+}
+
+void declareFiles(Options& command, RunOptions& options) {
+  declareOptionalInput(command, options);
+  declareParameters(command, options);
+  command
+      .add("--output", options.outputFile,
+           "the groups of every frame, JSON Lines; when no output is asked for, NAME.groups.jsonl "
+           "in the working folder, after the input's name")
       .writes("FILE");
   command
       .add("--actors", options.actorsFile,
@@ -60,12 +80,14 @@ void declareEvidence(Options& command, RunOptions& options) {
 void declareTexts(Options& command, RunOptions& options) {
   command
       .add("--diagnostics", options.diagnostics,
-           "where the process's lines go instead of standard output; none saves their cost")
+           "where the process's lines go; none saves their cost (default: standard output, - as "
+           "well, or nowhere when that is a terminal or holds something else)")
       .writes("FILE|none");
   command
       .add("--mobile-dump", options.mobileDump,
-           "the file to which all remembered mobiles are appended at every frame, instead "
-           "of metas*.txt in the working directory; none saves its cost")
+           "the file to which all that the process remembers is appended at every frame; none "
+           "saves its cost (default: metas*.txt in the working folder, or none when standard "
+           "output is a terminal)")
       .writes("FILE|none");
   command
       .add(
@@ -88,10 +110,21 @@ void declareBehaviour(Options& command, RunOptions& options) {
       .typeName("skip|stop");
 }
 
-void printSummary(const RunSummary& summary) {
-  const std::string groups = summary.groups ? fmt::format(", {} groups", *summary.groups) : "";
-  std::string text = fmt::format("{} frames, {} mobiles{} in {:.1f} s", summary.frames,
-                                 summary.mobiles, groups, summary.seconds);
+std::string counted(std::uint64_t count, const char* one, const char* more) {
+  return fmt::format("{} {}", count, count == 1 ? one : more);
+}
+
+void printSummary(const RunSummary& summary, const std::string& groupsFile) {
+  std::string text = fmt::format("{}, {}", counted(summary.frames, "frame", "frames"),
+                                 counted(summary.people, "person", "people"));
+  if (summary.groups) {
+    text += fmt::format(", {}, {}", counted(*summary.groups, "group", "groups"),
+                        counted(summary.events, "event", "events"));
+  }
+  text += fmt::format(" in {:.1f} s", summary.seconds);
+  if (!groupsFile.empty() && groupsFile != standardOutputName) {
+    text += fmt::format(", written to {}", groupsFile);
+  }
   if (summary.skippedFrames > 0) {
     text += fmt::format(", {} frames skipped", summary.skippedFrames);
   }
@@ -118,16 +151,17 @@ Options RunCommand::declare(CommandLine& program) {
 }
 
 int RunCommand::run() {
-  if (!m_options.wantsGroups() && m_options.actorsFile.empty()) {
-    throw InputError("--output", "a file for the groups is expected, or one for --actors");
+  if (m_options.printsParameters) {
+    printParameters();
+    return finished;
   }
-  if (m_options.steps.pictures.showsTopView && !m_options.steps.wantsPictures() &&
-      !m_options.quiet) {
-    fmt::print(stderr, "--top-view: warning: nothing is drawn without --video or --show\n");
+  if (m_options.input.empty()) {
+    throw InputError("INPUT", "tracks of people are expected; see grouptracker run --help");
   }
-  const bool takesStandardOutput = m_options.outputFile == "-" || m_options.actorsFile == "-";
-  if (takesStandardOutput && m_options.diagnostics.empty()) {
-    m_options.diagnostics = noOutput;  // the two would be mixed
+  completeOptions();
+  const auto doubt = m_options.steps.doubt();
+  if (doubt && !m_options.quiet) {
+    fmt::print(stderr, "{}\n", *doubt);
   }
   if (m_options.steps.showsWindow) {
     const auto screen = std::make_shared<PictureExchange>();
@@ -139,6 +173,33 @@ int RunCommand::run() {
   return finished;
 }
 
+/// What holds where the user said nothing. On a terminal nobody wants to see some lines for each
+/// person and frame, nor to find a dump of them in the working folder.
+void RunCommand::completeOptions() {
+  if (!m_options.wantsGroups() && m_options.actorsFile.empty()) {
+    m_options.outputFile = usualOutput(m_options.input);
+  }
+  const bool isWatched = ::isatty(STDOUT_FILENO) == 1;
+  if (m_options.diagnostics.empty() && (isWatched || m_options.takesStandardOutput())) {
+    m_options.diagnostics = noOutput;
+  }
+  if (m_options.mobileDump.empty() && isWatched) {
+    m_options.mobileDump = noOutput;
+  }
+}
+
+/// On standard output, as a file that `--parameters` takes.
+void RunCommand::printParameters() const {
+  RunParameters parameters(m_options.parameterFile, m_options.parameterChanges);
+  if (!m_options.input.empty()) {
+    const auto step = secondsBetweenFrames(m_options.input, inputOptions(m_options));
+    step ? parameters.suit(1.0 / *step) : void();
+  } else if (m_options.rate) {
+    parameters.suit(*m_options.rate);
+  }
+  fmt::print("{}", parameters.textWithMeanings());
+}
+
 void RunCommand::runSession() {
   RunSession session(m_options);
   const RunStatus status(m_options.statusFile);
@@ -147,7 +208,7 @@ void RunCommand::runSession() {
     status.complete(summary.frames);
   }
   if (!m_options.quiet && !summary.pipeClosed) {
-    printSummary(summary);
+    printSummary(summary, m_options.outputFile);
   }
 }
 

@@ -15,6 +15,8 @@ class RunCommand : public Command {
   int run() override;
 
  private:
+  void completeOptions();
+  void printParameters() const;
   void runSession();
 
   RunOptions m_options;

@@ -3,28 +3,43 @@
 #include "host/commands/InputChoice.h"
 #include "host/commands/StepOptions.h"
 
+#include <algorithm>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace grouptracker {
+
+/// What stands for standard output where a file name could stand.
+inline constexpr const char* standardOutputName = "-";
 
 /// What the user asks of `grouptracker run`. Texts are empty when the option was not given.
 struct RunOptions : InputChoice {
   std::string parameterFile;
-  std::string outputFile;           ///< for groups
-  std::string actorsFile;           ///< for what the process puts out
-  std::string modelFile;            ///< of the evidence; the built-in model when empty
-  std::optional<double> lookAhead;  ///< seconds; the process's delay when not given
+  std::vector<std::string> parameterChanges;  ///< "label=value"
+  std::string outputFile;                     ///< for groups
+  std::string actorsFile;                     ///< for what the process puts out
+  std::string modelFile;                      ///< of the evidence; the built-in model when empty
+  std::optional<double> lookAhead;            ///< seconds; the process's delay when not given
   std::string contextFile;
   std::string pluginFile;
-  std::string diagnostics;  ///< a file, or "none"; standard output when empty
-  std::string mobileDump;   ///< a file, or "none"; the process's own choice when empty
+  std::string diagnostics;  ///< a file, "-" or "none"; standard output when empty
+  std::string mobileDump;   ///< a file, "-" or "none"; the process's own choice when empty
   std::string statusFile;   ///< says whether the outputs are complete
   StepOptions steps;        ///< of the groups
   bool skipsFailedFrames = false;
   bool quiet = false;
+  bool printsParameters = false;  ///< instead of running
 
   /// Whether anybody wants groups, rather than only what the process puts out.
   bool wantsGroups() const { return !outputFile.empty() || steps.wantsAnything(); }
+  /// Whether an output of its own goes to standard output, with which nothing may be mixed.
+  bool takesStandardOutput() const {
+    const std::vector<std::string> others = steps.files();
+    return outputFile == standardOutputName || actorsFile == standardOutputName ||
+           mobileDump == standardOutputName ||
+           std::find(others.begin(), others.end(), standardOutputName) != others.end();
+  }
 };
 
 /// The word that turns an output off where a file name could stand.

@@ -7,7 +7,6 @@
 #include "host/base/SystemProblem.h"
 #include "host/input/InputFormats.h"
 #include "host/input/SceneContextReader.h"
-#include "host/run/BuiltInParameters.h"
 #include "host/run/PluginLoader.h"
 
 #include <fmt/format.h>
@@ -30,16 +29,16 @@ std::string fileOf(const std::string& option) {
 
 }  // namespace
 
-RunSession::RunSession(const RunOptions& options) : m_options(options) {
-  if (!m_options.parameterFile.empty()) {
-    m_parameters = readParameterFile(m_options.parameterFile);
-  }
+RunSession::RunSession(const RunOptions& options)
+    : m_options(options), m_parameters(options.parameterFile, options.parameterChanges) {
   openInput();
   if (m_options.parameterFile.empty()) {
-    takeBuiltInParameters();
+    const auto step = secondsBetweenFrames(m_options.input, inputOptions(m_options));
+    step ? m_parameters.suit(1.0 / *step) : void();  // else they are for annotated frames
   }
   auto tracker = loadGroupTracker(m_options.pluginFile);
   startGroups();
+  readFirstFrame();
   openOutputs();
   startProcess(std::move(tracker));
 }
@@ -55,6 +54,7 @@ RunSummary RunSession::run() {
   }
   m_progress->clear();
   m_summary.frames = m_tracker->frame();
+  m_summary.people = m_people.count();
   m_summary.seconds = m_progress->seconds();
   m_summary.stoppedBy = m_signals.signalName();
   if (m_summary.stoppedBy.empty() && !m_summary.pipeClosed) {
@@ -63,18 +63,9 @@ RunSummary RunSession::run() {
   return m_summary;
 }
 
-/// What suits the time from frame to frame; an input that does not tell it counts as annotated.
-void RunSession::takeBuiltInParameters() {
-  constexpr double usualStep = 0.4;  // seconds
-  const double step =
-      secondsBetweenFrames(m_options.input, inputOptions(m_options)).value_or(usualStep);
-  m_options.parameterFile = writeBuiltInParameters(1.0 / step);
-  m_parameters = readParameterFile(m_options.parameterFile);
-}
-
 void RunSession::openInput() {
   InputOptions options = inputOptions(m_options);
-  options.decodesVideo = m_parameters.needsImages || m_options.steps.wantsPictures();
+  options.decodesVideo = m_parameters.values().needsImages || m_options.steps.wantsPictures();
   if (!m_options.contextFile.empty()) {
     m_context = readSceneContext(m_options.contextFile);
   }
@@ -91,10 +82,30 @@ void RunSession::openInput() {
   }
 }
 
+/// Whoever hands over frames one by one may wait for our answer, and is not waited for.
+void RunSession::readFirstFrame() {
+  std::error_code isNone;
+  const bool isThere = std::filesystem::is_regular_file(m_options.input, isNone) ||
+                       std::filesystem::is_directory(m_options.input, isNone);
+  InputFrame frame;
+  if (isThere && m_input.frames->next(frame)) {
+    m_first = std::move(frame);
+  }
+}
+
+bool RunSession::nextFrame(InputFrame& frame) {
+  if (!m_first) {
+    return m_input.frames->next(frame);
+  }
+  frame = std::move(*m_first);
+  m_first.reset();
+  return true;
+}
+
 /// Of an input that was read to its end.
 void RunSession::warnOfInput() {
   for (const std::string& warning :
-       m_watch->warnings({m_parameters.delay, m_parameters.needsImages})) {
+       m_watch->warnings({m_parameters.values().delay, m_parameters.values().needsImages})) {
     warn(warning);
   }
 }
@@ -119,7 +130,7 @@ void RunSession::openOutputs() {
   if (!m_options.actorsFile.empty()) {
     m_actors = std::make_unique<RunFileWriter>(m_options.actorsFile);
   }
-  if (!dump.empty()) {
+  if (!dump.empty() && dump != standardOutputName) {
     // The process opens it anew and would not say that it cannot.
     m_dump = openOutput(dump, OldContent::kept);
   }
@@ -127,7 +138,7 @@ void RunSession::openOutputs() {
     screen->endWhen([this] { return m_signals.stopRequested(); });
   }
   m_outputs = std::make_unique<StepOutputs>(m_options.steps, std::move(own));
-  if (!diagnostics.empty()) {
+  if (!diagnostics.empty() && diagnostics != standardOutputName) {
     ::dup2(openOutput(diagnostics).get(), STDOUT_FILENO);
   }
 }
@@ -142,24 +153,22 @@ void RunSession::startGroups() {
     options.model = EvidenceModel::read(m_options.modelFile);
   }
   options.lookAhead = m_options.lookAhead;
-  options.delay = m_parameters.delay;
+  options.delay = m_parameters.values().delay;
   options.keepsImages = m_options.steps.wantsPictures();
-  options.processDrawsOnImages = m_parameters.needsImages;
+  options.processDrawsOnImages = m_parameters.values().needsImages;
   m_groups.emplace(options);
 }
 
 void RunSession::startProcess(std::unique_ptr<kelAbstractProcessGroupTracker> tracker) {
-  if (m_parameters.problem) {
-    fmt::print(stderr, "{}\n", m_parameters.problem->what());
-  }
   TrackerRunOptions options;
-  options.parameterFile = m_options.parameterFile;
-  options.delay = m_parameters.delay;
+  options.parameterFile = m_parameters.file();
+  options.delay = m_parameters.values().delay;
   options.calibration = m_input.calibration;
   options.sceneContext = m_context;
   options.printsDiagnostics = m_options.diagnostics != noOutput;
   options.dumpsMobiles = m_options.mobileDump != noOutput;
-  options.mobileDumpFile = fileOf(m_options.mobileDump);
+  const std::string dump = fileOf(m_options.mobileDump);
+  options.mobileDumpFile = dump == standardOutputName ? "/dev/stdout" : dump;
   m_tracker = std::make_unique<TrackerRun>(std::move(tracker));
   m_tracker->configure(options);
 }
@@ -192,7 +201,7 @@ void RunSession::finishAfterFailure(bool canWrite) {
 void RunSession::runFrames() {
   InputFrame frame;
   try {
-    while (!m_signals.stopRequested() && m_input.frames->next(frame)) {
+    while (!m_signals.stopRequested() && nextFrame(frame)) {
       runFrame(frame);
       checkOutputsOfProcess();
       m_progress->update(m_tracker->frame());
@@ -203,14 +212,22 @@ void RunSession::runFrames() {
 }
 
 void RunSession::runFrame(InputFrame& frame) {
-  if (m_parameters.needsImages) {
+  if (m_parameters.values().needsImages) {
     m_images.load(frame);
   }
-  m_summary.mobiles += frame.observed.size();
+  countPeople(frame);
   m_summary.wantsTimes = m_groups && !frame.time;
   m_watch->look(frame);
   handOut(m_groups ? m_groups->advance(frame) : RunSteps());
   runProcess(frame);
+}
+
+void RunSession::countPeople(const InputFrame& frame) {
+  for (const auto& actor : frame.actors) {
+    if (!actor->getLinkedPhysicalObjectList().empty()) {
+      m_people.see(actor->getIdent());
+    }
+  }
 }
 
 void RunSession::runProcess(const InputFrame& frame) {
@@ -239,9 +256,8 @@ void RunSession::handOut(RunSteps steps) {
     *m_summary.groups += static_cast<std::uint64_t>(
         std::count_if(step.groups.begin(), step.groups.end(),
                       [&step](const RunGroup& group) { return group.since == step.inputFrame; }));
-    if (m_options.steps.wantsAnything()) {
-      step.events = m_detector.next(step);
-    }
+    step.events = m_detector.next(step);
+    m_summary.events += step.events.size();
     m_outputs->take(std::move(step));
   }
 }

@@ -9,9 +9,10 @@
 #include "host/input/InputWatch.h"
 #include "host/input/OpenedInput.h"
 #include "host/output/RunFile.h"
+#include "host/people/PersonCount.h"
 #include "host/run/EventDetector.h"
 #include "host/run/GroupRun.h"
-#include "host/run/ParameterFile.h"
+#include "host/run/RunParameters.h"
 #include "host/run/TrackerRun.h"
 
 #include <cstdint>
@@ -24,8 +25,9 @@ namespace grouptracker {
 /// What a run did.
 struct RunSummary {
   std::uint64_t frames = 0;
-  std::uint64_t mobiles = 0;
+  std::uint64_t people = 0;             ///< different ones
   std::optional<std::uint64_t> groups;  ///< different ones; none when nobody wanted them
+  std::uint64_t events = 0;             ///< that happened to the groups
   std::uint64_t skippedFrames = 0;
   bool wantsTimes = false;  ///< groups were looked for in frames that have no times
   double seconds = 0.0;
@@ -33,9 +35,10 @@ struct RunSummary {
   bool pipeClosed = false;  ///< ended because nobody reads what is written
 };
 
-/// One run from the opened input to the closed output. All files are opened and checked before the
-/// first frame; whatever ends the run, the outputs hold whole lines. Errors are thrown as
-/// `InputError`, `OutputError` and `ProcessError`.
+/// One run from the opened input to the closed output. Outputs are opened when the parameters, the
+/// camera and the first frame have turned out to be good, unless the input comes live; whatever
+/// ends the run, they hold whole lines. Errors are thrown as `InputError`, `OutputError` and
+/// `ProcessError`.
 class RunSession {
  public:
   explicit RunSession(const RunOptions& options);
@@ -45,7 +48,8 @@ class RunSession {
 
  private:
   void openInput();
-  void takeBuiltInParameters();
+  void readFirstFrame();
+  bool nextFrame(InputFrame& frame);
   void warnOfInput();
   /// Says what is hardly meant, unless the user wants no words.
   void warn(const std::string& warning);
@@ -55,6 +59,7 @@ class RunSession {
   void runFrames();
   void runToTheEnd();
   void runFrame(InputFrame& frame);
+  void countPeople(const InputFrame& frame);
   void runProcess(const InputFrame& frame);
   void handOut(RunSteps steps);
   void finishAfterFailure(bool canWrite);
@@ -62,10 +67,12 @@ class RunSession {
 
   RunOptions m_options;
   StopSignals m_signals;
-  ParameterFile m_parameters;
+  RunParameters m_parameters;
   QSharedPointer<kelDataContext> m_context;
   OpenedInput m_input;
+  std::optional<InputFrame> m_first;  ///< when it was read and not yet used
   std::optional<InputWatch> m_watch;  ///< none before the input is opened
+  PersonCount m_people;
   ImageLoader m_images;
   FileDescriptor m_dump;  ///< of the mobiles, which the process writes: holds the lock
   std::unique_ptr<StepOutputs> m_outputs;   ///< of the groups

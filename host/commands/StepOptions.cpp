@@ -85,10 +85,20 @@ void StepOptions::open(StepSinks& atOnce, StepSinks& beside) const {
   }
 }
 
+std::optional<std::string> StepOptions::doubt() const {
+  return pictures.showsTopView && !wantsPictures()
+             ? std::optional<std::string>("--top-view: nothing is drawn without --video or --show")
+             : std::nullopt;
+}
+
 void declareStepOptions(Options& command, StepOptions& options) {
   for (const Export& row : exports) {
     declareExport(command, row, options);
   }
+  declarePictureOptions(command, options);
+}
+
+void declarePictureOptions(Options& command, StepOptions& options) {
   declarePictures(command, options.pictures);
   command
       .addFlag("--show", options.showsWindow,

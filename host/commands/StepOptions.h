@@ -6,6 +6,7 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,6 +23,8 @@ struct StepOptions {
 
   bool wantsAnything() const { return wantsPictures() || !files().empty(); }
   bool wantsPictures() const { return showsWindow || !pictures.path.empty(); }
+  /// What is hardly meant, as one line; none when all is well.
+  std::optional<std::string> doubt() const;
   /// The files that will be written.
   std::vector<std::string> files() const;
   /// Opens them: what is to be written before the run goes on, and what may be written beside it.
@@ -30,6 +33,8 @@ struct StepOptions {
 
 /// Adds the options to a command; they outlive the parsing.
 void declareStepOptions(Options& command, StepOptions& options);
+/// Those of them that are about pictures.
+void declarePictureOptions(Options& command, StepOptions& options);
 /// Those of them that make sense when the run is over; the events are the command's own affair.
 void declareReplayOptions(Options& command, StepOptions& options);
 

@@ -3,12 +3,15 @@
 #include <fmt/format.h>
 
 #include <cmath>
+#include <utility>
 
 namespace grouptracker {
 
 namespace {
 
 constexpr double giant = 3.0 * 1.7;          // m
+constexpr double fastest = 12.0;             // m/s
+constexpr double usualStep = 0.4;            // s from frame to frame, where nobody tells it
 constexpr std::uint64_t fewestToJudge = 20;  // people who are looked at
 
 bool areMost(std::uint64_t some, std::uint64_t all) {
@@ -23,6 +26,28 @@ void InputWatch::look(const InputFrame& frame) {
   for (const MobilePointer& mobile : frame.observed) {
     lookAtBody(*mobile->getPhysicalObject());
   }
+  lookAtMoves(frame);
+}
+
+/// Distances tell centimetres from metres even where nobody knows the time between frames.
+void InputWatch::lookAtMoves(const InputFrame& frame) {
+  const double elapsed = frame.time && m_time ? *frame.time - *m_time : usualStep;
+  std::unordered_map<std::uint32_t, cv::Point2f> places;
+  for (const auto& actor : frame.actors) {
+    const auto& mobiles = actor->getLinkedPhysicalObjectList();
+    if (mobiles.empty()) {
+      continue;
+    }
+    const cv::Point3f& at = mobiles.back()->getPhysicalObject()->getPosition();
+    const cv::Point2f place(at.x, at.y);
+    places.emplace(actor->getIdent(), place);
+    if (const auto before = m_places.find(actor->getIdent()); before != m_places.end()) {
+      ++m_moves;
+      m_leaps += cv::norm(place - before->second) > fastest * elapsed ? 1 : 0;
+    }
+  }
+  m_places = std::move(places);
+  m_time = frame.time;
 }
 
 void InputWatch::lookAtBody(const kelDataPhysicalObject& body) {
@@ -66,6 +91,13 @@ std::vector<std::string> InputWatch::warnings(const InputDemands& demands) const
         fmt::format("most people ({} of {}) are more than {:.1f} m tall: does the camera belong to "
                     "another view, or to other units?",
                     m_giants, m_bodies, giant));
+  }
+  if (areMost(m_leaps, m_moves)) {
+    warnings.push_back(
+        fmt::format("most moves ({} of {}) are faster than {:g} m/s: are the places in centimetres "
+                    "(--unit cm), "
+                    "or is the rate another (--rate)?",
+                    m_leaps, m_moves, fastest));
   }
   return warnings;
 }

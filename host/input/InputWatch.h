@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace grouptracker {
@@ -18,8 +19,8 @@ struct InputDemands {
 };
 
 /// Looks at the frames of an input as they pass and says in the end what is legal but hardly meant:
-/// no images where images are asked for, too few frames, people outside of the image or of no human
-/// size. Each at most once, whatever the number of frames.
+/// no images where images are asked for, too few frames, people outside of the image, of no human
+/// size or of no human speed. Each at most once, whatever the number of frames.
 class InputWatch {
  public:
   /// `imageSize` in pixels; none when nobody knows it.
@@ -31,14 +32,19 @@ class InputWatch {
 
  private:
   void lookAtBody(const kelDataPhysicalObject& body);
+  void lookAtMoves(const InputFrame& frame);
 
   std::optional<cv::Size> m_imageSize;
   std::uint64_t m_frames = 0;
   std::uint64_t m_images = 0;  ///< frames that have one
   std::uint64_t m_bodies = 0;
-  std::uint64_t m_giants = 0;   ///< three times too tall
-  std::uint64_t m_boxes = 0;    ///< in the image
-  std::uint64_t m_outside = 0;  ///< of these, with no part within it
+  std::uint64_t m_giants = 0;    ///< three times too tall
+  std::uint64_t m_boxes = 0;     ///< in the image
+  std::uint64_t m_outside = 0;   ///< of these, with no part within it
+  std::uint64_t m_moves = 0;     ///< of somebody from one frame to the next
+  std::uint64_t m_leaps = 0;     ///< of these, faster than anybody runs
+  std::optional<double> m_time;  ///< of the last frame, seconds
+  std::unordered_map<std::uint32_t, cv::Point2f> m_places;  ///< at the last frame, metres
 };
 
 }  // namespace grouptracker

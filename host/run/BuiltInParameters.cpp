@@ -1,13 +1,8 @@
 #include "host/run/BuiltInParameters.h"
 
-#include "host/base/OutputError.h"
 #include "host/run/ParameterFile.h"
 
-#include <QDir>
 #include <QFile>
-#include <QSaveFile>
-#include <QStandardPaths>
-#include <fmt/format.h>
 
 #include <algorithm>
 #include <cmath>
@@ -35,15 +30,6 @@ ParameterFile readSample() {
   return readParameterFile(text, sample);
 }
 
-/// Whether the file holds the text now.
-bool isWritten(const QString& path, const std::string& text) {
-  QSaveFile file(path);
-  return file.open(QIODevice::WriteOnly) &&
-         file.write(text.data(), static_cast<qint64>(text.size())) ==
-             static_cast<qint64>(text.size()) &&
-         file.commit();
-}
-
 }  // namespace
 
 std::string builtInParameters(double framesPerSecond) {
@@ -60,19 +46,6 @@ std::string builtInParameters(double framesPerSecond) {
   return file.with({{"temporalWinSize:", frames(window)},
                     {"temporalWinForRemoval:", std::max(memory, frames(window) + 5.0)},
                     {"speedSimWeight:", std::min(speedWeight, largestWeight)}});
-}
-
-std::string writeBuiltInParameters(double framesPerSecond) {
-  const std::string text = builtInParameters(framesPerSecond);
-  const QString name =
-      QString::fromStdString(fmt::format("/grouptracker-parameters-{:g}.txt", framesPerSecond));
-  const QString cache = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation);
-  for (const QString& folder : {cache, QDir::tempPath()}) {
-    if (QDir().mkpath(folder) && isWritten(folder + name, text)) {
-      return (folder + name).toStdString();
-    }
-  }
-  throw OutputError((QDir::tempPath() + name).toStdString(), "cannot be written");
 }
 
 }  // namespace grouptracker

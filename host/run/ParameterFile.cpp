@@ -1,5 +1,6 @@
 #include "host/run/ParameterFile.h"
 
+#include "host/base/Suggestion.h"
 #include "host/base/SystemProblem.h"
 
 #include <fmt/format.h>
@@ -27,6 +28,8 @@ const char* const delayLabel = "temporalWinSize:";
 const char* const saveLabel = "saveOutput:";
 const char* const displayLabel = "extDisplayOn:";
 
+const char* const commentsStandBehind = "; comments stand behind the last value only";
+
 /// Goes through the text like the tracker, with the formatted extraction of the standard streams,
 /// so that both agree on what a value is; counts the lines on its way.
 class Walk {
@@ -43,6 +46,10 @@ class Walk {
   /// What was read last, as it stands there.
   std::string text() { return m_content.substr(m_begin, position() - m_begin); }
   std::uint64_t line() const { return m_line; }
+  bool isAtEnd() {
+    skipBlanks();
+    return m_in.peek() == EOF;
+  }
 
  private:
   // Asked of the buffer: at the end the stream itself has no position any more.
@@ -63,17 +70,8 @@ class Walk {
   std::uint64_t m_line = 1;
 };
 
-/// Reads the pair of a row; throws what is wrong with it.
-ParameterEntry readEntry(Walk& walk, const ParameterRow& row) {
-  constexpr std::size_t longestQuote = 40;  // characters of a wrong token shown to the user
-  std::string token;
-  if (!walk.read(token)) {
-    throw ValueProblem(fmt::format("the file ends where the label \"{}\" is expected", row.label));
-  }
-  if (token != row.label) {
-    throw ValueProblem(fmt::format("the label \"{}\" is expected instead of \"{}\"", row.label,
-                                   token.substr(0, longestQuote)));
-  }
+/// Reads the value of a row; throws what is wrong with it.
+ParameterEntry readValue(Walk& walk, const ParameterRow& row) {
   ParameterEntry entry{&row, row.empty, {}, 0};
   if (!std::visit([&](auto& value) { return walk.read(value); }, entry.value)) {
     throw ValueProblem(
@@ -84,13 +82,42 @@ ParameterEntry readEntry(Walk& walk, const ParameterRow& row) {
   return entry;
 }
 
-void keep(const ParameterEntry& entry, ParameterFile& file) {
-  const std::string_view label = entry.row->label;
-  if (label == delayLabel) {
-    file.delay = std::get<unsigned int>(entry.value);
-  } else if (label == saveLabel || label == displayLabel) {
-    file.needsImages = file.needsImages || std::get<bool>(entry.value);
+/// Reads the pair of a row; throws what is wrong with it.
+ParameterEntry readEntry(Walk& walk, const ParameterRow& row) {
+  constexpr std::size_t longestQuote = 40;  // characters of a wrong token shown to the user
+  std::string token;
+  if (!walk.read(token)) {
+    throw ValueProblem(fmt::format("the file ends where the label \"{}\" is expected", row.label));
   }
+  if (token != row.label) {
+    throw ValueProblem(fmt::format("the label \"{}\" is expected instead of \"{}\"{}", row.label,
+                                   token.substr(0, longestQuote),
+                                   token.front() == '#' ? commentsStandBehind : ""));
+  }
+  return readValue(walk, row);
+}
+
+/// What the host itself needs of the values.
+void derive(ParameterFile& file) {
+  file.needsImages = false;
+  for (const ParameterEntry& entry : file.values) {
+    const std::string_view label = entry.row->label;
+    if (label == delayLabel) {
+      file.delay = std::get<unsigned int>(entry.value);
+    } else if (label == saveLabel || label == displayLabel) {
+      file.needsImages = file.needsImages || std::get<bool>(entry.value);
+    }
+  }
+}
+
+/// What is wrong with a label that no parameter has.
+ValueProblem unknownLabel(const std::string& label) {
+  std::vector<std::string> known;
+  for (const ParameterRow& row : parameterRows()) {
+    known.emplace_back(row.label);
+    known.back().pop_back();
+  }
+  return ValueProblem(label + " is no parameter" + didYouMean(label, known));
 }
 
 }  // namespace
@@ -108,6 +135,28 @@ const ParameterEntry* ParameterFile::find(std::string_view label) const {
 double ParameterFile::number(std::string_view label) const {
   const ParameterEntry* const entry = find(label);
   return entry == nullptr ? 0.0 : entry->number();
+}
+
+void ParameterFile::set(const std::string& label, const std::string& value) {
+  const std::string whole = label.ends_with(':') ? label : label + ":";
+  const auto found = std::find_if(values.begin(), values.end(),
+                                  [&](const auto& entry) { return entry.row->label == whole; });
+  if (found == values.end()) {
+    throw unknownLabel(label);
+  }
+  Walk walk(value);
+  ParameterEntry entry = readValue(walk, *found->row);
+  if (!walk.isAtEnd()) {
+    throw ValueProblem(fmt::format("{} is expected after \"{}\" instead of \"{}\"",
+                                   expectations[entry.value.index()], whole, value));
+  }
+  entry.line = found->line;
+  *found = std::move(entry);
+  derive(*this);
+}
+
+std::string ParameterFile::text() const {
+  return with({});
 }
 
 std::string ParameterFile::with(const std::map<std::string, double>& changes) const {
@@ -129,11 +178,11 @@ ParameterFile readParameterFile(std::istream& in, const std::string& name) {
   try {
     for (const ParameterRow& row : parameterRows()) {
       file.values.push_back(readEntry(walk, row));
-      keep(file.values.back(), file);
     }
   } catch (const ValueProblem& problem) {
     file.problem = InputError(name, walk.line(), problem.what());
   }
+  derive(file);
   return file;
 }
 

@@ -13,6 +13,12 @@
 
 namespace grouptracker {
 
+/// A parameter file with which nothing can be run; the program then ends with a status of its own.
+class WrongParameters : public InputError {
+ public:
+  explicit WrongParameters(const InputError& error) : InputError(error) {}
+};
+
 /// One pair of a parameter file.
 struct ParameterEntry {
   const ParameterRow* row = nullptr;  ///< what the pair is about; never null
@@ -37,7 +43,12 @@ struct ParameterFile {
   const ParameterEntry* find(std::string_view label) const;
   /// The number after a label; 0 when there is none.
   double number(std::string_view label) const;
-  /// The text of a file with the same pairs, one a line, of which some have other numbers.
+  /// Gives a parameter another value, which is read as the tracker reads it; the label may lack its
+  /// colon. What is no label, or no value of its type, is a `ValueProblem`.
+  void set(const std::string& label, const std::string& value);
+  /// The text of a file with these pairs, one a line.
+  std::string text() const;
+  /// The same of which some have other numbers.
   std::string with(const std::map<std::string, double>& changes) const;
 };
 

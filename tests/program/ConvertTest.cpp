@@ -245,14 +245,21 @@ TEST_F(Files, AreCheckedWhole) {
                                  "warning: maxDistGroupMerge: 2500 is outside of the usual"}) {
     EXPECT_THAT(said, HasSubstr(line));
   }
-  folder.write("worse.txt", []() {
-    std::string text = "1,1,0,0,5,9\n";
-    for (int i = 0; i < 1000; ++i) {
-      text += "1,1\n";
-    }
-    return text;
-  }());
-  EXPECT_EQ(run({"check", "worse.txt", "--calibration", "camera.txt"}), 2);
+  std::string same = "1,1,0,0,5,9\n";
+  std::string different = same;
+  for (int i = 0; i < 1000; ++i) {
+    same += "1,1\n";
+    different += fmt::format("{0},1,0,0,5,9\n{0},1,0,0,5,9\n", i + 2);
+  }
+  folder.write("same.txt", same);
+  EXPECT_EQ(run({"check", "same.txt"}), 2);
+  EXPECT_THAT(said, HasSubstr("same.txt:4: 6 to 10 numbers"));
+  EXPECT_THAT(said, Not(HasSubstr("same.txt:5: ")));
+  EXPECT_THAT(said, HasSubstr("; 1000 such in all\n"));
+  EXPECT_THAT(said, HasSubstr("\n2 problems, "))
+      << "this and the camera, though boxes are read twice for one";
+  folder.write("different.txt", different);
+  EXPECT_EQ(run({"check", "different.txt", "--calibration", "camera.txt"}), 2);
   EXPECT_THAT(said, HasSubstr("stopped after 50 problems"));
   folder.write("damaged.jsonl", walkingLine(1) + "{\n" + walkingLine(3));
   EXPECT_EQ(run({"check", "damaged.jsonl"}), 2);
@@ -267,7 +274,30 @@ TEST_F(Files, WarnOfWhatIsLegalButStrange) {
             1)
       << said;
   EXPECT_THAT(said, HasSubstr("nobody is seen for 497 frames"));
-  EXPECT_THAT(said, HasSubstr("lies outside of the image of 768x576 pixels"));
+  EXPECT_THAT(said, HasSubstr("the box of person 1 lies outside of the image of 768x576 pixels"));
+}
+
+TEST_F(Files, WarnOfCentimetresAndOfWhatARunWouldNotDo) {
+  std::string metres = "frame,id,x,y\n";
+  std::string centimetres = metres;
+  for (int frame = 1; frame <= 40; ++frame) {
+    metres += fmt::format("{},1,{},1.5\n", frame, 0.05 * frame);
+    centimetres += fmt::format("{},1,{},150\n", frame, 5 * frame);
+  }
+  folder.write("m.csv", metres);
+  folder.write("cm.csv", centimetres);
+  folder.write("truth.txt", "1 8\n");
+  EXPECT_EQ(run({"check", "m.csv", "--rate", "25", "--parameters", "p.txt"}), 0) << said;
+  EXPECT_EQ(run({"check", "cm.csv", "--unit", "cm", "--rate", "25"}), 0) << said;
+  EXPECT_EQ(run({"check", "cm.csv", "--rate", "25", "--top-view", "--truth", "truth.txt", "--set",
+                 "saveOutput=1", "--set", "openCVOutput=1", "--set", "outputFolder=no/such/"}),
+            2);
+  for (const char* const line :
+       {"most moves (39 of 39) are faster than 12 m/s: are the places in centimetres (--unit cm)",
+        "--top-view: nothing is drawn", "outputFolder: there is no folder no/such",
+        "truth.txt:1: no group has two members in view together in cm.csv"}) {
+    EXPECT_THAT(said, HasSubstr(line));
+  }
 }
 
 }  // namespace

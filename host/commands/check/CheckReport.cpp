@@ -4,9 +4,22 @@
 
 namespace grouptracker {
 
-void CheckReport::problem(const std::string& text) {
-  m_print(text);
-  if (++m_problems == mostProblems) {
+namespace {
+
+constexpr std::uint64_t mostOfOneKind = 3;  // that are printed
+
+}  // namespace
+
+void CheckReport::problem(const InputError& error) {
+  Problem& kind = m_problems[error.file() + ": " + error.problem()];
+  if (kind.count > 0 && error.line() <= kind.lastLine) {
+    return;
+  }
+  kind.lastLine = error.line();
+  if (++kind.count <= mostOfOneKind) {
+    m_print(error.what());
+  }
+  if (kind.count == 1 && m_problems.size() == mostProblems) {
     throw TooManyProblems();
   }
 }
@@ -18,7 +31,12 @@ void CheckReport::warn(const std::string& kind, const std::string& place, const 
   }
 }
 
-void CheckReport::printWarnings() const {
+void CheckReport::printRest() const {
+  for (const auto& [kind, problem] : m_problems) {
+    if (problem.count > mostOfOneKind) {
+      m_print(fmt::format("{}; {} such in all", kind, problem.count));
+    }
+  }
   for (const auto& [kind, warning] : m_warnings) {
     m_print(warning.count == 1 ? warning.text
                                : fmt::format("{}; {} such in all", warning.text, warning.count));

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -17,25 +18,26 @@ class TooManyProblems : public std::runtime_error {
   TooManyProblems() : std::runtime_error("too many problems") {}
 };
 
-/// Collects what a check finds, each as one line. Problems are handed out as they are found; what
-/// is only suspicious is gathered by kind, so that a warning that holds for every frame is one line
-/// with the first place and a count.
+/// Collects what a check finds, each as one line. Problems are handed out as they are found, of
+/// each kind the first ones; what is only suspicious is gathered by kind, so that a warning that
+/// holds for every frame is one line with the first place and a count.
 class CheckReport {
  public:
   static constexpr std::size_t mostProblems = 50;
 
   explicit CheckReport(std::function<void(const std::string&)> print) : m_print(std::move(print)) {}
 
-  /// Something that a run would stop at. Throws `TooManyProblems` at the last that is reported.
-  void problem(const std::string& text);
-  void problem(const InputError& error) { problem(std::string(error.what())); }
+  /// Something that a run would stop at. An input may be read twice: what was found in a line is
+  /// found once. Throws `TooManyProblems` at the last kind that is reported.
+  void problem(const InputError& error);
   /// Something legal but strange at a place "FILE:LINE"; `kind` is one for all that differ in
   /// numbers only.
   void warn(const std::string& kind, const std::string& place, const std::string& text);
-  /// Hands out the warnings; to be called once at the end.
-  void printWarnings() const;
+  /// Hands out how often problems came again, and the warnings; to be called once at the end.
+  void printRest() const;
 
-  std::size_t problems() const { return m_problems; }
+  /// Different ones.
+  std::size_t problems() const { return m_problems.size(); }
   std::size_t warnings() const { return m_warnings.size(); }
 
  private:
@@ -44,8 +46,13 @@ class CheckReport {
     std::uint64_t count = 0;
   };
 
+  struct Problem {
+    std::uint64_t count = 0;
+    std::optional<std::uint64_t> lastLine;
+  };
+
   std::function<void(const std::string&)> m_print;
-  std::size_t m_problems = 0;
+  std::map<std::string, Problem> m_problems;  ///< by file and what is wrong
   std::map<std::string, Warning> m_warnings;  ///< by kind
 };
 

@@ -27,8 +27,8 @@ class FrameCheck {
   void look(const InputFrame& frame);
 
  private:
-  void lookAtBody(const kelDataLinkedPhysicalObject& mobile, const std::string& place);
-  void lookAtBox(const kelDataLinkedPhysicalObject& mobile, const std::string& place);
+  void lookAtBody(const kelDataLinkedPhysicalObject& mobile, const InputFrame& frame);
+  void lookAtBox(const kelDataLinkedPhysicalObject& mobile, const InputFrame& frame);
   void lookForGaps(const InputFrame& frame);
 
   CheckReport& m_report;

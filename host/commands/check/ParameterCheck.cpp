@@ -2,7 +2,35 @@
 
 #include <fmt/format.h>
 
+#include <filesystem>
+#include <system_error>
+
 namespace grouptracker {
+
+namespace {
+
+/// Images are saved when two parameters say so, and only where there is a folder.
+void checkSavedImages(const ParameterFile& parameters, const std::string& name,
+                      CheckReport& report) {
+  const ParameterEntry* const save = parameters.find("saveOutput:");
+  const ParameterEntry* const folder = parameters.find("outputFolder:");
+  if (save == nullptr || folder == nullptr || save->number() == 0.0) {
+    return;
+  }
+  if (parameters.number("openCVOutput:") == 0.0) {
+    report.warn("saveOutput", fmt::format("{}:{}", name, save->line),
+                "saveOutput: saves no images without openCVOutput:");
+    return;
+  }
+  const auto place = std::filesystem::path(folder->text + "1").parent_path();
+  std::error_code ignored;
+  if (!place.empty() && !std::filesystem::is_directory(place, ignored)) {
+    report.warn("outputFolder", fmt::format("{}:{}", name, folder->line),
+                "outputFolder: there is no folder " + place.string());
+  }
+}
+
+}  // namespace
 
 void checkParameterValues(const ParameterFile& parameters, const std::string& name,
                           CheckReport& report) {
@@ -14,6 +42,7 @@ void checkParameterValues(const ParameterFile& parameters, const std::string& na
                               usual.lowest, usual.highest));
     }
   }
+  checkSavedImages(parameters, name, report);
   const ParameterEntry* const removal = parameters.find("temporalWinForRemoval:");
   if (removal != nullptr && removal->number() <= parameters.number("temporalWinSize:")) {
     report.warn(

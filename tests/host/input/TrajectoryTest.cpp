@@ -1,4 +1,5 @@
 #include "host/input/ObsmatReader.h"
+#include "host/people/PersonCount.h"
 #include "host/people/TrackAssembler.h"
 #include "tests/support/base/Errors.h"
 
@@ -32,6 +33,14 @@ std::vector<InputFrame> assemble(const std::string& text, const LinkOptions& opt
     frames.push_back(frame);
   }
   return frames;
+}
+
+TEST(PersonCount, CountsEverybodyOnceInAnyOrder) {
+  PersonCount count;
+  for (const std::uint32_t id : {5U, 7U, 6U, 6U, 0U, 4294967295U, 5U, 8U, 4294967294U, 0U, 7U}) {
+    count.see(id);
+  }
+  EXPECT_EQ(count.count(), 7U);
 }
 
 /// The links of a mobile as (father id, reliability).

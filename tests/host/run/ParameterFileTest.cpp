@@ -66,6 +66,37 @@ TEST(ParameterFile, GivesBackTheValuesAsTheyStandWithSomeReplaced) {
   EXPECT_EQ(copy.find("distWeight:")->text, "+07");
 }
 
+TEST(ParameterFile, TakesChangesAsTheTrackerWouldReadThem) {
+  ParameterFile file = read(sampleParameters());
+  file.set("temporalWinSize", "7");
+  file.set("saveOutput:", "1");
+  EXPECT_EQ(file.delay, 7U);
+  EXPECT_TRUE(file.needsImages);
+  file.set("saveOutput", "0");
+  EXPECT_FALSE(file.needsImages);
+  EXPECT_EQ(read(file.text()).number("temporalWinSize:"), 7.0);
+  const auto problem = [&file](const char* label, const char* value) {
+    return errorOf([&] { file.set(label, value); });
+  };
+  EXPECT_EQ(problem("tolerence", "1"), "tolerence is no parameter; did you mean tolerance?");
+  EXPECT_EQ(problem("distWeight", "1.5"),
+            "a whole number is expected after \"distWeight:\" instead of \"1.5\"");
+  EXPECT_EQ(problem("useClustering", "true"), "0 or 1 is expected after \"useClustering:\"");
+  EXPECT_EQ(problem("imagesFolder", "my images"),
+            "a text without blanks is expected after \"imagesFolder:\" instead of \"my images\"");
+  EXPECT_EQ(problem("alpha", ""), "a number is expected after \"alpha:\"");
+  EXPECT_EQ(file.number("distWeight:"), read(sampleParameters()).number("distWeight:"));
+}
+
+TEST(ParameterFile, MayHaveCommentsBehindItsValuesOnly) {
+  EXPECT_FALSE(read(sampleParameters() + "# tuned on a square\n").problem);
+  const auto problem = read("# tuned on a square\n" + sampleParameters()).problem;
+  ASSERT_TRUE(problem);
+  EXPECT_STREQ(problem->what(),
+               "p.txt:1: the label \"coherenceThreshold:\" is expected instead of \"#\"; comments "
+               "stand behind the last value only");
+}
+
 TEST(ParameterFile, LeavesPipesAloneAndReportsMissingFiles) {
   EXPECT_EQ(errorOf([] { readValidParameterFile("/no/such.txt"); }),
             "/no/such.txt:1: cannot be opened: No such file or directory; the label "
