@@ -1,6 +1,7 @@
 #pragma once
 
 #include <stdexcept>
+#include <string>
 
 namespace grouptracker {
 
@@ -12,10 +13,12 @@ class Interruption : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// The reader of a pipe that the program writes to has gone.
+/// The reader of a pipe that the program writes to has gone. The text is what was written, as the
+/// user calls it.
 class ClosedPipe : public Interruption {
  public:
-  ClosedPipe() : Interruption("nobody reads the output any more") {}
+  explicit ClosedPipe(const std::string& file)
+      : Interruption(file == "-" ? "standard output" : file) {}
 };
 
 /// The program is asked to stop while a read waits for more input.

@@ -57,7 +57,7 @@ void OutputFile::fail(int error) {
   // Only a regular file can be cut; of a pipe or a device nothing can be taken back.
   [[maybe_unused]] const int ignored = ::ftruncate(m_file.get(), m_wholeLines);
   if (error == EPIPE) {
-    throw ClosedPipe();
+    throw ClosedPipe(m_path);
   }
   throw OutputError(m_path, systemProblem("cannot be written", error));
 }

@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -80,6 +81,11 @@ FileDescriptor lockFolder(const std::string& path) {
   }
   lockFile(folder, path);
   return folder;
+}
+
+bool hasReader(int descriptor) {
+  pollfd writer{descriptor, POLLOUT, 0};
+  return ::poll(&writer, 1, 0) < 1 || (writer.revents & POLLERR) == 0;
 }
 
 bool isRegular(const FileDescriptor& file) {

@@ -22,6 +22,10 @@ FileDescriptor openRegularOutput(const std::string& path);
 /// Locks a folder, into which files are written, in the same way.
 FileDescriptor lockFolder(const std::string& path);
 
+/// Whether anybody can read what is written to an open file: not when it is a pipe whose reader has
+/// gone.
+bool hasReader(int descriptor);
+
 /// Whether an open file is a regular one, which can be cut and read again.
 bool isRegular(const FileDescriptor& file);
 

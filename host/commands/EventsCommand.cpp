@@ -1,16 +1,22 @@
 #include "host/commands/EventsCommand.h"
 
 #include "host/base/InputFile.h"
+#include "host/base/Interruption.h"
 #include "host/base/OutputError.h"
+#include "host/base/OutputPlace.h"
 #include "host/base/SystemProblem.h"
 #include "host/commands/StepOutputs.h"
 #include "host/input/InputFormats.h"
 #include "host/output/EventWriter.h"
 #include "host/output/RunReplay.h"
 
+#include <fmt/format.h>
+
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <memory>
+#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -29,15 +35,18 @@ class EventPrinter : public StepSink {
       std::fputs(toJsonLine(event).c_str(), stdout);
     }
     if (!step.events.empty() && std::fflush(stdout) != 0) {
+      if (!hasReader(STDOUT_FILENO)) {
+        throw ClosedPipe("-");
+      }
       throw OutputError("standard output", systemProblem("cannot be written"));
     }
   }
 };
 
 /// What was read before an error in the file is written all the same.
-void replay(RunReplay& run, StepOutputs& sinks) {
+void replay(RunReplay& run, StepOutputs& sinks, const OutputReaders& readers) {
   try {
-    for (RunStep step; run.next(step);) {
+    for (RunStep step; !readers.haveAllLeft() && run.next(step);) {
       sinks.take(std::move(step));
     }
   } catch (...) {
@@ -81,7 +90,9 @@ int EventsCommand::run() {
   }
   StepSinks own;
   own.push_back(openEvents(m_outputFile));
-  StepOutputs sinks(m_steps, std::move(own));
+  std::signal(SIGPIPE, SIG_IGN);  // who reads one output may leave without ending the others
+  OutputReaders readers;
+  StepOutputs sinks(m_steps, std::move(own), readers);
   InputFile file(m_groupsFile);
   RunReplay run(file.stream(), m_groupsFile);
   OpenedInput input;
@@ -91,8 +102,11 @@ int EventsCommand::run() {
     input = openInput(m_choice.input, options);
     run.takeInputFrom(*input.frames, m_choice.input);
   }
-  replay(run, sinks);
-  return finished;
+  replay(run, sinks, readers);
+  for (const std::string& warning : readers.warnings()) {
+    fmt::print(stderr, "{}\n", warning);
+  }
+  return readers.hasAnybodyLeft() ? readerLeft : finished;
 }
 
 }  // namespace grouptracker

@@ -170,7 +170,7 @@ int RunCommand::run() {
   } else {
     runSession();
   }
-  return finished;
+  return m_readerLeft ? readerLeft : finished;
 }
 
 /// What holds where the user said nothing. On a terminal nobody wants to see some lines for each
@@ -204,10 +204,11 @@ void RunCommand::runSession() {
   RunSession session(m_options);
   const RunStatus status(m_options.statusFile);
   const RunSummary summary = session.run();
-  if (summary.stoppedBy.empty() && !summary.pipeClosed) {
+  m_readerLeft = summary.readerLeft && summary.stoppedBy.empty();
+  if (summary.stoppedBy.empty() && !summary.readerLeft) {
     status.complete(summary.frames);
   }
-  if (!m_options.quiet && !summary.pipeClosed) {
+  if (!m_options.quiet && !summary.endedWithLastReader) {
     printSummary(summary, m_options.outputFile);
   }
 }

@@ -20,6 +20,7 @@ class RunCommand : public Command {
   void runSession();
 
   RunOptions m_options;
+  bool m_readerLeft = false;
 };
 
 }  // namespace grouptracker

@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <fcntl.h>
 #include <filesystem>
 #include <unistd.h>
 #include <utility>
@@ -25,6 +26,12 @@ namespace {
 /// The file name of an option that may be "none" or not given; empty then.
 std::string fileOf(const std::string& option) {
   return option == noOutput ? std::string() : option;
+}
+
+/// The file of the mobiles as the process is told it, which knows no "-".
+std::string dumpFile(const RunOptions& options) {
+  const std::string dump = fileOf(options.mobileDump);
+  return dump == standardOutputName ? "/dev/stdout" : dump;
 }
 
 }  // namespace
@@ -47,17 +54,16 @@ RunSummary RunSession::run() {
   const bool showsProgress = !m_options.quiet && Progress::isPossible();
   const bool countsFrames = showsProgress && m_options.frames.isWhole();
   m_progress.emplace(showsProgress, countsFrames ? m_input.frames->totalFrames() : std::nullopt);
-  try {
-    runToTheEnd();
-  } catch (const ClosedPipe&) {
-    m_summary.pipeClosed = true;
-  }
+  runToTheEnd();
+  warnOfReaders();
   m_progress->clear();
   m_summary.frames = m_tracker->frame();
   m_summary.people = m_people.count();
   m_summary.seconds = m_progress->seconds();
   m_summary.stoppedBy = m_signals.signalName();
-  if (m_summary.stoppedBy.empty() && !m_summary.pipeClosed) {
+  m_summary.readerLeft = m_readers.hasAnybodyLeft();
+  m_summary.endedWithLastReader = m_readers.haveAllLeft();
+  if (m_summary.stoppedBy.empty() && !m_summary.endedWithLastReader) {
     warnOfInput();
   }
   return m_summary;
@@ -111,13 +117,24 @@ void RunSession::warnOfInput() {
 }
 
 void RunSession::warn(const std::string& warning) {
+  say(fmt::format("{}: warning: {}", m_options.input, warning));
+}
+
+/// Says what is hardly meant, unless the user wants no words.
+void RunSession::say(const std::string& line) {
   if (m_options.quiet) {
     return;
   }
   if (m_progress) {
     m_progress->clear();
   }
-  fmt::print(stderr, "{}: warning: {}\n", m_options.input, warning);
+  fmt::print(stderr, "{}\n", line);
+}
+
+void RunSession::warnOfReaders() {
+  for (const std::string& warning : m_readers.warnings()) {
+    say(warning);
+  }
 }
 
 void RunSession::openOutputs() {
@@ -128,7 +145,7 @@ void RunSession::openOutputs() {
     own.push_back(std::make_unique<RunFileWriter>(m_options.outputFile));
   }
   if (!m_options.actorsFile.empty()) {
-    m_actors = std::make_unique<RunFileWriter>(m_options.actorsFile);
+    m_actors = m_readers.watch(std::make_unique<RunFileWriter>(m_options.actorsFile));
   }
   if (!dump.empty() && dump != standardOutputName) {
     // The process opens it anew and would not say that it cannot.
@@ -137,10 +154,28 @@ void RunSession::openOutputs() {
   if (const auto& screen = m_options.steps.pictures.screen) {
     screen->endWhen([this] { return m_signals.stopRequested(); });
   }
-  m_outputs = std::make_unique<StepOutputs>(m_options.steps, std::move(own));
+  m_outputs = std::make_unique<StepOutputs>(m_options.steps, std::move(own), m_readers);
   if (!diagnostics.empty() && diagnostics != standardOutputName) {
     ::dup2(openOutput(diagnostics).get(), STDOUT_FILENO);
   }
+  countOutputsOfProcess();
+}
+
+/// The dump in its usual place is nothing that a run goes on for.
+void RunSession::countOutputsOfProcess() {
+  if (m_options.diagnostics != noOutput) {
+    m_readers.expect();
+  }
+  if (!fileOf(m_options.mobileDump).empty()) {
+    m_readers.expect();
+  }
+  if (m_parameters.values().needsImages) {
+    m_readers.expect();
+  }
+}
+
+bool RunSession::goesOn() const {
+  return !m_signals.stopRequested() && !m_readers.haveAllLeft();
 }
 
 void RunSession::startGroups() {
@@ -167,8 +202,7 @@ void RunSession::startProcess(std::unique_ptr<kelAbstractProcessGroupTracker> tr
   options.sceneContext = m_context;
   options.printsDiagnostics = m_options.diagnostics != noOutput;
   options.dumpsMobiles = m_options.mobileDump != noOutput;
-  const std::string dump = fileOf(m_options.mobileDump);
-  options.mobileDumpFile = dump == standardOutputName ? "/dev/stdout" : dump;
+  options.mobileDumpFile = dumpFile(m_options);
   m_tracker = std::make_unique<TrackerRun>(std::move(tracker));
   m_tracker->configure(options);
 }
@@ -201,9 +235,10 @@ void RunSession::finishAfterFailure(bool canWrite) {
 void RunSession::runFrames() {
   InputFrame frame;
   try {
-    while (!m_signals.stopRequested() && nextFrame(frame)) {
+    while (goesOn() && nextFrame(frame)) {
       runFrame(frame);
       checkOutputsOfProcess();
+      warnOfReaders();
       m_progress->update(m_tracker->frame());
     }
   } catch (const InputInterrupted&) {
@@ -263,17 +298,32 @@ void RunSession::handOut(RunSteps steps) {
 }
 
 void RunSession::checkOutputsOfProcess() {
-  const bool isWritten = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
-  if (m_signals.pipeClosed()) {
-    throw ClosedPipe();
+  checkDiagnostics();
+  const auto problem = m_tracker->outputProblem();
+  if (!problem) {
+    return;
   }
-  if (!isWritten) {
-    throw OutputError("standard output", systemProblem("cannot be written",
-                                                       m_processErrno != 0 ? m_processErrno : EIO));
-  }
-  if (const auto problem = m_tracker->outputProblem()) {
+  const std::string dump = dumpFile(m_options);
+  const bool isOfDump = !dump.empty() && std::string(problem->what()).starts_with(dump + ": ");
+  if (!isOfDump || hasReader(m_dump.isOpen() ? m_dump.get() : STDOUT_FILENO)) {
     throw OutputError(*problem);
   }
+  m_readers.leave(dump);  // the process writes no more of it
+}
+
+void RunSession::checkDiagnostics() {
+  if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) {
+    return;
+  }
+  if (hasReader(STDOUT_FILENO)) {
+    const int error = m_processErrno != 0 ? m_processErrno : EIO;
+    throw OutputError("standard output", systemProblem("cannot be written", error));
+  }
+  const std::string file = fileOf(m_options.diagnostics);
+  m_readers.leave(file.empty() ? "standard output" : file);
+  const FileDescriptor nowhere(::open("/dev/null", O_WRONLY | O_CLOEXEC));
+  ::dup2(nowhere.get(), STDOUT_FILENO);
+  std::clearerr(stdout);
 }
 
 }  // namespace grouptracker

@@ -8,6 +8,7 @@
 #include "host/input/InputImages.h"
 #include "host/input/InputWatch.h"
 #include "host/input/OpenedInput.h"
+#include "host/output/OutputReaders.h"
 #include "host/output/RunFile.h"
 #include "host/people/PersonCount.h"
 #include "host/run/EventDetector.h"
@@ -32,7 +33,8 @@ struct RunSummary {
   bool wantsTimes = false;  ///< groups were looked for in frames that have no times
   double seconds = 0.0;
   std::string stoppedBy;    ///< the name of the signal; empty when the input ended
-  bool pipeClosed = false;  ///< ended because nobody reads what is written
+  bool readerLeft = false;  ///< somebody who read an output left before its end
+  bool endedWithLastReader = false;
 };
 
 /// One run from the opened input to the closed output. Outputs are opened when the parameters, the
@@ -51,8 +53,8 @@ class RunSession {
   void readFirstFrame();
   bool nextFrame(InputFrame& frame);
   void warnOfInput();
-  /// Says what is hardly meant, unless the user wants no words.
   void warn(const std::string& warning);
+  void say(const std::string& line);
   void openOutputs();
   void startGroups();
   void startProcess(std::unique_ptr<kelAbstractProcessGroupTracker> tracker);
@@ -64,6 +66,10 @@ class RunSession {
   void handOut(RunSteps steps);
   void finishAfterFailure(bool canWrite);
   void checkOutputsOfProcess();
+  void checkDiagnostics();
+  void countOutputsOfProcess();
+  bool goesOn() const;
+  void warnOfReaders();
 
   RunOptions m_options;
   StopSignals m_signals;
@@ -74,9 +80,10 @@ class RunSession {
   std::optional<InputWatch> m_watch;  ///< none before the input is opened
   PersonCount m_people;
   ImageLoader m_images;
-  FileDescriptor m_dump;  ///< of the mobiles, which the process writes: holds the lock
-  std::unique_ptr<StepOutputs> m_outputs;   ///< of the groups
-  std::unique_ptr<RunFileWriter> m_actors;  ///< null when nobody wants the process's own
+  FileDescriptor m_dump;    ///< of the mobiles, which the process writes: holds the lock
+  OutputReaders m_readers;  ///< of all that is written
+  std::unique_ptr<StepOutputs> m_outputs;  ///< of the groups
+  std::unique_ptr<StepSink> m_actors;      ///< null when nobody wants the process's own
   std::unique_ptr<TrackerRun> m_tracker;
   std::optional<GroupRun> m_groups;  ///< none when nobody wants groups
   EventDetector m_detector;

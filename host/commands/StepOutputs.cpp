@@ -7,9 +7,15 @@
 
 namespace grouptracker {
 
-StepOutputs::StepOutputs(const StepOptions& options, StepSinks own) : m_atOnce(std::move(own)) {
+StepOutputs::StepOutputs(const StepOptions& options, StepSinks own, OutputReaders& readers)
+    : m_atOnce(std::move(own)) {
   StepSinks beside;
   options.open(m_atOnce, beside);
+  for (StepSinks* const sinks : {&m_atOnce, &beside}) {
+    for (auto& sink : *sinks) {
+      sink = readers.watch(std::move(sink));
+    }
+  }
   if (!beside.empty()) {
     m_beside = std::make_unique<BackgroundSink>(std::move(beside));
   }
@@ -25,11 +31,22 @@ void StepOutputs::take(RunStep&& step) {
 }
 
 void StepOutputs::finish() {
+  std::exception_ptr failure;
+  const auto finishOne = [&failure](StepSink& sink) {
+    try {
+      sink.finish();
+    } catch (...) {
+      failure = failure ? failure : std::current_exception();
+    }
+  };
   for (const auto& sink : m_atOnce) {
-    sink->finish();
+    finishOne(*sink);
   }
   if (m_beside) {
-    m_beside->finish();
+    finishOne(*m_beside);
+  }
+  if (failure) {
+    std::rethrow_exception(failure);
   }
 }
 

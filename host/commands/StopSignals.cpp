@@ -17,7 +17,6 @@ const std::array<int, 3> stopSignals{SIGINT, SIGTERM, SIGHUP};
 
 // What a signal handler may touch.
 volatile std::sig_atomic_t stopSignal = 0;
-volatile std::sig_atomic_t pipeIsClosed = 0;
 std::array<int, 2> wakePipe{-1, -1};
 
 void noteStop(int signal) {
@@ -25,10 +24,6 @@ void noteStop(int signal) {
   stopSignal = signal;
   [[maybe_unused]] const ssize_t ignored = ::write(wakePipe[1], "", 1);
   errno = savedError;
-}
-
-void noteClosedPipe(int) {
-  pipeIsClosed = 1;
 }
 
 void install(int signal, void (*handler)(int), int flags) {
@@ -43,7 +38,6 @@ void install(int signal, void (*handler)(int), int flags) {
 
 StopSignals::StopSignals() {
   stopSignal = 0;
-  pipeIsClosed = 0;
   if (::pipe2(wakePipe.data(), O_CLOEXEC | O_NONBLOCK) != 0) {
     wakePipe = {-1, -1};  // a stop is then seen after the next input only
   }
@@ -52,15 +46,13 @@ StopSignals::StopSignals() {
     // With SA_RESETHAND the second signal does what it usually does.
     install(signal, noteStop, SA_RESTART | static_cast<int>(SA_RESETHAND));
   }
-  install(SIGPIPE, noteClosedPipe, SA_RESTART);
+  install(SIGPIPE, SIG_IGN, 0);  // a pipe that nobody reads is a write that fails
 }
 
 StopSignals::~StopSignals() {
   for (const int signal : stopSignals) {
     install(signal, SIG_DFL, 0);
   }
-  // What is still buffered for a closed pipe is written at exit and must not end the program then.
-  install(SIGPIPE, SIG_IGN, 0);
   stop_wish::setDescriptor(-1);
   ::close(wakePipe[0]);
   ::close(wakePipe[1]);
@@ -78,10 +70,6 @@ std::string StopSignals::signalName() const {
 int StopSignals::exitStatus() {
   constexpr int stopped = 128;  // and the number of the signal
   return stopSignal == 0 ? 0 : stopped + stopSignal;
-}
-
-bool StopSignals::pipeClosed() const {
-  return pipeIsClosed != 0;
 }
 
 }  // namespace grouptracker

@@ -5,9 +5,9 @@
 namespace grouptracker {
 
 /// Catches the wish to stop: SIGINT, SIGTERM and SIGHUP ask for a stop after the current frame, the
-/// second of them ends the program at once; SIGPIPE tells that nobody reads standard output or
-/// another pipe any more. Everything that waits sees the wish in `stop_wish`. There is one set of
-/// signals, so one object of this class at a time.
+/// second of them ends the program at once. Writing to a pipe that nobody reads fails instead of
+/// ending the program, also behind the life of the object. Everything that waits sees the wish in
+/// `stop_wish`. There is one set of signals, so one object of this class at a time.
 class StopSignals {
  public:
   StopSignals();
@@ -22,8 +22,6 @@ class StopSignals {
   /// The exit status that tells of the signal, as shells do; that of success when no stop was asked
   /// for. Holds behind the life of the object, too.
   static int exitStatus();
-  /// Whether a pipe that the program wrote to was closed by its reader.
-  bool pipeClosed() const;
 };
 
 }  // namespace grouptracker

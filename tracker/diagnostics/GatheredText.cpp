@@ -45,10 +45,13 @@ void GatheredText::add(std::string_view text) {
 
 bool GatheredText::appendTo(const std::string& fileName) {
   constexpr int mode = 0666;
-  const int file = open(fileName.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, mode);
+  // Without waiting for somebody who reads a named pipe; what is opened then waits for him.
+  const int file =
+      open(fileName.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NONBLOCK, mode);
   if (file < 0) {
     return false;
   }
+  fcntl(file, F_SETFL, O_APPEND);
   struct stat before = {};
   const bool canBeCut = fstat(file, &before) == 0 && S_ISREG(before.st_mode);
   const bool isWritten = writeAll(file, m_pieces.data(), m_pieces.data() + m_pieces.size());

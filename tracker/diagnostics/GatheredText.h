@@ -13,7 +13,7 @@ class GatheredText {
   void add(std::string_view text);
   /// Appends everything to the file, which is made when there is none; false, with the reason in
   /// `errno`, when it cannot be written. A file then keeps what it had, a pipe or a device got as
-  /// much as went through.
+  /// much as went through. A named pipe that nobody reads cannot be written.
   bool appendTo(const std::string& fileName);
 
  private:

@@ -11,8 +11,12 @@
 #include <mox/moxLogEngine.h>
 #include <mox/moxLogger.h>
 
+#include <QFile>
+#include <QFileInfo>
+
 #include <algorithm>
 #include <fstream>
+#include <string>
 #include <utility>
 
 namespace {
@@ -80,14 +84,9 @@ QString GroupTrackerProcessGroupTracker::identifier() const {
   return QStringLiteral("GroupTrackerProcessGroupTracker");
 }
 
-// The base class is meant to copy first, but this is the call it makes: for any other process than
-// this one the copy never comes back. Nobody copies a tracker in the middle of a video.
+// Of another tracker nothing is taken over: nobody copies one in the middle of a video.
 void GroupTrackerProcessGroupTracker::copy(const moxAbstractProcess& other) {
-  if (&other == this) {
-    return;
-  }
-  copy(other);
-  if (identifier() == other.identifier()) {
+  if (&other == this || identifier() == other.identifier()) {
     return;
   }
   logError("Copy can't be done at the kelAbstractProcessAcquisitor level.");
@@ -159,5 +158,28 @@ void GroupTrackerProcessGroupTracker::readSpecificParameters(const std::string& 
   Diagnostics::print("parameter file name: {}\n", fileName);
   Diagnostics::flush();
   std::ifstream file(fileName);
+  const ParameterValues before = parameterValues();
   readParameters(file);
+  warnOfOtherProcesses(before);
+}
+
+void GroupTrackerProcessGroupTracker::warnOfOtherProcesses(const ParameterValues& before) {
+  const int others = ParameterUser::count() - (d().parameterUser ? 1 : 0);
+  d().parameterUser.emplace();
+  const std::string changed = changedLabels(before);
+  if (others > 0 && !changed.empty()) {
+    logError(("Parameters are shared by all processes, these change for the " +
+              std::to_string(others) + " before: " + changed)
+                 .c_str());
+  }
+}
+
+QString GroupTrackerProcessGroupTracker::parameterProblem(const QString& fileName) {
+  const QFileInfo place(fileName);
+  if (place.exists() && !place.isFile()) {
+    return QStringLiteral("no regular file");  // reading would wait, or take away what is read
+  }
+  std::ifstream file(QFile::encodeName(fileName).toStdString());
+  return file.is_open() ? QString::fromStdString(::parameterProblem(file))
+                        : QStringLiteral("cannot be opened");
 }

@@ -1,6 +1,10 @@
 #pragma once
 
+#include "tracker/plugin/ParameterReader.h"
+
 #include <kel/kelAbstractProcessGroupTracker.h>
+
+#include <QString>
 
 #include <string>
 
@@ -14,6 +18,15 @@ class GroupTrackerProcessGroupTrackerPrivate;
 /// printed) and "mobileDump" (false: no dump of the mobiles; a text: the dump's file name). A third
 /// one, "outputProblem", is set by `process()` when a file could not be written at this frame: the
 /// file and what is wrong, a list of two texts. The process itself goes on.
+///
+/// Null actors, mobiles without an object and null mobiles are passed over with a line on the
+/// framework's log; an actor whose current mobile is one of them is passed over as a whole.
+///
+/// A program may have several processes, one call at a time, but some things exist once for all of
+/// them: the parameters, the calibration and whether diagnostics are printed are those of the
+/// latest `init()`, which says on the log when it changes parameters of processes that are still
+/// there; the ids of groups and their colours go on from process to process, so that no two groups
+/// of a program share an id.
 class GroupTrackerProcessGroupTracker : public kelAbstractProcessGroupTracker {
   Q_OBJECT
  public:
@@ -28,6 +41,7 @@ class GroupTrackerProcessGroupTracker : public kelAbstractProcessGroupTracker {
   static void logError(const char* message);
 
   QString identifier() const override;
+  /// Takes over nothing; another type of process is an error on the log.
   void copy(const moxAbstractProcess& other) override;
 
   bool init() override;
@@ -38,11 +52,17 @@ class GroupTrackerProcessGroupTracker : public kelAbstractProcessGroupTracker {
   bool setSpecificParameters(QMap<QString, QVariant> parameters) override;
   /// Reads the parameter file into the static parameters; ends the program on a malformed file.
   void readSpecificParameters(const std::string& fileName);
+  /// What is wrong with a parameter file on which `init()` would end the program; empty when
+  /// nothing is. For hosts that must not be ended, before they name the file; nothing else is
+  /// changed. Hosts that know the process through the factory alone find it at the plugin's object,
+  /// too.
+  static QString parameterProblem(const QString& fileName);
 
  private:
   GroupTrackerProcessGroupTrackerPrivate& d();
   void initOutputs();
   void initSceneBounds();
+  void warnOfOtherProcesses(const ParameterValues& before);
 };
 
 /// A new process, owned by the caller.

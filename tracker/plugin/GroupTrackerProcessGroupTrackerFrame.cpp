@@ -3,6 +3,9 @@
 #include "tracker/geometry/Util.h"
 #include "tracker/plugin/GroupTrackerProcessGroupTracker.h"
 #include "tracker/plugin/GroupTrackerProcessGroupTrackerPrivate.h"
+#include "tracker/plugin/PresentActors.h"
+
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <cmath>
@@ -97,6 +100,7 @@ void GroupTrackerProcessGroupTracker::process() {
   Diagnostics::print("\n\n********************************\n");
   Diagnostics::print("********** Frame {} *************\n\n", static_cast<int>(d().frameCounter));
   d().queueImage();
+  d().takeActors();
   d().printActors();
   d().prepareExtension();
   d().track();
@@ -124,12 +128,21 @@ void GroupTrackerProcessGroupTrackerPrivate::queueImage() {
   imageQueue.push_back(currentImage);
 }
 
+void GroupTrackerProcessGroupTrackerPrivate::takeActors() {
+  const PresentActors present(actors);
+  presentActors = present.list();
+  if (const std::string missing = present.missing(); !missing.empty()) {
+    GroupTrackerProcessGroupTracker::logError(
+        fmt::format("Frame {}: {} passed over", frameCounter, missing).c_str());
+  }
+}
+
 void GroupTrackerProcessGroupTrackerPrivate::printActors() const {
   if (!Diagnostics::enabled()) {
     return;
   }
-  Diagnostics::print("{} TPOs\n", actors.size());
-  for (const auto& actor : actors) {
+  Diagnostics::print("{} TPOs\n", presentActors.size());
+  for (const auto& actor : presentActors) {
     Diagnostics::write("TPO id: ", signedId(actor->getIdent()), "\n");
     printWithSize(actor->getBoundingBox3D(), "   type: ", actor->getType(), ", ");
     const auto& mobiles = actor->getLinkedPhysicalObjectList();
@@ -157,7 +170,8 @@ void GroupTrackerProcessGroupTrackerPrivate::prepareExtension() {
 }
 
 void GroupTrackerProcessGroupTrackerPrivate::track() {
-  tracker.initFrame(actors, delayedImage, frameCounter);
+  tracker.initFrame(presentActors, delayedImage, frameCounter);
+  presentActors.clear();  // the host's list is its own again, and cheap to append to
   if (useClustering) {
     tracker.clusterGroups(extension);
   } else {

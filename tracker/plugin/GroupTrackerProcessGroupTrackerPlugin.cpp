@@ -41,3 +41,7 @@ QStringList GroupTrackerProcessGroupTrackerPlugin::tags() const {
 QStringList GroupTrackerProcessGroupTrackerPlugin::types() const {
   return {QStringLiteral("GroupTrackerProcessGroupTracker")};
 }
+
+QString GroupTrackerProcessGroupTrackerPlugin::parameterProblem(const QString& fileName) const {
+  return GroupTrackerProcessGroupTracker::parameterProblem(fileName);
+}

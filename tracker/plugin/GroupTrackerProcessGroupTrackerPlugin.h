@@ -21,6 +21,13 @@ class GroupTrackerProcessGroupTrackerPlugin : public moxPlugin {
   QString description() const override;
   QStringList tags() const override;
   QStringList types() const override;
+  /// `GroupTrackerProcessGroupTracker::parameterProblem()` for hosts that have loaded the plugin
+  /// and no headers of it:
+  ///
+  ///     QString problem;
+  ///     QMetaObject::invokeMethod(loader.instance(), "parameterProblem",
+  ///                               Q_RETURN_ARG(QString, problem), Q_ARG(QString, file));
+  Q_INVOKABLE QString parameterProblem(const QString& fileName) const;
 
  private:
   QScopedPointer<GroupTrackerProcessGroupTrackerPluginPrivate> m_private;

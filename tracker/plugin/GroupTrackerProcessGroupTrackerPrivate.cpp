@@ -26,7 +26,8 @@ GroupTrackerProcessGroupTrackerPrivate::GroupTrackerProcessGroupTrackerPrivate()
 GroupTrackerProcessGroupTrackerPrivate::GroupTrackerProcessGroupTrackerPrivate(
     const GroupTrackerProcessGroupTrackerPrivate& other)
     : kelAbstractProcessGroupTrackerPrivate(other),
-      extension(QSharedPointer<GroupExtension>::create()) {
+      extension(QSharedPointer<GroupExtension>::create()),
+      parameterUser(other.parameterUser) {
   specificParameters.clear();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tracker/display/GroupExtension.h"
+#include "tracker/plugin/ParameterReader.h"
 #include "tracker/tracking/GroupTracker.h"
 
 #include <kel/kelAbstractProcessGroupTrackerPrivate.h>
@@ -12,6 +13,7 @@
 
 #include <deque>
 #include <map>
+#include <optional>
 #include <string>
 
 /// State of the process: the tracker for its whole life, the images that wait for their frame to be
@@ -48,6 +50,7 @@ class GroupTrackerProcessGroupTrackerPrivate : public kelAbstractProcessGroupTra
   // Steps of a frame
   static bool displays();
   void queueImage();
+  void takeActors();
   void printActors() const;
   void prepareExtension();
   void track();
@@ -59,6 +62,8 @@ class GroupTrackerProcessGroupTrackerPrivate : public kelAbstractProcessGroupTra
   QSharedPointer<kelDataImage> delayedImage;  ///< null until the queue has filled
   std::deque<QSharedPointer<kelDataImage>> imageQueue;
   QSharedPointer<GroupExtension> extension;
+  QList<QSharedPointer<kelDataActor>> presentActors;  ///< those of the input without nulls
+  std::optional<ParameterUser> parameterUser;         ///< once the parameters are read
 
  private:
   int reportedFrame() const;

@@ -9,6 +9,8 @@
 #include "tracker/tracking/GroupTracker.h"
 #include "tracker/tracking/MetaLPO.h"
 
+#include <fmt/format.h>
+
 #include <cstdlib>
 #include <fstream>
 #include <istream>
@@ -47,3 +49,40 @@ template void ReadLabel(std::ifstream& in, const char* expected);
 template void ReadLabel(std::istream& in, const char* expected);
 template void readParameters(std::ifstream& in);
 template void readParameters(std::istream& in);
+
+std::string parameterProblem(std::istream& in) {
+  constexpr std::size_t longestQuote = 40;  // characters of a wrong token
+  for (const ParameterRow& row : parameterRows()) {
+    std::string label;
+    in >> label;
+    if (label != row.label) {
+      return fmt::format("\"{}\" stands where \"{}\" is expected", label.substr(0, longestQuote),
+                         row.label);
+    }
+    ParameterValue value = row.empty;
+    if (!std::visit([&](auto& member) { return static_cast<bool>(in >> member); }, value)) {
+      return fmt::format("the value after \"{}\" is missing or not of its type", row.label);
+    }
+  }
+  return {};
+}
+
+ParameterValues parameterValues() {
+  ParameterValues values;
+  values.reserve(parameterCount);
+  for (const Parameter& parameter : parameterTable()) {
+    std::visit([&](const auto* member) { values.emplace_back(*member); }, parameter.member);
+  }
+  return values;
+}
+
+std::string changedLabels(const ParameterValues& before) {
+  const ParameterValues now = parameterValues();
+  std::string labels;
+  for (std::size_t i = 0; i < now.size(); ++i) {
+    if (now[i] != before[i]) {
+      labels += (labels.empty() ? "" : " ") + std::string(parameterTable()[i].label);
+    }
+  }
+  return labels;
+}

@@ -14,7 +14,8 @@ constexpr std::size_t ahead = 8;  // nodes that are fetched while the ones befor
 }  // namespace
 
 void MobileDump::write(unsigned int frame, const RememberedNodes& mobiles) {
-  if (m_file.empty()) {
+  m_problem.clear();
+  if (m_file.empty() || m_readerHasGone) {
     return;
   }
   m_pieces.clear();
@@ -35,7 +36,11 @@ void MobileDump::write(unsigned int frame, const RememberedNodes& mobiles) {
     oldest = std::min(oldest, node->getIntakeNumber());
   }
   m_pieces.add("--------------------\n");
-  m_problem = m_pieces.appendTo(m_file) ? "" : std::strerror(errno);
+  if (!m_pieces.appendTo(m_file)) {
+    const int error = errno;
+    m_problem = std::strerror(error);
+    m_readerHasGone = error == EPIPE || error == ENXIO;
+  }
   m_hasWritten = m_hasWritten || m_problem.empty();
   forgetBefore(oldest);
 }

@@ -22,7 +22,8 @@ class MobileDump {
   /// The file that the dumps are appended to; empty for none.
   void setFile(const std::string& name) { m_file = name; }
 
-  /// Appends the dump of a frame. For a file that cannot be written see `problem()`.
+  /// Appends the dump of a frame. For a file that cannot be written see `problem()`; a pipe whose
+  /// reader has gone gets no further one.
   void write(unsigned int frame, const RememberedNodes& mobiles);
 
   /// Why the latest dump is not in the file, such as "No space left on device"; empty when it is.
@@ -53,6 +54,7 @@ class MobileDump {
   std::string m_file;
   std::string m_problem;
   bool m_hasWritten = false;
+  bool m_readerHasGone = false;
   std::deque<Texts> m_texts;    ///< in the order in which the nodes were taken in
   std::size_t m_forgotten = 0;  ///< nodes whose texts came before these
   TextBuffer m_line;            ///< kept for its room; the texts get just the size
