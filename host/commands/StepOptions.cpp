@@ -4,6 +4,7 @@
 #include "host/output/EventWriter.h"
 #include "host/output/LineageGraph.h"
 #include "host/output/MotExport.h"
+#include "host/output/PersonsExport.h"
 #include "host/output/SqliteExport.h"
 
 #include <array>
@@ -26,11 +27,13 @@ struct Export {
 
 const char* const eventsOption = "--events";
 
-const std::array<Export, 5> exports{{
+const std::array<Export, 6> exports{{
     {eventsOption, "what happened to the groups, JSON Lines", open<EventWriter>},
     {"--graph", "the family tree of the groups, for Graphviz", open<LineageGraph>},
     {"--mot", "the groups as boxes in the columns of the MOTChallenge", open<MotExport>},
-    {"--csv", "the members of the groups: frame, group, person, x, y", open<CsvExport>},
+    {"--csv", "the members of the groups: frame, group, person, x, y, time", open<CsvExport>},
+    {"--persons", "everybody, also who is alone: frame, time, person, x, y, box, group",
+     open<PersonsExport>},
     {"--sqlite", "frames, groups, members and events as a database", open<SqliteExport>},
 }};
 

@@ -7,13 +7,14 @@
 namespace grouptracker {
 
 CsvExport::CsvExport(const std::string& path) : m_file(path) {
-  m_file.writeLines("frame,group,person,x,y\n");
+  m_file.writeLines("frame,group,person,x,y,time\n");
 }
 
 void CsvExport::write(const RunStep& step) {
   if (!step.inputFrame) {
     return;
   }
+  const std::string time = step.time ? fmt::format("{}", *step.time) : "";
   std::string lines;
   for (const RunGroup& group : step.groups) {
     if (!group.isVisible) {
@@ -22,7 +23,8 @@ void CsvExport::write(const RunStep& step) {
     for (const RunMember& member : group.members) {
       lines += fmt::format("{},{},", *step.inputFrame, group.id);
       lines += member.person ? fmt::format("{}", *member.person) : "";
-      lines += member.place ? fmt::format(",{},{}\n", member.place->x, member.place->y) : ",,\n";
+      lines += member.place ? fmt::format(",{},{}", member.place->x, member.place->y) : ",,";
+      lines += fmt::format(",{}\n", time);
     }
   }
   m_file.writeLines(lines);

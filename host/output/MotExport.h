@@ -12,9 +12,10 @@ namespace grouptracker {
 ///
 ///     frame, id, left, top, width, height, confidence, x, y, z
 ///
-/// `frame` is the input's own number, `id` the group's, the box in pixels, -1 four times when it is
-/// not known, x and y the middle of the group on the ground in metres, z 0. The confidence is how
-/// sure the group is, 1 for one of the process.
+/// `frame` is the input's own number, `id` the group's, from 1 as everywhere in the MOTChallenge
+/// (the process counts its groups from 0, so theirs are one more), the box in pixels, -1 four times
+/// when it is not known, x and y the middle of the group on the ground in metres, z 0. The
+/// confidence is how sure the group is, 1 for one of the process.
 class MotExport : public StepSink {
  public:
   explicit MotExport(const std::string& path) : m_file(path) {}

@@ -7,11 +7,15 @@ namespace {
 constexpr int portion = 250;  // frames from one commit to the next, at most
 constexpr std::chrono::seconds longestWait(1);
 
+// With its changes in a file beside it, the database can be read while it is written. These are
+// moved into the database at every commit, for whoever copies only that.
 const char* const schema = R"(
+PRAGMA journal_mode = WAL;
+PRAGMA wal_autocheckpoint = 0;
 PRAGMA synchronous = OFF;
 CREATE TABLE frames(
   frame INTEGER PRIMARY KEY, input_frame INTEGER, decided_at INTEGER NOT NULL,
-  persons INTEGER NOT NULL);
+  persons INTEGER NOT NULL, time REAL);
 CREATE TABLE groups(
   id INTEGER PRIMARY KEY, first_frame INTEGER NOT NULL, last_frame INTEGER NOT NULL,
   merged_into INTEGER);
@@ -45,7 +49,7 @@ Database create(const std::string& path) {
 
 SqliteExport::SqliteExport(const std::string& path)
     : m_database(create(path)),
-      m_frames(m_database, "INSERT INTO frames VALUES(?, ?, ?, ?)"),
+      m_frames(m_database, "INSERT INTO frames VALUES(?, ?, ?, ?, ?)"),
       m_groups(m_database,
                "INSERT INTO groups VALUES(?1, ?2, ?2, NULL) "
                "ON CONFLICT(id) DO UPDATE SET last_frame = excluded.last_frame"),
@@ -61,7 +65,7 @@ void SqliteExport::write(const RunStep& step) {
     return;
   }
   m_frames.row(std::int64_t{step.reportedFrame}, step.inputFrame, std::int64_t{step.frame},
-               static_cast<std::int64_t>(step.persons.size()));
+               static_cast<std::int64_t>(step.persons.size()), step.time);
   writeMembers(step);
   for (const TrackedEvent& event : step.events) {
     writeEvent(event);
@@ -105,13 +109,20 @@ void SqliteExport::writeEvent(const TrackedEvent& event) {
 }
 
 void SqliteExport::commit() {
-  m_database.execute("COMMIT");
+  m_database.execute("COMMIT; PRAGMA wal_checkpoint(PASSIVE)");
   m_framesInPortion = 0;
   m_committed = Clock::now();
 }
 
 void SqliteExport::finish() {
   commit();
+  leaveAlone();
+}
+
+/// Makes one file of the database, which can be read where nothing can be written. Not while
+/// somebody reads it; then it is left in two.
+void SqliteExport::leaveAlone() {
+  sqlite3_exec(m_database.handle(), "PRAGMA journal_mode = DELETE", nullptr, nullptr, nullptr);
 }
 
 }  // namespace grouptracker

@@ -12,7 +12,7 @@ namespace grouptracker {
 
 /// Writes the run into an SQLite database:
 ///
-///     frames(frame, input_frame, decided_at, persons)
+///     frames(frame, input_frame, decided_at, persons, time)
 ///     groups(id, first_frame, last_frame, merged_into)
 ///     members(frame, group_id, person, mobile, x, y)
 ///     events(id, frame, decided_at, kind, group_id, other_group)
@@ -20,10 +20,11 @@ namespace grouptracker {
 ///     companions(frame, group_id, person, companion), a view
 ///
 /// `frame` is everywhere the reported frame, `decided_at` the frame at which it was decided, both
-/// counted from 1; `input_frame` is the input's own number. x and y are metres on the ground.
-/// Members are those of visible groups. Indexes answer at once who was in a group, in which groups
-/// a person was, and who was with whom when. The file is a sound database at any time, at most a
-/// second behind what was written.
+/// counted from 1; `input_frame` is the input's own number, `time` its seconds. x and y are metres
+/// on the ground. Members are those of visible groups. Indexes answer at once who was in a group,
+/// in which groups a person was, and who was with whom when. The file is a sound database at any
+/// time, at most a second behind what was written, and can be read meanwhile: neither waits for the
+/// other.
 class SqliteExport : public StepSink {
  public:
   explicit SqliteExport(const std::string& path);
@@ -37,6 +38,7 @@ class SqliteExport : public StepSink {
   void writeMembers(const RunStep& step);
   void writeEvent(const TrackedEvent& event);
   void commit();
+  void leaveAlone();
 
   Database m_database;
   Statement m_frames;

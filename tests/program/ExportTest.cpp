@@ -23,6 +23,7 @@ using testing::HasSubstr;
 std::string query(const std::string& path, const char* sql) {
   sqlite3* database = nullptr;
   EXPECT_EQ(sqlite3_open_v2(path.c_str(), &database, SQLITE_OPEN_READONLY, nullptr), SQLITE_OK);
+  sqlite3_busy_timeout(database, 5000);  // ms; while the database is made nobody can read it
   std::string text;
   const auto append = [](void* result, int count, char** values, char**) {
     auto& line = *static_cast<std::string*>(result);
@@ -81,9 +82,9 @@ TEST_F(Export, OfAReplayAreThoseOfTheRun) {
   std::filesystem::copy(folder.path() / "scene/scene.jsonl", folder.path() / "scene.jsonl",
                         std::filesystem::copy_options::overwrite_existing);
   const auto outputs = [](const QString& name) {
-    return QStringList{"--graph", name + ".dot",     "--mot",    name + ".txt",
-                       "--csv",   name + ".csv",     "--sqlite", name + ".sqlite",
-                       "--video", name + "-pictures"};
+    return QStringList{"--graph", name + ".dot",      "--mot",     name + ".txt",
+                       "--csv",   name + ".csv",      "--sqlite",  name + ".sqlite",
+                       "--video", name + "-pictures", "--persons", name + "-persons.csv"};
   };
   ASSERT_EQ(run(program, QStringList{"--events", "run.jsonl"} + outputs("run")), 0);
   Program replay(folder.path());
@@ -93,7 +94,8 @@ TEST_F(Export, OfAReplayAreThoseOfTheRun) {
             0)
       << replay.errors();
   EXPECT_GT(lines("run.jsonl").size(), 3U);
-  for (const std::string end : {".jsonl", ".dot", ".txt", ".csv", "-pictures/000140.png"}) {
+  for (const std::string end :
+       {".jsonl", ".dot", ".txt", ".csv", "-persons.csv", "-pictures/000140.png"}) {
     EXPECT_FALSE(text("run" + end).empty()) << end;
     EXPECT_TRUE(text("run" + end) == text("replay" + end)) << end;
   }
@@ -133,20 +135,32 @@ TEST_F(Export, FilesOfARunAreReadAndWrittenWithoutLoss) {
 TEST_F(Export, OfTheProcessAreMadeOutOfItsActors) {
   ASSERT_EQ(run(program, {}), 0);
   Program replay(folder.path());
-  EXPECT_EQ(replay.run({"events", "actors.jsonl", "--input", "scene.jsonl", "--csv", "m.csv"}), 0);
+  EXPECT_EQ(replay.run({"events", "actors.jsonl", "--input", "scene.jsonl", "--csv", "m.csv",
+                        "--mot", "m.txt", "--persons", "p.csv"}),
+            0);
   EXPECT_THAT(replay.output(), HasSubstr(R"("group": 0, "persons": [1, 2], "reportedFrame": )"));
-  EXPECT_EQ(lines("m.csv").back(), "10,0,2,1,4");
+  EXPECT_EQ(lines("m.csv").back(), "10,0,2,1,4,");
+  EXPECT_THAT(lines("m.txt").back(), testing::StartsWith("10,1,")) << "ids from 1";
+  EXPECT_THAT(lines("p.csv").back(), testing::MatchesRegex("10,,3,.*,"));
 }
 
 TEST_F(Export, TablesHoldTheVisibleMembers) {
-  EXPECT_EQ(run(program, {"--csv", "m.csv", "--mot", "m.txt", "--sqlite", "run.sqlite"}), 0);
+  EXPECT_EQ(run(program, {"--csv", "m.csv", "--mot", "m.txt", "--sqlite", "run.sqlite", "--persons",
+                          "p.csv", "--rate", "2.5"}),
+            0);
+  const auto persons = lines("p.csv");
+  EXPECT_EQ(persons[0], "frame,time,person,x,y,left,top,width,height,group");
+  ASSERT_EQ(persons.size(), std::size_t{1 + 12 * 3});
+  EXPECT_EQ(persons[35], "12,4.8,2,1,4.8,60,24,20,50,1");
+  EXPECT_THAT(persons[36], testing::MatchesRegex("12,4\\.8,3,.*,")) << "somebody alone";
   const auto csv = lines("m.csv");
-  EXPECT_EQ(csv[0], "frame,group,person,x,y");
-  EXPECT_EQ(csv.back(), "12,1,2,1,4.8");
+  EXPECT_EQ(csv[0], "frame,group,person,x,y,time");
+  EXPECT_EQ(csv.back(), "12,1,2,1,4.8,4.8");
   EXPECT_THAT(lines("m.txt").back(),
               testing::MatchesRegex("12,1,30,24,50,50,0\\.[0-9]+,0\\.75,4\\.8,0"));
   const std::string database = folder.path() / "run.sqlite";
-  EXPECT_EQ(query(database, "SELECT count(*), max(input_frame) FROM frames"), "12|12");
+  EXPECT_EQ(query(database, "SELECT count(*), max(input_frame), max(time) FROM frames"),
+            "12|12|4.8");
   EXPECT_EQ(query(database,
                   "SELECT frame, group_id, companion FROM companions WHERE person = 2 "
                   "AND frame > 10"),
@@ -157,6 +171,40 @@ TEST_F(Export, TablesHoldTheVisibleMembers) {
             "created|1 created|2");
   EXPECT_THAT(query(database, "EXPLAIN QUERY PLAN SELECT * FROM companions WHERE person = 2"),
               testing::Not(HasSubstr("SCAN")));
+}
+
+// A reader who takes long must not make the run fail, nor the run keep the reader out.
+TEST_F(Export, DatabaseCanBeReadWhileTheRunGoesOn) {
+  QStringList arguments{"run",           "-",    "--parameters",  "p.txt", "--sqlite", "run.sqlite",
+                        "--diagnostics", "none", "--mobile-dump", "none",  "--quiet"};
+  const std::string path = folder.path() / "run.sqlite";
+  folder.write("run.sqlite-wal", "of a run that was killed");
+  program.start(arguments);
+  const auto send = [this](int frame) {
+    program.process().write(QByteArray::fromStdString(walkingLine(frame)));
+    program.process().waitForBytesWritten();
+  };
+  int sent = 0;
+  ASSERT_TRUE(program.waitUntil([&] {
+    send(++sent);
+    return std::filesystem::exists(path) && query(path, "SELECT * FROM sqlite_master") != "" &&
+           query(path, "SELECT count(*) FROM frames") != "0";
+  }));
+  sqlite3* reader = nullptr;
+  ASSERT_EQ(sqlite3_open_v2(path.c_str(), &reader, SQLITE_OPEN_READONLY, nullptr), SQLITE_OK);
+  EXPECT_EQ(sqlite3_exec(reader, "BEGIN; SELECT count(*) FROM frames", nullptr, nullptr, nullptr),
+            SQLITE_OK);
+  for (int i = 0; i < 10; ++i) {
+    send(++sent);
+  }
+  EXPECT_EQ(program.finish(), 0) << program.errors();
+  EXPECT_EQ(query(path, "SELECT count(*) FROM frames"), std::to_string(sent));
+  EXPECT_EQ(sqlite3_exec(reader, "COMMIT", nullptr, nullptr, nullptr), SQLITE_OK);
+  sqlite3_close(reader);
+
+  EXPECT_EQ(run(program, {"--sqlite", "run.sqlite"}), 0) << "in the place of that";
+  EXPECT_EQ(query(path, "SELECT count(*) FROM frames"), "12");
+  EXPECT_FALSE(std::filesystem::exists(path + "-wal")) << "nothing is left beside it";
 }
 
 TEST_F(Export, WhatIsWrittenIsWholeWhenTheInputIsNot) {
@@ -171,7 +219,7 @@ TEST_F(Export, WhatIsWrittenIsWholeWhenTheInputIsNot) {
 }
 
 TEST_F(Export, RefusesPlacesThatCannotBeWrittenBeforeTheFirstFrame) {
-  for (const QString option : {"--events", "--graph", "--mot", "--csv", "--sqlite"}) {
+  for (const QString option : {"--events", "--graph", "--mot", "--csv", "--sqlite", "--persons"}) {
     std::filesystem::remove(folder.path() / "groups.jsonl");
     Program attempt(folder.path());
     EXPECT_EQ(run(attempt, {option, "no/such/folder"}), 4) << option.toStdString();
