@@ -1,6 +1,6 @@
 #include "benchmarks/MeasuredProcess.h"
 
-#include "tests/support/process/TestParameters.h"
+#include "tests/support/process/StaticsGuard.h"
 #include "tracker/geometry/Util.h"
 #include "tracker/tracking/Group.h"
 #include "tracker/tracking/GroupTracker.h"

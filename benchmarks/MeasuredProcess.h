@@ -1,7 +1,7 @@
 #pragma once
 
 #include "benchmarks/SteadyScene.h"
-#include "tests/support/base/TempFolder.h"
+#include "tests/support/base/Texts.h"
 #include "tests/support/process/ProcessDriver.h"
 #include "tests/support/process/StaticsGuard.h"
 

@@ -4,7 +4,7 @@
 
 #include "benchmarks/MeasuredProcess.h"
 #include "benchmarks/SteadyScene.h"
-#include "tests/support/process/TestParameters.h"
+#include "tests/support/process/StaticsGuard.h"
 #include "tracker/clustering/MeanShift.h"
 #include "tracker/diagnostics/Diagnostics.h"
 #include "tracker/geometry/Util.h"

@@ -1,22 +1,11 @@
+#include "host/base/FileDescriptor.h"
 #include "host/base/InputError.h"
 #include "host/base/Interruption.h"
-#include "host/base/OutputError.h"
-#include "host/base/SystemProblem.h"
-#include "host/commands/CalibrateCommand.h"
-#include "host/commands/CheckCommand.h"
+#include "host/base/OutputPlace.h"
 #include "host/commands/Command.h"
 #include "host/commands/CommandLine.h"
-#include "host/commands/ConvertCommand.h"
-#include "host/commands/EvaluateCommand.h"
-#include "host/commands/EventsCommand.h"
-#include "host/commands/ExplainCommand.h"
-#include "host/commands/FileGuard.h"
-#include "host/commands/LearnCommand.h"
-#include "host/commands/ReportCommand.h"
-#include "host/commands/RunCommand.h"
-#include "host/commands/SimulateCommand.h"
 #include "host/commands/StopSignals.h"
-#include "host/commands/TuneCommand.h"
+#include "host/input/InputFormats.h"
 #include "host/pictures/window/RunBesideWindow.h"
 #include "host/run/ParameterFile.h"
 #include "host/run/TrackerRun.h"
@@ -55,17 +44,17 @@ const char* const inputsHelp = R"(Tracks that it takes, told apart by their cont
 /// Every command of the program; a new one is one more row.
 std::vector<std::unique_ptr<Command>> allCommands() {
   std::vector<std::unique_ptr<Command>> commands;
-  commands.push_back(std::make_unique<RunCommand>());
-  commands.push_back(std::make_unique<SimulateCommand>());
-  commands.push_back(std::make_unique<EvaluateCommand>());
-  commands.push_back(std::make_unique<TuneCommand>());
-  commands.push_back(std::make_unique<LearnCommand>());
-  commands.push_back(std::make_unique<EventsCommand>());
-  commands.push_back(std::make_unique<ConvertCommand>());
-  commands.push_back(std::make_unique<CalibrateCommand>());
-  commands.push_back(std::make_unique<CheckCommand>());
-  commands.push_back(std::make_unique<ReportCommand>());
-  commands.push_back(std::make_unique<ExplainCommand>());
+  commands.push_back(makeRunCommand());
+  commands.push_back(makeSimulateCommand());
+  commands.push_back(makeEvaluateCommand());
+  commands.push_back(makeTuneCommand());
+  commands.push_back(makeLearnCommand());
+  commands.push_back(makeEventsCommand());
+  commands.push_back(makeConvertCommand());
+  commands.push_back(makeCalibrateCommand());
+  commands.push_back(makeCheckCommand());
+  commands.push_back(makeReportCommand());
+  commands.push_back(makeExplainCommand());
   return commands;
 }
 
@@ -86,6 +75,24 @@ void finishStandardOutput() {
   if (std::fflush(stdout) != 0 && errno != EPIPE) {
     throw OutputError("standard output", systemProblem("cannot be written"));
   }
+}
+
+/// Refuses a command line that would destroy something, whatever the command: an output that is one
+/// of the files that the command reads, also those within an input's folder and the one on standard
+/// input, or that is another output or the file on standard output, under whatever name. Throws
+/// `OutputError` that names both. Files that an input names inside are the command's own affair.
+void refuseToDestroy(const Options& command) {
+  std::vector<std::string> written = command.filesWritten();
+  if (std::erase(written, "-") > 1) {
+    throw OutputError("-", "standard output takes one of the outputs only");
+  }
+  std::vector<std::string> inputs;
+  for (const std::string& input : command.filesRead()) {
+    inputs.push_back(input);
+    const std::vector<std::string> within = filesWithin(input);
+    inputs.insert(inputs.end(), within.begin(), within.end());
+  }
+  refuseOverwriting(written, inputs);
 }
 
 int runCommand(Command& command, const Options& options) {

@@ -1,6 +1,5 @@
 #include "host/base/Database.h"
 
-#include "host/base/OutputError.h"
 #include "host/base/OutputPlace.h"
 
 namespace grouptracker {

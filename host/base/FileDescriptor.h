@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cerrno>
+#include <cstring>
+#include <string>
 #include <unistd.h>
 #include <utility>
 
@@ -27,5 +30,11 @@ class FileDescriptor {
  private:
   int m_descriptor = -1;  ///< while nothing is open
 };
+
+/// What the system refused and why, such as "cannot be written: No space left on device"; `error`
+/// is a value of errno.
+inline std::string systemProblem(const char* refused, int error = errno) {
+  return std::string(refused) + ": " + std::strerror(error);
+}
 
 }  // namespace grouptracker

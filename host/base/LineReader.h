@@ -29,8 +29,8 @@ class LineReader {
   bool hasEnd() const { return m_hasEnd; }
   /// The current line's number, from 1; 0 before the first.
   std::uint64_t number() const { return m_number; }
-  /// Where the current line stands: "FILE:LINE".
-  std::string place() const { return m_name + ":" + std::to_string(m_number); }
+  /// Where the current line stands.
+  InputPlace place() const { return {m_name, m_number}; }
   /// The error for a problem in the current line.
   InputError error(const std::string& problem) const { return {m_name, m_number, problem}; }
 

@@ -1,10 +1,8 @@
 #include "host/base/OutputFile.h"
 
+#include "host/base/FileDescriptor.h"
 #include "host/base/Interruption.h"
-#include "host/base/OutputError.h"
 #include "host/base/OutputPlace.h"
-#include "host/base/StopWish.h"
-#include "host/base/SystemProblem.h"
 
 #include <cerrno>
 #include <fcntl.h>

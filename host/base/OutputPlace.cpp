@@ -1,15 +1,16 @@
 #include "host/base/OutputPlace.h"
 
+#include "host/base/FileDescriptor.h"
 #include "host/base/Interruption.h"
-#include "host/base/OutputError.h"
-#include "host/base/StopWish.h"
-#include "host/base/SystemProblem.h"
 
 #include <cerrno>
+#include <cstddef>
 #include <fcntl.h>
+#include <filesystem>
 #include <poll.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace grouptracker {
@@ -44,6 +45,30 @@ void lockFile(const FileDescriptor& file, const std::string& path) {
   if (::flock(file.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
     throw OutputError(path, "is being written by another run");
   }
+}
+
+const std::string standardInput = "-";
+const std::string standardOutput = "standard output";
+
+bool statusOf(const std::string& name, struct stat& status) {
+  if (name == standardInput) {
+    return ::fstat(STDIN_FILENO, &status) == 0;
+  }
+  return name == standardOutput ? ::fstat(STDOUT_FILENO, &status) == 0
+                                : ::stat(name.c_str(), &status) == 0;
+}
+
+bool areSameFile(const std::string& a, const std::string& b) {
+  struct stat ofA = {};
+  struct stat ofB = {};
+  if (statusOf(a, ofA) && statusOf(b, ofB)) {
+    return (S_ISREG(ofA.st_mode) || S_ISDIR(ofA.st_mode)) && ofA.st_dev == ofB.st_dev &&
+           ofA.st_ino == ofB.st_ino;
+  }
+  // Neither may exist yet: then they are the same when their names lead to the same place.
+  std::error_code ignored;
+  return std::filesystem::weakly_canonical(a, ignored) ==
+         std::filesystem::weakly_canonical(b, ignored);
 }
 
 }  // namespace
@@ -91,6 +116,23 @@ bool hasReader(int descriptor) {
 bool isRegular(const FileDescriptor& file) {
   struct stat status = {};
   return ::fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
+void refuseOverwriting(const std::vector<std::string>& outputs,
+                       const std::vector<std::string>& inputs) {
+  for (std::size_t i = 0; i < outputs.size(); ++i) {
+    std::vector<std::string> others = inputs;
+    if (!outputs[i].starts_with("/dev/")) {  // as /dev/stdout, which is meant to be the same
+      others.push_back(standardOutput);
+    }
+    others.insert(others.end(), outputs.begin(), outputs.begin() + static_cast<std::ptrdiff_t>(i));
+    for (const std::string& other : others) {
+      if (!outputs[i].empty() && !other.empty() && areSameFile(outputs[i], other)) {
+        throw OutputError(outputs[i],
+                          "would overwrite " + (other == standardInput ? "standard input" : other));
+      }
+    }
+  }
 }
 
 }  // namespace grouptracker

@@ -2,9 +2,18 @@
 
 #include "host/base/FileDescriptor.h"
 
+#include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace grouptracker {
+
+/// Something cannot be written; its text is the one line that the user sees, `FILE: what is wrong`.
+class OutputError : public std::runtime_error {
+ public:
+  OutputError(const std::string& file, const std::string& problem)
+      : std::runtime_error(file + ": " + problem) {}
+};
 
 /// What becomes of a file that is there already.
 enum class OldContent { replaced, kept };
@@ -28,5 +37,12 @@ bool hasReader(int descriptor);
 
 /// Whether an open file is a regular one, which can be cut and read again.
 bool isRegular(const FileDescriptor& file);
+
+/// Refuses an output that would overwrite an input or another output, whatever the two are called:
+/// throws `OutputError` that names both. "-" among the inputs is standard input; standard output is
+/// one of the outputs. Empty names and files that do not exist yet are passed over, and so are
+/// pipes and devices, which may serve several ends.
+void refuseOverwriting(const std::vector<std::string>& outputs,
+                       const std::vector<std::string>& inputs);
 
 }  // namespace grouptracker

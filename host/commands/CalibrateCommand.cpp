@@ -1,7 +1,8 @@
-#include "host/commands/CalibrateCommand.h"
-
 #include "host/base/InputError.h"
 #include "host/camera/HostCalibration.h"
+#include "host/camera/PeopleCamera.h"
+#include "host/commands/Command.h"
+#include "host/commands/InputChoice.h"
 #include "host/input/CameraFromPeople.h"
 #include "host/input/InputFormats.h"
 
@@ -10,10 +11,25 @@
 
 #include <cmath>
 #include <cstdio>
+#include <memory>
+#include <string>
 
 namespace grouptracker {
 
 namespace {
+
+/// `grouptracker calibrate`: estimates the camera from the people's boxes, says on standard output
+/// what it found, and writes it as a calibration file.
+class CalibrateCommand : public Command {
+ public:
+  Options declare(CommandLine& program) override;
+  int run() override;
+
+ private:
+  InputChoice m_choice;
+  std::string m_outputFile;
+  double m_bodyHeight = usualBodyHeight;  ///< metres
+};
 
 const char* const example = R"(Example:
   grouptracker calibrate tracks.txt --image-size 1920x1080 --output camera.yml)";
@@ -70,6 +86,10 @@ int CalibrateCommand::run() {
     throw InputError(m_choice.input, std::string("no camera can be estimated: ") + reason.what());
   }
   return finished;
+}
+
+std::unique_ptr<Command> makeCalibrateCommand() {
+  return std::make_unique<CalibrateCommand>();
 }
 
 }  // namespace grouptracker

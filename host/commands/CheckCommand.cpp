@@ -1,10 +1,14 @@
-#include "host/commands/CheckCommand.h"
-
 #include "host/base/InputError.h"
+#include "host/commands/Command.h"
+#include "host/commands/InputChoice.h"
+#include "host/commands/StepOptions.h"
+#include "host/commands/check/CheckReport.h"
 #include "host/commands/check/FrameCheck.h"
 #include "host/commands/check/ParameterCheck.h"
+#include "host/evaluation/ScoredSteps.h"
 #include "host/evaluation/TruthReader.h"
 #include "host/input/InputFormats.h"
+#include "host/input/InputWatch.h"
 #include "host/input/SceneContextReader.h"
 #include "host/run/RunParameters.h"
 
@@ -12,11 +16,37 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <memory>
 #include <optional>
+#include <string>
+#include <vector>
 
 namespace grouptracker {
 
 namespace {
+
+/// `grouptracker check`: reads all files as a run would, without running, and says on standard
+/// output what is wrong and what is suspicious. The exit status is 0 when all is well, 1 with
+/// warnings only, 2 with problems.
+class CheckCommand : public Command {
+ public:
+  Options declare(CommandLine& program) override;
+  int run() override;
+
+ private:
+  void checkFiles(CheckReport& report);
+  void checkParameters(CheckReport& report);
+  void checkInput(CheckReport& report) const;
+  void checkTruth(const GroupedFrames& people, CheckReport& report) const;
+
+  InputChoice m_choice;
+  StepOptions m_steps;  ///< what a run would be asked to draw
+  std::string m_parameterFile;
+  std::vector<std::string> m_parameterChanges;
+  std::string m_truthFile;
+  std::string m_contextFile;
+  InputDemands m_demands;  ///< of the parameters, as soon as they are read
+};
 
 const char* const example = R"(Example:
   grouptracker check tracks.txt --parameters samples/parameters/walking.txt --calibration camera.yml
@@ -117,7 +147,7 @@ void CheckCommand::checkFiles(CheckReport& report) {
     isWell(report, [&] { checkParameters(report); });
   }
   if (const auto doubt = m_steps.doubt()) {
-    report.warn("pictures", m_choice.input, *doubt);
+    report.warn("pictures", {m_choice.input}, *doubt);
   }
   if (!m_contextFile.empty()) {
     isWell(report, [&] { readSceneContext(m_contextFile); });
@@ -142,22 +172,22 @@ void CheckCommand::checkInput(CheckReport& report) const {
   }
   options.onProblem = [&](const InputError& error) { report.problem(error); };
   options.onWarning = [&](const std::string& warning) {
-    report.warn(warning, m_choice.input, warning);
+    report.warn(warning, {m_choice.input}, warning);
   };
   OpenedInput input = openInput(m_choice.input, options);
   for (const std::string& note : input.notes) {
-    report.warn(note, m_choice.input, note);
+    report.warn(note, {m_choice.input}, note);
   }
   for (const std::string& warning : input.warnings) {
-    report.warn(warning, m_choice.input, warning);
+    report.warn(warning, {m_choice.input}, warning);
   }
   if (input.calibration && input.calibration->getPosition().z <= 0.0) {
-    report.warn("camera", m_choice.calibrationFile, "the camera stands below the ground");
+    report.warn("camera", {m_choice.calibrationFile}, "the camera stands below the ground");
   }
   GroupedFrames people;
   const InputWatch watch = checkFrames(input, report, m_truthFile.empty() ? nullptr : &people);
   for (const std::string& warning : watch.warnings(m_demands)) {
-    report.warn(warning, m_choice.input, warning);
+    report.warn(warning, {m_choice.input}, warning);
   }
   if (!m_truthFile.empty()) {
     checkTruth(people, report);
@@ -168,6 +198,10 @@ void CheckCommand::checkTruth(const GroupedFrames& people, CheckReport& report) 
   if (const auto problem = whyAboutOthers(readTruth(m_truthFile), people)) {
     report.problem(InputError(m_truthFile, 1, *problem + m_choice.input));
   }
+}
+
+std::unique_ptr<Command> makeCheckCommand() {
+  return std::make_unique<CheckCommand>();
 }
 
 }  // namespace grouptracker

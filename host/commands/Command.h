@@ -3,6 +3,8 @@
 #include "host/base/ExitStatus.h"
 #include "host/commands/CommandLine.h"
 
+#include <memory>
+
 namespace grouptracker {
 
 /// One command of the program, such as `run`.
@@ -22,5 +24,18 @@ class Command {
   /// `ProcessError` for the program to report; returns the exit status otherwise.
   virtual int run() = 0;
 };
+
+/// The commands of the program, each in the file of its name.
+std::unique_ptr<Command> makeRunCommand();
+std::unique_ptr<Command> makeSimulateCommand();
+std::unique_ptr<Command> makeEvaluateCommand();
+std::unique_ptr<Command> makeTuneCommand();
+std::unique_ptr<Command> makeLearnCommand();
+std::unique_ptr<Command> makeEventsCommand();
+std::unique_ptr<Command> makeConvertCommand();
+std::unique_ptr<Command> makeCalibrateCommand();
+std::unique_ptr<Command> makeCheckCommand();
+std::unique_ptr<Command> makeReportCommand();
+std::unique_ptr<Command> makeExplainCommand();
 
 }  // namespace grouptracker

@@ -1,7 +1,7 @@
-#include "host/commands/ConvertCommand.h"
-
-#include "host/base/FileIdentity.h"
+#include "host/base/OutputPlace.h"
 #include "host/camera/HostCalibration.h"
+#include "host/commands/Command.h"
+#include "host/commands/InputChoice.h"
 #include "host/input/InputFormats.h"
 #include "host/output/SceneWriter.h"
 #include "host/pictures/VideoFile.h"
@@ -19,6 +19,17 @@
 namespace grouptracker {
 
 namespace {
+
+/// `grouptracker convert`: writes any input as a scene file that a run takes as it would the input.
+class ConvertCommand : public Command {
+ public:
+  Options declare(CommandLine& program) override;
+  int run() override;
+
+ private:
+  InputChoice m_choice;
+  std::string m_outputFile;
+};
 
 namespace fs = std::filesystem;
 
@@ -88,6 +99,10 @@ int ConvertCommand::run() {
   }
   fmt::print(stderr, "{} frames\n", frames);
   return finished;
+}
+
+std::unique_ptr<Command> makeConvertCommand() {
+  return std::make_unique<ConvertCommand>();
 }
 
 }  // namespace grouptracker

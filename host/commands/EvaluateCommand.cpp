@@ -1,8 +1,9 @@
-#include "host/commands/EvaluateCommand.h"
-
-#include "host/base/FileIdentity.h"
 #include "host/base/InputError.h"
 #include "host/base/OutputFile.h"
+#include "host/base/OutputPlace.h"
+#include "host/commands/Command.h"
+#include "host/commands/InputChoice.h"
+#include "host/evaluation/EvaluationReport.h"
 #include "host/evaluation/FrameScores.h"
 #include "host/evaluation/ScoredSteps.h"
 #include "host/evaluation/TruthReader.h"
@@ -11,10 +12,32 @@
 #include <fmt/format.h>
 
 #include <filesystem>
+#include <memory>
+#include <string>
 
 namespace grouptracker {
 
 namespace {
+
+/// `grouptracker evaluate`: scores the groups of a run against annotated ones.
+class EvaluateCommand : public Command {
+ public:
+  Options declare(CommandLine& program) override;
+  int run() override;
+
+ private:
+  GroupedFrames readRun(const std::string& path, const GroupTruth& truth) const;
+  std::string inputOfBaselines() const;
+
+  std::string m_groupsFile;
+  std::string m_truthFile;
+  std::string m_otherFile;   ///< empty when not wanted
+  std::string m_outputFile;  ///< empty when not wanted
+  std::string m_errorsFile;  ///< empty when not wanted
+  InputChoice m_choice;      ///< for the baselines; the input is empty when not given
+  bool m_baselines = false;
+  EvaluationOptions m_options;
+};
 
 const char* const example = R"(Example:
   grouptracker evaluate groups.jsonl --truth seq_eth/groups.txt --baselines)";
@@ -101,6 +124,10 @@ GroupedFrames EvaluateCommand::readRun(const std::string& path, const GroupTruth
 std::string EvaluateCommand::inputOfBaselines() const {
   const auto folder = std::filesystem::path(m_truthFile).parent_path();
   return m_choice.input.empty() ? (folder.empty() ? "." : folder.string()) : m_choice.input;
+}
+
+std::unique_ptr<Command> makeEvaluateCommand() {
+  return std::make_unique<EvaluateCommand>();
 }
 
 }  // namespace grouptracker

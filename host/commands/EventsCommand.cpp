@@ -1,13 +1,13 @@
-#include "host/commands/EventsCommand.h"
-
+#include "host/base/FileDescriptor.h"
 #include "host/base/InputFile.h"
 #include "host/base/Interruption.h"
-#include "host/base/OutputError.h"
 #include "host/base/OutputPlace.h"
-#include "host/base/SystemProblem.h"
+#include "host/commands/Command.h"
+#include "host/commands/InputChoice.h"
+#include "host/commands/StepOptions.h"
 #include "host/commands/StepOutputs.h"
 #include "host/input/InputFormats.h"
-#include "host/output/EventWriter.h"
+#include "host/output/LineExports.h"
 #include "host/output/RunReplay.h"
 
 #include <fmt/format.h>
@@ -16,6 +16,7 @@
 #include <csignal>
 #include <cstdio>
 #include <memory>
+#include <string>
 #include <unistd.h>
 #include <utility>
 #include <vector>
@@ -23,6 +24,20 @@
 namespace grouptracker {
 
 namespace {
+
+/// `grouptracker events`: finds in the groups file of a run what happened to the groups, the same
+/// events that the run itself writes.
+class EventsCommand : public Command {
+ public:
+  Options declare(CommandLine& program) override;
+  int run() override;
+
+ private:
+  std::string m_groupsFile;
+  std::string m_outputFile;  ///< standard output when empty
+  InputChoice m_choice;      ///< of the run's input, which may be left out
+  StepOptions m_steps;
+};
 
 const char* const example = R"(Example:
   grouptracker events groups.jsonl --graph lineage.dot)";
@@ -107,6 +122,10 @@ int EventsCommand::run() {
     fmt::print(stderr, "{}\n", warning);
   }
   return readers.hasAnybodyLeft() ? readerLeft : finished;
+}
+
+std::unique_ptr<Command> makeEventsCommand() {
+  return std::make_unique<EventsCommand>();
 }
 
 }  // namespace grouptracker

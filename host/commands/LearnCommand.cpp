@@ -1,8 +1,8 @@
-#include "host/commands/LearnCommand.h"
-
-#include "host/base/FileIdentity.h"
 #include "host/base/InputError.h"
 #include "host/base/OutputFile.h"
+#include "host/base/OutputPlace.h"
+#include "host/commands/Command.h"
+#include "host/commands/InputChoice.h"
 #include "host/evaluation/Baselines.h"
 #include "host/evaluation/TruthReader.h"
 #include "host/evaluation/learning/EvidenceLearning.h"
@@ -12,11 +12,33 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <memory>
 #include <optional>
+#include <string>
+#include <vector>
 
 namespace grouptracker {
 
 namespace {
+
+/// `grouptracker learn`: learns from annotated inputs what speaks for two people's belonging
+/// together.
+class LearnCommand : public Command {
+ public:
+  Options declare(CommandLine& program) override;
+  int run() override;
+
+ private:
+  void say(const std::string& what) const;
+
+  std::vector<std::string> m_sequences;  ///< INPUT:TRUTH or INPUT:TRUTH:RATE
+  std::string m_outputFile;
+  std::string m_pictureFile;  ///< empty when not wanted
+  double m_ridge = 30.0;
+  double m_lookAhead = 3.2;  ///< seconds
+  bool m_quiet = false;
+  InputChoice m_reading;  ///< of all inputs
+};
 
 const char* const example = R"(Example:
   grouptracker learn seq_eth:seq_eth/groups.txt:15 zara01:zara01/groups.txt:25 \
@@ -138,6 +160,10 @@ void LearnCommand::say(const std::string& what) const {
   if (!m_quiet) {
     fmt::print(stderr, "{}\n", what);
   }
+}
+
+std::unique_ptr<Command> makeLearnCommand() {
+  return std::make_unique<LearnCommand>();
 }
 
 }  // namespace grouptracker

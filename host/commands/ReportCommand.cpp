@@ -1,29 +1,91 @@
-#include "host/commands/ReportCommand.h"
-
 #include "host/base/InputFile.h"
-#include "host/commands/TruthTeller.h"
+#include "host/commands/Command.h"
+#include "host/commands/InputChoice.h"
+#include "host/evaluation/GroupTruth.h"
+#include "host/evaluation/ScoredSteps.h"
 #include "host/evaluation/TruthReader.h"
 #include "host/explain/DecisionLog.h"
 #include "host/explain/Explainer.h"
 #include "host/input/InputFormats.h"
 #include "host/output/RunReplay.h"
 #include "host/output/WholeFile.h"
+#include "host/report/ReportData.h"
 #include "host/report/ReportPage.h"
 #include "host/run/ParameterFile.h"
+#include "host/run/RunStep.h"
 
 #include <QDateTime>
 #include <QFileInfo>
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <optional>
+#include <string>
 #include <utility>
 #include <vector>
 
 namespace grouptracker {
 
 namespace {
+
+/// `grouptracker report`: makes one HTML file that shows a run.
+class ReportCommand : public Command {
+ public:
+  Options declare(CommandLine& program) override;
+  int run() override;
+
+ private:
+  InputChoice m_choice;
+  std::string m_groupsFile;
+  std::string m_outputFile;
+  std::string m_title;
+  std::string m_truthFile;
+  std::string m_diagnosticsFile;
+  std::string m_parameterFile;
+};
+
+/// Tells a report what is true at the frames of a run, and at which of them that was found. Frames
+/// that a truth leaves out do not count; a group of which one person at most is in view is none.
+class TruthTeller {
+ public:
+  explicit TruthTeller(GroupTruth truth) : m_truth(std::move(truth)) {}
+
+  void tell(const RunStep& step, ReportData& data);
+
+ private:
+  std::uint32_t idOf(const PersonGroup& group);
+
+  GroupTruth m_truth;
+  std::map<PersonGroup, std::uint32_t> m_ids;  ///< of groups whose truth tells none
+};
+
+void TruthTeller::tell(const RunStep& step, ReportData& data) {
+  if (!step.inputFrame || !m_truth.knows(*step.inputFrame)) {
+    return;
+  }
+  const Grouping& whole = m_truth.at(*step.inputFrame);
+  const GroupIds& ids = m_truth.idsAt(*step.inputFrame);
+  const std::vector<Person> inView = personsOf(step);
+  std::vector<TrueGroup> groups;
+  Grouping seen;
+  for (std::size_t i = 0; i < whole.size(); ++i) {
+    for (const PersonGroup& group : restrictTo({whole[i]}, inView)) {
+      groups.push_back({ids.empty() ? idOf(whole[i]) : ids[i], group});
+      seen.push_back(group);
+    }
+  }
+  std::sort(seen.begin(), seen.end());
+  data.addTruth(*step.inputFrame, groups, groupingOf(step) == seen);
+}
+
+/// The same for the same persons.
+std::uint32_t TruthTeller::idOf(const PersonGroup& group) {
+  return m_ids.emplace(group, static_cast<std::uint32_t>(m_ids.size())).first->second;
+}
 
 const char* const example = R"(Example:
   grouptracker report scene.jsonl groups.jsonl --output report.html)";
@@ -164,6 +226,10 @@ int ReportCommand::run() {
       makeReportPage(title, data, images, explainer ? explainer->explainAll() : Explanations());
   output.write({page.data(), static_cast<std::size_t>(page.size())});
   return finished;
+}
+
+std::unique_ptr<Command> makeReportCommand() {
+  return std::make_unique<ReportCommand>();
 }
 
 }  // namespace grouptracker

@@ -1,6 +1,6 @@
-#include "host/commands/RunCommand.h"
-
 #include "host/base/InputError.h"
+#include "host/commands/Command.h"
+#include "host/commands/RunOptions.h"
 #include "host/commands/RunSession.h"
 #include "host/commands/RunStatus.h"
 #include "host/commands/UsualOutput.h"
@@ -18,6 +18,22 @@
 namespace grouptracker {
 
 namespace {
+
+/// `grouptracker run`: feeds an input to the process, frame by frame, and writes the groups.
+class RunCommand : public Command {
+ public:
+  Options declare(CommandLine& program) override;
+  bool needsScreen() const override { return m_options.steps.showsWindow; }
+  int run() override;
+
+ private:
+  void completeOptions();
+  void printParameters() const;
+  void runSession();
+
+  RunOptions m_options;
+  bool m_readerLeft = false;
+};
 
 const char* const example = R"(Examples:
   grouptracker run tracks.csv
@@ -211,6 +227,10 @@ void RunCommand::runSession() {
   if (!m_options.quiet && !summary.endedWithLastReader) {
     printSummary(summary, m_options.outputFile);
   }
+}
+
+std::unique_ptr<Command> makeRunCommand() {
+  return std::make_unique<RunCommand>();
 }
 
 }  // namespace grouptracker

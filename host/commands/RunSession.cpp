@@ -1,10 +1,9 @@
 #include "host/commands/RunSession.h"
 
-#include "host/base/DescriptorBuffer.h"
+#include "host/base/FileDescriptor.h"
+#include "host/base/InputFile.h"
 #include "host/base/Interruption.h"
-#include "host/base/OutputError.h"
 #include "host/base/OutputPlace.h"
-#include "host/base/SystemProblem.h"
 #include "host/input/InputFormats.h"
 #include "host/input/SceneContextReader.h"
 #include "host/run/PluginLoader.h"

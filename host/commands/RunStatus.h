@@ -1,5 +1,9 @@
 #pragma once
 
+#include "host/output/WholeFile.h"
+
+#include <fmt/format.h>
+
 #include <cstdint>
 #include <string>
 
@@ -16,13 +20,18 @@ namespace grouptracker {
 class RunStatus {
  public:
   /// Nothing is written when the path is empty. What cannot be written is an `OutputError`.
-  explicit RunStatus(const std::string& path);
+  explicit RunStatus(const std::string& path) : m_path(path) { write(false, 0); }
 
   /// All is written; `frames` were read.
-  void complete(std::uint64_t frames) const;
+  void complete(std::uint64_t frames) const { write(true, frames); }
 
  private:
-  void write(bool isComplete, std::uint64_t frames) const;
+  void write(bool isComplete, std::uint64_t frames) const {
+    if (!m_path.empty()) {
+      WholeFile(m_path).write(
+          fmt::format("{{\"complete\": {}, \"frames\": {}}}\n", isComplete, frames));
+    }
+  }
 
   std::string m_path;
 };

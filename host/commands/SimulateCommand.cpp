@@ -1,18 +1,32 @@
-#include "host/commands/SimulateCommand.h"
-
 #include "host/base/InputError.h"
+#include "host/commands/Command.h"
 #include "host/simulation/SceneSimulation.h"
+#include "host/simulation/SimulationOptions.h"
 
 #include <fmt/format.h>
 
 #include <cstdint>
 #include <cstdio>
+#include <memory>
 #include <numeric>
+#include <optional>
 #include <string>
 
 namespace grouptracker {
 
 namespace {
+
+/// `grouptracker simulate`: makes a scene with known groups.
+class SimulateCommand : public Command {
+ public:
+  Options declare(CommandLine& program) override;
+  int run() override;
+
+ private:
+  SimulationOptions m_options;
+  std::optional<int> m_frames;
+  bool m_isQuiet = false;
+};
 
 const char* const example = R"(Example:
   grouptracker simulate --seed 7 --people 40 --groups 2,2,3,4,6 --frames 600 --images \
@@ -153,6 +167,10 @@ int SimulateCommand::run() {
                summary.groups, m_options.outputFolder);
   }
   return finished;
+}
+
+std::unique_ptr<Command> makeSimulateCommand() {
+  return std::make_unique<SimulateCommand>();
 }
 
 }  // namespace grouptracker

@@ -1,9 +1,7 @@
 #include "host/commands/StepOptions.h"
 
-#include "host/output/CsvExport.h"
-#include "host/output/EventWriter.h"
+#include "host/output/LineExports.h"
 #include "host/output/LineageGraph.h"
-#include "host/output/MotExport.h"
 #include "host/output/PersonsExport.h"
 #include "host/output/SqliteExport.h"
 

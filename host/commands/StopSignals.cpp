@@ -1,6 +1,6 @@
 #include "host/commands/StopSignals.h"
 
-#include "host/base/StopWish.h"
+#include "host/base/Interruption.h"
 
 #include <array>
 #include <cerrno>

@@ -1,10 +1,22 @@
-#include "host/commands/TuneCommand.h"
+#include "host/commands/Command.h"
+#include "host/commands/TuneSession.h"
 
+#include <memory>
 #include <string>
 
 namespace grouptracker {
 
 namespace {
+
+/// `grouptracker tune`: searches for the parameters and links that score best on annotated inputs.
+class TuneCommand : public Command {
+ public:
+  Options declare(CommandLine& program) override;
+  int run() override;
+
+ private:
+  TuneOptions m_options;
+};
 
 const char* const example = R"(Example:
   grouptracker tune seq_eth:seq_eth/groups.txt zara01:zara01/groups.txt \
@@ -72,6 +84,10 @@ Options TuneCommand::declare(CommandLine& program) {
 int TuneCommand::run() {
   TuneSession(m_options).run();
   return finished;
+}
+
+std::unique_ptr<Command> makeTuneCommand() {
+  return std::make_unique<TuneCommand>();
 }
 
 }  // namespace grouptracker

@@ -2,8 +2,8 @@
 
 #include "host/base/InputError.h"
 #include "host/base/InputFile.h"
-#include "host/base/OutputError.h"
 #include "host/base/OutputFile.h"
+#include "host/base/OutputPlace.h"
 #include "host/evaluation/TruthReader.h"
 #include "host/evaluation/search/WorkerPool.h"
 #include "host/input/InputFormats.h"

@@ -1,7 +1,7 @@
 #include "host/commands/UsualOutput.h"
 
 #include "host/base/InputError.h"
-#include "host/base/OutputError.h"
+#include "host/base/OutputPlace.h"
 #include "host/output/RunFile.h"
 
 #include <filesystem>

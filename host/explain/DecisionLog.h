@@ -1,6 +1,5 @@
 #pragma once
 
-#include "host/explain/GroupLine.h"
 #include "host/explain/MobileDump.h"
 #include "host/run/Decision.h"
 #include "host/run/RunStep.h"
@@ -8,12 +7,30 @@
 #include <cstdint>
 #include <istream>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace grouptracker {
+
+/// A group as the tracker's list at the end of each frame shows it:
+///
+///     - 4, mobiles: 155 156 startFrame=30, endFrame=-1, isUpdated=true, merged with 9 at frame 41
+struct GroupLine {
+  using Ties = std::vector<std::pair<int, int>>;  ///< other group and frame
+
+  int id = 0;
+  std::vector<std::int64_t> mobiles;  ///< of all remembered frames
+  int endFrame = none;                ///< `none` while the group lives
+  Ties merges;
+  Ties splits;
+
+  /// None for any other line.
+  static std::optional<GroupLine> parse(const std::string& line);
+};
 
 /// Reads the tracker's diagnostics and keeps its decisions about groups. What the lines say is
 /// taken as it stands; who joined and left follows from the lists of groups of consecutive frames.

@@ -56,7 +56,7 @@ void limitPixels(std::int64_t most) {
   mostPixels = most;
 }
 
-cv::Mat readImage(const std::filesystem::path& file, const std::string& place) {
+cv::Mat readImage(const std::filesystem::path& file, const InputPlace& place) {
   cv::Mat pixels;
   std::error_code unreadable;
   // Nothing but a file: a pipe or a device could be waited for without end.

@@ -22,7 +22,7 @@ inline constexpr std::int64_t usualMostPixels = 100'000'000;
 
 /// Reads an image in colour. A file that is no readable image or has too many pixels is an
 /// `InputError` at `place`.
-cv::Mat readImage(const std::filesystem::path& file, const std::string& place);
+cv::Mat readImage(const std::filesystem::path& file, const InputPlace& place);
 
 /// Loads the images of an input's frames from their files. A file that is no readable image and an
 /// image of another size than the first are an `InputError` at the frame's place.

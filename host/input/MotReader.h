@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/base/ProblemHandler.h"
+#include "host/base/InputError.h"
 #include "host/people/ObservationTable.h"
 
 #include <istream>

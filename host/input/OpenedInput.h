@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/base/ProblemHandler.h"
+#include "host/base/InputError.h"
 #include "host/input/FrameRange.h"
 #include "host/input/MotReader.h"
 #include "host/input/TrackRows.h"

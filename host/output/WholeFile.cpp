@@ -1,6 +1,6 @@
 #include "host/output/WholeFile.h"
 
-#include "host/base/OutputError.h"
+#include "host/base/OutputPlace.h"
 
 #include <QFile>
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "host/base/InputError.h"
+
 #include <kel/kelDataActor.h>
 #include <kel/kelDataImage.h>
 #include <kel/kelDataLinkedPhysicalObject.h>
@@ -21,7 +23,7 @@ using MobilePointer = QSharedPointer<kelDataLinkedPhysicalObject>;
 struct InputFrame {
   std::int64_t number = 0;     ///< the number that the input itself gives to the frame
   std::optional<double> time;  ///< seconds by the input's own clock; none when it has none
-  std::string place;           ///< where the frame stands in the input, "FILE:LINE", for messages
+  InputPlace place;            ///< where the frame stands in the input, for messages
   QList<QSharedPointer<kelDataActor>> actors;
   std::filesystem::path imageFile;      ///< empty when the input names no image
   QSharedPointer<kelDataImage> image;   ///< null until somebody loads the image file

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "host/base/InputError.h"
+
 #include <kel/BoundingBox3D.h>
 
 #include <opencv2/core/types.hpp>
@@ -25,7 +27,7 @@ struct Observation {
 struct ObservationStep {
   std::int64_t frame = 0;           ///< the input's own number
   std::optional<double> time;       ///< seconds by the input's own clock; none when it has none
-  std::string place;                ///< where the step stands in the input, for messages
+  InputPlace place;                 ///< where the step stands in the input, for messages
   std::filesystem::path imageFile;  ///< empty when the input names no image
   std::vector<Observation> observations;
 };

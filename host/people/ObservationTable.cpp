@@ -123,7 +123,10 @@ void ObservationTable::startStep(std::int64_t frame, ObservationStep& step) {
     step.time = static_cast<double>(frame) / ticksPerSecond;
   }
   ++m_steps;
-  step.place = m_ahead ? fmt::format("{}:{}", m_name, m_ahead->line) : m_name;
+  step.place.file = m_name;
+  if (m_ahead) {
+    step.place.line = m_ahead->line;
+  }
   if (!m_imageFolder.empty()) {
     step.imageFile = m_imageFolder / fmt::format("{:06}{}", frame, m_imageExtension);
   }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <iterator>
 #include <map>
 
 namespace grouptracker {
@@ -9,13 +10,28 @@ namespace grouptracker {
 /// ranges: what a run of months remembers is a few of them.
 class PersonCount {
  public:
-  void see(std::uint32_t id);
+  void see(std::uint32_t id) {
+    const std::uint64_t number = id;
+    const auto after = m_ranges.upper_bound(number);
+    const auto before = after == m_ranges.begin() ? m_ranges.end() : std::prev(after);
+    if (before != m_ranges.end() && number < before->second) {
+      return;
+    }
+    ++m_count;
+    const bool continues = before != m_ranges.end() && before->second == number;
+    const bool leads = after != m_ranges.end() && after->first == number + 1;
+    const std::uint64_t end = leads ? after->second : number + 1;
+    if (leads) {
+      m_ranges.erase(after);
+    }
+    continues ? void(before->second = end) : void(m_ranges.emplace(number, end));
+  }
   /// The different ones seen so far.
   std::uint64_t count() const { return m_count; }
 
  private:
-  std::map<std::uint64_t, std::uint64_t>
-      m_ranges;  ///< from the first id to the one behind the last
+  /// From the first id of a range to the one behind its last.
+  std::map<std::uint64_t, std::uint64_t> m_ranges;
   std::uint64_t m_count = 0;
 };
 

@@ -62,7 +62,7 @@ bool TrackAssembler::next(InputFrame& frame) {
   return true;
 }
 
-MobilePointer TrackAssembler::makeMobile(const Observation& observation, const std::string& place) {
+MobilePointer TrackAssembler::makeMobile(const Observation& observation, const InputPlace& place) {
   auto foot = observation.position
                   ? std::optional(cv::Point3f(static_cast<float>(observation.position->x),
                                               static_cast<float>(observation.position->y), 0.0F))

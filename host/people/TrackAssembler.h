@@ -49,7 +49,7 @@ class TrackAssembler : public FrameSource {
     std::optional<cv::Point2d> motion;  ///< over the last `motionSteps` steps, metres
   };
 
-  MobilePointer makeMobile(const Observation& observation, const std::string& place);
+  MobilePointer makeMobile(const Observation& observation, const InputPlace& place);
   std::uint32_t nextId();
   void linkOwn(const Chain& chain, const MobilePointer& mobile, InputFrame& frame) const;
   void linkNeighbours(std::uint32_t person, const MobilePointer& mobile, InputFrame& frame) const;

@@ -1,7 +1,7 @@
 #include "host/pictures/Film.h"
 
-#include "host/base/OutputError.h"
 #include "host/base/OutputFile.h"
+#include "host/base/OutputPlace.h"
 
 extern "C" {
 #include <libavcodec/avcodec.h>

@@ -1,6 +1,6 @@
 #include "host/pictures/PictureWriter.h"
 
-#include "host/base/OutputError.h"
+#include "host/base/OutputPlace.h"
 #include "host/pictures/VideoFile.h"
 
 #include <algorithm>

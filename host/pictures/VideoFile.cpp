@@ -1,6 +1,5 @@
 #include "host/pictures/VideoFile.h"
 
-#include "host/base/OutputError.h"
 #include "host/base/OutputPlace.h"
 
 #include <QSaveFile>

@@ -52,7 +52,7 @@ class ImageStrip {
   };
   struct Frame {
     std::filesystem::path file;  ///< empty without one
-    std::string place;
+    InputPlace place;
     std::vector<RunPerson> persons;
     SmallImage small;  ///< empty for one that is still to be read from its file
   };

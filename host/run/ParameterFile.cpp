@@ -1,7 +1,7 @@
 #include "host/run/ParameterFile.h"
 
+#include "host/base/FileDescriptor.h"
 #include "host/base/Suggestion.h"
-#include "host/base/SystemProblem.h"
 
 #include <fmt/format.h>
 

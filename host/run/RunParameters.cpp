@@ -1,6 +1,6 @@
 #include "host/run/RunParameters.h"
 
-#include "host/base/OutputError.h"
+#include "host/base/OutputPlace.h"
 #include "host/run/BuiltInParameters.h"
 
 #include <QCryptographicHash>

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/base/InputError.h"
 #include "host/run/Decision.h"
 #include "host/run/TrackedEvent.h"
 
@@ -114,7 +115,7 @@ struct RunStep {
   std::vector<TrackedEvent> events;  ///< as `EventDetector` finds them, if somebody asked it
   std::vector<Decision> decisions;   ///< made at `frame`, if somebody read the diagnostics
 
-  std::string place;                   ///< of the reported frame in the input, for messages
+  InputPlace place;                    ///< of the reported frame in the input, for messages
   std::filesystem::path imageFile;     ///< of the reported frame; empty when there is none
   QSharedPointer<kelDataImage> image;  ///< of the reported frame, when it is in memory only
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/base/OutputError.h"
+#include "host/base/OutputPlace.h"
 #include "host/people/InputFrame.h"
 #include "host/run/MobileOwners.h"
 #include "host/run/RunStep.h"

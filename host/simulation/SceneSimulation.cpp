@@ -1,7 +1,7 @@
 #include "host/simulation/SceneSimulation.h"
 
-#include "host/base/OutputError.h"
 #include "host/base/OutputFile.h"
+#include "host/base/OutputPlace.h"
 #include "host/output/SceneWriter.h"
 #include "host/people/TrackAssembler.h"
 #include "host/simulation/FrameRenderer.h"

@@ -44,7 +44,7 @@ bool SimulatedSource::next(ObservationStep& step) {
   identify();
   step = ObservationStep();
   step.frame = m_frame;
-  step.place = "frame " + std::to_string(m_frame);
+  step.place = {"the simulated scene", static_cast<std::uint64_t>(m_frame)};
   for (const Walker& walker : m_inView) {
     const cv::Point2d noise(m_sensing.normal(m_options.noise), m_sensing.normal(m_options.noise));
     if (!m_sensing.chance(m_options.missed) && !m_faults.isLost(walker.id)) {

@@ -1,5 +1,4 @@
-#include "tests/support/base/TempFolder.h"
-#include "tests/support/host/SampleParameters.h"
+#include "tests/support/base/Texts.h"
 #include "tests/support/host/WalkersInView.h"
 #include "tests/support/host/WalkingScene.h"
 #include "tests/support/program/Program.h"

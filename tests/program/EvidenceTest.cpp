@@ -1,5 +1,4 @@
-#include "tests/support/base/Lines.h"
-#include "tests/support/base/TempFolder.h"
+#include "tests/support/base/Texts.h"
 #include "tests/support/program/Program.h"
 
 #include <QStringList>

@@ -2,8 +2,7 @@
 #include "host/explain/DecisionLog.h"
 #include "host/explain/Explainer.h"
 #include "host/output/RunReplay.h"
-#include "tests/support/base/TempFolder.h"
-#include "tests/support/host/SampleParameters.h"
+#include "tests/support/base/Texts.h"
 #include "tests/support/host/WalkingScene.h"
 #include "tests/support/program/Program.h"
 

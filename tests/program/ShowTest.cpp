@@ -1,8 +1,6 @@
 #include "host/pictures/PictureExchange.h"
 #include "host/pictures/window/ShowWindow.h"
-#include "tests/support/base/Lines.h"
-#include "tests/support/base/TempFolder.h"
-#include "tests/support/host/SampleParameters.h"
+#include "tests/support/base/Texts.h"
 #include "tests/support/host/WalkingScene.h"
 #include "tests/support/program/Program.h"
 

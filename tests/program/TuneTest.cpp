@@ -1,6 +1,5 @@
-#include "tests/support/base/Lines.h"
-#include "tests/support/base/TempFolder.h"
-#include "tests/support/host/SampleParameters.h"
+#include "tests/support/base/Texts.h"
+#include "tests/support/host/WalkingScene.h"
 #include "tests/support/program/Program.h"
 
 #include <gmock/gmock.h>

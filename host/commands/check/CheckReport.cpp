@@ -11,11 +11,11 @@ constexpr std::uint64_t mostOfOneKind = 3;  // that are printed
 }  // namespace
 
 void CheckReport::problem(const InputError& error) {
-  Problem& kind = m_problems[error.file() + ": " + error.problem()];
-  if (kind.count > 0 && error.line() <= kind.lastLine) {
+  Problem& kind = m_problems[error.place().file + ": " + error.problem()];
+  if (kind.count > 0 && error.place().line <= kind.lastLine) {
     return;
   }
-  kind.lastLine = error.line();
+  kind.lastLine = error.place().line;
   if (++kind.count <= mostOfOneKind) {
     m_print(error.what());
   }
@@ -24,10 +24,10 @@ void CheckReport::problem(const InputError& error) {
   }
 }
 
-void CheckReport::warn(const std::string& kind, const std::string& place, const std::string& text) {
+void CheckReport::warn(const std::string& kind, const InputPlace& place, const std::string& text) {
   Warning& warning = m_warnings[kind];
   if (++warning.count == 1) {
-    warning.text = place + ": warning: " + text;
+    warning.text = place.text() + ": warning: " + text;
   }
 }
 

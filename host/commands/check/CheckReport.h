@@ -30,9 +30,9 @@ class CheckReport {
   /// Something that a run would stop at. An input may be read twice: what was found in a line is
   /// found once. Throws `TooManyProblems` at the last kind that is reported.
   void problem(const InputError& error);
-  /// Something legal but strange at a place "FILE:LINE"; `kind` is one for all that differ in
+  /// Something legal but strange at a place; `kind` is one for all that differ in
   /// numbers only.
-  void warn(const std::string& kind, const std::string& place, const std::string& text);
+  void warn(const std::string& kind, const InputPlace& place, const std::string& text);
   /// Hands out how often problems came again, and the warnings; to be called once at the end.
   void printRest() const;
 

@@ -18,14 +18,14 @@ void checkSavedImages(const ParameterFile& parameters, const std::string& name,
     return;
   }
   if (parameters.number("openCVOutput:") == 0.0) {
-    report.warn("saveOutput", fmt::format("{}:{}", name, save->line),
+    report.warn("saveOutput", {name, save->line},
                 "saveOutput: saves no images without openCVOutput:");
     return;
   }
   const auto place = std::filesystem::path(folder->text + "1").parent_path();
   std::error_code ignored;
   if (!place.empty() && !std::filesystem::is_directory(place, ignored)) {
-    report.warn("outputFolder", fmt::format("{}:{}", name, folder->line),
+    report.warn("outputFolder", {name, folder->line},
                 "outputFolder: there is no folder " + place.string());
   }
 }
@@ -37,7 +37,7 @@ void checkParameterValues(const ParameterFile& parameters, const std::string& na
   for (const ParameterEntry& entry : parameters.values) {
     const auto& [label, empty, unit, usual, help] = *entry.row;
     if (!usual.contains(entry.number())) {
-      report.warn(label, fmt::format("{}:{}", name, entry.line),
+      report.warn(label, {name, entry.line},
                   fmt::format("{} {:g} is outside of the usual {:g} to {:g}", label, entry.number(),
                               usual.lowest, usual.highest));
     }
@@ -46,7 +46,7 @@ void checkParameterValues(const ParameterFile& parameters, const std::string& na
   const ParameterEntry* const removal = parameters.find("temporalWinForRemoval:");
   if (removal != nullptr && removal->number() <= parameters.number("temporalWinSize:")) {
     report.warn(
-        "windows", fmt::format("{}:{}", name, removal->line),
+        "windows", {name, removal->line},
         "temporalWinForRemoval: is not longer than temporalWinSize:, so people are forgotten "
         "before they are decided on");
   }

@@ -1,10 +1,8 @@
-#include "host/base/FileIdentity.h"
 #include "host/base/LineReader.h"
-#include "host/base/OutputError.h"
 #include "host/base/OutputFile.h"
+#include "host/base/OutputPlace.h"
 #include "host/base/TextNumbers.h"
-#include "tests/support/base/Errors.h"
-#include "tests/support/base/TempFolder.h"
+#include "tests/support/base/Texts.h"
 
 #include <gtest/gtest.h>
 
@@ -34,10 +32,10 @@ TEST(InputError, KeepsApartWhatItsTextJoins) {
   lines.next();
   const InputError error = lines.error("wrong: 3");
   EXPECT_STREQ(error.what(), "C:/a: b.txt:2: wrong: 3");
-  EXPECT_EQ(error.file(), "C:/a: b.txt");
-  EXPECT_EQ(error.line(), 2U);
+  EXPECT_EQ(error.place().file, "C:/a: b.txt");
+  EXPECT_EQ(error.place().line, 2U);
   EXPECT_EQ(error.problem(), "wrong: 3");
-  EXPECT_FALSE(InputError("a.txt", "cannot be opened").line());
+  EXPECT_FALSE(InputError("a.txt", "cannot be opened").place().line);
 }
 
 TEST(LineReader, TakesEveryKindOfLineEndAndDropsTheByteOrderMark) {

@@ -3,8 +3,7 @@
 #include "host/camera/GroundPlaneCalibration.h"
 #include "host/camera/PinholeCalibration.h"
 #include "host/input/SceneContextReader.h"
-#include "tests/support/base/Errors.h"
-#include "tests/support/base/TempFolder.h"
+#include "tests/support/base/Texts.h"
 
 #include <gtest/gtest.h>
 #include <opencv2/calib3d.hpp>

@@ -3,7 +3,7 @@
 #include "host/camera/TsaiCalibration.h"
 #include "host/input/CameraFromPeople.h"
 #include "host/input/CvmlReader.h"
-#include "tests/support/base/Errors.h"
+#include "tests/support/base/Texts.h"
 #include "tests/support/host/WalkersInView.h"
 
 #include <gmock/gmock.h>

@@ -1,8 +1,7 @@
 #include "host/evaluation/FrameScores.h"
 #include "host/evaluation/ScoredSteps.h"
 #include "host/evaluation/TruthReader.h"
-#include "tests/support/base/Errors.h"
-#include "tests/support/base/TempFolder.h"
+#include "tests/support/base/Texts.h"
 
 #include <gmock/gmock.h>
 

@@ -1,5 +1,5 @@
 #include "host/grouping/EvidenceModel.h"
-#include "tests/support/base/Errors.h"
+#include "tests/support/base/Texts.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,6 @@
 #include "host/input/InputImages.h"
 #include "host/input/SceneReader.h"
-#include "tests/support/base/Errors.h"
-#include "tests/support/base/TempFolder.h"
+#include "tests/support/base/Texts.h"
 
 #include <gtest/gtest.h>
 #include <opencv2/imgcodecs.hpp>
@@ -88,14 +87,18 @@ TEST(Image, IsRefusedBeforeItIsDecodedWhenItIsTooLargeOrNoFile) {
   const std::string file = folder.path() / "i.png";
   cv::imwrite(file, image({64, 48}, 0));
   limitPixels(64 * 48 - 1);
-  EXPECT_EQ(errorOf([&] { readImage(file, "s.jsonl:3"); }),
+  EXPECT_EQ(errorOf([&] {
+              readImage(file, {"s.jsonl", 3});
+            }),
             "s.jsonl:3: the image " + file + " has 64x48 pixels, more than --max-pixels 3071");
   limitPixels(usualMostPixels);
-  EXPECT_EQ(readImage(file, "s.jsonl:3").cols, 64);
+  EXPECT_EQ(readImage(file, {"s.jsonl", 3}).cols, 64);
   const std::string pipe = folder.path() / "pipe.png";
   ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
   for (const std::string& name : {pipe, std::string("/dev/zero")}) {
-    EXPECT_EQ(errorOf([&] { readImage(name, "s.jsonl:3"); }),
+    EXPECT_EQ(errorOf([&] {
+                readImage(name, {"s.jsonl", 3});
+              }),
               "s.jsonl:3: the image " + name + " is missing or not readable");
   }
 }

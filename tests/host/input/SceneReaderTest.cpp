@@ -1,7 +1,7 @@
 #include "host/camera/GroundPlaneCalibration.h"
 #include "host/input/MobileStore.h"
 #include "host/input/SceneReader.h"
-#include "tests/support/base/Errors.h"
+#include "tests/support/base/Texts.h"
 
 #include <gtest/gtest.h>
 
@@ -53,7 +53,7 @@ TEST(SceneReader, BuildsMobilesActorsAndLinks) {
   EXPECT_EQ(frames[0].actors[0]->getBoundingBox3D().b2, 1.7F);
 
   EXPECT_EQ(frames[1].number, 2);
-  EXPECT_EQ(frames[1].place, "s.jsonl:3");
+  EXPECT_EQ(frames[1].place.text(), "s.jsonl:3");
   EXPECT_EQ(frames[1].imageFile, "scenes/a.png");
   const auto& object = *frames[1].observed[0]->getPhysicalObject();
   EXPECT_EQ(object.getBoundingBox2D(), cv::Rect(10, 20, 30, 40));

@@ -1,8 +1,7 @@
 #include "host/input/InputFormats.h"
 #include "host/input/TableReader.h"
 #include "host/input/TrajectoryDatabase.h"
-#include "tests/support/base/Errors.h"
-#include "tests/support/base/TempFolder.h"
+#include "tests/support/base/Texts.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

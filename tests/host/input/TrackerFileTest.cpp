@@ -2,8 +2,7 @@
 #include "host/input/InputFormats.h"
 #include "host/input/MotReader.h"
 #include "host/input/MotSequence.h"
-#include "tests/support/base/Errors.h"
-#include "tests/support/base/TempFolder.h"
+#include "tests/support/base/Texts.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "host/input/ObsmatReader.h"
 #include "host/people/PersonCount.h"
 #include "host/people/TrackAssembler.h"
-#include "tests/support/base/Errors.h"
+#include "tests/support/base/Texts.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "host/base/OutputError.h"
+#include "host/base/OutputPlace.h"
 #include "host/output/BackgroundSink.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #include "host/output/FamilyTree.h"
 #include "host/output/LineageGraph.h"
-#include "tests/support/base/TempFolder.h"
+#include "tests/support/base/Texts.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

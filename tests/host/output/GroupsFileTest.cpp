@@ -1,14 +1,10 @@
-#include "host/output/RunFile.h"
-#include "tests/support/base/Errors.h"
-#include "tests/support/base/Lines.h"
-#include "tests/support/base/TempFolder.h"
+#include "tests/host/output/WrittenSteps.h"
+#include "tests/support/base/Texts.h"
 #include "tests/support/host/GroupsSchema.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
-
-#include <sstream>
 
 namespace grouptracker {
 
@@ -21,26 +17,6 @@ const std::string sampleLine =
     R"("position": [1.25, -0.3333], "confidence": 0.9312}, )"
     R"({"id": 5, "members": [8, 11, 12], "since": 930, "position": [0, 7], "confidence": 1}], )"
     R"("alone": [9]})";
-
-std::string written(const RunSteps& steps) {
-  const TempFolder folder;
-  const std::string file = folder.path() / "groups.jsonl";
-  RunFileWriter writer(file);
-  for (const RunStep& step : steps) {
-    writer.write(step);
-  }
-  return textOf(file);
-}
-
-RunSteps readAll(const std::string& text, RunFilePart part = RunFilePart::whole) {
-  std::istringstream in(text);
-  RunFileReader reader(in, "g.jsonl", part);
-  RunSteps steps;
-  for (RunStep step; reader.next(step);) {
-    steps.push_back(step);
-  }
-  return steps;
-}
 
 RunGroup group(std::uint32_t id, const std::vector<std::uint32_t>& persons, const cv::Point3f& at) {
   RunGroup group;
@@ -75,13 +51,13 @@ TEST(GroupsFile, IsReadAsItWasWritten) {
   RunStep nobody = stepOf(3, {});
   nobody.persons.clear();
   const RunSteps steps{first, second, nobody};
-  const std::string text = written(steps);
-  EXPECT_TRUE(readAll(text) == steps) << text;
-  EXPECT_EQ(written(readAll(text)), text);
+  const std::string text = writtenFile(steps);
+  EXPECT_TRUE(stepsIn(text) == steps) << text;
+  EXPECT_EQ(writtenFile(stepsIn(text)), text);
 }
 
 TEST(GroupsFile, IsReadBehindItsHeaderAndByWhoeverNeedsOnlyTheGroups) {
-  const auto steps = readAll(R"({"header": {"version": 1}})"
+  const auto steps = stepsIn(R"({"header": {"version": 1}})"
                              "\n" +
                              sampleLine + "\n");
   ASSERT_EQ(steps.size(), 1U);
@@ -89,16 +65,17 @@ TEST(GroupsFile, IsReadBehindItsHeaderAndByWhoeverNeedsOnlyTheGroups) {
   EXPECT_EQ(steps[0].time, 62.04);
   EXPECT_EQ(steps[0].persons.size(), 6U);
   const auto bare =
-      readAll(R"({"frame": 5, "groups": [{"id": 1, "members": [2, 3]}], "alone": []})",
+      stepsIn(R"({"frame": 5, "groups": [{"id": 1, "members": [2, 3]}], "alone": []})",
               RunFilePart::groupings);
   EXPECT_EQ(bare[0].groups[0].members[1].person, 3U);
-  EXPECT_EQ(errorOf([] { readAll(R"({"frame": 5, "groups": [], "alone": []})"); }),
+  EXPECT_EQ(errorOf([] { stepsIn(R"({"frame": 5, "groups": [], "alone": []})"); }),
             "g.jsonl:1: \"time\" is missing");
 }
 
 TEST(GroupsFile, SchemaNoticesWhatIsNoGroup) {
   Json line = Json::parse(sampleLine);
-  ASSERT_EQ(groupsFault(written({readAll(sampleLine)})).substr(0, 7), "members") << "since is 780";
+  ASSERT_EQ(groupsFault(writtenFile({stepsIn(sampleLine)})).substr(0, 7), "members")
+      << "since is 780";
   line["groups"][0]["since"] = 930;
   ASSERT_EQ(groupsFault(line.dump()), "");
   const auto refuses = [&](const char* place, const Json& value) {

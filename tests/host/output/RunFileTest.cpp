@@ -1,40 +1,17 @@
-#include "host/output/RunFile.h"
-#include "tests/support/base/Errors.h"
-#include "tests/support/base/Lines.h"
-#include "tests/support/base/TempFolder.h"
+#include "tests/host/output/WrittenSteps.h"
+#include "tests/support/base/Texts.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
-#include <sstream>
 
 namespace grouptracker {
 
 namespace {
 
 constexpr auto infinity = std::numeric_limits<float>::infinity();
-
-std::string written(const RunSteps& steps) {
-  const TempFolder folder;
-  const std::string file = folder.path() / "groups.jsonl";
-  RunFileWriter writer(file);
-  for (const RunStep& step : steps) {
-    writer.write(step);
-  }
-  return textOf(file);
-}
-
-RunSteps readAll(const std::string& text, RunFilePart part = RunFilePart::whole) {
-  std::istringstream in(text);
-  RunFileReader reader(in, "g.jsonl", part);
-  RunSteps steps;
-  for (RunStep step; reader.next(step);) {
-    steps.push_back(step);
-  }
-  return steps;
-}
 
 /// A group with everything that a group can have.
 RunGroup fullGroup() {
@@ -70,7 +47,7 @@ TEST(RunFileWriter, KeepsTypesAndExactNumbers) {
   group.position->z = infinity;
   RunGroup empty;
   empty.id = 5;
-  const auto lines = linesOf(written({first, stepWith({group, empty})}));
+  const auto lines = linesOf(writtenFile({first, stepWith({group, empty})}));
   ASSERT_EQ(lines.size(), 2U) << "lines are there while the writer is still open";
   EXPECT_EQ(lines[0], R"({"frame": 4294967295, "reportedFrame": -2, "inputFrame": null, )"
                       R"("persons": [], "groups": []})");
@@ -109,26 +86,26 @@ TEST(RunFile, ReadsWhatWasWritten) {
                     {"g \u20ac\t", "\u0001 \U0001F600"}};
   odd.decodeProperties();
   const RunSteps steps{early, nobody, stepWith({fullGroup(), odd, late}), stepWith({RunGroup()})};
-  const std::string text = written(steps);
-  const RunSteps read = readAll(text);
+  const std::string text = writtenFile(steps);
+  const RunSteps read = stepsIn(text);
   EXPECT_TRUE(read == steps) << text;
-  EXPECT_EQ(written(read), text);
+  EXPECT_EQ(writtenFile(read), text);
 }
 
 TEST(RunFile, KeepsWhatIsNotFiniteAsNoNumber) {
   RunGroup group = fullGroup();
   group.position->x = infinity;
   (*group.box3D)[5] = std::nanf("");
-  const std::string text = written({stepWith({group})});
-  const RunSteps read = readAll(text);
+  const std::string text = writtenFile({stepWith({group})});
+  const RunSteps read = stepsIn(text);
   EXPECT_TRUE(std::isnan(read[0].groups[0].position->x));
   EXPECT_TRUE(std::isnan((*read[0].groups[0].box3D)[5]));
-  EXPECT_EQ(written(read), text);
+  EXPECT_EQ(writtenFile(read), text);
 }
 
 TEST(RunFileReader, DecodesThePropertiesAndPassesOverUnknownKeys) {
   const auto steps =
-      readAll(R"({"frame": 31, "reportedFrame": 26, "inputFrame": 930, "persons": [], "new": {}, )"
+      stepsIn(R"({"frame": 31, "reportedFrame": 26, "inputFrame": 930, "persons": [], "new": {}, )"
               R"("groups": [{"id": 4, "mobiles": [90], "persons": [3], "new": [1], )"
               R"("properties": {"Visible": true, "Merge": -1, "Split": 2, "new": [1]}}, )"
               R"({"id": 6, "mobiles": [], "persons": [], "properties": {"Visible": "false"}}]})");
@@ -141,11 +118,11 @@ TEST(RunFileReader, DecodesThePropertiesAndPassesOverUnknownKeys) {
 }
 
 TEST(RunFileReader, NamesDamagedLines) {
-  const std::string whole = written({stepWith({fullGroup()})});
+  const std::string whole = writtenFile({stepWith({fullGroup()})});
   const auto problem = [&whole](const std::string& from, const std::string& to) {
     std::string line = whole;
     line.replace(line.find(from), from.size(), to);
-    const std::string error = errorOf([&] { readAll(whole + line); });
+    const std::string error = errorOf([&] { stepsIn(whole + line); });
     return error.starts_with("g.jsonl:2: ") ? error.substr(11) : "elsewhere: " + error;
   };
   EXPECT_EQ(problem("properties", "prop"), "groups[0]: \"properties\" is missing");

@@ -1,6 +1,5 @@
 #include "host/output/WholeFile.h"
-#include "tests/support/base/Errors.h"
-#include "tests/support/base/TempFolder.h"
+#include "tests/support/base/Texts.h"
 
 #include <gtest/gtest.h>
 

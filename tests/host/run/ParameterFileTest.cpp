@@ -1,6 +1,6 @@
 #include "host/run/ParameterFile.h"
-#include "tests/support/base/Errors.h"
-#include "tests/support/host/SampleParameters.h"
+#include "tests/support/base/Texts.h"
+#include "tests/support/host/WalkingScene.h"
 
 #include <gtest/gtest.h>
 

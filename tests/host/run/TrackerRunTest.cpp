@@ -30,7 +30,7 @@ QSharedPointer<kelDataActor> makeActor(unsigned id, const QList<MobilePointer>& 
 InputFrame makeFrame(std::int64_t number, const FakeProcess::Actors& actors) {
   InputFrame frame;
   frame.number = number;
-  frame.place = "scene:" + std::to_string(number);
+  frame.place = {"scene", static_cast<std::uint64_t>(number)};
   frame.actors = actors;
   return frame;
 }
@@ -66,7 +66,7 @@ TEST_F(Run, SaysWhatTheInputSaidOfTheDelayedFrame) {
   EXPECT_EQ(step.frame, 3U);
   EXPECT_EQ(step.reportedFrame, 1);
   EXPECT_EQ(step.inputFrame, 10);
-  EXPECT_EQ(step.place, "scene:10");
+  EXPECT_EQ(step.place.text(), "scene:10");
   const Sighting seen{{5.0F, 6.0F}, {7, 2, 3, 4}};
   EXPECT_THAT(step.persons, ElementsAre(RunPerson{3, {}}, RunPerson{1, seen}));
   EXPECT_EQ(run.advance(makeFrame(40, {})).inputFrame, 20);

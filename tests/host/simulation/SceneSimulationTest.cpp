@@ -1,4 +1,4 @@
-#include "host/base/OutputError.h"
+#include "host/base/OutputPlace.h"
 #include "host/simulation/SimulatedView.h"
 #include "tests/host/simulation/SimulatedScene.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/simulation/SceneSimulation.h"
-#include "tests/support/base/TempFolder.h"
+#include "tests/support/base/Texts.h"
 
 #include <nlohmann/json.hpp>
 

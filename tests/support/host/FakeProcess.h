@@ -1,6 +1,7 @@
 #pragma once
 
 #include <kel/kelAbstractProcessGroupTracker.h>
+#include <kel/kelAbstractProcessGroupTrackerPrivate.h>
 
 #include <stdexcept>
 
@@ -11,7 +12,8 @@ class FakeProcess : public kelAbstractProcessGroupTracker {
  public:
   using Actors = QList<QSharedPointer<kelDataActor>>;
 
-  FakeProcess();
+  FakeProcess()
+      : kelAbstractProcessGroupTracker(new kelAbstractProcessGroupTrackerPrivate, nullptr) {}
 
   QString identifier() const override { return "fake"; }
   void copy(const moxAbstractProcess&) override {}
@@ -20,7 +22,12 @@ class FakeProcess : public kelAbstractProcessGroupTracker {
   QMap<QString, QVariant> getSpecificParameters() override { return {}; }
   bool setSpecificParameters(QMap<QString, QVariant>) override { return true; }
   /// Throws instead when it was told to fail.
-  void process() override;
+  void process() override {
+    if (fails) {
+      throw std::runtime_error("no frame today");
+    }
+    setActors(actors() + groups);
+  }
 
   Actors groups;
   bool fails = false;

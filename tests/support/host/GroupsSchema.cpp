@@ -1,7 +1,6 @@
 #include "tests/support/host/GroupsSchema.h"
 
-#include "tests/support/base/Lines.h"
-#include "tests/support/base/TempFolder.h"
+#include "tests/support/base/Texts.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <string>
 
 namespace grouptracker {
@@ -9,5 +10,9 @@ namespace grouptracker {
 std::string walkingLine(int frame, const std::string& more = "");
 /// The first `frames` lines.
 std::string walkingScene(int frames);
+
+/// The parameter file that the project ships as a sample, one pair a line, with a delay of 2
+/// frames; `changes` replaces values by label.
+std::string sampleParameters(std::map<std::string, std::string> changes = {}, char lineEnd = '\n');
 
 }  // namespace grouptracker

@@ -1,6 +1,6 @@
 #include "tests/support/process/ProcessDriver.h"
 
-#include "tests/support/process/TestParameters.h"
+#include "tests/support/process/StaticsGuard.h"
 
 #include <fmt/format.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/support/base/TempFolder.h"
+#include "tests/support/base/Texts.h"
 #include "tracker/plugin/GroupTrackerProcessGroupTracker.h"
 
 #include <kel/kelDataActor.h>

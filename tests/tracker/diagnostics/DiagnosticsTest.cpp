@@ -1,4 +1,4 @@
-#include "tests/support/base/TempFolder.h"
+#include "tests/support/base/Texts.h"
 #include "tracker/diagnostics/Diagnostics.h"
 #include "tracker/diagnostics/GatheredText.h"
 #include "tracker/diagnostics/TextBuffer.h"

@@ -1,9 +1,8 @@
-#include "tests/support/base/TempFolder.h"
+#include "tests/support/base/Texts.h"
 #include "tests/support/process/Printed.h"
 #include "tests/support/process/ProcessDriver.h"
 #include "tests/support/process/Scene.h"
 #include "tests/support/process/StaticsGuard.h"
-#include "tests/support/process/TestParameters.h"
 #include "tracker/plugin/GroupTrackerProcessGroupTracker.h"
 #include "tracker/tracking/Group.h"
 

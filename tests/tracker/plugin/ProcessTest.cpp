@@ -2,7 +2,6 @@
 #include "tests/support/process/ProcessDriver.h"
 #include "tests/support/process/Scene.h"
 #include "tests/support/process/StaticsGuard.h"
-#include "tests/support/process/TestParameters.h"
 #include "tracker/clustering/matrix.h"
 #include "tracker/diagnostics/Diagnostics.h"
 #include "tracker/display/GroupExtension.h"

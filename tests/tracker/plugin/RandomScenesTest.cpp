@@ -3,7 +3,6 @@
 #include "tests/support/process/ProcessDriver.h"
 #include "tests/support/process/RandomScene.h"
 #include "tests/support/process/StaticsGuard.h"
-#include "tests/support/process/TestParameters.h"
 #include "tracker/geometry/Util.h"
 #include "tracker/plugin/GroupTrackerProcessGroupTrackerPrivate.h"
 #include "tracker/tracking/GroupTracker.h"

@@ -1,4 +1,4 @@
-#include "tests/support/base/TempFolder.h"
+#include "tests/support/base/Texts.h"
 #include "tests/tracker/tracking/TrackingTest.h"
 
 #include <cmath>

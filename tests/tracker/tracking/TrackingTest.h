@@ -3,7 +3,6 @@
 #include "tests/support/process/Printed.h"
 #include "tests/support/process/Scene.h"
 #include "tests/support/process/StaticsGuard.h"
-#include "tests/support/process/TestParameters.h"
 #include "tracker/geometry/Util.h"
 #include "tracker/tracking/GroupTracker.h"
 

@@ -2,8 +2,10 @@
 
 #include <QTemporaryDir>
 
+#include <exception>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 /// A folder of its own for the length of a scope.
 class TempFolder {
@@ -19,3 +21,17 @@ class TempFolder {
 
 /// All of a file as text; empty when it cannot be read.
 std::string textOf(const std::filesystem::path& file);
+
+/// The lines of a text without their ends.
+std::vector<std::string> linesOf(const std::string& text);
+
+/// The text of the exception that `action` throws; "no error" when it throws none.
+template <typename Action>
+std::string errorOf(const Action& action) {
+  try {
+    action();
+  } catch (const std::exception& error) {
+    return error.what();
+  }
+  return "no error";
+}

@@ -1,4 +1,4 @@
-#include "tests/support/base/TempFolder.h"
+#include "tests/support/base/Texts.h"
 
 #include <fstream>
 #include <sstream>
@@ -13,4 +13,13 @@ std::string textOf(const std::filesystem::path& file) {
   std::ostringstream text;
   text << std::ifstream(file).rdbuf();
   return text.str();
+}
+
+std::vector<std::string> linesOf(const std::string& text) {
+  std::istringstream in(text);
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(in, line);) {
+    lines.push_back(line);
+  }
+  return lines;
 }

@@ -1,4 +1,4 @@
-#include "host/base/StopWish.h"
+#include "host/base/Interruption.h"
 
 #include <array>
 #include <cerrno>
