@@ -1,20 +1,28 @@
 #!/usr/bin/env bash
 # Finds the groups of all annotated sequences in a folder with the built-in setting and prints tables
-# of how good they are: scripts/score.sh DATA [PRESET]. A sequence is a folder with obsmat.txt and
-# groups.txt, or truth.jsonl for a truth per frame. The last table says what carries over.
+# of how good they are: scripts/score.sh DATA [PRESET] [SEQUENCE=RATE]... A sequence is a folder with
+# obsmat.txt and groups.txt, or truth.jsonl for a truth per frame. Trajectories do not tell how many frame
+# numbers pass in a second: SEQUENCE=RATE does, where the program's own guess is wrong. The last table says
+# what carries over.
 set -euo pipefail
-data=${1:?usage: scripts/score.sh DATA [PRESET]}
-program=$(dirname "$0")/../build/${2:-release}/bin/grouptracker
+usage="usage: scripts/score.sh DATA [PRESET] [SEQUENCE=RATE]..."
+data=${1:?$usage}
+shift
+preset=release
+declare -A rates
+for argument in "$@"; do
+  case $argument in
+    *=*) rates[${argument%%=*}]=${argument#*=} ;;
+    *) preset=$argument ;;
+  esac
+done
+program=$(dirname "$0")/../build/$preset/bin/grouptracker
+[ -x "$program" ] || { echo "$program is not built; $usage" >&2; exit 2; }
+for name in "${!rates[@]}"; do
+  [ -d "$data/$name" ] || { echo "$data holds no $name, whose rate is given" >&2; exit 2; }
+done
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-
-# Trajectories do not tell how many frame numbers pass in a second.
-rateOf() {
-  case $1 in
-    seq_eth | cocktail_first) echo 15 ;;
-    *) echo 25 ;;
-  esac
-}
 
 truthOf() {
   if [ -e "$data/$1/truth.jsonl" ]; then echo "$data/$1/truth.jsonl"; else echo "$data/$1/groups.txt"; fi
@@ -28,7 +36,9 @@ done
 [ ${#sequences[@]} -gt 0 ] || { echo "$data holds no annotated sequence" >&2; exit 2; }
 
 for name in "${sequences[@]}"; do
-  "$program" run "$data/$name" --rate "$(rateOf "$name")" --quiet --diagnostics none \
+  rate=()
+  if [ -n "${rates[$name]:-}" ]; then rate=(--rate "${rates[$name]}"); fi
+  "$program" run "$data/$name" "${rate[@]}" --quiet --diagnostics none \
     --mobile-dump none --output "$work/$name.groups.jsonl" --actors "$work/$name.actors.jsonl"
   for source in groups actors; do
     "$program" evaluate "$work/$name.$source.jsonl" --truth "$(truthOf "$name")" --baselines \
@@ -85,6 +95,6 @@ END
 echo
 pairs=()
 for name in "${sequences[@]}"; do
-  pairs+=("$data/$name:$(truthOf "$name"):$(rateOf "$name")")
+  pairs+=("$data/$name:$(truthOf "$name")${rates[$name]:+:${rates[$name]}}")
 done
 "$program" learn "${pairs[@]}" --output "$work/model.json" --quiet
