@@ -22,7 +22,7 @@ class GroupFinder {
  public:
   /// `lookAhead`: seconds of the future that a decision may use, 0 or more.
   GroupFinder(EvidenceModel model, double lookAhead)
-      : m_lookAhead(lookAhead), m_evidence(std::move(model), lookAhead) {}
+      : m_lookAhead(lookAhead), m_evidence(std::move(model), lookAhead), m_identity(lookAhead) {}
 
   /// Is told of every frame at which groups are looked for what is believed of the pairs, before
   /// the groups of that frame are handed out.

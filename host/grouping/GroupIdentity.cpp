@@ -5,7 +5,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <tuple>
+#include <utility>
 
 namespace grouptracker {
 
@@ -14,6 +16,8 @@ namespace {
 constexpr double lowestBelief = -4.0;  // log-odds; also of those who were never near each other
 constexpr double highestBelief = 5.0;  // log-odds; one sure pair must not outvote three unsure
 constexpr double stay = 3.0;           // log-odds in favour of who is together already
+constexpr double met = 2.0;            // log-odds of those whose groups have met, at least
+constexpr double parted = 2.0;         // metres between the nearest of those who part
 constexpr double birth = 1.0;          // log-odds from which on a new group counts
 constexpr double sureBirth = 3.0;      // log-odds from which on it counts at once
 constexpr double confirmation = 0.8;   // seconds that it must last otherwise
@@ -31,7 +35,9 @@ double limited(double belief) {
 
 std::vector<TickGroup> GroupIdentity::next(const TickBeliefs& tick) {
   m_time = tick.time;
+  watchMeetings(tick);
   Gatherings gatherings = gather(tick);
+  holdTogether(tick, gatherings);
   inherit(gatherings);
   nameTheRest(gatherings);
   std::vector<TickGroup> groups;
@@ -58,12 +64,16 @@ bool GroupIdentity::areTogether(PersonId a, PersonId b) const {
 }
 
 GroupIdentity::Gatherings GroupIdentity::gather(const TickBeliefs& tick) const {
-  const auto score = [this](const PairBelief& pair) {
-    return limited(pair.belief) + (areTogether(pair.a, pair.b) ? stay : 0.0);
+  const auto beliefIn = [this](const PairBelief& pair) {
+    return m_meetings.haveMet(pair.a, pair.b) ? std::max(limited(pair.belief), met)
+                                              : limited(pair.belief);
+  };
+  const auto score = [&](const PairBelief& pair) {
+    return beliefIn(pair) + (areTogether(pair.a, pair.b) ? stay : 0.0);
   };
   std::vector<PersonId> people;
   for (const PairBelief& pair : tick.pairs) {
-    if (pair.belief > -stay && score(pair) > 0.0) {
+    if (score(pair) > 0.0) {
       people.insert(people.end(), {pair.a, pair.b});
     }
   }
@@ -79,7 +89,7 @@ GroupIdentity::Gatherings GroupIdentity::gather(const TickBeliefs& tick) const {
       const auto i = static_cast<std::size_t>(a - people.begin());
       const auto j = static_cast<std::size_t>(b - people.begin());
       scores.set(i, j, score(pair));
-      beliefs.set(i, j, limited(pair.belief));
+      beliefs.set(i, j, beliefIn(pair));
     }
   }
 
@@ -97,6 +107,82 @@ GroupIdentity::Gatherings GroupIdentity::gather(const TickBeliefs& tick) const {
     gatherings.push_back(std::move(gathering));
   }
   return gatherings;
+}
+
+/// Only groups that have lived for a while can meet.
+void GroupIdentity::watchMeetings(const TickBeliefs& tick) {
+  std::map<PersonId, GroupId> groupOf;
+  for (const auto& [person, id] : m_memberOf) {
+    const Group& group = m_groups.at(id);
+    if (m_time - group.born >= realLife - ticks::tolerance) {
+      groupOf.emplace(person, id);
+    }
+  }
+  m_meetings.watch(tick, groupOf);
+}
+
+/// The look-ahead knows that a group will split before anybody can see it.
+void GroupIdentity::holdTogether(const TickBeliefs& tick, Gatherings& gatherings) {
+  std::map<GroupId, double> parting;
+  for (auto a = gatherings.begin(); a != gatherings.end(); ++a) {
+    for (auto b = a + 1; b != gatherings.end();) {
+      const auto group = commonOrigin(*a, *b);
+      if (group) {
+        const auto known = m_parting.find(*group);
+        parting[*group] = known == m_parting.end() ? m_time : known->second;
+      }
+      const bool isHeld = group && m_time - parting[*group] < m_lookAhead - ticks::tolerance &&
+                          distanceOf(*a, *b, tick) < parted;
+      if (!isHeld) {
+        ++b;
+        continue;
+      }
+      unite(*a, *b);
+      b = gatherings.erase(b);
+    }
+  }
+  m_parting = std::move(parting);
+}
+
+/// The group that both were part of, each with members enough to be one.
+std::optional<GroupId> GroupIdentity::commonOrigin(const Gathering& a, const Gathering& b) {
+  for (const auto& [group, members] : a.before) {
+    const auto others = b.before.find(group);
+    if (members >= core && others != b.before.end() && others->second >= core) {
+      return group;
+    }
+  }
+  return std::nullopt;
+}
+
+/// Between the nearest two, metres.
+double GroupIdentity::distanceOf(const Gathering& a, const Gathering& b, const TickBeliefs& tick) {
+  const auto isOf = [](PersonId person, const Gathering& gathering) {
+    return std::binary_search(gathering.people.begin(), gathering.people.end(), person);
+  };
+  double nearest = std::numeric_limits<double>::infinity();
+  for (const PairBelief& pair : tick.pairs) {
+    if ((isOf(pair.a, a) && isOf(pair.b, b)) || (isOf(pair.a, b) && isOf(pair.b, a))) {
+      nearest = std::min(nearest, pair.distance);
+    }
+  }
+  return nearest;
+}
+
+void GroupIdentity::unite(Gathering& gathering, const Gathering& other) {
+  const auto weightOf = [](const Gathering& one) {
+    return static_cast<double>(one.people.size() * (one.people.size() - 1));
+  };
+  const double own = weightOf(gathering);
+  const double theirs = weightOf(other);
+  gathering.evidence = (gathering.evidence * own + other.evidence * theirs) / (own + theirs);
+  const auto middle = static_cast<std::ptrdiff_t>(gathering.people.size());
+  gathering.people.insert(gathering.people.end(), other.people.begin(), other.people.end());
+  std::inplace_merge(gathering.people.begin(), gathering.people.begin() + middle,
+                     gathering.people.end());
+  for (const auto& [group, members] : other.before) {
+    gathering.before[group] += members;
+  }
 }
 
 void GroupIdentity::inherit(Gatherings& gatherings) {

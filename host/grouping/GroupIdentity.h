@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/grouping/FrameGroups.h"
+#include "host/grouping/GroupMeetings.h"
 #include "host/grouping/PairEvidence.h"
 
 #include <cstddef>
@@ -24,10 +25,14 @@ struct TickGroup {
 /// known by its members. A pause of up to 15 s, because people are out of view or seem apart, does
 /// not end it. Who belongs to a group tends to stay in it; who left it is not taken back at once; a
 /// new group has to be believed for a moment before it counts, unless it splits off another.
-/// Where two groups become one, the one with more members there goes on and the other has ended:
-/// its id never comes back, also when the people part again.
+/// A split is told once the parts are two metres apart, or at the end of the look-ahead.
+/// Where two groups become one, which `GroupMeetings` tells early, the one with more members there
+/// goes on and the other has ended: its id never comes back, also when the people part again.
 class GroupIdentity {
  public:
+  /// `lookAhead`: seconds of the future that the evidence sees.
+  explicit GroupIdentity(double lookAhead) : m_lookAhead(lookAhead) {}
+
   /// The groups at the next tick, in ascending order of ids.
   std::vector<TickGroup> next(const TickBeliefs& tick);
   /// Whether the group goes on or may still come back.
@@ -52,7 +57,12 @@ class GroupIdentity {
   using Gatherings = std::vector<Gathering>;
   using PersonPair = std::pair<PersonId, PersonId>;
 
+  void watchMeetings(const TickBeliefs& tick);
   Gatherings gather(const TickBeliefs& tick) const;
+  void holdTogether(const TickBeliefs& tick, Gatherings& gatherings);
+  static std::optional<GroupId> commonOrigin(const Gathering& a, const Gathering& b);
+  static double distanceOf(const Gathering& a, const Gathering& b, const TickBeliefs& tick);
+  static void unite(Gathering& gathering, const Gathering& other);
   bool areTogether(PersonId a, PersonId b) const;
   void inherit(Gatherings& gatherings);
   std::optional<GroupId> remembered(const Gathering& gathering) const;
@@ -67,10 +77,13 @@ class GroupIdentity {
   void admit(const std::vector<TickGroup>& groups);
   void forget();
 
+  double m_lookAhead;  ///< seconds
+  GroupMeetings m_meetings;
   double m_time = 0.0;  ///< of the tick, seconds
   GroupId m_lastId = 0;
   std::map<GroupId, Group> m_groups;       ///< that go on or may come back
   std::map<PersonId, GroupId> m_memberOf;  ///< also of those who are out of view for a moment
+  std::map<GroupId, double> m_parting;     ///< since when a group falls apart, seconds
   std::set<GroupId> m_taken;               ///< ids in use at this tick
   std::map<PersonPair, double> m_waiting;  ///< since when two persons could be a new group, seconds
   std::map<PersonPair, double> m_waitingNext;             ///< the same for the next tick

@@ -100,12 +100,14 @@ PairEvidence::Pair* PairEvidence::watchedPair(double time, const Seen& a, const 
 }
 
 PairBelief PairEvidence::judge(double time, const Seen& a, const Seen& b, Pair& pair) const {
-  PairBelief result{a.at.person, b.at.person, std::nullopt, -TogetherChain::largestEvidence, 0.0};
+  PairBelief result{a.at.person, b.at.person, distanceBetween(a.at.place, b.at.place)};
+  result.evidence = -TogetherChain::largestEvidence;
   bool isFresh = false;
   if (pair.lastNear == time) {
     pair.history.update(*a.track, *b.track);
     pair.history.moveTo(time);
     isFresh = pair.history.firstTime() == time;
+    result.latest = pair.history.latest();
     if (pair.history.meanDistance() < tooFar) {
       PairFeatures features = pair.history.features();
       markArrivals(*a.track, *b.track, features);

@@ -19,9 +19,11 @@ namespace grouptracker {
 struct PairBelief {
   PersonId a = 0;  ///< the lower id
   PersonId b = 0;
-  std::optional<PairFeatures> features;  ///< none when they are too far apart to be together
-  double evidence = 0.0;                 ///< log-odds of what was seen around the tick
+  double distance = 0.0;                   ///< at the tick, metres
+  std::optional<PairFeatures> features{};  ///< none when they are too far apart to be together
+  double evidence = 0.0;                   ///< log-odds of what was seen around the tick
   double belief = 0.0;  ///< log-odds of all so far: positive when they belong together
+  std::optional<LatestMoments> latest{};  ///< none when they are far apart
 };
 
 /// Everybody at one tick, and what is believed of those who are or were near each other.

@@ -107,6 +107,22 @@ PairFeatures PairHistory::features() const {
   return features;
 }
 
+LatestMoments PairHistory::latest() const {
+  const Row& first = firstSince(m_rows.back().time - latestSpan);
+  const Sums sums = sumsSince(first);
+  double cameFrom = 0.0;
+  for (auto row = m_rows.begin(); row->time < first.time; ++row) {
+    cameFrom = std::max(cameFrom, length(row->apart));
+  }
+  return {cameFrom, sums[distance] / sums[seconds], sums[velocityDifference] / sums[seconds],
+          m_rows.back().apart - first.apart};
+}
+
+const PairHistory::Row& PairHistory::firstSince(double moment) const {
+  return *std::lower_bound(m_rows.begin(), m_rows.end(), moment - ticks::tolerance,
+                           [](const Row& row, double time) { return row.time < time; });
+}
+
 PairHistory::Sums PairHistory::sumsSince(const Row& row) const {
   Sums sums = m_total;
   for (std::size_t i = 0; i < sums.size(); ++i) {
@@ -134,13 +150,11 @@ void PairHistory::describeWindow(PairFeatures& features) const {
 }
 
 void PairHistory::describeRecent(PairFeatures& features) const {
-  const auto first =
-      std::lower_bound(m_rows.begin(), m_rows.end(), m_time - recentPast - ticks::tolerance,
-                       [](const Row& row, double moment) { return row.time < moment; });
-  const Sums sums = sumsSince(*first);
+  const Row& first = firstSince(m_time - recentPast);
+  const Sums sums = sumsSince(first);
   features.recentDistance = sums[distance] / sums[seconds];
   features.recentVelocityDifference = sums[velocityDifference] / sums[seconds];
-  features.recentShift = distanceBetween(first->apart, m_rows.back().apart);
+  features.recentShift = distanceBetween(first.apart, m_rows.back().apart);
 }
 
 void PairHistory::describeHistory(PairFeatures& features) const {

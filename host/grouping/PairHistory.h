@@ -38,12 +38,22 @@ class Window {
   std::size_t m_first = 0;  ///< those before it are forgotten
 };
 
+/// What two persons did in the latest three seconds that are known: the end of the look-ahead, and
+/// what is missing of it from before the moment.
+struct LatestMoments {
+  double cameFrom = 0.0;            ///< largest distance in the seconds before, metres
+  double distance = 0.0;            ///< mean, metres
+  double velocityDifference = 0.0;  ///< mean of |va - vb|, m/s
+  cv::Point2d shift;  ///< how far one moved as the other sees it, first to last, metres
+};
+
 /// What two persons did at the ticks at which both were in view. Means over a stretch of time come
 /// from running sums, so that a tick costs the same however long the window is.
 class PairHistory {
  public:
   static constexpr double windowPast = 6.0;  ///< seconds
   static constexpr double recentPast = 1.0;  ///< seconds
+  static constexpr double latestSpan = 3.0;  ///< seconds
 
   /// Adds the ticks that both tracks have got since the last time.
   void update(const PersonTrack& a, const PersonTrack& b);
@@ -54,6 +64,7 @@ class PairHistory {
   double meanDistance() const;
   /// The features of the moment. The marks of arrival are left to the caller.
   PairFeatures features() const;
+  LatestMoments latest() const;
   /// When both were first in view together, seconds.
   double firstTime() const { return m_firstTime; }
 
@@ -91,6 +102,7 @@ class PairHistory {
 
   static Sums valuesOf(const TrackPoint& a, const TrackPoint& b);
   void add(const TrackPoint& a, const TrackPoint& b);
+  const Row& firstSince(double moment) const;
   Sums sumsSince(const Row& row) const;
   void describeWindow(PairFeatures& features) const;
   void describeRecent(PairFeatures& features) const;

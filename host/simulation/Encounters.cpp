@@ -6,6 +6,7 @@
 #include <cmath>
 #include <limits>
 #include <map>
+#include <utility>
 
 namespace grouptracker {
 
@@ -19,6 +20,7 @@ constexpr double earSight = 12.0;        // m from which people head for others
 constexpr double meetingDistance = 1.3;  // m between the nearest; then they are together
 constexpr double partingDistance = 2.4;  // m between the nearest; then they are apart
 constexpr double restTime = 12.0;        // s between two changes of the same people
+constexpr double acquaintance = 4.0;     // s after which an onlooker knows who belongs together
 constexpr double secondsToTurn = 2.0;    // s that a difference of velocities counts as distance
 
 double length(const cv::Point2d& v) {
@@ -74,7 +76,10 @@ bool mayPart(Kind kind, const Company& company) {
 
 Encounters::Encounters(const SimulationOptions& options, const SimulatedView& view,
                        RandomNumbers& random)
-    : m_view(view), m_random(random), m_rest(options.seconds ? restTime : 0.0) {
+    : m_view(view),
+      m_random(random),
+      m_rest(options.seconds ? restTime : 0.0),
+      m_acquaintance(options.seconds ? acquaintance : 0.0) {
   const double duration = options.duration();
   const auto plan = [&](Kind kind, int count) {
     for (int i = 0; i < count; ++i) {
@@ -90,6 +95,7 @@ Encounters::Encounters(const SimulationOptions& options, const SimulatedView& vi
 }
 
 std::vector<GroupEvent> Encounters::update(Crowd& crowd) {
+  noteWhoIsSeen(crowd);
   std::erase_if(m_planned, [&](const Planned& planned) {
     return planned.time <= crowd.time() && begin(planned.kind, crowd);
   });
@@ -253,6 +259,17 @@ cv::Point2d Encounters::drawTurn(const Walker& walker) {
   return goal;
 }
 
+void Encounters::noteWhoIsSeen(const Crowd& crowd) {
+  std::map<std::uint32_t, double> seen;
+  for (const Walker& walker : crowd.walkers()) {
+    if (m_view.sees(walker.position)) {
+      const auto before = m_seenSince.find(walker.id);
+      seen[walker.id] = before == m_seenSince.end() ? crowd.time() : before->second;
+    }
+  }
+  m_seenSince = std::move(seen);
+}
+
 bool Encounters::isChanging(int group) const {
   return group != GroupEvent::none &&
          std::any_of(m_changes.begin(), m_changes.end(), [group](const Change& c) {
@@ -271,7 +288,10 @@ bool Encounters::isFit(const Company& company, double time) const {
   const bool isBusy = std::any_of(company.begin(), company.end(), [&](const Walker* walker) {
     const bool isComing = walker->post && !walker->stands();
     const bool isTired = time - walker->lastChange < m_rest;
-    return walker->isCatchingUp || walker->waits || isComing || isTired;
+    const auto seen = m_seenSince.find(walker->id);
+    const bool isNew =
+        m_acquaintance > 0.0 && (seen == m_seenSince.end() || time - seen->second < m_acquaintance);
+    return walker->isCatchingUp || walker->waits || isComing || isTired || isNew;
   });
   return !isBusy && !isChanging(company.front()->group) && staysInView(company);
 }

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <map>
 #include <utility>
 #include <vector>
 
@@ -59,6 +60,7 @@ class Encounters {
   void sendOff(const std::vector<Walker*>& movers, Crowd& crowd);
   /// Where somebody goes who turns away from the others without turning back.
   cv::Point2d drawTurn(const Walker& walker);
+  void noteWhoIsSeen(const Crowd& crowd);
   bool isChanging(int group) const;
   bool staysInView(const std::vector<Walker*>& walkers) const;
   bool isFit(const std::vector<Walker*>& company, double time) const;
@@ -66,9 +68,11 @@ class Encounters {
 
   const SimulatedView& m_view;
   RandomNumbers& m_random;
-  double m_rest;                  ///< seconds for which those who changed groups stay together
-  std::deque<Planned> m_planned;  ///< in the order of time
-  std::vector<Change> m_changes;  ///< begun, not yet to be seen
+  double m_rest;          ///< seconds for which those who changed groups stay together
+  double m_acquaintance;  ///< seconds for which people must have been seen before a change
+  std::map<std::uint32_t, double> m_seenSince;  ///< seconds; of everybody in view
+  std::deque<Planned> m_planned;                ///< in the order of time
+  std::vector<Change> m_changes;                ///< begun, not yet to be seen
 };
 
 }  // namespace grouptracker

@@ -11,6 +11,7 @@ namespace grouptracker {
 namespace {
 
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::IsEmpty;
 using testing::MatchesRegex;
 using testing::StartsWith;
@@ -58,11 +59,32 @@ TEST(GroupFinder, StrangersWhoCrossAreNeverAGroup) {
 
 TEST(GroupFinder, TwoPairsThatMeetForGoodMergeOnce) {
   const auto changes = changesIn(groupsOf(pairsThatMeet().at(2.5)));
-  EXPECT_THAT(changes.back(), MatchesRegex("[12].\\.. s: 1=\\{1,2,3,4\\}<1<2"));
+  EXPECT_THAT(changes.back(), MatchesRegex("1[456]\\.. s: 1=\\{1,2,3,4\\}<1<2"));
   EXPECT_EQ(std::count_if(
                 changes.begin(), changes.end(),
                 [](const std::string& change) { return change.find('<') != std::string::npos; }),
             1);
+}
+
+TEST(GroupFinder, PairsThatOnlyPassOrStandSideBySideStayTwo) {
+  PathScene passing;
+  passing.person(1, {{0, -12, 0}, {24, 12, 0}}).person(2, {{0, -12, 0.7}, {24, 12, 0.7}});
+  passing.person(3, {{0, 12, 1.6}, {24, -12, 1.6}}).person(4, {{0, 12, 2.3}, {24, -12, 2.3}});
+  EXPECT_THAT(changesIn(groupsOf(passing.at(5))).back(), EndsWith("1={1,2} 2={3,4}"));
+  PathScene overtaking;
+  overtaking.person(1, {{0, -12, 0}, {24, 8, 0}}).person(2, {{0, -12, 0.7}, {24, 8, 0.7}});
+  overtaking.person(3, {{0, -18, 1.6}, {24, 16, 1.6}}).person(4, {{0, -18, 2.3}, {24, 16, 2.3}});
+  EXPECT_THAT(changesIn(groupsOf(overtaking.at(5))).back(), EndsWith("1={1,2} 2={3,4}"));
+}
+
+TEST(GroupFinder, SplitIsToldWhenItShowsAndNotWhenTheLookAheadKnows) {
+  PathScene scene;
+  scene.person(1, {{0, -15, 0}, {15, 0, 0}, {25, 10, -7}});
+  scene.person(2, {{0, -15, 0.7}, {15, 0, 0.7}, {25, 10, -6.3}});
+  scene.person(3, {{0, -15, 1.4}, {15, 0, 1.4}, {25, 10, 8.4}});
+  scene.person(4, {{0, -15, 2.1}, {15, 0, 2.1}, {25, 10, 9.1}});
+  const auto changes = changesIn(groupsOf(scene.at(5)));
+  EXPECT_THAT(changes.back(), MatchesRegex("1[67]\\.. s: 1=\\{(1,2|3,4)\\} 2=\\{(1,2|3,4)\\}<1"));
 }
 
 TEST(GroupFinder, PartAfterAMergeGetsANewId) {

@@ -93,6 +93,29 @@ TEST(CrowdedScene, IsTheSameWorldAtAnyRate) {
   }
 }
 
+TEST(CrowdedScene, OnlyPeopleWhoWereSeenForAWhileMergeAndSplit) {
+  constexpr double rate = 2.5;
+  SimulationOptions options = emptyScene(101, 60.0, rate);
+  options.people = 30;
+  options.merges = options.splits = 3;
+  const SimulatedScene scene(options);
+  std::map<Id, int> firstSeen;
+  for (const json& frame : scene.lines("truth.jsonl")) {
+    for (const Id person : frame["persons"]) {
+      firstSeen.try_emplace(person, frame["frame"]);
+    }
+  }
+  int changes = 0;
+  for (const json& event : scene.lines("events.jsonl")) {
+    const bool isChange = event["event"] == "merged" || event["event"] == "split";
+    for (const Id person : isChange ? event["persons"].get<Persons>() : Persons()) {
+      EXPECT_GE(event["frame"].get<int>() - firstSeen.at(person), 4.0 * rate) << event;
+      ++changes;
+    }
+  }
+  EXPECT_GT(changes, 0);
+}
+
 TEST(CrowdedScene, PeopleInACircleKeepTalkingDistance) {
   constexpr double slow = 0.3;  // m/s
   SimulationOptions options = emptyScene(5, 40.0, 2.5);
