@@ -18,6 +18,10 @@ const char* const thresholdRemark =
     "  the two alone would nearly do, but a new group has to be believed for a moment, and "
     "whoever\n"
     "  joins a group must go with its members on average\n";
+const char* const companyRemark =
+    "  the two alone would not be together: the others of their group hold them, who was together "
+    "tends\n"
+    "  to stay, or two whole groups came near each other from afar and went on as one\n";
 constexpr double nearMiss = -1.5;  // log-odds from which on it is worth telling
 constexpr double neverNear = 6.0;  // metres; farther people are not compared
 
@@ -173,7 +177,7 @@ std::string PairStory::describe(const Phase& phase) const {
            fmt::format("together, group {}\n  {} sure at least ({:.1f} s), {} at most ({:.1f} s)\n",
                        begin->group, percent(certaintyOf(least.logOdds())), least.time,
                        percent(certaintyOf(most.logOdds())), most.time) +
-           explain(middle);
+           explain(middle) + (middle.logOdds() < 0.0 ? companyRemark : "");
   }
   return heading +
          fmt::format("not together\n  {} at {:.1f} s: {} sure that they belong together\n",

@@ -51,6 +51,15 @@ TEST(PairStory, TellsWhyTwoAreNotAndWithWhomTheyAre) {
   EXPECT_THAT(story, Not(HasSubstr("a near miss")));
 }
 
+TEST(PairStory, TellsThatGroupsMetThoughTheTwoAloneWouldNotBeTogether) {
+  PathScene scene;
+  scene.person(1, {{0, 0, 0}, {15, 16, 8}, {19, 20.8, 8}});
+  scene.person(2, {{0, 0, 0.7}, {15, 16, 8.7}, {19, 20.8, 8.7}});
+  scene.person(3, {{0, 0, 18}, {15, 16, 10.1}, {19, 20.8, 10.1}});
+  scene.person(4, {{0, 0, 18.7}, {15, 16, 9.4}, {19, 20.8, 9.4}});
+  EXPECT_THAT(storyOf(scene, 1, 3), HasSubstr("went on as one\n"));
+}
+
 TEST(PairStory, SaysWhenThereIsNothingToCompare) {
   EXPECT_THAT(storyOf(walk(), 1, 4), HasSubstr("never come within 6 m of each other"));
   EXPECT_EQ(storyOf(walk(), 1, 5), "Persons 1 and 5 are never in view together.\n");
