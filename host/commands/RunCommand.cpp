@@ -3,7 +3,6 @@
 #include "host/commands/RunOptions.h"
 #include "host/commands/RunSession.h"
 #include "host/commands/RunStatus.h"
-#include "host/commands/UsualOutput.h"
 #include "host/input/InputFormats.h"
 #include "host/pictures/PictureExchange.h"
 #include "host/pictures/window/RunBesideWindow.h"

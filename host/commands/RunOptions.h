@@ -45,4 +45,10 @@ struct RunOptions : InputChoice {
 /// The word that turns an output off where a file name could stand.
 inline constexpr const char* noOutput = "none";
 
+/// The groups file of a run whose user named no output: NAME.groups.jsonl in the working folder,
+/// where the input is NAME.csv or a folder NAME. The groups of an earlier run are replaced.
+/// Anything else that bears the name is an `OutputError`, and standard input, which has no name, an
+/// `InputError`.
+std::string usualOutput(const std::string& input);
+
 }  // namespace grouptracker

@@ -1,7 +1,6 @@
-#include "host/commands/UsualOutput.h"
-
 #include "host/base/InputError.h"
 #include "host/base/OutputPlace.h"
+#include "host/commands/RunOptions.h"
 #include "host/output/RunFile.h"
 
 #include <filesystem>

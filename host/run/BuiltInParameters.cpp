@@ -1,6 +1,5 @@
-#include "host/run/BuiltInParameters.h"
-
 #include "host/run/ParameterFile.h"
+#include "host/run/RunParameters.h"
 
 #include <QFile>
 

@@ -1,7 +1,6 @@
 #include "host/run/RunParameters.h"
 
 #include "host/base/OutputPlace.h"
-#include "host/run/BuiltInParameters.h"
 
 #include <QCryptographicHash>
 #include <QDir>

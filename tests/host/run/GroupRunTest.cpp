@@ -1,6 +1,6 @@
-#include "host/run/BuiltInParameters.h"
 #include "host/run/GroupRun.h"
 #include "host/run/ParameterFile.h"
+#include "host/run/RunParameters.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
