@@ -13,7 +13,7 @@ namespace grouptracker {
 
 namespace {
 
-constexpr std::size_t chunkSize = 16 * 1024;  // bytes
+constexpr std::size_t parsedAtOnce = 16 * 1024;  // bytes
 
 }  // namespace
 
@@ -63,7 +63,7 @@ double XmlElements::number(const char* attribute) const {
 }
 
 bool XmlElements::feed() {
-  std::array<char, chunkSize> chunk;
+  std::array<char, parsedAtOnce> chunk;
   try {
     m_in.read(chunk.data(), chunk.size());
   } catch (const std::system_error& failure) {

@@ -17,7 +17,7 @@ namespace grouptracker {
 namespace {
 
 constexpr int size = 3;
-constexpr std::size_t longestLine = 64 * 1024;  // bytes
+constexpr std::size_t longestRow = 64 * 1024;  // bytes
 
 void readRow(LineReader& lines, double* row) {
   if (!lines.nextFilled()) {
@@ -95,7 +95,7 @@ cv::Point2d mapPoint(const cv::Matx33d& homography, const cv::Point2d& point) {
 }
 
 cv::Matx33d readHomography(std::istream& in, const std::string& name, ImageOrder order) {
-  LineReader lines(in, name, longestLine);
+  LineReader lines(in, name, longestRow);
   cv::Matx33d homography;
   for (int row = 0; row < size; ++row) {
     readRow(lines, &homography(row, 0));
@@ -122,7 +122,7 @@ cv::Matx33d readHomography(const std::string& path, ImageOrder order) {
 
 bool isHomographyFile(const std::string& path) {
   InputFile file(path);
-  LineReader lines(file.stream(), path, longestLine);
+  LineReader lines(file.stream(), path, longestRow);
   std::vector<double> numbers;
   try {
     if (lines.nextFilled()) {

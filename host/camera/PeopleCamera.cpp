@@ -36,12 +36,6 @@ struct LinearHeights {
   double at(const cv::Point2d& foot) const { return gradient.dot(foot) + offset; }
 };
 
-double median(std::vector<double> values) {
-  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-  std::nth_element(values.begin(), middle, values.end());
-  return *middle;
-}
-
 bool isWhole(const cv::Rect2d& box, const cv::Size& image) {
   const double shape = box.width / std::max(box.height, 1.0);
   return box.height >= lowestBox && shape >= narrowestBox && shape <= widestBox &&

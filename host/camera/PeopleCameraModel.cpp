@@ -36,12 +36,6 @@ void appendHeights(const WalkingPeople& people, const UprightCamera& camera,
   }
 }
 
-double median(std::vector<double> values) {
-  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-  std::nth_element(values.begin(), middle, values.end());
-  return *middle;
-}
-
 // Compared with the walker's own median, so that slow and fast walkers say the same and a change
 // of scale says nothing.
 void appendSpeeds(const WalkingPeople& people, const UprightCamera& camera,
@@ -116,6 +110,12 @@ UprightCamera moved(UprightCamera camera, const Gradient& step) {
 }
 
 }  // namespace
+
+double median(std::vector<double> values) {
+  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+  std::nth_element(values.begin(), middle, values.end());
+  return *middle;
+}
 
 double& UprightCamera::operator[](int index) {
   constexpr double UprightCamera::*members[count] = {&UprightCamera::logFocal, &UprightCamera::tilt,

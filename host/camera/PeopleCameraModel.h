@@ -38,6 +38,8 @@ struct WalkingPeople {
   double usualFocal = 0.0;  ///< pixels, where nothing else says anything
 };
 
+/// The value in the middle of at least one, the upper of the two of an even number.
+double median(std::vector<double> values);
 /// The rotation from the scene to the camera; rows are right, down and forward.
 cv::Matx33d rotationOf(const UprightCamera& camera);
 /// The height in pixels at which a body stands on the foot; 0 when the camera cannot see it so.

@@ -13,7 +13,7 @@ namespace {
 // Strong distortion converges slowly; the usual handful of iterations leaves pixels of error.
 const cv::TermCriteria untilExact(cv::TermCriteria::COUNT | cv::TermCriteria::EPS, 200, 1e-12);
 
-cv::Matx33d rotationMatrix(const cv::Vec3d& rotationVector) {
+cv::Matx33d rotationOfVector(const cv::Vec3d& rotationVector) {
   cv::Matx33d rotation;
   cv::Rodrigues(rotationVector, rotation);
   return rotation;
@@ -28,7 +28,7 @@ PinholeCalibration::PinholeCalibration(const cv::Matx33d& cameraMatrix,
     : m_cameraMatrix(cameraMatrix),
       m_distortion(std::move(distortion)),
       m_rotationVector(rotationVector),
-      m_rotation(rotationMatrix(rotationVector)),
+      m_rotation(rotationOfVector(rotationVector)),
       m_translation(translation),
       m_position(-(m_rotation.t() * translation)) {}
 

@@ -20,7 +20,7 @@ cv::Matx33d turn(double angle, int from, int to) {
   return matrix;
 }
 
-cv::Matx33d rotationMatrix(const cv::Vec3d& angles) {
+cv::Matx33d rotationOfAngles(const cv::Vec3d& angles) {
   constexpr int x = 0;
   constexpr int y = 1;
   constexpr int z = 2;
@@ -80,7 +80,7 @@ unsigned takeElement(const XmlElements& xml, TsaiCamera& camera) {
 
 TsaiCalibration::TsaiCalibration(const TsaiCamera& camera)
     : m_camera(camera),
-      m_rotation(rotationMatrix(camera.rotation)),
+      m_rotation(rotationOfAngles(camera.rotation)),
       m_position(-(m_rotation.t() * camera.translation) * (1.0 / millimetres)) {}
 
 cv::Point3d TsaiCalibration::imageToWorld(const cv::Point2d& imagePoint, double height) const {

@@ -31,7 +31,7 @@ class CalibrateCommand : public Command {
   double m_bodyHeight = usualBodyHeight;  ///< metres
 };
 
-const char* const example = R"(Example:
+const char* const calibrateExample = R"(Example:
   grouptracker calibrate tracks.txt --image-size 1920x1080 --output camera.yml)";
 
 constexpr double degrees = 180.0 / CV_PI;
@@ -65,7 +65,7 @@ void printCamera(const PeopleCamera& camera, double bodyHeight) {
 Options CalibrateCommand::declare(CommandLine& program) {
   Options command = program.addCommand(
       "calibrate", "Estimates the camera from the boxes of people who walk on a flat ground",
-      example);
+      calibrateExample);
   declareInput(command, m_choice);
   command.add("--body-height", m_bodyHeight, "mean height of the people in metres")
       .within(0.5, 2.5)

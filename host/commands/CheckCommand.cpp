@@ -48,7 +48,7 @@ class CheckCommand : public Command {
   InputDemands m_demands;  ///< of the parameters, as soon as they are read
 };
 
-const char* const example = R"(Example:
+const char* const checkExample = R"(Example:
   grouptracker check tracks.txt --parameters samples/parameters/walking.txt --calibration camera.yml
 
 Exit status: 0 when all is well, 1 with warnings only, 2 with problems.)";
@@ -110,8 +110,8 @@ InputWatch checkFrames(const OpenedInput& input, CheckReport& report, GroupedFra
 }  // namespace
 
 Options CheckCommand::declare(CommandLine& program) {
-  Options command =
-      program.addCommand("check", "Looks through an input and its files without running", example);
+  Options command = program.addCommand(
+      "check", "Looks through an input and its files without running", checkExample);
   declareInput(command, m_choice);
   command.add("--parameters", m_parameterFile, "the tracker's 47 parameters").reads("FILE");
   command

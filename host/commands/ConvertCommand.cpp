@@ -33,7 +33,7 @@ class ConvertCommand : public Command {
 
 namespace fs = std::filesystem;
 
-const char* const example = R"(Example:
+const char* const convertExample = R"(Example:
   grouptracker convert tracks.txt --calibration camera.yml --output scene.jsonl)";
 
 /// The camera as the scene's first line holds it; empty without one.
@@ -73,7 +73,7 @@ class SceneImages {
 
 Options ConvertCommand::declare(CommandLine& program) {
   Options command = program.addCommand(
-      "convert", "Writes an input as a scene file with all that a run needs", example);
+      "convert", "Writes an input as a scene file with all that a run needs", convertExample);
   declareInput(command, m_choice);
   command.add("--output", m_outputFile, "the scene file *.jsonl").required().writes("FILE");
   return command;

@@ -39,7 +39,7 @@ class EvaluateCommand : public Command {
   EvaluationOptions m_options;
 };
 
-const char* const example = R"(Example:
+const char* const evaluateExample = R"(Example:
   grouptracker evaluate groups.jsonl --truth seq_eth/groups.txt --baselines)";
 
 void declareScores(Options& command, EvaluationOptions& options) {
@@ -63,8 +63,8 @@ void declareScores(Options& command, EvaluationOptions& options) {
 }  // namespace
 
 Options EvaluateCommand::declare(CommandLine& program) {
-  Options command =
-      program.addCommand("evaluate", "Scores the groups of a run against annotated ones", example);
+  Options command = program.addCommand(
+      "evaluate", "Scores the groups of a run against annotated ones", evaluateExample);
   command.add("GROUPS", m_groupsFile, "what a run wrote with --output, or with --actors")
       .required()
       .reads("FILE");

@@ -39,7 +39,7 @@ class EventsCommand : public Command {
   StepOptions m_steps;
 };
 
-const char* const example = R"(Example:
+const char* const eventsExample = R"(Example:
   grouptracker events groups.jsonl --graph lineage.dot)";
 
 /// Writes event lines to standard output.
@@ -82,7 +82,7 @@ std::unique_ptr<StepSink> openEvents(const std::string& file) {
 
 Options EventsCommand::declare(CommandLine& program) {
   Options command =
-      program.addCommand("events", "Tells what happened to the groups of a run", example);
+      program.addCommand("events", "Tells what happened to the groups of a run", eventsExample);
   command
       .add("GROUPS", m_groupsFile,
            "what a run wrote with --output, or with --actors; - for standard input")

@@ -44,7 +44,7 @@ class ExplainCommand : public Command {
   std::optional<std::size_t> m_uncertain;
 };
 
-const char* const example = R"(Example:
+const char* const explainExample = R"(Example:
   grouptracker run scene.jsonl --parameters p.txt --actors actors.jsonl \
     --diagnostics lines.txt --mobile-dump mobiles.txt
   grouptracker explain lines.txt --group 4 --mobile-dump mobiles.txt
@@ -62,7 +62,7 @@ std::string membersLine(const DecisionLog& log, int group, std::int32_t frame) {
 
 Options ExplainCommand::declare(CommandLine& program) {
   Options command =
-      program.addCommand("explain", "Tells why people are in a group, or not", example);
+      program.addCommand("explain", "Tells why people are in a group, or not", explainExample);
   command
       .add("DIAGNOSTICS", m_diagnosticsFile,
            "the diagnostics of a run: why the process made its groups; with --persons the INPUT of "

@@ -40,7 +40,7 @@ class LearnCommand : public Command {
   InputChoice m_reading;  ///< of all inputs
 };
 
-const char* const example = R"(Example:
+const char* const learnExample = R"(Example:
   grouptracker learn seq_eth:seq_eth/groups.txt:15 zara01:zara01/groups.txt:25 \
     --output model.json --calibration-picture calibration.svg)";
 
@@ -110,7 +110,7 @@ LearnedSequence readSequence(const Annotated& annotated, const InputOptions& opt
 Options LearnCommand::declare(CommandLine& program) {
   Options command = program.addCommand(
       "learn", "Learns from annotated inputs what speaks for two people's belonging together",
-      example);
+      learnExample);
   command
       .add("INPUT:TRUTH[:RATE]", m_sequences,
            "annotated inputs, each with the file of its groups and, where it tells no times, its "

@@ -87,7 +87,7 @@ std::uint32_t TruthTeller::idOf(const PersonGroup& group) {
   return m_ids.emplace(group, static_cast<std::uint32_t>(m_ids.size())).first->second;
 }
 
-const char* const example = R"(Example:
+const char* const reportExample = R"(Example:
   grouptracker report scene.jsonl groups.jsonl --output report.html)";
 
 /// Reads the run's steps into the report and, if there is one, into what explains them.
@@ -164,7 +164,8 @@ std::string nameOf(const std::string& path) {
 }  // namespace
 
 Options ReportCommand::declare(CommandLine& program) {
-  Options command = program.addCommand("report", "Makes one HTML file that shows a run", example);
+  Options command =
+      program.addCommand("report", "Makes one HTML file that shows a run", reportExample);
   declareInput(command, m_choice);
   command.add("GROUPS", m_groupsFile, "what the run wrote with --output, or with --actors")
       .required()

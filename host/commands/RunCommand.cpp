@@ -34,7 +34,7 @@ class RunCommand : public Command {
   bool m_readerLeft = false;
 };
 
-const char* const example = R"(Examples:
+const char* const runExample = R"(Examples:
   grouptracker run tracks.csv
   grouptracker run scene.jsonl --rate 25 --output groups.jsonl --events events.jsonl
   grouptracker run --print-parameters --rate 10 --set coherenceThreshold=5 > parameters.txt)";
@@ -156,7 +156,7 @@ void printSummary(const RunSummary& summary, const std::string& groupsFile) {
 
 Options RunCommand::declare(CommandLine& program) {
   Options command =
-      program.addCommand("run", "Tracks the groups of an input and writes them", example);
+      program.addCommand("run", "Tracks the groups of an input and writes them", runExample);
   declareFiles(command, m_options);
   declareEvidence(command, m_options);
   declareTexts(command, m_options);

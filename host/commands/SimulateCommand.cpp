@@ -28,7 +28,7 @@ class SimulateCommand : public Command {
   bool m_isQuiet = false;
 };
 
-const char* const example = R"(Example:
+const char* const simulateExample = R"(Example:
   grouptracker simulate --seed 7 --people 40 --groups 2,2,3,4,6 --frames 600 --images \
     --output scene
   grouptracker simulate --seconds 120 --rate 5 --people 20 --streams 60 --circles 2,3,5 --waiting 6 \
@@ -149,7 +149,7 @@ void check(const SimulationOptions& options, const std::optional<int>& frames) {
 
 Options SimulateCommand::declare(CommandLine& program) {
   Options command =
-      program.addCommand("simulate", "Makes a scene of people with known groups", example);
+      program.addCommand("simulate", "Makes a scene of people with known groups", simulateExample);
   declareScene(command, m_options, m_frames);
   declareCrowd(command, m_options);
   declareEvents(command, m_options);

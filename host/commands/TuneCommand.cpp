@@ -18,7 +18,7 @@ class TuneCommand : public Command {
   TuneOptions m_options;
 };
 
-const char* const example = R"(Example:
+const char* const tuneExample = R"(Example:
   grouptracker tune seq_eth:seq_eth/groups.txt zara01:zara01/groups.txt \
     --base samples/parameters/walking.txt --output best.txt --trials 300 --log trials.csv)";
 
@@ -74,7 +74,7 @@ Options TuneCommand::declare(CommandLine& program) {
                                        "Searches for the parameters of the process with which what "
                                        "it puts out (run --actors) scores "
                                        "best on annotated inputs",
-                                       example);
+                                       tuneExample);
   declareFiles(command, m_options);
   declareSearch(command, m_options);
   declareReading(command, m_options.reading);

@@ -72,7 +72,7 @@ std::optional<GroupId> correspondingTo(const PersonGroup& truth,
 }
 
 /// The place of each id in a matrix, in order of their first use.
-class Places {
+class Numbering {
  public:
   std::size_t of(std::size_t id) { return m_places.try_emplace(id, m_places.size()).first->second; }
   std::size_t count() const { return m_places.size(); }
@@ -127,8 +127,8 @@ TimeScores scoreTime(const GroupedFrames& frames, const GroupTruth& truth) {
 Counts identityMatches(const GroupedFrames& frames, const GroupTruth& truth) {
   Counts counts;
   TrueIdentities identities;
-  Places trueGroups;
-  Places foundGroups;
+  Numbering trueGroups;
+  Numbering foundGroups;
   std::map<std::pair<std::size_t, std::size_t>, std::int64_t> common;
   for (const FrameGroups& frame : frames) {
     for (const FoundGroup& group : frame.groups) {

@@ -9,13 +9,13 @@ namespace grouptracker {
 
 namespace {
 
-constexpr double giant = 3.0 * 1.7;          // m
-constexpr double fastest = 12.0;             // m/s
-constexpr double usualStep = 0.4;            // s from frame to frame, where nobody tells it
-constexpr std::uint64_t fewestToJudge = 20;  // people who are looked at
+constexpr double giant = 3.0 * 1.7;         // m
+constexpr double fastest = 12.0;            // m/s
+constexpr double usualStep = 0.4;           // s from frame to frame, where nobody tells it
+constexpr std::uint64_t fewestPeople = 20;  // people who are looked at
 
 bool areMost(std::uint64_t some, std::uint64_t all) {
-  return all >= fewestToJudge && 2 * some > all;
+  return all >= fewestPeople && 2 * some > all;
 }
 
 }  // namespace

@@ -25,16 +25,18 @@ namespace fs = std::filesystem;
 
 const char* const observationName = "obsmat.txt";
 
-enum Column { frameColumn = 0, personColumn = 1, xColumn = 2, yColumn = 4, columnCount = 8 };
+struct ObsmatColumn {
+  enum : std::uint8_t { frame = 0, person = 1, x = 2, y = 4, count = 8 };
+};
 
 void addRow(const std::vector<double>& row, std::uint64_t line, ObservationTable& table) {
-  if (row.size() != columnCount) {
-    throw ValueProblem(std::to_string(columnCount) + " numbers are expected, not " +
+  if (row.size() != ObsmatColumn::count) {
+    throw ValueProblem(std::to_string(ObsmatColumn::count) + " numbers are expected, not " +
                        std::to_string(row.size()));
   }
-  const std::int64_t frame = wholeNumber(row[frameColumn], largestFrame, "frame");
-  const std::int64_t person = wholeNumber(row[personColumn], largestPerson, "person");
-  const cv::Point2d position(row[xColumn], row[yColumn]);
+  const std::int64_t frame = wholeNumber(row[ObsmatColumn::frame], largestFrame, "frame");
+  const std::int64_t person = wholeNumber(row[ObsmatColumn::person], largestPerson, "person");
+  const cv::Point2d position(row[ObsmatColumn::x], row[ObsmatColumn::y]);
   if (std::abs(position.x) > farthestPosition || std::abs(position.y) > farthestPosition) {
     throw ValueProblem("the position lies too far away to be metres");
   }
@@ -103,7 +105,7 @@ bool isObsmatLine(const std::string& line) {
   } catch (const ValueProblem&) {
     return false;
   }
-  return row.size() == columnCount;
+  return row.size() == ObsmatColumn::count;
 }
 
 OpenedInput openTrajectory(const std::string& path, const InputOptions& options) {

@@ -18,14 +18,10 @@ constexpr double scatter = 0.1;        // m, of the places at which they come
 constexpr double swayReach = 0.05;     // m, deviation of how far people sway who stand
 constexpr double swayTime = 3.0;       // s after which they sway another way
 
-double length(const cv::Point2d& v) {
-  return std::sqrt(v.dot(v));
-}
-
 void move(Walker& walker, const cv::Point2d& force, double seconds) {
   walker.velocity += force * seconds;
   const double fastest = fastestShare * walker.desiredSpeed;
-  const double speed = length(walker.velocity);
+  const double speed = cv::norm(walker.velocity);
   if (speed > fastest) {
     walker.velocity *= fastest / speed;
   }
@@ -58,7 +54,7 @@ void Crowd::step(double seconds) {
     move(m_walkers[i], forces[i], seconds);
   }
   std::erase_if(m_walkers, [](const Walker& walker) {
-    return !walker.post && length(walker.goal - walker.position) < goalRadius;
+    return !walker.post && cv::norm(walker.goal - walker.position) < goalRadius;
   });
 }
 
@@ -80,7 +76,7 @@ void Crowd::letStand(double seconds) {
 
 void Crowd::letIn(const Arrival& arrival) {
   const cv::Point2d way = arrival.to - arrival.from;
-  const cv::Point2d direction = way * (1.0 / length(way));
+  const cv::Point2d direction = way * (1.0 / cv::norm(way));
   const cv::Point2d aside(-direction.y, direction.x);
   const std::size_t firstWalker = m_walkers.size();
   const int company = newCompany();

@@ -22,10 +22,6 @@ constexpr double standDepth = 15.0;
 constexpr double thereShare = 0.5;  // of those who stand: they have come before
 constexpr double roomAround = 2.6;  // m between the places of circles, and of those who wait
 
-double length(const cv::Point2d& v) {
-  return std::sqrt(v.dot(v));
-}
-
 /// Places where people stand, in the middle of the view and apart from each other where there is
 /// room.
 class Places {
@@ -62,7 +58,7 @@ class Places {
   double roomAt(const cv::Point2d& place) const {
     double room = std::numeric_limits<double>::max();
     for (const cv::Point2d& taken : m_taken) {
-      room = std::min(room, length(taken - place));
+      room = std::min(room, cv::norm(taken - place));
     }
     return room;
   }

@@ -12,7 +12,7 @@ namespace grouptracker {
 
 namespace {
 
-using Company = std::vector<Walker*>;
+using Party = std::vector<Walker*>;
 using Kind = GroupEvent::Kind;
 
 constexpr double foresight = 6.0;        // s for which people must stay in view to be fit
@@ -23,36 +23,32 @@ constexpr double restTime = 12.0;        // s between two changes of the same pe
 constexpr double acquaintance = 4.0;     // s after which an onlooker knows who belongs together
 constexpr double secondsToTurn = 2.0;    // s that a difference of velocities counts as distance
 
-double length(const cv::Point2d& v) {
-  return std::sqrt(v.dot(v));
-}
-
 bool joinsOthers(Kind kind) {
   return kind == Kind::joined || kind == Kind::merged;
 }
 
-double nearestDistance(const Company& some, const Company& others) {
+double nearestDistance(const Party& some, const Party& others) {
   double nearest = std::numeric_limits<double>::max();
   for (const Walker* const a : some) {
     for (const Walker* const b : others) {
-      nearest = std::min(nearest, length(a->position - b->position));
+      nearest = std::min(nearest, cv::norm(a->position - b->position));
     }
   }
   return nearest;
 }
 
 /// How far some are from walking with others.
-double effort(const Company& some, const Company& others) {
+double effort(const Party& some, const Party& others) {
   return nearestDistance(some, others) +
-         length(some.front()->velocity - others.front()->velocity) * secondsToTurn;
+         cv::norm(some.front()->velocity - others.front()->velocity) * secondsToTurn;
 }
 
-bool isStanding(const Company& company) {
+bool isStanding(const Party& company) {
   return company.front()->post.has_value();
 }
 
 /// Whether some are of the size to be the ones who move, and would rather than the others.
-bool mayApproach(Kind kind, const Company& some, const Company& others) {
+bool mayApproach(Kind kind, const Party& some, const Party& others) {
   const bool hasSize = kind == Kind::joined ? some.size() == 1 : some.size() > 1;
   const bool wouldMove = isStanding(others) || !isStanding(some);
   return hasSize && wouldMove && others.size() >= 2 && some.size() <= others.size();
@@ -68,7 +64,7 @@ void follow(Walker& walker, const Walker& guide) {
   walker.post.reset();
 }
 
-bool mayPart(Kind kind, const Company& company) {
+bool mayPart(Kind kind, const Party& company) {
   return company.size() >= (kind == Kind::left ? 3U : 4U);
 }
 
@@ -118,8 +114,8 @@ std::vector<GroupEvent> Encounters::update(Crowd& crowd) {
   return events;
 }
 
-std::pair<Company, Company> Encounters::sidesOf(const Change& change, Crowd& crowd) {
-  std::pair<Company, Company> sides;
+std::pair<Party, Party> Encounters::sidesOf(const Change& change, Crowd& crowd) {
+  std::pair<Party, Party> sides;
   const int group = joinsOthers(change.kind) ? change.newGroup : change.oldGroup;
   for (Walker& walker : crowd.walkers()) {
     if (std::find(change.movers.begin(), change.movers.end(), walker.id) != change.movers.end()) {
@@ -131,7 +127,7 @@ std::pair<Company, Company> Encounters::sidesOf(const Change& change, Crowd& cro
   return sides;
 }
 
-GroupEvent Encounters::complete(const Change& change, const Company& movers, double time) const {
+GroupEvent Encounters::complete(const Change& change, const Party& movers, double time) const {
   GroupEvent event;
   event.kind = change.kind;
   event.group = change.newGroup == GroupEvent::none ? change.oldGroup : change.newGroup;
@@ -145,7 +141,7 @@ GroupEvent Encounters::complete(const Change& change, const Company& movers, dou
   return event;
 }
 
-bool Encounters::isSeen(const Company& movers, const Company& others) const {
+bool Encounters::isSeen(const Party& movers, const Party& others) const {
   const auto isInView = [this](const Walker* walker) { return m_view.sees(walker->position); };
   return std::all_of(movers.begin(), movers.end(), isInView) &&
          std::any_of(others.begin(), others.end(), isInView);
@@ -157,11 +153,11 @@ bool Encounters::begin(Kind kind, Crowd& crowd) {
 
 bool Encounters::beginApproach(Kind kind, Crowd& crowd) {
   const auto companies = fitCompanies(crowd);
-  const Company* movers = nullptr;
-  const Company* target = nullptr;
+  const Party* movers = nullptr;
+  const Party* target = nullptr;
   double least = earSight;
-  for (const Company& some : companies) {
-    for (const Company& others : companies) {
+  for (const Party& some : companies) {
+    for (const Party& others : companies) {
       if (&some == &others || !mayApproach(kind, some, others)) {
         continue;
       }
@@ -182,7 +178,7 @@ bool Encounters::beginApproach(Kind kind, Crowd& crowd) {
     change.movers.push_back(walker->id);
   }
   if (isStanding(*target)) {
-    Company all = *target;
+    Party all = *target;
     all.insert(all.end(), movers->begin(), movers->end());
     formCircle(all, middleOf(*target), m_random);
   }
@@ -192,14 +188,13 @@ bool Encounters::beginApproach(Kind kind, Crowd& crowd) {
 
 bool Encounters::beginParting(Kind kind, Crowd& crowd) {
   const auto companies = fitCompanies(crowd);
-  const auto found =
-      std::find_if(companies.begin(), companies.end(),
-                   [kind](const Company& company) { return mayPart(kind, company); });
+  const auto found = std::find_if(companies.begin(), companies.end(),
+                                  [kind](const Party& company) { return mayPart(kind, company); });
   if (found == companies.end()) {
     return false;
   }
   // The outermost on one side, so that nobody has to push through the others.
-  Company members = *found;
+  Party members = *found;
   const bool isCircle = isStanding(members);
   const cv::Point2d heading = isCircle ? cv::Point2d(1.0, 0.0) : members.front()->velocity;
   std::sort(members.begin(), members.end(), [&](const Walker* a, const Walker* b) {
@@ -209,27 +204,27 @@ bool Encounters::beginParting(Kind kind, Crowd& crowd) {
   const bool isGroup = count > 1;
   const Walker& first = *members.front();
   Change change{kind, {}, first.group, isGroup ? crowd.newGroup() : GroupEvent::none};
-  const Company leaving(members.begin(), members.begin() + static_cast<std::ptrdiff_t>(count));
+  const Party leaving(members.begin(), members.begin() + static_cast<std::ptrdiff_t>(count));
   for (const Walker* const walker : leaving) {
     change.movers.push_back(walker->id);
   }
   sendOff(leaving, crowd);
   if (isCircle) {
-    const Company rest(members.begin() + static_cast<std::ptrdiff_t>(count), members.end());
+    const Party rest(members.begin() + static_cast<std::ptrdiff_t>(count), members.end());
     formCircle(rest, middleOf(rest), m_random);
   }
   m_changes.push_back(change);
   return true;
 }
 
-void Encounters::sendOff(const Company& movers, Crowd& crowd) {
+void Encounters::sendOff(const Party& movers, Crowd& crowd) {
   constexpr double elsewhereShare = 0.5;  // of those who stood: they stand elsewhere
   constexpr double elsewhere = 4.5;       // m
   const int company = crowd.newCompany();
   const bool stood = isStanding(movers);
   const cv::Point2d goal = drawTurn(*movers.front());
   const cv::Point2d way = goal - movers.front()->position;
-  const cv::Point2d place = middleOf(movers) + way * (elsewhere / length(way));
+  const cv::Point2d place = middleOf(movers) + way * (elsewhere / cv::norm(way));
   for (Walker* const walker : movers) {
     walker->company = company;
     walker->goal = goal;
@@ -251,7 +246,7 @@ cv::Point2d Encounters::drawTurn(const Walker& walker) {
       break;  // who stands may turn anywhere
     }
     const cv::Point2d way = goal - walker.position;
-    const double cosine = way.dot(walker.velocity) / (length(way) * length(walker.velocity));
+    const double cosine = way.dot(walker.velocity) / (cv::norm(way) * cv::norm(walker.velocity));
     if (cosine > mostTurn && cosine < leastTurn) {
       break;
     }
@@ -277,14 +272,14 @@ bool Encounters::isChanging(int group) const {
          });
 }
 
-bool Encounters::staysInView(const Company& walkers) const {
+bool Encounters::staysInView(const Party& walkers) const {
   return std::all_of(walkers.begin(), walkers.end(), [this](const Walker* walker) {
     return m_view.sees(walker->position) &&
            m_view.sees(walker->position + walker->velocity * foresight);
   });
 }
 
-bool Encounters::isFit(const Company& company, double time) const {
+bool Encounters::isFit(const Party& company, double time) const {
   const bool isBusy = std::any_of(company.begin(), company.end(), [&](const Walker* walker) {
     const bool isComing = walker->post && !walker->stands();
     const bool isTired = time - walker->lastChange < m_rest;
@@ -296,12 +291,12 @@ bool Encounters::isFit(const Company& company, double time) const {
   return !isBusy && !isChanging(company.front()->group) && staysInView(company);
 }
 
-std::vector<Company> Encounters::fitCompanies(Crowd& crowd) const {
-  std::map<int, Company> byNumber;
+std::vector<Party> Encounters::fitCompanies(Crowd& crowd) const {
+  std::map<int, Party> byNumber;
   for (Walker& walker : crowd.walkers()) {
     byNumber[walker.company].push_back(&walker);
   }
-  std::vector<Company> fit;
+  std::vector<Party> fit;
   for (const auto& [number, company] : byNumber) {
     if (isFit(company, crowd.time())) {
       fit.push_back(company);

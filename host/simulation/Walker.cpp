@@ -35,12 +35,8 @@ constexpr double strangenessOfStanding = 0.4;
 constexpr double settlingTime = 0.8;   // s within which a stander makes good for a push
 constexpr double standingReach = 0.5;  // m from the post
 
-double length(const cv::Point2d& v) {
-  return std::sqrt(v.dot(v));
-}
-
 cv::Point2d unit(const cv::Point2d& v) {
-  const double norm = length(v);
+  const double norm = cv::norm(v);
   return norm > 0.0 ? v * (1.0 / norm) : cv::Point2d();
 }
 
@@ -74,7 +70,7 @@ Company companyOf(const Walker& walker, const std::vector<Walker>& all) {
 
 cv::Point2d driveToPost(const Walker& walker) {
   const cv::Point2d aim = *walker.post + walker.sway - walker.position;
-  const double speed = std::min(walker.desiredSpeed, length(aim) / settlingTime);
+  const double speed = std::min(walker.desiredSpeed, cv::norm(aim) / settlingTime);
   return (unit(aim) * speed - walker.velocity) * (1.0 / relaxationTime);
 }
 
@@ -86,7 +82,7 @@ cv::Point2d drive(const Walker& walker, const Company& company) {
   double speed = walker.desiredSpeed;
   if (walker.isCatchingUp && company.others > 0) {
     aim = company.middle + company.velocity - walker.position;
-    speed = std::min(hurrySpeed, length(company.velocity) + length(aim));
+    speed = std::min(hurrySpeed, cv::norm(company.velocity) + cv::norm(aim));
   } else if (company.isWaiting) {
     speed *= waitingShare;
   }
@@ -96,13 +92,13 @@ cv::Point2d drive(const Walker& walker, const Company& company) {
 /// Others repel along ellipses that reach out to where their next steps lead.
 cv::Point2d repulsion(const Walker& walker, const Walker& other) {
   const cv::Point2d apart = walker.position - other.position;
-  const double distance = length(apart);
+  const double distance = cv::norm(apart);
   if (distance > farthestOther || distance == 0.0) {
     return {};
   }
   const cv::Point2d stride = other.velocity * strideTime;
   const cv::Point2d apartThen = apart - stride;
-  const double sum = distance + length(apartThen);
+  const double sum = distance + cv::norm(apartThen);
   const double semiAxis = 0.5 * std::sqrt(std::max(sum * sum - stride.dot(stride), 1e-6));
   const double potential =
       repulsionPotential / repulsionRange * std::exp(-semiAxis / repulsionRange);
@@ -121,19 +117,19 @@ cv::Point2d togetherness(const Walker& walker, const Company& company) {
   const double headTurn = std::max(0.0, std::acos(cosine) - halfGazeAngle);
   const cv::Point2d gaze = walker.velocity * (-gazeStrength * headTurn);
   const double reach = std::max(0.5, company.others / 2.0);  // m, more for larger groups
-  const bool isFar = length(toMiddle) > reach;
+  const bool isFar = cv::norm(toMiddle) > reach;
   return gaze + unit(toMiddle) * (isFar ? attractionStrength : 0.0);
 }
 
 cv::Point2d elbowRoom(const Walker& walker, const Walker& companion) {
   const cv::Point2d apart = walker.position - companion.position;
-  return length(apart) < companionDistance ? unit(apart) * companionStrength : cv::Point2d();
+  return cv::norm(apart) < companionDistance ? unit(apart) * companionStrength : cv::Point2d();
 }
 
 }  // namespace
 
 bool Walker::stands() const {
-  return post && length(*post - position) < standingReach;
+  return post && cv::norm(*post - position) < standingReach;
 }
 
 cv::Point2d socialForce(const Walker& walker, const std::vector<Walker>& all) {

@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr double infinity = std::numeric_limits<double>::infinity();
+constexpr double farthest = std::numeric_limits<double>::infinity();
 
 /// The smallest double whose root is not below `length`: comparing a sum with it is comparing the
 /// root of the sum with `length`, as roots are rounded monotonously. It lies next to the square of
@@ -18,8 +18,8 @@ double exactSquareLimit(double length) {
   while (limit > 0.0 && !(std::sqrt(std::nextafter(limit, 0.0)) < length)) {
     limit = std::nextafter(limit, 0.0);
   }
-  while (limit < infinity && std::sqrt(limit) < length) {
-    limit = std::nextafter(limit, infinity);
+  while (limit < farthest && std::sqrt(limit) < length) {
+    limit = std::nextafter(limit, farthest);
   }
   return limit;
 }

@@ -14,7 +14,7 @@ namespace {
 constexpr int frameFontSize = 12;  // points
 constexpr int identFontSize = 8;   // points
 constexpr int frameOffset = 20;    // pixels from the left and upper edges
-constexpr int labelAbove = 2;      // pixels between a box and its label
+constexpr int identAbove = 2;      // pixels between a box and its label
 constexpr int markRadius = 4;      // pixels
 
 /// Adds a text in the pen's colour. Only a GUI application has fonts.
@@ -82,7 +82,7 @@ void GroupExtension::paintMobiles(QPainter& painter, const std::list<Bbox>& boxe
   for (const Bbox& box : boxes) {
     setPen(painter, Qt::lightGray, style);
     painter.drawRect(box.left, box.top, box.right - box.left, box.bottom - box.top);
-    paintText(painter, {box.left, box.top - labelAbove}, QString::number(box.ident), identFontSize);
+    paintText(painter, {box.left, box.top - identAbove}, QString::number(box.ident), identFontSize);
   }
 }
 

@@ -15,7 +15,7 @@ constexpr std::size_t smallestRound = 12;  // trials; fewer say nothing about a 
 constexpr std::size_t elite = 4;           // one of so many shapes the next round
 constexpr double renewed = 0.8;            // share of the newest round in the distribution
 constexpr double smallestSpread = 0.03;    // of a range
-constexpr double died = -std::numeric_limits<double>::infinity();
+constexpr double worthless = -std::numeric_limits<double>::infinity();
 
 }  // namespace
 
@@ -46,7 +46,7 @@ SearchResult TuningSearch::run(const Evaluate& evaluate) {
   }
   std::vector<Trial> middle{{++m_tried, candidateAt(m_middle), {}}};
   evaluate(middle);
-  if (worth(middle.front()) > died) {
+  if (worth(middle.front()) > worthless) {
     result.middle = middle.front();
   }
   return result;
@@ -54,13 +54,13 @@ SearchResult TuningSearch::run(const Evaluate& evaluate) {
 
 double TuningSearch::worth(const Trial& trial) const {
   if (trial.scores.empty()) {
-    return died;
+    return worthless;
   }
   double sum = 0.0;
   double worst = std::numeric_limits<double>::infinity();
   for (const auto& score : trial.scores) {
     if (!score) {
-      return died;
+      return worthless;
     }
     sum += *score;
     worst = std::min(worst, *score);
@@ -110,7 +110,7 @@ void TuningSearch::narrow(std::vector<std::size_t> ranking, const std::vector<Pl
 std::vector<std::size_t> TuningSearch::ranked(const std::vector<Trial>& trials) const {
   std::vector<std::size_t> ranking(trials.size());
   std::iota(ranking.begin(), ranking.end(), std::size_t{0});
-  std::erase_if(ranking, [&](std::size_t trial) { return worth(trials[trial]) == died; });
+  std::erase_if(ranking, [&](std::size_t trial) { return worth(trials[trial]) == worthless; });
   std::stable_sort(ranking.begin(), ranking.end(), [&](std::size_t a, std::size_t b) {
     return worth(trials[a]) > worth(trials[b]);
   });
