@@ -104,8 +104,7 @@ RunStep TrackerRun::advance(const InputFrame& frame) {
 }
 
 std::optional<OutputError> TrackerRun::outputProblem() const {
-  const QStringList problem =
-      m_process->getSpecificParameters().value("outputProblem").toStringList();
+  const QStringList problem = m_process->property("outputProblem").toStringList();
   return problem.size() == 2
              ? std::optional(OutputError(problem[0].toStdString(), problem[1].toStdString()))
              : std::nullopt;

@@ -84,9 +84,14 @@ QString GroupTrackerProcessGroupTracker::identifier() const {
   return QStringLiteral("GroupTrackerProcessGroupTracker");
 }
 
-// Of another tracker nothing is taken over: nobody copies one in the middle of a video.
+// The base class is meant to copy first, but this is the call it makes: for any other process than
+// this one the copy never comes back. Nobody copies a tracker in the middle of a video.
 void GroupTrackerProcessGroupTracker::copy(const moxAbstractProcess& other) {
-  if (&other == this || identifier() == other.identifier()) {
+  if (&other == this) {
+    return;
+  }
+  copy(other);
+  if (identifier() == other.identifier()) {
     return;
   }
   logError("Copy can't be done at the kelAbstractProcessAcquisitor level.");

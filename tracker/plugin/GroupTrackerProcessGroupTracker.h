@@ -15,9 +15,9 @@ class GroupTrackerProcessGroupTrackerPrivate;
 /// "temporalWinSize:" frames back.
 ///
 /// Two named parameters of an instance are read by `init()`: "diagnostics" (false: nothing is
-/// printed) and "mobileDump" (false: no dump of the mobiles; a text: the dump's file name). A third
-/// one, "outputProblem", is set by `process()` when a file could not be written at this frame: the
-/// file and what is wrong, a list of two texts. The process itself goes on.
+/// printed) and "mobileDump" (false: no dump of the mobiles; a text: the dump's file name). The
+/// object's property "outputProblem" is set by `process()` when a file could not be written at this
+/// frame: the file and what is wrong, a list of two texts. The process itself goes on.
 ///
 /// Null actors, mobiles without an object and null mobiles are passed over with a line on the
 /// framework's log; an actor whose current mobile is one of them is passed over as a whole.
@@ -41,7 +41,8 @@ class GroupTrackerProcessGroupTracker : public kelAbstractProcessGroupTracker {
   static void logError(const char* message);
 
   QString identifier() const override;
-  /// Takes over nothing; another type of process is an error on the log.
+  /// Nothing happens for the process itself. For any other one the call does not come back, since
+  /// it begins with itself: hosts do not copy trackers.
   void copy(const moxAbstractProcess& other) override;
 
   bool init() override;

@@ -14,8 +14,6 @@
 
 namespace {
 
-const char* const outputProblem = "outputProblem";  // of the named parameters
-
 constexpr int eventMemory = 49;      // frames for which a merge or split stays in the output
 constexpr float sceneReach = 10000;  // metres; half the side of the box that every group reports
 
@@ -106,7 +104,7 @@ void GroupTrackerProcessGroupTracker::process() {
   d().track();
   d().reportGroups();
   d().drawOutput();
-  d().tellProblems();
+  setProperty("outputProblem", d().outputProblem());
 }
 
 bool GroupTrackerProcessGroupTrackerPrivate::displays() {
@@ -230,7 +228,7 @@ QSharedPointer<kelDataActor> GroupTrackerProcessGroupTrackerPrivate::actorOf(con
 }
 
 // A dump that nobody asked for by name is nobody's loss where no file can be made.
-void GroupTrackerProcessGroupTrackerPrivate::tellProblems() {
+QVariant GroupTrackerProcessGroupTrackerPrivate::outputProblem() const {
   QStringList problem = extension->saveProblem();
   const MobileDump& dump = tracker.mobileDump();
   const bool isWanted =
@@ -239,11 +237,7 @@ void GroupTrackerProcessGroupTrackerPrivate::tellProblems() {
     problem = QStringList{QString::fromStdString(dump.file()),
                           "cannot be written: " + QString::fromStdString(dump.problem())};
   }
-  if (problem.isEmpty()) {
-    specificParameters.remove(outputProblem);
-  } else {
-    specificParameters.insert(outputProblem, problem);
-  }
+  return problem.isEmpty() ? QVariant() : QVariant(problem);
 }
 
 void GroupTrackerProcessGroupTrackerPrivate::drawOutput() {

@@ -56,7 +56,8 @@ class GroupTrackerProcessGroupTrackerPrivate : public kelAbstractProcessGroupTra
   void track();
   void reportGroups();
   void drawOutput();
-  void tellProblems();
+  /// The file that could not be written at this frame and what is wrong, or nothing.
+  QVariant outputProblem() const;
 
   GroupTracker tracker;
   QSharedPointer<kelDataImage> delayedImage;  ///< null until the queue has filled
