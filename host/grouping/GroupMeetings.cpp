@@ -16,10 +16,6 @@ constexpr double memory = 10.0;     // seconds after which the evidence speaks f
 constexpr double partedDistance = 4.0;  // metres
 constexpr double partedShift = 2.0;     // metres
 
-double length(const cv::Point2d& v) {
-  return std::hypot(v.x, v.y);
-}
-
 }  // namespace
 
 void GroupMeetings::watch(const TickBeliefs& tick, const std::map<PersonId, GroupId>& groupOf) {
@@ -63,14 +59,14 @@ GroupMeetings::Encounters GroupMeetings::encountersAt(const TickBeliefs& tick,
 bool GroupMeetings::isMeeting(const Encounter& encounter) {
   return encounter.cameFrom > apart && encounter.nearest < inReach &&
          encounter.nearestLatest < sideBySide && encounter.velocityDifference < alike &&
-         length(encounter.shift) < steady;
+         std::hypot(encounter.shift.x, encounter.shift.y) < steady;
 }
 
 void GroupMeetings::dropParted(const TickBeliefs& tick) {
   std::erase_if(m_metUntil, [&tick](const auto& met) { return tick.time > met.second; });
   for (const PairBelief& pair : tick.pairs) {
     if (!pair.latest || pair.latest->distance > partedDistance ||
-        length(pair.latest->shift) > partedShift) {
+        std::hypot(pair.latest->shift.x, pair.latest->shift.y) > partedShift) {
       m_metUntil.erase({pair.a, pair.b});
     }
   }
