@@ -30,7 +30,9 @@ using namespace grouptracker;
 
 namespace {
 
-const char* const inputsHelp = R"(Tracks that it takes, told apart by their content:
+const char* const inputsHelp = R"(To begin with: grouptracker run tracks.csv
+
+Tracks that it takes, told apart by their content:
   CSV or TSV: frame,id,x,y         grouptracker check tracks.csv
   with other names or units        grouptracker check tracks.csv --columns frame=t,id=ped --unit cm
   text without names               grouptracker check tracks.txt --columns frame,id,x,y

@@ -143,6 +143,7 @@ int CheckCommand::run() {
 }
 
 void CheckCommand::checkFiles(CheckReport& report) {
+  m_demands.takesAll = m_choice.frames.isWhole();
   if (!m_parameterFile.empty() || !m_parameterChanges.empty()) {
     isWell(report, [&] { checkParameters(report); });
   }
@@ -159,7 +160,8 @@ void CheckCommand::checkParameters(CheckReport& report) {
   const RunParameters chosen(m_parameterFile, m_parameterChanges);
   const ParameterFile& parameters = chosen.values();
   checkParameterValues(parameters, m_parameterFile.empty() ? "--set" : m_parameterFile, report);
-  m_demands = {parameters.delay, parameters.needsImages};
+  m_demands.delay = parameters.delay;
+  m_demands.needsImages = parameters.needsImages;
 }
 
 void CheckCommand::checkInput(CheckReport& report) const {

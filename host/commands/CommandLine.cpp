@@ -203,7 +203,9 @@ Option& Option::notNegative() {
 }
 
 Option& Option::oneOf(const std::vector<std::string>& words) {
-  m_option->check(CLI::IsMember(words));
+  // As the type's name, where the help of the check would say it again.
+  m_option->type_name(CLI::detail::join(words, "|"));
+  m_option->check(CLI::IsMember(words).description(""));
   return *this;
 }
 

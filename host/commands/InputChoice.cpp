@@ -105,7 +105,6 @@ void declareCamera(Options& command, InputChoice& choice) {
            "what a homography in a text takes: column before row, or row before column "
            "(default colrow)")
       .oneOf({rowFirst, columnFirst})
-      .typeName("rowcol|colrow")
       .heading(heading);
   const auto takeSize = [&choice](const std::string& text) {
     choice.imageSize = parseSize(text);

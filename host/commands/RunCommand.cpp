@@ -121,8 +121,7 @@ void declareBehaviour(Options& command, RunOptions& options) {
   command
       .addParsed("--on-error", takeChoice, "",
                  "what to do when the process fails at a frame (default stop)")
-      .oneOf({skip, stop})
-      .typeName("skip|stop");
+      .oneOf({skip, stop});
 }
 
 std::string counted(std::uint64_t count, const char* one, const char* more) {

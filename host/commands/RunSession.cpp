@@ -110,7 +110,8 @@ bool RunSession::nextFrame(InputFrame& frame) {
 /// Of an input that was read to its end.
 void RunSession::warnOfInput() {
   for (const std::string& warning :
-       m_watch->warnings({m_parameters.values().delay, m_parameters.values().needsImages})) {
+       m_watch->warnings({m_parameters.values().delay, m_parameters.values().needsImages,
+                          m_options.frames.isWhole()})) {
     warn(warning);
   }
 }

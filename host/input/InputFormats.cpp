@@ -15,8 +15,10 @@
 #include "host/input/TableReader.h"
 #include "host/input/TrajectoryDatabase.h"
 
+#include <algorithm>
 #include <array>
 #include <filesystem>
+#include <set>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -180,6 +182,44 @@ const std::array<InputFormat, 6> formats{{
      openTable, nullptr},
 }};
 
+/// The files of a folder that are inputs themselves; not texts, of which any may be a table.
+std::string inputsIn(const std::string& folder) {
+  std::set<std::string> names;
+  std::error_code unreadable;
+  for (const fs::directory_entry& entry : fs::directory_iterator(folder, unreadable)) {
+    const bool isInput = isFile(entry.path()) &&
+                         std::any_of(formats.begin(), formats.end(), [&](const auto& format) {
+                           return format.open != openTable && format.recognises(entry.path());
+                         });
+    isInput ? void(names.insert(entry.path().filename())) : void();
+  }
+  std::string list;
+  for (const std::string& name : names) {
+    list += (list.empty() ? "" : ", ") + name;
+  }
+  return list;
+}
+
+/// Why no format takes an input.
+InputError strangeInput(const std::string& path) {
+  std::error_code unreadable;
+  if (!fs::exists(path, unreadable)) {
+    return {path, "there is no such file or folder"};
+  }
+  if (fs::is_regular_file(path, unreadable) && fs::is_empty(path, unreadable)) {
+    return {path, "is empty"};
+  }
+  const std::string within = inputsIn(path);
+  if (!within.empty()) {
+    return {path, "not an input itself, but in this folder there is " + within};
+  }
+  std::string expected;
+  for (const InputFormat& format : formats) {
+    expected += std::string(expected.empty() ? "" : "; ") + format.description;
+  }
+  return {path, "not an input; expected is " + expected};
+}
+
 /// The format that the user chose, or else the one that takes the input as its own.
 const InputFormat& formatOf(const std::string& path, const std::string& key) {
   for (const InputFormat& format : formats) {
@@ -187,15 +227,7 @@ const InputFormat& formatOf(const std::string& path, const std::string& key) {
       return format;
     }
   }
-  std::error_code unreadable;
-  if (!fs::exists(path, unreadable)) {
-    throw InputError(path, "there is no such file or folder");
-  }
-  std::string expected;
-  for (const InputFormat& format : formats) {
-    expected += std::string(expected.empty() ? "" : "; ") + format.description;
-  }
-  throw InputError(path, "not an input; expected is " + expected);
+  throw strangeInput(path);
 }
 
 /// The frames of an input with the times that a rate gives them: all of them when the user says the

@@ -67,6 +67,9 @@ void InputWatch::lookAtBody(const kelDataPhysicalObject& body) {
 
 std::vector<std::string> InputWatch::warnings(const InputDemands& demands) const {
   std::vector<std::string> warnings;
+  if (m_bodies == 0 && (m_frames > 0 || demands.takesAll)) {
+    warnings.emplace_back(m_frames == 0 ? "it holds no frame" : "nobody is seen in any frame");
+  }
   if (demands.needsImages && m_images == 0 && m_frames > 0) {
     warnings.emplace_back(
         "the parameters ask for output images (\"saveOutput:\"), but no frame has an image to draw "

@@ -16,6 +16,7 @@ namespace grouptracker {
 struct InputDemands {
   unsigned int delay = 0;    ///< frames that the process waits before it decides
   bool needsImages = false;  ///< whether the parameters ask for output images
+  bool takesAll = true;      ///< rather than a range, of which it is told when no frame is within
 };
 
 /// Looks at the frames of an input as they pass and says in the end what is legal but hardly meant:

@@ -21,7 +21,8 @@ double valueOf(const TrackRows::Row& row, TrackQuantity quantity) {
 
 std::int64_t ticksOf(double time) {
   if (time < 0.0 || time > latestTime) {
-    throw ValueProblem(fmt::format("the time must be from 0 to {} seconds", latestTime));
+    throw ValueProblem(fmt::format("the time must be from 0 to {} seconds{}", latestTime,
+                                   time > 0.0 ? ", not in smaller units" : ""));
   }
   return std::llround(time * ObservationTable::ticksPerSecond);
 }

@@ -85,6 +85,9 @@ TEST_F(FirstRun, WritesTheGroupsUnderTheNameOfTheInputIntoTheWorkingFolder) {
 
   std::filesystem::create_directory(folder.path() / "walk.1");
   folder.write("walk.1/obsmat.txt", "1 1 0 0 0 0 0 0\n2 1 0 0 0 0 0 0\n");
+  folder.write("nobody.csv", "frame,id,x,y\n");
+  ASSERT_EQ(run({"run", "nobody.csv"}), 0);
+  EXPECT_THAT(said, HasSubstr("nobody.csv: warning: it holds no frame\n"));
   ASSERT_EQ(run({"run", "walk.1/"}), 0) << said;
   EXPECT_EQ(linesOf(text("walk.1.groups.jsonl")).size(), 2U);
 }
@@ -154,6 +157,7 @@ TEST_F(FirstRun, WithAMistakeLeavesTheGroupsOfYesterday) {
   folder.write("p.txt", sampleParameters({{"useClustering:", "true"}}));
   folder.write("camera.yml", "%YAML:1.0\n---\nhomography: 3\n");
   folder.write("cut.jsonl", walkingLine(1).substr(0, 90));
+  folder.write("empty.csv", "");
   folder.write("cut.csv", "frame,id,x,y\n1,1,0,0\n2,1,zero,0\n");
   struct Mistake {
     QStringList arguments;
@@ -166,7 +170,9 @@ TEST_F(FirstRun, WithAMistakeLeavesTheGroupsOfYesterday) {
       {{"scene.jsonl", "--calibration", "camera.yml"}, 2, "camera.yml"},
       {{"scene.jsonl", "--calibration", "none.yml"}, 2, "none.yml"},
       {{"scene.jsonl", "--context", "p.txt"}, 2, "p.txt"},
-      {{"none.jsonl"}, 2, "none.jsonl"},
+      {{"none.jsonl"}, 2, "none.jsonl: "},
+      {{"empty.csv"}, 2, "empty.csv: is empty"},
+      {{"."}, 2, ".: not an input itself, but in this folder there is cut.jsonl, "},
       {{"cut.jsonl"}, 2, "cut.jsonl:1: "},
       {{"cut.csv"}, 2, "cut.csv:3: "}};
   for (const auto& [arguments, status, message] : mistakes) {

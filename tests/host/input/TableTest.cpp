@@ -125,6 +125,8 @@ TEST(Table, SaysInWhichLineItIsWrong) {
             "tracks.csv:3: person 2 is observed twice at 0.5 s, first on line 2");
   EXPECT_EQ(error("time,id,x,y\n-1,2,0,0\n"),
             "tracks.csv:2: the time must be from 0 to 10000000000 seconds");
+  EXPECT_EQ(error("time,id,x,y\n1700000000000,2,0,0\n"),
+            "tracks.csv:2: the time must be from 0 to 10000000000 seconds, not in smaller units");
   EXPECT_EQ(error("# framerate: 0\n"),
             "tracks.csv:1: the frame rate must be above 0 and at most 10000");
   EXPECT_THAT(error("1,2,3,4\n"), HasSubstr("tracks.csv:1: no line before this one names"));
