@@ -5,7 +5,8 @@
 namespace grouptracker {
 
 Database::Database(const std::string& path) : m_name(path), m_place(openRegularOutput(path)) {
-  open(path);
+  // Names with a meaning of their own, such as ":memory:" or "file:...", are files here.
+  open(path.starts_with('/') ? path : "./" + path);
 }
 
 std::unique_ptr<Database> Database::temporary() {

@@ -188,6 +188,10 @@ void declareReading(Options& command, InputChoice& choice) {
       .reads("FOLDER|VIDEO|none")
       .heading(heading);
   command
+      .addFlag("--allow-outside-images", choice.allowsOutsideImages,
+               "lets the input name images that lie outside its folder")
+      .heading(heading);
+  command
       .add("--max-pixels", choice.maxPixels,
            "images and videos of more pixels are refused before they are decoded")
       .positive()
@@ -203,6 +207,7 @@ InputOptions inputOptions(const InputChoice& choice) {
   options.imageSize = choice.imageSize;
   options.links = choice.links;
   options.images = choice.images;
+  options.allowsOutsideImages = choice.allowsOutsideImages;
   options.frames = choice.frames;
   options.rate = choice.rate;
   options.table = choice.table;

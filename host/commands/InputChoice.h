@@ -23,6 +23,7 @@ struct InputChoice {
   std::optional<cv::Size> imageSize;  ///< pixels
   std::optional<double> minConfidence;
   std::string images;                        ///< a folder, a video file, or `noImages`
+  bool allowsOutsideImages = false;          ///< of the input's folder
   std::int64_t maxPixels = usualMostPixels;  ///< of an image or a video
   FrameRange frames;
   std::optional<double> rate;  ///< frame numbers a second

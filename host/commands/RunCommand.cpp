@@ -216,7 +216,7 @@ void RunCommand::printParameters() const {
 
 void RunCommand::runSession() {
   RunSession session(m_options);
-  const RunStatus status(m_options.statusFile);
+  RunStatus status(m_options.statusFile);
   const RunSummary summary = session.run();
   m_readerLeft = summary.readerLeft && summary.stoppedBy.empty();
   if (summary.stoppedBy.empty() && !summary.readerLeft) {

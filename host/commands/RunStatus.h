@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace grouptracker {
@@ -20,20 +21,24 @@ namespace grouptracker {
 class RunStatus {
  public:
   /// Nothing is written when the path is empty. What cannot be written is an `OutputError`.
-  explicit RunStatus(const std::string& path) : m_path(path) { write(false, 0); }
+  explicit RunStatus(const std::string& path) {
+    if (!path.empty()) {
+      m_file.emplace(path);
+    }
+    write(false, 0);
+  }
 
   /// All is written; `frames` were read.
-  void complete(std::uint64_t frames) const { write(true, frames); }
+  void complete(std::uint64_t frames) { write(true, frames); }
 
  private:
-  void write(bool isComplete, std::uint64_t frames) const {
-    if (!m_path.empty()) {
-      WholeFile(m_path).write(
-          fmt::format("{{\"complete\": {}, \"frames\": {}}}\n", isComplete, frames));
+  void write(bool isComplete, std::uint64_t frames) {
+    if (m_file) {
+      m_file->write(fmt::format("{{\"complete\": {}, \"frames\": {}}}\n", isComplete, frames));
     }
   }
 
-  std::string m_path;
+  std::optional<WholeFile> m_file;  ///< none when nobody wants it
 };
 
 }  // namespace grouptracker

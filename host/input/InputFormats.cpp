@@ -288,6 +288,12 @@ std::vector<std::string> filesWithin(const std::string& path) {
 
 OpenedInput openInput(const std::string& path, const InputOptions& options) {
   OpenedInput input = formatOf(path, keyOf(path, options)).open(path, options);
+  if (options.decodesVideo && options.images != noImages && !options.allowsOutsideImages) {
+    const fs::path folder = path == "-" ? fs::path() : fs::path(path).parent_path();
+    std::error_code unreadable;
+    input.frames = std::make_unique<ImagesWithin>(
+        std::move(input.frames), fs::is_directory(path, unreadable) ? fs::path(path) : folder);
+  }
   input.frames = withImages(std::move(input.frames), options.images, options.decodesVideo);
   input.rate = options.rate ? options.rate : input.rate;
   if (input.rate) {

@@ -3,9 +3,9 @@
 #include "host/base/InputError.h"
 #include "host/base/InputFile.h"
 
+#include <QFile>
 #include <QImageReader>
 #include <QSize>
-#include <QString>
 #include <fmt/format.h>
 #include <opencv2/imgcodecs.hpp>
 
@@ -45,7 +45,7 @@ std::string tooLarge(std::int64_t width, std::int64_t height) {
 
 /// The size as the head of the file tells it; empty for a form of which Qt knows nothing.
 QSize sizeInHead(const std::filesystem::path& file) {
-  QImageReader reader(QString::fromStdString(file.string()));
+  QImageReader reader(QFile::decodeName(file.c_str()));
   reader.setDecideFormatFromContent(true);
   return reader.size();
 }
@@ -107,6 +107,31 @@ std::unique_ptr<FrameSource> withImages(std::unique_ptr<FrameSource> source,
   }
   return decodesVideo ? std::make_unique<VideoImages>(std::move(source), images)
                       : std::move(source);
+}
+
+ImagesWithin::ImagesWithin(std::unique_ptr<FrameSource> source, const std::filesystem::path& folder)
+    : m_source(std::move(source)) {
+  std::error_code unknown;
+  m_folder = std::filesystem::weakly_canonical(folder.empty() ? "." : folder, unknown);
+}
+
+bool ImagesWithin::next(InputFrame& frame) {
+  if (!m_source->next(frame)) {
+    return false;
+  }
+  if (frame.imageFile.empty()) {
+    return true;
+  }
+  std::error_code unknown;
+  const auto place = std::filesystem::weakly_canonical(frame.imageFile, unknown);
+  const auto [end, ignored] =
+      std::mismatch(m_folder.begin(), m_folder.end(), place.begin(), place.end());
+  if (unknown || end != m_folder.end()) {
+    throw InputError(frame.place, "the image " + frame.imageFile.string() +
+                                      " lies outside the input's folder; --allow-outside-images "
+                                      "lets it be read");
+  }
+  return true;
 }
 
 ImageFolder::ImageFolder(std::unique_ptr<FrameSource> source, const std::string& folder)

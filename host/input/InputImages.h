@@ -45,6 +45,20 @@ inline constexpr const char* noImages = "none";
 std::unique_ptr<FrameSource> withImages(std::unique_ptr<FrameSource> source,
                                         const std::string& images, bool decodesVideo);
 
+/// Lets an input name images within a folder only, links followed: what somebody else made must not
+/// show what lies elsewhere. An image outside is an `InputError` at the frame's place.
+class ImagesWithin : public FrameSource {
+ public:
+  ImagesWithin(std::unique_ptr<FrameSource> source, const std::filesystem::path& folder);
+
+  bool next(InputFrame& frame) override;
+  std::optional<std::uint64_t> totalFrames() override { return m_source->totalFrames(); }
+
+ private:
+  std::unique_ptr<FrameSource> m_source;
+  std::filesystem::path m_folder;  ///< without links
+};
+
 /// Gives the frames of an input that names no images the images of a folder: the first frame the
 /// first file in sorted order, and so on. An image that the input names itself is kept. A folder
 /// that cannot be read or that ends before the input is an `InputError`.

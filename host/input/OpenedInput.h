@@ -30,8 +30,9 @@ struct InputOptions {
   LinkOptions links;
   MotChoice mot;
   TableChoice table;
-  std::string images;        ///< a folder, a video or `noImages`; empty for the input's own
-  bool decodesVideo = true;  ///< whether anybody looks at the pictures of a video
+  std::string images;                ///< a folder, a video or `noImages`; empty for the input's own
+  bool allowsOutsideImages = false;  ///< whether it may name images outside its folder
+  bool decodesVideo = true;          ///< whether anybody looks at the pictures of a video
   FrameRange frames;
   std::optional<double> rate;  ///< frame numbers a second, in place of what the input says
   ProblemHandler onProblem = throwProblem;

@@ -168,15 +168,14 @@ class Drawing {
 void LineageGraph::write(const RunStep& step) {
   constexpr std::chrono::seconds pause(5);  // from one writing to the next
   m_tree.add(step);
-  if (m_file->canBeReplaced() && Clock::now() - m_written >= pause) {
-    m_file->write(Drawing(m_tree).text());
-    m_file = std::make_unique<WholeFile>(m_path);
+  if (m_file.canBeReplaced() && Clock::now() - m_written >= pause) {
+    m_file.write(Drawing(m_tree).text());
     m_written = Clock::now();
   }
 }
 
 void LineageGraph::finish() {
-  m_file->write(Drawing(m_tree).text());
+  m_file.write(Drawing(m_tree).text());
 }
 
 }  // namespace grouptracker

@@ -18,8 +18,7 @@ namespace grouptracker {
 /// the run has ended and, where the place is a file, every few seconds before.
 class LineageGraph : public StepSink {
  public:
-  explicit LineageGraph(const std::string& path)
-      : m_path(path), m_file(std::make_unique<WholeFile>(path)) {}
+  explicit LineageGraph(const std::string& path) : m_file(path) {}
 
   void write(const RunStep& step) override;
   void finish() override;
@@ -27,8 +26,7 @@ class LineageGraph : public StepSink {
  private:
   using Clock = std::chrono::steady_clock;
 
-  std::string m_path;
-  std::unique_ptr<WholeFile> m_file;
+  WholeFile m_file;
   Clock::time_point m_written = Clock::now();
   FamilyTree m_tree;
 };

@@ -5,7 +5,10 @@
 #include <QFile>
 
 #include <filesystem>
+#include <sys/file.h>
 #include <system_error>
+#include <unistd.h>
+#include <utility>
 
 namespace grouptracker {
 
@@ -15,8 +18,23 @@ WholeFile::WholeFile(const std::string& path)
   const std::filesystem::file_status place = std::filesystem::status(path, unknown);
   if (std::filesystem::exists(place) && !std::filesystem::is_regular_file(place)) {
     m_stream.emplace(path);
-  } else if (!m_file.open(QIODevice::WriteOnly)) {
+    return;
+  }
+  m_place = openOutput(path, OldContent::kept);
+  m_isNew = !std::filesystem::exists(place);
+  if (!m_file.open(QIODevice::WriteOnly)) {
+    removeIfNew();
     fail();
+  }
+}
+
+WholeFile::~WholeFile() {
+  removeIfNew();
+}
+
+void WholeFile::removeIfNew() const {
+  if (m_isNew) {
+    ::unlink(m_path.c_str());
   }
 }
 
@@ -25,10 +43,17 @@ void WholeFile::write(std::string_view text) {
     m_stream->writeLines(text);
     return;
   }
-  m_file.write(text.data(), static_cast<qint64>(text.size()));
-  if (!m_file.commit()) {  // fails, too, when something could not be written
+  if (!m_file.isOpen() && !m_file.open(QIODevice::WriteOnly)) {
     fail();
   }
+  m_file.write(text.data(), static_cast<qint64>(text.size()));
+  FileDescriptor next(::dup(m_file.handle()));
+  ::flock(next.get(), LOCK_EX | LOCK_NB);  // before anybody can see it at its place
+  if (!m_file.commit()) {                  // fails, too, when something could not be written
+    fail();
+  }
+  m_place = std::move(next);
+  m_isNew = false;
 }
 
 void WholeFile::fail() const {

@@ -2,8 +2,8 @@
 
 #include "host/base/OutputPlace.h"
 
+#include <QFile>
 #include <QSaveFile>
-#include <QString>
 #include <fmt/format.h>
 #include <opencv2/imgcodecs.hpp>
 
@@ -20,7 +20,7 @@ namespace {
 void writeImage(const std::string& path, const cv::Mat& picture) {
   std::vector<uchar> bytes;
   cv::imencode(".png", picture, bytes, {cv::IMWRITE_PNG_COMPRESSION, 1});
-  QSaveFile file(QString::fromStdString(path));
+  QSaveFile file(QFile::decodeName(path.c_str()));
   const bool isWritten =
       file.open(QIODevice::WriteOnly) &&
       file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<qint64>(bytes.size())) ==

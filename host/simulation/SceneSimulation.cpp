@@ -3,6 +3,7 @@
 #include "host/base/OutputFile.h"
 #include "host/base/OutputPlace.h"
 #include "host/output/SceneWriter.h"
+#include "host/output/WholeFile.h"
 #include "host/people/TrackAssembler.h"
 #include "host/simulation/FrameRenderer.h"
 #include "host/simulation/SimulatedSource.h"
@@ -15,6 +16,7 @@
 #include <filesystem>
 #include <memory>
 #include <system_error>
+#include <vector>
 
 namespace grouptracker {
 
@@ -38,9 +40,9 @@ void writeContext(const fs::path& path) {
 }
 
 void writeImage(const fs::path& path, const cv::Mat& image) {
-  if (!cv::imwrite(path, image)) {
-    throw OutputError(path, "cannot be written");
-  }
+  std::vector<uchar> bytes;
+  cv::imencode(".png", image, bytes);
+  WholeFile(path).write({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
 }
 
 }  // namespace

@@ -122,7 +122,8 @@ TEST_F(OutputPlaces, OfADatabaseAreRegularFilesAndLinksAreFollowed) {
 
 TEST_F(OutputPlaces, AreWrittenByOneRunAtATime) {
   std::filesystem::create_directory(in("pictures"));
-  for (const QString name : {"e.jsonl", "t.csv", "r.sqlite", "f.mp4", "pictures", "dump.txt"}) {
+  for (const QString name :
+       {"e.jsonl", "t.csv", "r.sqlite", "g.dot", "f.mp4", "pictures", "dump.txt"}) {
     const std::string path = in(name.toStdString());
     const int other = ::open(path.c_str(), name == "pictures" ? O_RDONLY : O_RDWR | O_CREAT, 0600);
     ASSERT_EQ(::flock(other, LOCK_EX), 0);
@@ -130,6 +131,7 @@ TEST_F(OutputPlaces, AreWrittenByOneRunAtATime) {
     const QString option = name.endsWith("jsonl")    ? "--events"
                            : name.endsWith("csv")    ? "--csv"
                            : name.endsWith("sqlite") ? "--sqlite"
+                           : name.endsWith("dot")    ? "--graph"
                                                      : "--video";
     EXPECT_EQ(name == "dump.txt" ? run(second, {}, name) : run(second, {option, name}), 4);
     EXPECT_EQ(second.errors(), name.toStdString() + ": is being written by another run\n");
@@ -157,6 +159,14 @@ TEST_F(OutputPlaces, ThatAreFullAreToldAndHoldWhatIsWhole) {
   EXPECT_EQ(runLimited(pictures, 1, silent + QStringList{"--video", "pictures"}), 4);
   EXPECT_THAT(pictures.errors(), StartsWith("pictures/000001.png: cannot be written: "));
   EXPECT_TRUE(std::filesystem::is_empty(in("pictures")));
+}
+
+TEST_F(OutputPlaces, OfSimulatedImagesThatAreFullAreTold) {
+  Program program(folder.path());
+  EXPECT_EQ(runLimited(program, 40, {"simulate", "--images", "--frames", "3", "--output", "made"}),
+            4);
+  EXPECT_EQ(program.errors(), "made/images/000001.png: cannot be written: File too large\n");
+  EXPECT_TRUE(std::filesystem::is_empty(in("made/images")));
 }
 
 TEST_F(OutputPlaces, OfAnnotatedImagesAreToldWhenTheyCannotBeWritten) {

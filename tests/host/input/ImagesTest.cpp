@@ -2,6 +2,7 @@
 #include "host/input/SceneReader.h"
 #include "tests/support/base/Texts.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/videoio.hpp>
@@ -79,6 +80,31 @@ TEST(ImageLoader, RefusesImagesOfChangingSize) {
   EXPECT_EQ(errorOf([&] { loader.load(frame); }), "scene:3: the image " +
                                                       (folder.path() / "b.png").string() +
                                                       " has 24x32 pixels, the first has 32x24");
+}
+
+TEST(ImagesWithin, RefuseWhatLiesOutsideOfTheFolder) {
+  const TempFolder folder;
+  const auto scenes = folder.path() / "scenes";
+  std::filesystem::create_directories(scenes / "images");
+  folder.write("secret.png", "");
+  std::filesystem::create_symlink("../../secret.png", scenes / "images" / "link.png");
+  const auto error = [&](const std::string& image) {
+    return errorOf([&] {
+      std::istringstream text(sceneOf({image}));
+      ImagesWithin frames(std::make_unique<SceneReader>(text, "scene", scenes, nullptr), scenes);
+      InputFrame frame;
+      EXPECT_TRUE(frames.next(frame));
+    });
+  };
+  for (const std::string image : {"a.png", "images/../b.png", "images/..png"}) {
+    EXPECT_EQ(error(image), "") << image;
+  }
+  for (const std::string image : {"../secret.png", "images/link.png", "/etc/passwd",
+                                  "../scenes-of-others/a.png", "images/../../secret.png"}) {
+    EXPECT_THAT(error(image), testing::EndsWith(" lies outside the input's folder; "
+                                                "--allow-outside-images lets it be read"))
+        << image;
+  }
 }
 
 // A small file may unfold to more than the memory holds, and a pipe be waited for without end.

@@ -25,11 +25,14 @@ TEST(WholeFile, LeavesTheOlderOneUntilTheNewOneIsComplete) {
     EXPECT_EQ(textOf(path), "old");
     given.write("new\n");
     EXPECT_EQ(textOf(path), "new\n");
-    const WholeFile givenUp(path);
+    given.write("newer\n");
+    EXPECT_EQ(errorOf([&] { WholeFile second(path); }), path + ": is being written by another run");
   }
-  EXPECT_EQ(textOf(path), "new\n");
+  const WholeFile givenUp(path);
+  { const WholeFile neverWritten(folder.path() / "other.dot"); }
+  EXPECT_EQ(textOf(path), "newer\n");
   EXPECT_EQ(textOf(neighbour), "somebody else's");
-  EXPECT_EQ(filesIn(folder), 2);
+  EXPECT_EQ(filesIn(folder), 3) << "the third is what the one given up is written to";
 }
 
 TEST(WholeFile, SaysAtOnceThatAPlaceCannotBeWritten) {
