@@ -10,6 +10,7 @@ import json
 import os
 import pathlib
 import random
+import re
 import resource
 import shutil
 import signal
@@ -22,6 +23,7 @@ import time
 PATIENCE = 60  # seconds, for a build with sanitizers on a busy machine
 GOOD_ENDS = {0, 1, 2, 3, 4}
 SANITIZER = 99
+FRAMES = 150
 
 
 class Failed(Exception):
@@ -38,8 +40,10 @@ class Torture:
         self.scene = folder / "scene"
         parameters = pathlib.Path(__file__).resolve().parent.parent / "samples/parameters/video.txt"
         shutil.copy(parameters, folder / "p.txt")
-        self.must(["simulate", "--output", "scene", "--frames", "150", "--people", "12", "--images", "--quiet"])
-        self.must(self.run_with("first") + ["--diagnostics", "lines.txt", "--mobile-dump", "dump.txt"])
+        self.must(["simulate", "--output", "scene", "--frames", str(FRAMES), "--people", "12", "--images", "--quiet"])
+        begin = time.monotonic()
+        self.must(self.run_with("first"))
+        self.longest = time.monotonic() - begin  # kills come at any moment of a run
 
     def start(self, arguments, **more):
         return subprocess.Popen([self.program, *arguments], cwd=self.folder, env=self.environment,
@@ -67,10 +71,17 @@ class Torture:
         return ["run", scene, "--parameters", "p.txt", "--quiet", "--output", f"{name}.jsonl",
                 "--actors", f"{name}-actors.jsonl", "--events", f"{name}-events.jsonl", "--csv", f"{name}.csv",
                 "--mot", f"{name}.mot", "--sqlite", f"{name}.sqlite", "--graph", f"{name}.dot",
-                "--video", pictures]
+                "--video", pictures, "--diagnostics", f"{name}-lines.txt", "--mobile-dump", f"{name}-dump.txt",
+                "--status", f"{name}-status.json"]
+
+    def clean(self, name):
+        for path in self.folder.glob(f"{name}*"):
+            shutil.rmtree(path) if path.is_dir() else path.unlink()
 
     def check_files(self, name):
         for path in self.folder.glob(f"{name}*"):
+            if path.is_fifo():
+                continue
             if path.is_dir():
                 for picture in path.glob("[0-9]*.png"):
                     if not picture.read_bytes().endswith(b"IEND\xaeB`\x82"):
@@ -79,8 +90,24 @@ class Torture:
                 with sqlite3.connect(path) as database:
                     if database.execute("PRAGMA integrity_check").fetchone() != ("ok",):
                         raise Failed(f"{path} is damaged")
+            elif path.suffix == ".mp4" and path.stat().st_size > 0:
+                self.check_film(path)
+            elif path.suffix == ".dot" and path.stat().st_size > 0 and not path.read_text().endswith("}\n"):
+                raise Failed(f"{path} is cut")
             elif path.suffix in (".jsonl", ".csv", ".mot", ".dot", ".txt"):
                 self.check_lines(path)
+
+    def check_film(self, path):
+        """All but the last second of a film, and what was still to be drawn, can be seen."""
+        reported = self.folder / path.with_suffix(".jsonl").name
+        wanted = len(reported.read_text().splitlines()) - 25 - 32
+        _, text = self.end_of(self.start(
+            ["run", "scene/scene.jsonl", "--images", path.name, "--parameters", "p.txt", "--output", "seen.jsonl",
+             "--video", "seen-pictures", "--quiet", "--mobile-dump", "none", "--diagnostics", "none"],
+            stdout=subprocess.DEVNULL))
+        seen = re.search(r"has only (\d+) frames", text)
+        if wanted > 0 and (int(seen.group(1)) if seen else 0 if text else wanted) < wanted:
+            raise Failed(f"{path} shows too little: {wanted} pictures are expected; {text}")
 
     @staticmethod
     def check_lines(path):
@@ -92,16 +119,18 @@ class Torture:
                 json.loads(line)
 
     def kill(self):
+        self.clean("killed")
         process = self.start(self.run_with("killed"), stdout=subprocess.DEVNULL)
-        time.sleep(self.random.uniform(0.0, 3.0))
+        time.sleep(self.random.uniform(0.0, self.longest))
         process.kill()
         process.communicate()
         self.check_files("killed")
 
     def stop(self):
+        self.clean("stopped")
         number = self.random.choice([signal.SIGINT, signal.SIGTERM, signal.SIGHUP])
         process = self.start(self.run_with("stopped"), stdout=subprocess.DEVNULL)
-        time.sleep(self.random.uniform(0.5, 3.0))
+        time.sleep(self.random.uniform(0.0, self.longest))
         process.send_signal(number)
         status, text = self.end_of(process)
         if status not in (0, 128 + number, -number):  # the last before the program catches signals
@@ -109,8 +138,9 @@ class Torture:
         self.check_files("stopped")
 
     def limit(self):
+        self.clean("limited")
         size = self.random.randrange(0, 600_000)
-        process = self.start(self.run_with("limited") + ["--diagnostics", "none", "--mobile-dump", "limited.txt"],
+        process = self.start(self.run_with("limited"),
                              stdout=subprocess.DEVNULL,
                              preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (size, size)))
         status, text = self.end_of(process)
@@ -119,19 +149,29 @@ class Torture:
         self.check_files("limited")
 
     def leave(self):
-        process = self.start(self.run_with("left"), stdout=subprocess.PIPE)
-        process.stdout.read(self.random.randrange(0, 300_000))
-        time.sleep(self.random.choice([0.0, 0.5]))
-        process.stdout.close()
-        process.stdout = None
+        """Somebody reads one of the outputs, slowly, and goes; the others are whole."""
+        self.clean("left")
+        option = self.random.choice(["--actors", "--events", "--csv", "--mot", "--graph", "--diagnostics",
+                                     "--mobile-dump", "--video"])
+        arguments = self.run_with("left")
+        pipe = "left-pipe" + (".mkv" if option == "--video" else "")
+        arguments[arguments.index(option) + 1] = pipe
+        os.mkfifo(self.folder / pipe)
+        process = self.start(arguments, stdout=subprocess.DEVNULL)
+        with open(self.folder / pipe, "rb") as reader:
+            for _ in range(self.random.randrange(0, 30)):
+                reader.read(self.random.randrange(0, 10_000))
+                time.sleep(self.random.choice([0.0, 0.01]))
         status, text = self.end_of(process)
-        if status not in GOOD_ENDS | {5}:
-            raise Failed(f"when its reader leaves it ends with {status}: {text}")
+        if status not in (0, 5):
+            raise Failed(f"when the reader of {option} leaves it ends with {status}: {text}")
+        if len((self.folder / "left.jsonl").read_text().splitlines()) != FRAMES:
+            raise Failed(f"when the reader of {option} leaves the groups are not complete")
         self.check_files("left")
 
     def damage(self):
         """One file of a command's is damaged; the command says so or copes."""
-        names = ["scene/scene.jsonl", "first.jsonl", "first-actors.jsonl", "lines.txt", "dump.txt", "p.txt",
+        names = ["scene/scene.jsonl", "first.jsonl", "first-actors.jsonl", "first-lines.txt", "first-dump.txt", "p.txt",
                  "scene/calibration.yml", "scene/truth.jsonl", "scene/context.json"]
         name = self.random.choice(names)
         data = bytearray((self.folder / name).read_bytes()[:200_000])
@@ -146,9 +186,9 @@ class Torture:
             ["run", scene, "--parameters", here("p.txt"), "--output", "damaged.jsonl", "--context",
              here("scene/context.json"), "--calibration", here("scene/calibration.yml"), "--quiet",
              "--mobile-dump", "none"],
-            ["explain", here("lines.txt"), "--mobile-dump", here("dump.txt"), "--parameters", here("p.txt"),
+            ["explain", here("first-lines.txt"), "--mobile-dump", here("first-dump.txt"), "--parameters", here("p.txt"),
              "--group", "0", "--uncertain", "9"],
-            ["report", scene, here("first-actors.jsonl"), "--diagnostics", here("lines.txt"), "--parameters",
+            ["report", scene, here("first-actors.jsonl"), "--diagnostics", here("first-lines.txt"), "--parameters",
              here("p.txt"), "--truth", here("scene/truth.jsonl"), "--output", "r.html"],
             ["evaluate", groups, "--truth", here("scene/truth.jsonl")],
             ["events", groups, "--output", "damaged-events.jsonl"],

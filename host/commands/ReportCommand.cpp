@@ -198,8 +198,9 @@ int ReportCommand::run() {
   for (InputFrame frame; input.frames->next(frame);) {
     clock.look(frame);
     auto persons = personsIn(frame);
-    data.addFrame(frame.number, persons);
-    images.addFrame(frame, std::move(persons));
+    if (data.addFrame(frame.number, persons)) {
+      images.addFrame(frame, std::move(persons));
+    }
   }
   std::optional<TruthTeller> truth;
   if (!m_truthFile.empty()) {

@@ -123,7 +123,8 @@ bool ImagesWithin::next(InputFrame& frame) {
     return true;
   }
   std::error_code unknown;
-  const auto place = std::filesystem::weakly_canonical(frame.imageFile, unknown);
+  const auto place =
+      std::filesystem::weakly_canonical(std::filesystem::absolute(frame.imageFile), unknown);
   const auto [end, ignored] =
       std::mismatch(m_folder.begin(), m_folder.end(), place.begin(), place.end());
   if (unknown || end != m_folder.end()) {

@@ -22,7 +22,7 @@ WholeFile::WholeFile(const std::string& path)
   }
   m_place = openOutput(path, OldContent::kept);
   m_isNew = !std::filesystem::exists(place);
-  if (!m_file.open(QIODevice::WriteOnly)) {
+  if (!m_file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
     removeIfNew();
     fail();
   }
@@ -43,13 +43,18 @@ void WholeFile::write(std::string_view text) {
     m_stream->writeLines(text);
     return;
   }
-  if (!m_file.isOpen() && !m_file.open(QIODevice::WriteOnly)) {
+  if (!m_file.isOpen() && !m_file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
     fail();
   }
-  m_file.write(text.data(), static_cast<qint64>(text.size()));
+  // Without Qt's buffer, which takes a part that was written on a full disk for all of it.
+  const auto size = static_cast<qint64>(text.size());
+  if (m_file.write(text.data(), size) != size) {
+    m_file.cancelWriting();
+    throw OutputError(m_path, systemProblem("cannot be written"));
+  }
   FileDescriptor next(::dup(m_file.handle()));
   ::flock(next.get(), LOCK_EX | LOCK_NB);  // before anybody can see it at its place
-  if (!m_file.commit()) {                  // fails, too, when something could not be written
+  if (!m_file.commit()) {
     fail();
   }
   m_place = std::move(next);

@@ -22,7 +22,7 @@ void writeImage(const std::string& path, const cv::Mat& picture) {
   cv::imencode(".png", picture, bytes, {cv::IMWRITE_PNG_COMPRESSION, 1});
   QSaveFile file(QFile::decodeName(path.c_str()));
   const bool isWritten =
-      file.open(QIODevice::WriteOnly) &&
+      file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) &&
       file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<qint64>(bytes.size())) ==
           static_cast<qint64>(bytes.size()) &&
       file.commit();

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <limits>
 
 namespace grouptracker {
@@ -25,7 +26,14 @@ bool fitsStep(std::int32_t from, std::int32_t to) {
 
 }  // namespace
 
-void ReportData::addFrame(std::int64_t inputFrame, const std::vector<RunPerson>& persons) {
+bool ReportData::addFrame(std::int64_t inputFrame, const std::vector<RunPerson>& persons) {
+  const bool isEmpty = std::none_of(persons.begin(), persons.end(),
+                                    [](const RunPerson& person) { return person.seen; });
+  m_emptyFrames = isEmpty ? m_emptyFrames + 1 : 0;
+  if (m_emptyFrames > longestGap) {
+    leaveOut(inputFrame);
+    return false;
+  }
   const auto frame = static_cast<std::uint32_t>(m_frameNumbers.size());
   m_indexOf.emplace(inputFrame, frame);
   m_frameNumbers.push_back(static_cast<double>(inputFrame));
@@ -41,6 +49,26 @@ void ReportData::addFrame(std::int64_t inputFrame, const std::vector<RunPerson>&
     endRun(run);
   }
   m_openRuns = std::move(now);
+  return true;
+}
+
+void ReportData::leaveOut(std::int64_t inputFrame) {
+  const auto frame = static_cast<std::uint32_t>(m_frameNumbers.size() - 1);
+  if (!m_gaps.empty() && m_gaps.rbegin()->second.frame == frame) {
+    m_gaps.rbegin()->second.lastLeftOut = inputFrame;
+  } else {
+    m_gaps.emplace_hint(m_gaps.end(), inputFrame, Gap{frame, inputFrame});
+  }
+}
+
+std::optional<std::uint32_t> ReportData::indexOf(std::int64_t inputFrame) const {
+  if (const auto shown = m_indexOf.find(inputFrame); shown != m_indexOf.end()) {
+    return shown->second;
+  }
+  const auto behind = m_gaps.upper_bound(inputFrame);
+  const bool isLeftOut =
+      behind != m_gaps.begin() && inputFrame <= std::prev(behind)->second.lastLeftOut;
+  return isLeftOut ? std::optional(std::prev(behind)->second.frame) : std::nullopt;
 }
 
 void ReportData::addPlace(std::uint32_t frame, std::uint32_t person, const cv::Point2f& place,
@@ -74,26 +102,26 @@ void ReportData::endRun(const Run& run) {
 }
 
 bool ReportData::addGroups(const RunStep& step) {
-  const auto index = m_indexOf.find(step.inputFrame.value_or(0));
   if (!step.inputFrame) {
     return true;  // nothing is reported yet
   }
-  if (index == m_indexOf.end()) {
+  const auto index = indexOf(*step.inputFrame);
+  if (!index) {
     return false;
   }
-  m_isDecided[index->second] = 1;
+  m_isDecided[*index] = 1;
   m_colours.add(step);
   m_tree.add(step);
   for (const RunGroup& group : step.groups) {
-    m_beliefs.add(index->second, group);
+    m_beliefs.add(*index, group);
     for (const RunMember& member : group.members) {
       if (group.isVisible && member.person) {
-        m_members.add(index->second, {group.id, *member.person});
+        m_members.add(*index, {group.id, *member.person});
       }
     }
   }
   for (const TrackedEvent& event : step.events) {
-    addEvent(index->second, event);
+    addEvent(*index, event);
   }
   return true;
 }
@@ -152,19 +180,18 @@ void ReportData::addEvent(std::uint32_t frame, const TrackedEvent& event) {
 
 bool ReportData::addTruth(std::int64_t inputFrame, const std::vector<TrueGroup>& groups,
                           bool isRight) {
-  const auto index = m_indexOf.find(inputFrame);
-  if (index == m_indexOf.end()) {
+  const auto index = indexOf(inputFrame);
+  if (!index) {
     return false;
   }
   if (!m_verdicts) {
     m_verdicts.emplace();
   }
   m_verdicts->resize(frames(), static_cast<std::uint8_t>(Verdict::unknown));
-  (*m_verdicts)[index->second] =
-      static_cast<std::uint8_t>(isRight ? Verdict::right : Verdict::wrong);
+  (*m_verdicts)[*index] = static_cast<std::uint8_t>(isRight ? Verdict::right : Verdict::wrong);
   for (const TrueGroup& group : groups) {
     for (const std::uint32_t person : group.persons) {
-      m_truth.add(index->second, {group.id, person});
+      m_truth.add(*index, {group.id, person});
     }
   }
   return true;

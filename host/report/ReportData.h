@@ -27,8 +27,12 @@ struct TrueGroup {
 /// it begins and the steps from frame to frame, in centimetres. Membership is stored as spans.
 class ReportData {
  public:
-  /// Adds the input's next frame with everybody in view.
-  void addFrame(std::int64_t inputFrame, const std::vector<RunPerson>& persons);
+  static constexpr std::uint32_t longestGap = 1000;  // frames
+
+  /// Adds the input's next frame with everybody in view. False for a frame that is left out: of a
+  /// gap in which nobody is seen the first `longestGap` frames are shown, and what is said about
+  /// the others counts for the last of these.
+  bool addFrame(std::int64_t inputFrame, const std::vector<RunPerson>& persons);
   /// Adds what was found at one of these frames. False when the input has no such frame.
   bool addGroups(const RunStep& step);
   /// Adds what is true at one of these frames, and whether that was found; false when the input has
@@ -76,6 +80,14 @@ class ReportData {
   /// What is known of a frame.
   enum class Verdict : std::uint8_t { unknown, right, wrong };
 
+  /// The last frame that is shown of a gap, and the input's number of the last that is left out.
+  struct Gap {
+    std::uint32_t frame = 0;
+    std::int64_t lastLeftOut = 0;
+  };
+
+  void leaveOut(std::int64_t inputFrame);
+  std::optional<std::uint32_t> indexOf(std::int64_t inputFrame) const;
   void addPlace(std::uint32_t frame, std::uint32_t person, const cv::Point2f& place,
                 std::map<std::uint32_t, Run>& now);
   void addEvent(std::uint32_t frame, const TrackedEvent& event);
@@ -84,6 +96,8 @@ class ReportData {
 
   std::vector<double> m_frameNumbers;  ///< exact up to 2^53
   std::unordered_map<std::int64_t, std::uint32_t> m_indexOf;
+  std::map<std::int64_t, Gap> m_gaps;                   ///< by the first frame that is left out
+  std::uint32_t m_emptyFrames = 0;                      ///< in a row, up to the latest
   std::vector<std::uint8_t> m_isDecided;                ///< by frame: whether a step was about it
   std::optional<std::vector<std::uint8_t>> m_verdicts;  ///< by frame; none without truth
   GroundTurn m_turn;

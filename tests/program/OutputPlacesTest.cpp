@@ -163,7 +163,7 @@ TEST_F(OutputPlaces, ThatAreFullAreToldAndHoldWhatIsWhole) {
 
 TEST_F(OutputPlaces, OfSimulatedImagesThatAreFullAreTold) {
   Program program(folder.path());
-  EXPECT_EQ(runLimited(program, 40, {"simulate", "--images", "--frames", "3", "--output", "made"}),
+  EXPECT_EQ(runLimited(program, 8, {"simulate", "--images", "--frames", "3", "--output", "made"}),
             4);
   EXPECT_EQ(program.errors(), "made/images/000001.png: cannot be written: File too large\n");
   EXPECT_TRUE(std::filesystem::is_empty(in("made/images")));

@@ -71,7 +71,7 @@ QString save(const QString& name, const cv::Mat& pixels) {
   }
   const auto size = static_cast<qint64>(bytes.size());
   QSaveFile file(name);
-  const bool isSaved = file.open(QIODevice::WriteOnly) &&
+  const bool isSaved = file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) &&
                        file.write(reinterpret_cast<const char*>(bytes.data()), size) == size &&
                        file.commit();
   return isSaved ? QString() : file.errorString();

@@ -3,10 +3,12 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <cstddef>
 #include <filesystem>
 #include <iterator>
 #include <string>
+#include <sys/resource.h>
 
 namespace grouptracker {
 
@@ -32,7 +34,7 @@ TEST(WholeFile, LeavesTheOlderOneUntilTheNewOneIsComplete) {
   { const WholeFile neverWritten(folder.path() / "other.dot"); }
   EXPECT_EQ(textOf(path), "newer\n");
   EXPECT_EQ(textOf(neighbour), "somebody else's");
-  EXPECT_EQ(filesIn(folder), 3) << "the third is what the one given up is written to";
+  EXPECT_EQ(filesIn(folder), 2);
 }
 
 TEST(WholeFile, SaysAtOnceThatAPlaceCannotBeWritten) {
@@ -43,6 +45,24 @@ TEST(WholeFile, SaysAtOnceThatAPlaceCannotBeWritten) {
   EXPECT_EQ(error(folder.path()), folder.path().string() + ": cannot be written: Is a directory");
   EXPECT_EQ(errorOf([] { WholeFile("/dev/full").write("text\n"); }),
             "/dev/full: cannot be written: No space left on device");
+}
+
+TEST(WholeFile, OfWhichAPartOnlyCanBeWrittenIsNotPutInPlace) {
+  const TempFolder folder;
+  const std::string path = folder.write("page.html", "old");
+  struct rlimit before = {};
+  ::getrlimit(RLIMIT_FSIZE, &before);
+  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+  const struct rlimit small = {5000, before.rlim_max};
+  ::setrlimit(RLIMIT_FSIZE, &small);
+  for (const std::size_t size : {9'000, 900'000}) {
+    EXPECT_EQ(errorOf([&] { WholeFile(path).write(std::string(size, 'x')); }),
+              path + ": cannot be written: File too large");
+    EXPECT_TRUE(textOf(path) == "old");
+  }
+  ::setrlimit(RLIMIT_FSIZE, &before);
+  std::signal(SIGXFSZ, handler);
+  EXPECT_EQ(filesIn(folder), 1);
 }
 
 }  // namespace

@@ -107,6 +107,24 @@ TEST(ReportData, StoresWaysAsRunsAndMembersAsSpans) {
   EXPECT_EQ(page["memberTo"], (Numbers{1, 3, 0}));
 }
 
+TEST(ReportData, LeavesOutWhatIsLongInAGap) {
+  constexpr std::int64_t last = 5000;
+  ReportData data;
+  data.addFrame(1, {at(7, {1.0F, 0.0F})});
+  for (std::int64_t frame = 2; frame < last; ++frame) {
+    EXPECT_EQ(data.addFrame(frame, {}), frame - 1 <= ReportData::longestGap);
+  }
+  data.addFrame(last, {at(7, {1.0F, 0.0F})});
+  EXPECT_EQ(data.frames(), ReportData::longestGap + 2);
+  RunStep ended = groupsAt(4321, 4, {});
+  ended.events.push_back({});
+  EXPECT_TRUE(data.addGroups(ended));
+  EXPECT_FALSE(data.addGroups(groupsAt(last + 1, 4, {7})));
+  const PageNumbers page(makeReportPage(titled("g"), data, ImageStrip(), {}));
+  EXPECT_EQ(page["eventFrame"], (Numbers{ReportData::longestGap}));
+  EXPECT_EQ(page["frameNumbers"].back(), last);
+}
+
 TEST(ReportData, TellsWhatIsTrueAndWhatIsNotKnown) {
   ReportData data;
   for (const std::int64_t frame : {10, 20, 30, 40}) {
