@@ -90,7 +90,7 @@ TEST(PairExamples, OfALongRecordingAreOfEverySecondMomentOnly) {
   GroupTruth truth;
   TickBeliefs tick;
   for (PersonId b = 1; b <= 100; ++b) {
-    tick.pairs.push_back({0, b, PairFeatures(), 0.0, 0.0});
+    tick.pairs.push_back({.a = 0, .b = b, .features = PairFeatures()});
   }
   for (int i = 0; i < 400; ++i) {
     truth.setAt(i, {{0, 7}});
