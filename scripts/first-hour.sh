@@ -6,7 +6,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 data=${1:-${GROUPTRACKER_DATA:-}}
-[ -z "$data" ] || data=$(realpath "$data")
+[ -z "$data" ] || data=$(realpath -m "$data")
 program=$PWD/build/${2:-release}/bin/grouptracker
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
