@@ -169,6 +169,18 @@ class Torture:
             raise Failed(f"when the reader of {option} leaves the groups are not complete")
         self.check_files("left")
 
+    def race(self):
+        """Two runs write the same outputs at the same time: one is refused, the other's are whole."""
+        self.clean("raced")
+        arguments = self.run_with("raced")
+        runs = [self.start(arguments, stdout=subprocess.DEVNULL) for _ in range(2)]
+        ends = [self.end_of(run) for run in runs]
+        if sorted(status for status, _ in ends) not in ([0, 4], [0, 0]):  # one after the other, if late
+            raise Failed(f"two runs on the same outputs end with {ends}")
+        if len((self.folder / "raced.jsonl").read_text().splitlines()) != FRAMES:
+            raise Failed("of two runs on the same outputs none is complete")
+        self.check_files("raced")
+
     def damage(self):
         """One file of a command's is damaged; the command says so or copes."""
         names = ["scene/scene.jsonl", "first.jsonl", "first-actors.jsonl", "first-lines.txt", "first-dump.txt", "p.txt",
@@ -225,7 +237,8 @@ def main():
     counts = {}
     with tempfile.TemporaryDirectory() as folder:
         torture = Torture(options.program, pathlib.Path(folder), random.Random(options.seed))
-        attacks = [torture.kill, torture.stop, torture.limit, torture.leave, torture.damage, torture.damage]
+        attacks = [torture.kill, torture.stop, torture.limit, torture.leave, torture.race, torture.damage,
+                   torture.damage]
         end = time.monotonic() + 60.0 * options.minutes
         while time.monotonic() < end:
             attack = torture.random.choice(attacks)
