@@ -103,11 +103,6 @@ int EventsCommand::run() {
   if (m_steps.wantsPictures() && m_choice.input.empty()) {
     throw InputError(m_groupsFile, "does not tell where people were: --video needs --input");
   }
-  StepSinks own;
-  own.push_back(openEvents(m_outputFile));
-  std::signal(SIGPIPE, SIG_IGN);  // who reads one output may leave without ending the others
-  OutputReaders readers;
-  StepOutputs sinks(m_steps, std::move(own), readers);
   InputFile file(m_groupsFile);
   RunReplay run(file.stream(), m_groupsFile);
   OpenedInput input;
@@ -117,6 +112,11 @@ int EventsCommand::run() {
     input = openInput(m_choice.input, options);
     run.takeInputFrom(*input.frames, m_choice.input);
   }
+  StepSinks own;  // opened when the inputs have been
+  own.push_back(openEvents(m_outputFile));
+  std::signal(SIGPIPE, SIG_IGN);  // who reads one output may leave without ending the others
+  OutputReaders readers;
+  StepOutputs sinks(m_steps, std::move(own), readers);
   replay(run, sinks, readers);
   for (const std::string& warning : readers.warnings()) {
     fmt::print(stderr, "{}\n", warning);

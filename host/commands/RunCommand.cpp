@@ -1,8 +1,8 @@
 #include "host/base/InputError.h"
+#include "host/base/OutputPlace.h"
 #include "host/commands/Command.h"
 #include "host/commands/RunOptions.h"
 #include "host/commands/RunSession.h"
-#include "host/commands/RunStatus.h"
 #include "host/input/InputFormats.h"
 #include "host/pictures/PictureExchange.h"
 #include "host/pictures/window/RunBesideWindow.h"
@@ -13,6 +13,7 @@
 #include <memory>
 #include <string>
 #include <unistd.h>
+#include <vector>
 
 namespace grouptracker {
 
@@ -192,6 +193,10 @@ int RunCommand::run() {
 void RunCommand::completeOptions() {
   if (!m_options.wantsGroups() && m_options.actorsFile.empty()) {
     m_options.outputFile = usualOutput(m_options.input);
+    std::vector<std::string> others{m_options.input, m_options.diagnostics, m_options.mobileDump,
+                                    m_options.statusFile};
+    std::erase(others, standardOutputName);
+    refuseOverwriting({m_options.outputFile}, others);
   }
   const bool isWatched = ::isatty(STDOUT_FILENO) == 1;
   if (m_options.diagnostics.empty() && (isWatched || m_options.takesStandardOutput())) {
@@ -216,12 +221,8 @@ void RunCommand::printParameters() const {
 
 void RunCommand::runSession() {
   RunSession session(m_options);
-  RunStatus status(m_options.statusFile);
   const RunSummary summary = session.run();
   m_readerLeft = summary.readerLeft && summary.stoppedBy.empty();
-  if (summary.stoppedBy.empty() && !summary.readerLeft) {
-    status.complete(summary.frames);
-  }
   if (!m_options.quiet && !summary.endedWithLastReader) {
     printSummary(summary, m_options.outputFile);
   }

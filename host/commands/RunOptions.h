@@ -37,7 +37,7 @@ struct RunOptions : InputChoice {
   bool takesStandardOutput() const {
     const std::vector<std::string> others = steps.files();
     return outputFile == standardOutputName || actorsFile == standardOutputName ||
-           mobileDump == standardOutputName ||
+           mobileDump == standardOutputName || statusFile == standardOutputName ||
            std::find(others.begin(), others.end(), standardOutputName) != others.end();
   }
 };

@@ -65,6 +65,9 @@ RunSummary RunSession::run() {
   if (m_summary.stoppedBy.empty() && !m_summary.endedWithLastReader) {
     warnOfInput();
   }
+  if (m_summary.stoppedBy.empty() && !m_summary.readerLeft) {
+    m_status->complete(m_summary.frames);
+  }
   return m_summary;
 }
 
@@ -140,6 +143,7 @@ void RunSession::warnOfReaders() {
 void RunSession::openOutputs() {
   const std::string dump = fileOf(m_options.mobileDump);
   const std::string diagnostics = fileOf(m_options.diagnostics);
+  m_status.emplace(m_options.statusFile);  // before an output is emptied
   StepSinks own;
   if (!m_options.outputFile.empty()) {
     own.push_back(std::make_unique<RunFileWriter>(m_options.outputFile));

@@ -3,6 +3,7 @@
 #include "host/base/FileDescriptor.h"
 #include "host/commands/Progress.h"
 #include "host/commands/RunOptions.h"
+#include "host/commands/RunStatus.h"
 #include "host/commands/StepOutputs.h"
 #include "host/commands/StopSignals.h"
 #include "host/input/InputImages.h"
@@ -80,8 +81,9 @@ class RunSession {
   std::optional<InputWatch> m_watch;  ///< none before the input is opened
   PersonCount m_people;
   ImageLoader m_images;
-  FileDescriptor m_dump;    ///< of the mobiles, which the process writes: holds the lock
-  OutputReaders m_readers;  ///< of all that is written
+  FileDescriptor m_dump;              ///< of the mobiles, which the process writes: holds the lock
+  OutputReaders m_readers;            ///< of all that is written
+  std::optional<RunStatus> m_status;  ///< none before the outputs are opened
   std::unique_ptr<StepOutputs> m_outputs;  ///< of the groups
   std::unique_ptr<StepSink> m_actors;      ///< null when nobody wants the process's own
   std::unique_ptr<TrackerRun> m_tracker;

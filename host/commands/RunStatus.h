@@ -15,7 +15,7 @@ namespace grouptracker {
 ///
 ///     {"complete": true, "frames": 3000}
 ///
-/// It stands there with false from the first frame on and is replaced, as a whole, when the input
+/// It stands there with false before any output is emptied and is replaced, as a whole, when the input
 /// has been read to its end and every output is written. Whatever ends a run before leaves the
 /// false.
 class RunStatus {

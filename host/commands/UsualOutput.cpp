@@ -34,7 +34,9 @@ bool holdsGroups(const std::string& path) {
 }  // namespace
 
 std::string usualOutput(const std::string& input) {
-  if (input == "-") {
+  // Pipes of the shell lie there, such as those of <(...), under names that nobody chose.
+  const bool isNamed = input != "-" && !input.starts_with("/dev/");
+  if (!isNamed || nameOf(input).empty()) {
     throw InputError("--output", "a file for the groups is expected, or one for --actors");
   }
   const std::string path = nameOf(input) + ".groups.jsonl";

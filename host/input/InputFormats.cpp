@@ -310,7 +310,8 @@ OpenedInput openInput(const std::string& path, const InputOptions& options) {
 std::optional<double> secondsBetweenFrames(const std::string& path, InputOptions options) {
   std::error_code unreadable;
   if (!isFile(path) && !fs::is_directory(path, unreadable)) {
-    return std::nullopt;  // what is taken from a pipe would be missing
+    // What is taken from a pipe to look at it would be missing.
+    return options.rate ? std::optional(1.0 / *options.rate) : std::nullopt;
   }
   options.images = noImages;
   options.decodesVideo = false;

@@ -16,7 +16,8 @@ WholeFile::WholeFile(const std::string& path)
     : m_path(path), m_file(QFile::decodeName(path.c_str())) {
   std::error_code unknown;
   const std::filesystem::file_status place = std::filesystem::status(path, unknown);
-  if (std::filesystem::exists(place) && !std::filesystem::is_regular_file(place)) {
+  const bool isStream = std::filesystem::exists(place) && !std::filesystem::is_regular_file(place);
+  if (isStream || path == "-") {
     m_stream.emplace(path);
     return;
   }

@@ -108,6 +108,15 @@ TEST_F(FirstRun, ReplacesNothingButGroupsThatNobodyNamed) {
   EXPECT_EQ(files(), (std::set<std::string>{"scene.jsonl", "e.jsonl"}));
 }
 
+TEST_F(FirstRun, SharesNoFileThatNobodyNamed) {
+  Program redirected(folder.path());
+  redirected.process().setStandardOutputFile(
+      QString::fromStdString(folder.path() / "scene.groups.jsonl"));
+  EXPECT_EQ(redirected.run({"run", "scene.jsonl"}), 4);
+  EXPECT_EQ(redirected.errors(), "scene.groups.jsonl: would overwrite standard output\n");
+  EXPECT_EQ(run({"run", "/dev/stdin"}), 2) << "which is no name for groups";
+}
+
 TEST_F(FirstRun, OnATerminalTellsWhatWasFoundAndNoMore) {
   if (std::system("command -v script > /dev/null") != 0) {
     GTEST_SKIP() << "nothing makes a terminal";
@@ -151,6 +160,19 @@ TEST_F(FirstRun, ChangesParametersWithoutAFileAndWritesThemAsOne) {
 }
 
 // All that a mistake may cost is the time to mend it.
+TEST_F(FirstRun, WithAnOutputThatCannotBeSaysThatTheOthersAreNotComplete) {
+  const QStringList arguments{"run", "scene.jsonl", "--status", "s.json", "--graph", "-"};
+  ASSERT_EQ(run(arguments + QStringList{"--output", "g.jsonl"}), 0) << said;
+  EXPECT_THAT(printed, StartsWith("digraph"));
+  EXPECT_THAT(text("s.json"), HasSubstr("true"));
+  EXPECT_EQ(run(arguments + QStringList{"--output", "g.jsonl", "--csv", "nowhere/x.csv"}), 4);
+  EXPECT_THAT(text("s.json"), HasSubstr("false"));
+
+  folder.write("events.jsonl", "of yesterday\n");
+  EXPECT_EQ(run({"events", "nothing.jsonl", "--output", "events.jsonl"}), 2);
+  EXPECT_EQ(text("events.jsonl"), "of yesterday\n");
+}
+
 TEST_F(FirstRun, WithAMistakeLeavesTheGroupsOfYesterday) {
   const std::string yesterday = "{\"header\": {}}\n";
   folder.write("g.jsonl", yesterday);
