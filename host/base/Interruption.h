@@ -6,8 +6,8 @@
 namespace grouptracker {
 
 /// An end that somebody outside wished and that is nobody's fault: the program then ends quietly,
-/// with the status of success. A run ends its outputs first; everywhere else the program itself
-/// takes care of it.
+/// with a status that tells who wished it. A run ends its outputs first; everywhere else the
+/// program itself takes care of it.
 class Interruption : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;

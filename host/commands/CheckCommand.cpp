@@ -157,7 +157,11 @@ void CheckCommand::checkFiles(CheckReport& report) {
 }
 
 void CheckCommand::checkParameters(CheckReport& report) {
-  const RunParameters chosen(m_parameterFile, m_parameterChanges);
+  RunParameters chosen(m_parameterFile, m_parameterChanges);
+  InputChoice withoutCamera = m_choice;  // times need none, and it is looked at later
+  withoutCamera.calibrationFile.clear();
+  const auto step = secondsBetweenFrames(m_choice.input, inputOptions(withoutCamera));
+  step ? chosen.suit(1.0 / *step) : void();
   const ParameterFile& parameters = chosen.values();
   checkParameterValues(parameters, m_parameterFile.empty() ? "--set" : m_parameterFile, report);
   m_demands.delay = parameters.delay;

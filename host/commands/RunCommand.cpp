@@ -10,6 +10,7 @@
 
 #include <fmt/format.h>
 
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <unistd.h>
@@ -211,6 +212,9 @@ void RunCommand::completeOptions() {
 void RunCommand::printParameters() const {
   RunParameters parameters(m_options.parameterFile, m_options.parameterChanges);
   if (!m_options.input.empty()) {
+    if (m_options.input != "-" && !std::filesystem::exists(m_options.input)) {
+      throw InputError(m_options.input, "there is no such file or folder");
+    }
     const auto step = secondsBetweenFrames(m_options.input, inputOptions(m_options));
     step ? parameters.suit(1.0 / *step) : void();
   } else if (m_options.rate) {
