@@ -15,9 +15,9 @@ namespace grouptracker {
 ///
 ///     {"complete": true, "frames": 3000}
 ///
-/// It stands there with false before any output is emptied and is replaced, as a whole, when the input
-/// has been read to its end and every output is written. Whatever ends a run before leaves the
-/// false.
+/// It stands there with false before any output is emptied and is replaced, as a whole, when the
+/// input has been read to its end and every output is written. Whatever ends a run before leaves
+/// the false.
 class RunStatus {
  public:
   /// Nothing is written when the path is empty. What cannot be written is an `OutputError`.
