@@ -144,9 +144,7 @@ int CheckCommand::run() {
 
 void CheckCommand::checkFiles(CheckReport& report) {
   m_demands.takesAll = m_choice.frames.isWhole();
-  if (!m_parameterFile.empty() || !m_parameterChanges.empty()) {
-    isWell(report, [&] { checkParameters(report); });
-  }
+  isWell(report, [&] { checkParameters(report); });
   if (const auto doubt = m_steps.doubt()) {
     report.warn("pictures", {m_choice.input}, *doubt);
   }
@@ -163,7 +161,9 @@ void CheckCommand::checkParameters(CheckReport& report) {
   const auto step = secondsBetweenFrames(m_choice.input, inputOptions(withoutCamera));
   step ? chosen.suit(1.0 / *step) : void();
   const ParameterFile& parameters = chosen.values();
-  checkParameterValues(parameters, m_parameterFile.empty() ? "--set" : m_parameterFile, report);
+  if (!m_parameterFile.empty() || !m_parameterChanges.empty()) {
+    checkParameterValues(parameters, m_parameterFile.empty() ? "--set" : m_parameterFile, report);
+  }
   m_demands.delay = parameters.delay;
   m_demands.needsImages = parameters.needsImages;
 }
