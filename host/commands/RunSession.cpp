@@ -96,14 +96,19 @@ void RunSession::readFirstFrame() {
   const bool isThere = std::filesystem::is_regular_file(m_options.input, isNone) ||
                        std::filesystem::is_directory(m_options.input, isNone);
   InputFrame frame;
-  if (isThere && m_input.frames->next(frame)) {
+  if (!isThere) {
+    return;
+  }
+  if (m_input.frames->next(frame)) {
     m_first = std::move(frame);
+  } else {
+    m_isEmpty = true;  // it has said why and is not asked again
   }
 }
 
 bool RunSession::nextFrame(InputFrame& frame) {
   if (!m_first) {
-    return m_input.frames->next(frame);
+    return !m_isEmpty && m_input.frames->next(frame);
   }
   frame = std::move(*m_first);
   m_first.reset();

@@ -78,6 +78,7 @@ class RunSession {
   QSharedPointer<kelDataContext> m_context;
   OpenedInput m_input;
   std::optional<InputFrame> m_first;  ///< when it was read and not yet used
+  bool m_isEmpty = false;             ///< the input ended before a first frame
   std::optional<InputWatch> m_watch;  ///< none before the input is opened
   PersonCount m_people;
   ImageLoader m_images;
