@@ -201,8 +201,12 @@ void CheckCommand::checkInput(CheckReport& report) const {
 }
 
 void CheckCommand::checkTruth(const GroupedFrames& people, CheckReport& report) const {
-  if (const auto problem = whyAboutOthers(readTruth(m_truthFile), people)) {
+  const GroupTruth truth = readTruth(m_truthFile);
+  if (const auto problem = whyAboutOthers(truth, people)) {
     report.problem(InputError(m_truthFile, 1, *problem + m_choice.input));
+  }
+  if (const auto doubt = doubtAboutPeople(truth, people)) {
+    report.warn("truth", {m_truthFile}, *doubt);
   }
 }
 

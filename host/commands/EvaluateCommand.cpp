@@ -118,6 +118,9 @@ GroupedFrames EvaluateCommand::readRun(const std::string& path, const GroupTruth
   if (const auto problem = whyAboutOthers(truth, run)) {
     throw InputError(m_truthFile, 1, *problem + path);
   }
+  if (const auto doubt = doubtAboutPeople(truth, run)) {
+    fmt::print(stderr, "{}: warning: {}\n", m_truthFile, *doubt);
+  }
   return run;
 }
 

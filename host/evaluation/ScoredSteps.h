@@ -58,6 +58,10 @@ std::vector<double> secondsOf(const GroupedFrames& run);
 /// name ends; none when the truth fits.
 std::optional<std::string> whyAboutOthers(const GroupTruth& truth, const GroupedFrames& run);
 
+/// Why a truth for a whole sequence may be one for other people who happen to have the same ids:
+/// companions come and go together, and these do not. None when nothing speaks for it.
+std::optional<std::string> doubtAboutPeople(const GroupTruth& truth, const GroupedFrames& run);
+
 /// The frames about which the truth says something.
 GroupedFrames annotated(const GroupedFrames& run, const GroupTruth& truth);
 

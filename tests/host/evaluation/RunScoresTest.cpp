@@ -195,6 +195,20 @@ TEST(Annotation, OfOtherPeopleIsNoticed) {
   EXPECT_TRUE(whyAboutOthers(later, run));
 }
 
+TEST(Annotation, OfPeopleWithTheSameIdsIsDoubted) {
+  GroupedFrames run;
+  for (int frame = 0; frame < 20; ++frame) {  // 0 to 4 walk through, then 5 to 9
+    run.push_back({.frame = frame, .time = {}, .groups = {}, .alone = {0, 1, 2, 3, 4}});
+    for (PersonId& person : run.back().alone) {
+      person += frame < 10 ? 0 : 5;
+    }
+  }
+  EXPECT_FALSE(doubtAboutPeople(GroupTruth({{0, 1, 2, 3, 4}, {5, 6, 7}}), run));
+  EXPECT_EQ(doubtAboutPeople(GroupTruth({{0, 1, 2, 5, 6, 7}}), run).value_or("").substr(0, 54),
+            "its companions are in view together for 40 % of their ");
+  EXPECT_FALSE(doubtAboutPeople(GroupTruth({{0, 5}}), run)) << "one pair says little";
+}
+
 TEST(Identities, OfTrueGroupsOutliveTheirMembers) {
   GroupTruth truth;
   truth.setAt(1, {{1, 2, 3}, {4, 5}}, {7, 8});
