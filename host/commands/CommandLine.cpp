@@ -105,11 +105,14 @@ CLI::Validator wholeCheck() {
     const char* const end = text.data() + text.size();
     Whole number = 0;
     const auto [rest, error] = std::from_chars(text.data(), end, number);
+    if (error == std::errc::result_out_of_range) {
+      return fmt::format("{} is not from {} to {}", text, std::numeric_limits<Whole>::min(),
+                         std::numeric_limits<Whole>::max());
+    }
     return error == std::errc() && rest == end
                ? std::string()
-               : text + " is not a whole number from " +
-                     std::to_string(std::numeric_limits<Whole>::min()) + " to " +
-                     std::to_string(std::numeric_limits<Whole>::max());
+               : fmt::format("{} is not a whole number{}", text,
+                             std::is_unsigned_v<Whole> ? " of 0 or more" : "");
   };
   return CLI::Validator(check, std::string());
 }
@@ -240,7 +243,6 @@ template Option Options::add(const std::string&, std::vector<std::string>&, cons
 template Option Options::add(const std::string&, int&, const std::string&);
 template Option Options::add(const std::string&, std::optional<int>&, const std::string&);
 template Option Options::add(const std::string&, std::vector<int>&, const std::string&);
-template Option Options::add(const std::string&, std::int64_t&, const std::string&);
 template Option Options::add(const std::string&, std::size_t&, const std::string&);
 template Option Options::add(const std::string&, std::optional<std::size_t>&, const std::string&);
 template Option Options::add(const std::string&, double&, const std::string&);

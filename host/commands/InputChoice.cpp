@@ -11,7 +11,9 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <limits>
 #include <string_view>
+#include <utility>
 #include <variant>
 
 namespace grouptracker {
@@ -43,6 +45,26 @@ std::optional<cv::Size> parseSize(std::string_view text) {
   cv::Size size;
   const bool isSize = isApart && readWhole(begin, size.width) && readWhole(end, size.height);
   return isSize ? std::optional(size) : std::nullopt;
+}
+
+/// A number of pixels as people write it: 50000000, 50M or 8000x6000.
+std::optional<std::int64_t> parsePixels(std::string_view text) {
+  if (const auto size = parseSize(text)) {
+    return std::int64_t{size->width} * size->height;
+  }
+  constexpr std::array<std::pair<std::string_view, std::int64_t>, 4> factors{
+      {{"", 1}, {"k", 1'000}, {"M", 1'000'000}, {"G", 1'000'000'000}}};
+  constexpr std::int64_t most = std::numeric_limits<std::int64_t>::max();
+  std::int64_t number = 0;
+  const auto [rest, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  text.remove_prefix(rest - text.data());
+  const auto factor = std::find_if(factors.begin(), factors.end(),
+                                   [text](const auto& each) { return each.first == text; });
+  if (error != std::errc() || number <= 0 || factor == factors.end() ||
+      number > most / factor->second) {
+    return std::nullopt;
+  }
+  return number * factor->second;
 }
 
 void declareFrames(Options& command, InputChoice& choice) {
@@ -191,11 +213,16 @@ void declareReading(Options& command, InputChoice& choice) {
       .addFlag("--allow-outside-images", choice.allowsOutsideImages,
                "lets the input name images that lie outside its folder")
       .heading(heading);
+  const auto takePixels = [&choice](const std::string& text) {
+    const auto pixels = parsePixels(text);
+    choice.maxPixels = pixels.value_or(choice.maxPixels);
+    return pixels.has_value();
+  };
   command
-      .add("--max-pixels", choice.maxPixels,
-           "images and videos of more pixels are refused before they are decoded")
-      .positive()
-      .showDefault()
+      .addParsed("--max-pixels", takePixels, "such as 50000000, 50M or 8000x6000 is expected",
+                 "images and videos of more pixels are refused before they are decoded (default "
+                 "100M)")
+      .typeName("N")
       .heading(heading);
   declareLinks(command, choice);
 }

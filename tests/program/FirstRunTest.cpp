@@ -159,6 +159,17 @@ TEST_F(FirstRun, ChangesParametersWithoutAFileAndWritesThemAsOne) {
   EXPECT_EQ(said, "--set: label=value is expected instead of temporalWinSize\n");
 }
 
+TEST_F(FirstRun, TakesNumbersOfPixelsAsPeopleWriteThem) {
+  const QStringList arguments{"run", "scene.jsonl", "--output", "g.jsonl", "--max-pixels"};
+  for (const char* pixels : {"400", "50M", "8000x6000"}) {
+    EXPECT_EQ(run(arguments + QStringList{pixels}), 0) << said;
+  }
+  for (const char* pixels : {"0", "M", "4kM", "-1", "9999999999G"}) {
+    EXPECT_EQ(run(arguments + QStringList{pixels}), 2) << pixels;
+    EXPECT_THAT(said, StartsWith("--max-pixels: such as 50000000, 50M or 8000x6000 is expected\n"));
+  }
+}
+
 // All that a mistake may cost is the time to mend it.
 TEST_F(FirstRun, WithAnOutputThatCannotBeSaysThatTheOthersAreNotComplete) {
   const QStringList arguments{"run", "scene.jsonl", "--status", "s.json", "--graph", "-"};

@@ -45,7 +45,7 @@ TEST(SimulateCommand, RefusesNumbersThatMakeNoScene) {
       {{"--noise", "-1"}, "--noise: -1 is not a number from 0 to 100"},
       {{"--joins", "2000000000"}, "--joins: 2000000000 is not a number from 0 to 10000"},
       {{"--seed", "18446744073709551616"},
-       "--seed: 18446744073709551616 is not a whole number from 0 to 18446744073709551615"},
+       "--seed: 18446744073709551616 is not from 0 to 18446744073709551615"},
       {{"--circles", "2,99"}, "--circles: 99 is not a number from 2 to 12"},
       {{"--people", "100000", "--waiting", "1"},
        "--people: 100001 people in all are more than 100000"},
