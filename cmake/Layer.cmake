@@ -31,6 +31,19 @@ function(grouptracker_layer name)
   grouptracker_use_precompiled(${name} precompiled_library)
 endfunction()
 
+# grouptracker_late_library(NAME SOURCES ... [LINKS ...]): a library that the program and the plugin load
+# when they need it first, from where `LateLibrary` looks for it.
+function(grouptracker_late_library name)
+  cmake_parse_arguments(arg "" "" "SOURCES;LINKS" ${ARGN})
+  add_library(${name} MODULE ${arg_SOURCES})
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
+  target_link_libraries(${name} PRIVATE ${arg_LINKS})
+  grouptracker_options(${name})
+  grouptracker_use_precompiled(${name} precompiled_library)
+  set_target_properties(${name} PROPERTIES LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib/grouptracker)
+  install(TARGETS ${name} LIBRARY DESTINATION lib/grouptracker)
+endfunction()
+
 # grouptracker_precompiled(NAME KIND [HEADERS ...]): a target of the given kind, STATIC or EXECUTABLE,
 # that compiles the headers which most sources include; others share the result by
 # grouptracker_use_precompiled. Libraries and programs cannot share one, as their code differs.

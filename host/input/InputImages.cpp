@@ -2,12 +2,12 @@
 
 #include "host/base/InputError.h"
 #include "host/base/InputFile.h"
+#include "tracker/images/ImageCodec.h"
 
 #include <QFile>
 #include <QImageReader>
 #include <QSize>
 #include <fmt/format.h>
-#include <opencv2/imgcodecs.hpp>
 
 #include <algorithm>
 #include <system_error>
@@ -67,7 +67,7 @@ cv::Mat readImage(const std::filesystem::path& file, const InputPlace& place) {
                        "the image " + file.string() + " " + tooLarge(size.width(), size.height()));
     }
     try {
-      pixels = cv::imread(file.string(), cv::IMREAD_COLOR);
+      pixels = ImageCodec::loaded().read(file.string());
     } catch (const cv::Exception&) {
       pixels.release();  // the same as a file that is no image
     }
@@ -167,18 +167,13 @@ bool ImageFolder::next(InputFrame& frame) {
 VideoImages::VideoImages(std::unique_ptr<FrameSource> source, const std::string& file)
     : m_source(std::move(source)), m_file(file) {
   const InputFile canBeOpened(file);
-  try {
-    m_video.open(file);
-  } catch (const cv::Exception&) {
-    m_video.release();  // the same as a file that is no video
-  }
-  if (!m_video.isOpened()) {
+  m_video = VideoLibrary::loaded().open(file);
+  if (!m_video) {
     throw InputError(file, "neither a folder of images nor a readable video");
   }
-  const auto width = static_cast<std::int64_t>(m_video.get(cv::CAP_PROP_FRAME_WIDTH));
-  const auto height = static_cast<std::int64_t>(m_video.get(cv::CAP_PROP_FRAME_HEIGHT));
-  if (isTooLarge(width, height)) {
-    throw InputError(file, tooLarge(width, height));
+  const cv::Size size = m_video->size();
+  if (isTooLarge(size.width, size.height)) {
+    throw InputError(file, tooLarge(size.width, size.height));
   }
 }
 
@@ -186,15 +181,14 @@ bool VideoImages::next(InputFrame& frame) {
   if (!m_source->next(frame)) {
     return false;
   }
-  cv::Mat pixels;
-  if (!m_video.read(pixels) || pixels.empty()) {
+  const cv::Mat pixels = m_video->next();
+  if (pixels.empty()) {
     throw InputError(frame.place, m_file + " has only " + std::to_string(m_frames) +
                                       " frames, none for frame " + std::to_string(m_frames + 1));
   }
   ++m_frames;
   if (frame.imageFile.empty()) {
-    // A copy of its own: the video's reader writes the next frame over this one.
-    frame.image = QSharedPointer<kelDataImage>::create(pixels.clone());
+    frame.image = QSharedPointer<kelDataImage>::create(pixels);
   }
   return true;
 }

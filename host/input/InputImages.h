@@ -1,9 +1,9 @@
 #pragma once
 
 #include "host/people/InputFrame.h"
+#include "host/video/VideoLibrary.h"
 
 #include <opencv2/core.hpp>
-#include <opencv2/videoio.hpp>
 
 #include <cstddef>
 #include <cstdint>
@@ -88,7 +88,7 @@ class VideoImages : public FrameSource {
  private:
   std::unique_ptr<FrameSource> m_source;
   std::string m_file;
-  cv::VideoCapture m_video;
+  std::unique_ptr<VideoPictures> m_video;
   std::uint64_t m_frames = 0;
 };
 

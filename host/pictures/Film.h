@@ -1,9 +1,14 @@
 #pragma once
 
+#include "host/base/OutputFile.h"
+#include "host/video/VideoLibrary.h"
+
 #include <opencv2/core.hpp>
 
+#include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace grouptracker {
 
@@ -11,11 +16,10 @@ namespace grouptracker {
 /// be played up to the last second, however the program ends: the file is written in pieces of a
 /// second that need nothing behind them. Opened and written as an `OutputFile`, so a full disk is
 /// an `OutputError`, behind which everything before still plays.
-class Film {
+class Film : private FilmTarget {
  public:
   /// Tries the place at once. `rate` is in pictures per second.
   Film(const std::string& path, double rate);
-  ~Film();
   Film(const Film&) = delete;
   Film& operator=(const Film&) = delete;
 
@@ -29,9 +33,13 @@ class Film {
   void finish();
 
  private:
-  class Encoder;
+  void append(std::string_view bytes) override { m_file.writeLines(bytes); }
+  bool canBeRewritten() const override { return m_file.canBeRewritten(); }
+  void rewrite(std::int64_t at, std::string_view bytes) override { m_file.rewrite(at, bytes); }
 
-  std::unique_ptr<Encoder> m_encoder;
+  std::string m_path;
+  OutputFile m_file;
+  std::unique_ptr<FilmEncoding> m_encoding;
 };
 
 }  // namespace grouptracker

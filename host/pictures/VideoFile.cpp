@@ -1,6 +1,7 @@
 #include "host/pictures/VideoFile.h"
 
 #include "host/base/OutputPlace.h"
+#include "tracker/images/ImageCodec.h"
 
 #include <QFile>
 #include <QSaveFile>
@@ -18,8 +19,8 @@ namespace grouptracker {
 namespace {
 
 void writeImage(const std::string& path, const cv::Mat& picture) {
-  std::vector<uchar> bytes;
-  cv::imencode(".png", picture, bytes, {cv::IMWRITE_PNG_COMPRESSION, 1});
+  const std::vector<uchar> bytes =
+      ImageCodec::loaded().encode(".png", picture, {cv::IMWRITE_PNG_COMPRESSION, 1});
   QSaveFile file(QFile::decodeName(path.c_str()));
   const bool isWritten =
       file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) &&

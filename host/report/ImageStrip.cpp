@@ -1,6 +1,7 @@
 #include "host/report/ImageStrip.h"
 
 #include "host/input/InputImages.h"
+#include "tracker/images/ImageCodec.h"
 
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
@@ -102,7 +103,7 @@ ImageStrip::SmallImage ImageStrip::shrink(const cv::Mat& pixels) {
   cv::resize(pixels, small, {}, factor, factor, cv::INTER_AREA);
   SmallImage image;
   image.width = pixels.cols;
-  cv::imencode(".jpg", small, image.jpeg, {cv::IMWRITE_JPEG_QUALITY, keptQuality});
+  image.jpeg = ImageCodec::loaded().encode(".jpg", small, {cv::IMWRITE_JPEG_QUALITY, keptQuality});
   return image;
 }
 
@@ -112,7 +113,7 @@ ImageStrip::Images ImageStrip::inForm(const std::vector<SmallImage>& images, con
   for (const SmallImage& image : images) {
     cv::Mat pixels;
     if (!image.jpeg.empty()) {
-      pixels = cv::imdecode(image.jpeg, cv::IMREAD_COLOR);
+      pixels = ImageCodec::loaded().decode(image.jpeg);
     }
     if (pixels.empty()) {
       made.files.emplace_back();
@@ -122,9 +123,8 @@ ImageStrip::Images ImageStrip::inForm(const std::vector<SmallImage>& images, con
       const double factor = static_cast<double>(form.width) / pixels.cols;
       cv::resize(pixels, pixels, {}, factor, factor, cv::INTER_AREA);
     }
-    std::vector<std::uint8_t> bytes;
-    cv::imencode(".jpg", pixels, bytes,
-                 {cv::IMWRITE_JPEG_QUALITY, form.quality, cv::IMWRITE_JPEG_OPTIMIZE, 1});
+    const std::vector<uchar> bytes = ImageCodec::loaded().encode(
+        ".jpg", pixels, {cv::IMWRITE_JPEG_QUALITY, form.quality, cv::IMWRITE_JPEG_OPTIMIZE, 1});
     made.files.push_back(
         QByteArray(reinterpret_cast<const char*>(bytes.data()), static_cast<int>(bytes.size()))
             .toBase64());

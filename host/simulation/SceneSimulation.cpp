@@ -9,9 +9,9 @@
 #include "host/simulation/SimulatedSource.h"
 #include "host/simulation/SimulatedView.h"
 #include "host/simulation/TruthRecorder.h"
+#include "tracker/images/ImageCodec.h"
 
 #include <fmt/format.h>
-#include <opencv2/imgcodecs.hpp>
 
 #include <filesystem>
 #include <memory>
@@ -40,8 +40,7 @@ void writeContext(const fs::path& path) {
 }
 
 void writeImage(const fs::path& path, const cv::Mat& image) {
-  std::vector<uchar> bytes;
-  cv::imencode(".png", image, bytes);
+  const std::vector<uchar> bytes = ImageCodec::loaded().encode(".png", image);
   WholeFile(path).write({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
 }
 

@@ -1,3 +1,4 @@
+#include "tests/support/base/Images.h"
 #include "tests/support/base/Texts.h"
 #include "tests/support/host/WalkingScene.h"
 #include "tests/support/program/Program.h"
@@ -5,7 +6,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
-#include <opencv2/imgcodecs.hpp>
 
 #include <filesystem>
 #include <string>
@@ -25,7 +25,7 @@ class FileNames : public testing::TestWithParam<std::string> {
     fs::create_directories(base.parent_path());
     folder.write("p.txt", sampleParameters());
     const std::string image = base.string() + ".png";
-    cv::imwrite((folder.path() / "i.png").string(), cv::Mat(40, 60, CV_8UC3, cv::Scalar(9, 9, 9)));
+    writeImage(folder.path() / "i.png", cv::Mat(40, 60, CV_8UC3, cv::Scalar(9, 9, 9)));
     fs::copy_file(folder.path() / "i.png", image);
     std::string scene;
     for (int frame = 1; frame <= 12; ++frame) {

@@ -1,11 +1,11 @@
+#include "host/video/VideoLibrary.h"
+#include "tests/support/base/Images.h"
 #include "tests/support/base/Texts.h"
 #include "tests/support/host/WalkingScene.h"
 #include "tests/support/program/Program.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <opencv2/imgcodecs.hpp>
-#include <opencv2/videoio.hpp>
 
 #include <algorithm>
 #include <csignal>
@@ -151,9 +151,9 @@ TEST_F(OutputPlaces, ThatAreFullAreToldAndHoldWhatIsWhole) {
   Program film(folder.path());
   EXPECT_EQ(runLimited(film, 40, silent + QStringList{"--video", "film.mp4"}), 4);
   EXPECT_EQ(film.errors(), "film.mp4: cannot be written: File too large\n");
-  cv::VideoCapture shown(in("film.mp4"));
-  cv::Mat picture;
-  EXPECT_TRUE(shown.read(picture)) << "what was written before can be seen";
+  const auto shown = VideoLibrary::loaded().open(in("film.mp4"));
+  ASSERT_TRUE(shown);
+  EXPECT_FALSE(shown->next().empty()) << "what was written before can be seen";
 
   Program pictures(folder.path());
   EXPECT_EQ(runLimited(pictures, 1, silent + QStringList{"--video", "pictures"}), 4);
@@ -170,7 +170,7 @@ TEST_F(OutputPlaces, OfSimulatedImagesThatAreFullAreTold) {
 }
 
 TEST_F(OutputPlaces, OfAnnotatedImagesAreToldWhenTheyCannotBeWritten) {
-  cv::imwrite(in("1.png"), cv::Mat(40, 60, CV_8UC3, cv::Scalar::all(9)));
+  writeImage(in("1.png"), cv::Mat(40, 60, CV_8UC3, cv::Scalar::all(9)));
   std::string scene;
   for (int frame = 1; frame <= 6; ++frame) {
     scene += walkingLine(frame, R"("image": "1.png", )");
@@ -201,7 +201,7 @@ TEST_F(OutputPlaces, ThatWaitForAnybodyLetTheProgramStop) {
 }
 
 TEST_F(OutputPlaces, AreNotTheImagesOfTheInput) {
-  cv::imwrite(in("000001.png"), cv::Mat(40, 60, CV_8UC3, cv::Scalar::all(9)));
+  writeImage(in("000001.png"), cv::Mat(40, 60, CV_8UC3, cv::Scalar::all(9)));
   const std::string image = text("000001.png");
   std::string scene;
   for (int frame = 1; frame <= 6; ++frame) {

@@ -1,12 +1,12 @@
 #include "host/pictures/GroundMap.h"
+#include "host/video/VideoLibrary.h"
+#include "tests/support/base/Images.h"
 #include "tests/support/base/Texts.h"
 #include "tests/support/host/WalkingScene.h"
 #include "tests/support/program/Program.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <opencv2/imgcodecs.hpp>
-#include <opencv2/videoio.hpp>
 
 #include <filesystem>
 #include <limits>
@@ -42,7 +42,7 @@ class Pictures : public testing::Test {
       const std::string name = std::to_string(frame) + ".png";
       scene += walkingLine(frame, withImages ? R"("image": ")" + name + "\", " : "");
       if (withImages && frame != missing) {
-        cv::imwrite(folder.path() / name, cv::Mat(400, 601, CV_8UC3, cv::Scalar::all(10 * frame)));
+        writeImage(folder.path() / name, cv::Mat(400, 601, CV_8UC3, cv::Scalar::all(10 * frame)));
       }
     }
     folder.write("scene.jsonl", scene);
@@ -53,9 +53,7 @@ class Pictures : public testing::Test {
                                    "--quiet"} +
                        more);
   }
-  cv::Mat picture(const std::string& name) const {
-    return cv::imread(folder.path() / "out" / name, cv::IMREAD_COLOR);
-  }
+  cv::Mat picture(const std::string& name) const { return imageOf(folder.path() / "out" / name); }
 
   const TempFolder folder;
   Program program{folder.path()};
@@ -74,10 +72,10 @@ TEST_F(Pictures, ShowTheReportedFrameAndTheViewFromAbove) {
 TEST_F(Pictures, AreOfTheGroundAloneWithoutImages) {
   writeScene(false);
   EXPECT_EQ(run({"--video", "film.mp4"}), 0);
-  cv::VideoCapture film(folder.path() / "film.mp4");
-  cv::Mat frame;
+  const auto film = VideoLibrary::loaded().open(folder.path() / "film.mp4");
+  ASSERT_TRUE(film);
   int frames = 0;
-  while (film.read(frame)) {
+  while (!film->next().empty()) {
     ++frames;
   }
   EXPECT_EQ(frames, 12);

@@ -2,10 +2,10 @@
 
 #include "tracker/diagnostics/Diagnostics.h"
 #include "tracker/display/GroupExtension.h"
+#include "tracker/images/ImageCodec.h"
 
 #include <QFileInfo>
 #include <QSaveFile>
-#include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
 
 #include <algorithm>
@@ -65,7 +65,7 @@ std::string toText(unsigned int id) {
 QString save(const QString& name, const cv::Mat& pixels) {
   std::vector<uchar> bytes;
   try {
-    cv::imencode(("." + QFileInfo(name).suffix()).toStdString(), pixels, bytes);
+    bytes = ImageCodec::loaded().encode(("." + QFileInfo(name).suffix()).toStdString(), pixels);
   } catch (const std::exception&) {
     return "no image can have this name";
   }

@@ -1,9 +1,9 @@
 #include "host/report/ReportPage.h"
+#include "tests/support/base/Images.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <opencv2/core.hpp>
-#include <opencv2/imgcodecs.hpp>
 
 #include <cstring>
 
@@ -166,8 +166,7 @@ TEST(ImageStrip, FitsIntoSomeMegabytesAndKeepsTheBoxesInPlace) {
   EXPECT_LE(bytes, 300'000);
   EXPECT_GT(bytes, 150'000) << "no smaller than it has to be";
   const QByteArray jpeg = QByteArray::fromBase64(images.files.front());
-  const cv::Mat first =
-      cv::imdecode(std::vector<uchar>(jpeg.begin(), jpeg.end()), cv::IMREAD_COLOR);
+  const cv::Mat first = ImageCodec::loaded().decode(std::vector<uchar>(jpeg.begin(), jpeg.end()));
   EXPECT_EQ(first.cols, images.width);
   EXPECT_LT(images.width, 480);
 

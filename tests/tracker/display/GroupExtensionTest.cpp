@@ -1,9 +1,9 @@
+#include "tests/support/base/Images.h"
 #include "tracker/diagnostics/Diagnostics.h"
 #include "tracker/display/GroupExtension.h"
 #include "tracker/geometry/Util.h"
 
 #include <gtest/gtest.h>
-#include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
 
 #include <filesystem>
@@ -107,7 +107,7 @@ TEST_F(OutputImages, CarryAStampWithRoomForItsDigits) {
     extension.setFrameNumber(frame + 2);
     EXPECT_EQ(savePrinted(), "");
     EXPECT_EQ(cv::norm(image->mat(), expected), 0.0) << frame;
-    const cv::Mat saved = cv::imread(extension.getOutputImageFileName(frame).toStdString());
+    const cv::Mat saved = imageOf(extension.getOutputImageFileName(frame).toStdString());
     ASSERT_FALSE(saved.empty()) << frame;
     EXPECT_EQ(cv::norm(saved, expected), 0.0) << frame;
   }

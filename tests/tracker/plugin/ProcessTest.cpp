@@ -1,3 +1,4 @@
+#include "tests/support/base/Images.h"
 #include "tests/support/process/Printed.h"
 #include "tests/support/process/ProcessDriver.h"
 #include "tests/support/process/Scene.h"
@@ -12,7 +13,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <opencv2/imgcodecs.hpp>
 
 #include <filesystem>
 #include <optional>
@@ -157,7 +157,7 @@ TEST_F(ProcessTest, SavesTheImageOfTheFrameThatItReports) {
   EXPECT_EQ(std::distance(fs::directory_iterator(output.path()), {}), 2);
   for (int number = 1; number <= 2; ++number) {
     const auto name = output.path() / ("00000" + std::to_string(number + 6) + "_output.png");
-    const cv::Mat saved = cv::imread(name.string());
+    const cv::Mat saved = imageOf(name);
     ASSERT_FALSE(saved.empty()) << name;
     EXPECT_EQ(saved.at<cv::Vec3b>(290, 10)[0], number) << "the image is that of the frame";
     // The lower edge of the first walker's box, within that of the group, in the palette's red.

@@ -1,0 +1,9 @@
+#include "tracker/images/ImageCodec.h"
+
+#include "tracker/images/LateLibrary.h"
+
+const ImageCodec& ImageCodec::loaded() {
+  static const auto& codec =
+      lateLibrary<ImageCodec>("libgrouptracker_images.so", "groupTrackerImageCodec");
+  return codec;
+}
