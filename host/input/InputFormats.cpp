@@ -230,31 +230,6 @@ const InputFormat& formatOf(const std::string& path, const std::string& key) {
   throw strangeInput(path);
 }
 
-/// The frames of an input with the times that a rate gives them: all of them when the user says the
-/// rate, else those that have none.
-class FramesAtRate : public FrameSource {
- public:
-  /// `rate`: frame numbers a second.
-  FramesAtRate(std::unique_ptr<FrameSource> source, double rate, bool replacesTimes)
-      : m_source(std::move(source)), m_rate(rate), m_replacesTimes(replacesTimes) {}
-
-  bool next(InputFrame& frame) override {
-    if (!m_source->next(frame)) {
-      return false;
-    }
-    if (m_replacesTimes || !frame.time) {
-      frame.time = static_cast<double>(frame.number) / m_rate;
-    }
-    return true;
-  }
-  std::optional<std::uint64_t> totalFrames() override { return m_source->totalFrames(); }
-
- private:
-  std::unique_ptr<FrameSource> m_source;
-  double m_rate;
-  bool m_replacesTimes;
-};
-
 /// The format's name, as the user says it or shows by naming columns; empty when nobody said.
 std::string keyOf(const std::string& path, const InputOptions& options) {
   if (!options.format.empty() || options.table.isEmpty() || !isFile(path)) {
@@ -295,11 +270,7 @@ OpenedInput openInput(const std::string& path, const InputOptions& options) {
         std::move(input.frames), fs::is_directory(path, unreadable) ? fs::path(path) : folder);
   }
   input.frames = withImages(std::move(input.frames), options.images, options.decodesVideo);
-  input.rate = options.rate ? options.rate : input.rate;
-  if (input.rate) {
-    input.frames = std::make_unique<FramesAtRate>(std::move(input.frames), *input.rate,
-                                                  options.rate.has_value());
-  }
+  giveTimes(options.rate, input);
   if (!options.frames.isWhole()) {
     input.frames =
         std::make_unique<FramesWithin>(std::move(input.frames), options.frames, options.onWarning);

@@ -95,6 +95,31 @@ View viewOf(ObservationTable& observations) {
   return view;
 }
 
+/// The frames of an input with the times that a rate gives them: all of them when the user says the
+/// rate, else those that have none.
+class FramesAtRate : public FrameSource {
+ public:
+  /// `rate`: frame numbers a second.
+  FramesAtRate(std::unique_ptr<FrameSource> source, double rate, bool replacesTimes)
+      : m_source(std::move(source)), m_rate(rate), m_replacesTimes(replacesTimes) {}
+
+  bool next(InputFrame& frame) override {
+    if (!m_source->next(frame)) {
+      return false;
+    }
+    if (m_replacesTimes || !frame.time) {
+      frame.time = static_cast<double>(frame.number) / m_rate;
+    }
+    return true;
+  }
+  std::optional<std::uint64_t> totalFrames() override { return m_source->totalFrames(); }
+
+ private:
+  std::unique_ptr<FrameSource> m_source;
+  double m_rate;
+  bool m_replacesTimes;
+};
+
 }  // namespace
 
 QSharedPointer<kelAbstractDataCalibration> cameraOf(const cv::Matx33d& homography,
@@ -129,6 +154,14 @@ void assembleInput(std::unique_ptr<ObservationTable> observations, const InputOp
   }
   input.frames =
       std::make_unique<TrackAssembler>(std::move(observations), input.calibration, options.links);
+}
+
+void giveTimes(const std::optional<double>& wishedRate, OpenedInput& input) {
+  input.rate = wishedRate ? wishedRate : input.rate;
+  if (input.rate) {
+    input.frames = std::make_unique<FramesAtRate>(std::move(input.frames), *input.rate,
+                                                  wishedRate.has_value());
+  }
 }
 
 void openRecording(TrackRecording recording, const InputOptions& options, OpenedInput& input) {

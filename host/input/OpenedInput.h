@@ -62,6 +62,10 @@ void assembleInput(std::unique_ptr<ObservationTable> observations, const InputOp
 /// The same for people's places out of a table, which may also say how fast its frames follow.
 void openRecording(TrackRecording recording, const InputOptions& options, OpenedInput& input);
 
+/// Gives the frames their times: all of them when the user wishes a rate (frame numbers a second),
+/// else those without, when the input itself says how fast they follow.
+void giveTimes(const std::optional<double>& wishedRate, OpenedInput& input);
+
 /// The camera behind a homography; `farthest` is the largest column and row at which anything is
 /// seen, which gives the image size when nobody knows it.
 QSharedPointer<kelAbstractDataCalibration> cameraOf(const cv::Matx33d& homography,

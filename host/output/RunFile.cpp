@@ -95,6 +95,12 @@ void RunFileWriter::write(const RunStep& step) {
   m_file.writeLines({m_line.data(), m_line.size()});
 }
 
+std::string actorsLine(const RunStep& step) {
+  Line line;
+  appendActors(line, step);
+  return {line.data(), line.size()};
+}
+
 namespace {
 
 template <typename Number>

@@ -35,6 +35,9 @@ class RunFileWriter : public StepSink {
   fmt::memory_buffer m_line;  ///< kept from step to step
 };
 
+/// The line of an actors file about a step of the process, with its end.
+std::string actorsLine(const RunStep& step);
+
 /// What is read of a file of steps.
 enum class RunFilePart {
   whole,      ///< all that a run writes, which must be there

@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include <cstdio>
 #include <utility>
 
 /// The process's lines on standard output. What a frame prints is gathered in one buffer and handed
@@ -15,6 +16,8 @@ class Diagnostics {
   /// Whether lines are printed at all; when not, they are not even formatted.
   static bool enabled() { return s_enabled; }
   static void setEnabled(bool enabled) { s_enabled = enabled; }
+  /// Where the lines go from now on; null for standard output. The file belongs to the caller.
+  static void setOutput(std::FILE* output) { s_output = output; }
 
   /// Adds formatted text, when enabled.
   template <typename... Args>
@@ -39,7 +42,7 @@ class Diagnostics {
     }
   }
 
-  /// Hands everything gathered so far to standard output.
+  /// Hands everything gathered so far to standard output, or where `setOutput` says.
   static void flush();
 
   /// Flushes at the end of a scope, also when an exception leaves it.
@@ -53,5 +56,6 @@ class Diagnostics {
 
  private:
   static bool s_enabled;
+  static std::FILE* s_output;  ///< null for standard output
   static TextBuffer s_buffer;
 };
