@@ -1,0 +1,25 @@
+#pragma once
+
+#include "host/input/OpenedInput.h"
+#include "host/run/GroupRun.h"
+#include "host/run/RunParameters.h"
+#include "library/Tracker.h"
+
+#include <kel/kelAbstractDataCalibration.h>
+
+#include <QSharedPointer>
+
+namespace grouptracker {
+
+/// What the settings of a tracker mean for its parts. What is wrong with them is an `InputError`.
+
+/// Puts what the settings say about the camera where inputs are told it: a camera, or a homography.
+void takeCamera(const TrackerSettings& settings, InputOptions& options);
+
+/// The camera of an input of which nobody knows more; null when the settings name none.
+QSharedPointer<kelAbstractDataCalibration> cameraOf(const TrackerSettings& settings);
+
+/// How groups are found beside a process with these parameters.
+GroupRunOptions groupOptions(const TrackerSettings& settings, const RunParameters& parameters);
+
+}  // namespace grouptracker
