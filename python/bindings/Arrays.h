@@ -1,0 +1,53 @@
+#pragma once
+
+#include "host/base/InputError.h"
+
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <pybind11/numpy.h>
+#include <string>
+#include <vector>
+
+namespace grouptracker {
+
+/// Numbers as they come from Python: any array or list that numpy can turn into doubles.
+using Numbers = pybind11::array_t<double, pybind11::array::c_style | pybind11::array::forcecast>;
+
+/// The rows of an array of `width` numbers each. Another shape is a `ValueProblem` with `name`.
+template <std::size_t width>
+std::vector<std::array<double, width>> rowsOf(const Numbers& array, const std::string& name) {
+  const bool isEmpty = array.size() == 0;
+  if (!isEmpty && (array.ndim() != 2 || array.shape(1) != static_cast<pybind11::ssize_t>(width))) {
+    throw ValueProblem(name + ": an array of N x " + std::to_string(width) + " is expected");
+  }
+  std::vector<std::array<double, width>> rows(static_cast<std::size_t>(array.size()) / width);
+  const double* number = array.data();
+  for (auto& row : rows) {
+    std::copy(number, number + width, row.begin());
+    number += width;
+  }
+  return rows;
+}
+
+/// Ids of persons; what is no whole number from 0 to 2^32 - 1 is a `ValueProblem`.
+inline std::vector<std::uint32_t> idsOf(const Numbers& array) {
+  constexpr double largest = std::numeric_limits<std::uint32_t>::max();
+  if (array.size() != 0 && array.ndim() != 1) {
+    throw ValueProblem("ids: an array of N is expected");
+  }
+  std::vector<std::uint32_t> ids;
+  ids.reserve(static_cast<std::size_t>(array.size()));
+  for (pybind11::ssize_t i = 0; i < array.size(); ++i) {
+    const double id = array.data()[i];
+    if (!(id >= 0.0 && id <= largest) || std::trunc(id) != id) {
+      throw ValueProblem("ids: a whole number from 0 to 4294967295 is expected");
+    }
+    ids.push_back(static_cast<std::uint32_t>(id));
+  }
+  return ids;
+}
+
+}  // namespace grouptracker
