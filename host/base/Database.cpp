@@ -1,10 +1,9 @@
 #include "host/base/Database.h"
 
-#include "host/base/OutputPlace.h"
-
 namespace grouptracker {
 
-Database::Database(const std::string& path) : m_name(path), m_place(openRegularOutput(path)) {
+Database::Database(const std::string& path, OldContent old)
+    : m_name(path), m_place(openRegularOutput(path, old)) {
   // Names with a meaning of their own, such as ":memory:" or "file:...", are files here.
   open(path.starts_with('/') ? path : "./" + path);
 }
@@ -14,6 +13,13 @@ std::unique_ptr<Database> Database::temporary() {
   database->m_name = "temporary database";
   database->open("");  // SQLite's name for one that goes when it is closed
   database->execute("PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF; BEGIN");
+  return database;
+}
+
+std::unique_ptr<Database> Database::inMemory() {
+  std::unique_ptr<Database> database(new Database());
+  database->m_name = "database in memory";
+  database->open(":memory:");
   return database;
 }
 
@@ -72,6 +78,11 @@ void Statement::bind(int place, const char* text) {
 
 void Statement::bind(int place, Bytes bytes) {
   sqlite3_bind_blob64(m_statement.get(), place, bytes.data(), bytes.size(), SQLITE_STATIC);
+}
+
+void Statement::bind(int place, const std::variant<std::int64_t, std::string>& value) {
+  const auto* const text = std::get_if<std::string>(&value);
+  text != nullptr ? bind(place, text->c_str()) : bind(place, std::get<std::int64_t>(value));
 }
 
 void Statement::bindNull(int place) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/base/FileDescriptor.h"
+#include "host/base/OutputPlace.h"
 
 #include <sqlite3.h>
 
@@ -10,18 +11,21 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <variant>
 
 namespace grouptracker {
 
-/// An SQLite database that is written from scratch. What goes wrong is an `OutputError` that names
-/// the file.
+/// An SQLite database. What goes wrong is an `OutputError` that names the file.
 class Database {
  public:
-  /// In a file; an existing one is replaced, anything else that bears the name left as it is.
-  explicit Database(const std::string& path);
+  /// In a file that is written from scratch, or one whose content is kept; anything else than a
+  /// regular file that bears the name is left as it is.
+  explicit Database(const std::string& path, OldContent old = OldContent::replaced);
   /// For what would take too much memory: a temporary file, in the folder of the environment
   /// variable TMPDIR or in /var/tmp, which vanishes with the program however that ends.
   static std::unique_ptr<Database> temporary();
+  /// For what needs to live no longer than the program and never grows large.
+  static std::unique_ptr<Database> inMemory();
 
   void execute(const char* sql);
   sqlite3* handle() const { return m_handle.get(); }
@@ -65,10 +69,14 @@ class Statement {
     (bind(++place, values), ...);
   }
 
+  /// Ends a query before its last row.
+  void reset() { sqlite3_reset(m_statement.get()); }
   /// Moves to the first or next row; false behind the last.
   bool next();
   /// The bytes or characters of a column of the row, 0 the first; they hold until the next move.
   Bytes bytes(int column) const;
+  /// A whole number out of a column; 0 for none.
+  std::int64_t number(int column) const { return sqlite3_column_int64(m_statement.get(), column); }
 
  private:
   struct Finalize {
@@ -79,6 +87,7 @@ class Statement {
   void bind(int place, double value);
   void bind(int place, const char* text);
   void bind(int place, Bytes bytes);
+  void bind(int place, const std::variant<std::int64_t, std::string>& value);
   template <typename Value>
   void bind(int place, const std::optional<Value>& value) {
     value ? bind(place, *value) : bindNull(place);

@@ -67,4 +67,13 @@ InputFile::InputFile(const std::string& path)
   m_stream.exceptions(std::ios::badbit);
 }
 
+bool InputFile::waitFor(std::chrono::milliseconds most) const {
+  const int file = m_file.isOpen() ? m_file.get() : STDIN_FILENO;
+  const bool isThere = stop_wish::waitFor(file, POLLIN, static_cast<int>(most.count()));
+  if (!isThere && stop_wish::isThere()) {
+    throw InputInterrupted();
+  }
+  return isThere;
+}
+
 }  // namespace grouptracker

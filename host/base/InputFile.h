@@ -2,6 +2,7 @@
 
 #include "host/base/FileDescriptor.h"
 
+#include <chrono>
 #include <cstddef>
 #include <istream>
 #include <streambuf>
@@ -37,6 +38,8 @@ class InputFile {
   explicit InputFile(const std::string& path);
 
   std::istream& stream() { return m_stream; }
+  /// Waits until there is something to read, or the end; false when the time is over before.
+  bool waitFor(std::chrono::milliseconds most) const;
 
  private:
   FileDescriptor m_file;  ///< closed for standard input, which is not owned

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/base/InputError.h"
+#include "host/base/PersonNames.h"
 
 #include <simdjson.h>
 
@@ -32,8 +33,9 @@ inline ValueProblem problem(const std::string& text) {
 inline Value parse(simdjson::dom::parser& parser, const std::string& text) {
   Value value;
   if (const auto error = parser.parse(text).get(value)) {
-    throw problem(error == simdjson::NUMBER_ERROR ? "not valid JSON: a number that does not fit"
-                                                  : "not valid JSON");
+    throw problem(error == simdjson::NUMBER_ERROR  ? "not valid JSON: a number that does not fit"
+                  : error == simdjson::DEPTH_ERROR ? "the JSON is nested too deeply"
+                                                   : "not valid JSON");
   }
   return value;
 }
@@ -78,6 +80,19 @@ Number as(Value value, const char* name) {
     throw problem(std::string(name) + " is a number that does not fit");
   }
   return rounded;
+}
+
+/// The number that stands for a person, whose name may be a whole number or a text.
+inline std::uint32_t asPerson(Value value, const char* name) {
+  std::string_view text;
+  if (value.get(text) == simdjson::SUCCESS) {
+    return PersonNames::ofProgram().numberOf(text);
+  }
+  std::int64_t number = 0;
+  if (value.get(number) != simdjson::SUCCESS) {
+    throw problem(std::string(name) + " must be a whole number or a text");
+  }
+  return PersonNames::ofProgram().numberOf(number);
 }
 
 template <typename Number, std::size_t count>

@@ -3,22 +3,55 @@
 #include "host/base/FileDescriptor.h"
 #include "host/base/Interruption.h"
 #include "host/base/OutputPlace.h"
+#include "host/base/ReopenWish.h"
 
 #include <cerrno>
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace grouptracker {
 
-OutputFile::OutputFile(const std::string& path)
-    : m_path(path), m_file(openOutput(path)), m_isRegular(isRegular(m_file)) {
+OutputFile::OutputFile(const std::string& path, const std::string& header, WhenMoved whenMoved)
+    : m_path(path),
+      m_header(header),
+      m_reopened(reopen_wish::count()),
+      m_file(openOutput(path)),
+      m_isRegular(isRegular(m_file)),
+      m_canMove(m_isRegular && path != "-" && !path.starts_with("/dev/") &&
+                whenMoved == WhenMoved::begunAnew) {
   if (!m_isRegular) {
     ::fcntl(m_file.get(), F_SETFL, ::fcntl(m_file.get(), F_GETFL) | O_NONBLOCK);
   }
+  write(m_header);
 }
 
 void OutputFile::writeLines(std::string_view lines) {
+  if (m_canMove && m_reopened != reopen_wish::count()) {
+    reopen();
+  }
+  write(lines);
+}
+
+void OutputFile::reopen() {
+  m_reopened = reopen_wish::count();
+  if (wasMoved()) {
+    m_file = openOutput(m_path);
+    m_wholeLines = 0;
+    write(m_header);
+  }
+}
+
+bool OutputFile::wasMoved() const {
+  struct stat ours = {};
+  struct stat there = {};
+  return ::fstat(m_file.get(), &ours) == 0 &&
+         (::stat(m_path.c_str(), &there) != 0 || there.st_dev != ours.st_dev ||
+          there.st_ino != ours.st_ino);
+}
+
+void OutputFile::write(std::string_view lines) {
   std::string_view rest = lines;
   while (!rest.empty()) {
     const ssize_t count = ::write(m_file.get(), rest.data(), rest.size());

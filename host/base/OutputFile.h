@@ -9,13 +9,19 @@
 
 namespace grouptracker {
 
+/// What becomes of a file that somebody moves away while it is written, once it is wished that such
+/// files are begun anew (`reopen_wish`).
+enum class WhenMoved { begunAnew, followed };
+
 /// A text file that holds whole lines only, whatever happens: each line goes to the operating
 /// system in one piece, and a line that a full disk cuts is taken back. Opened as `openOutput()`
 /// says. What cannot be written is an `OutputError`; a pipe whose reader has gone is `ClosedPipe`,
 /// and one whose reader does not read, `OutputInterrupted` soon after the program is asked to stop.
 class OutputFile {
  public:
-  explicit OutputFile(const std::string& path);
+  /// Each file begins with the header, which is empty or ends with a line end.
+  explicit OutputFile(const std::string& path, const std::string& header = "",
+                      WhenMoved whenMoved = WhenMoved::begunAnew);
 
   /// Writes text that ends with a line end, or another piece that shall be there as a whole.
   void writeLines(std::string_view lines);
@@ -25,12 +31,18 @@ class OutputFile {
   void rewrite(std::int64_t at, std::string_view bytes);
 
  private:
+  void write(std::string_view lines);
+  void reopen();
+  bool wasMoved() const;
   void waitForReader() const;
   [[noreturn]] void fail(int error);
 
   std::string m_path;
+  std::string m_header;
+  unsigned m_reopened;  ///< wishes that were seen
   FileDescriptor m_file;
   bool m_isRegular;        ///< nobody has to be waited for then
+  bool m_canMove;          ///< a regular file with a name, which is to be begun anew when moved
   off_t m_wholeLines = 0;  ///< bytes written so far, all of whole lines
 };
 

@@ -91,12 +91,12 @@ FileDescriptor openOutput(const std::string& path, OldContent old) {
   return file;
 }
 
-FileDescriptor openRegularOutput(const std::string& path) {
+FileDescriptor openRegularOutput(const std::string& path, OldContent old) {
   struct stat status = {};
   if (::stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
     throw OutputError(path, "is no regular file, so it cannot be replaced");
   }
-  return openOutput(path);
+  return openOutput(path, old);
 }
 
 FileDescriptor lockFolder(const std::string& path) {

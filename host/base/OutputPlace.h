@@ -26,7 +26,7 @@ enum class OldContent { replaced, kept };
 FileDescriptor openOutput(const std::string& path, OldContent old = OldContent::replaced);
 
 /// The same for a place that must be a regular file or nothing yet, such as a database.
-FileDescriptor openRegularOutput(const std::string& path);
+FileDescriptor openRegularOutput(const std::string& path, OldContent old = OldContent::replaced);
 
 /// Locks a folder, into which files are written, in the same way.
 FileDescriptor lockFolder(const std::string& path);

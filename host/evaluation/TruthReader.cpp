@@ -42,7 +42,7 @@ bool isHeader(std::string_view line) {
 PersonGroup readPersons(json::Value value) {
   PersonGroup persons;
   json::readArray(
-      value, "a group", [](json::Value person) { return json::as<Person>(person, "a person"); },
+      value, "a group", [](json::Value person) { return json::asPerson(person, "a person"); },
       persons);
   return persons;
 }

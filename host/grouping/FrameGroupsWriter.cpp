@@ -1,6 +1,6 @@
 #include "host/grouping/FrameGroupsWriter.h"
 
-#include "host/base/JsonLine.h"
+#include "host/base/PersonNames.h"
 
 #include <cmath>
 
@@ -11,6 +11,7 @@ namespace {
 using json_line::append;
 using json_line::appendArray;
 using json_line::appendNumbers;
+using json_line::appendPersons;
 using json_line::Line;
 
 constexpr double perMetre = 1e4;
@@ -29,7 +30,7 @@ std::string numberOrNull(const std::optional<double>& value, double parts) {
 
 void appendGroup(Line& line, const FoundGroup& group) {
   append(line, R"({{"id": {}, "members": )", group.id);
-  appendNumbers(line, group.members);
+  appendPersons(line, group.members);
   append(line, R"(, "since": {}, "position": [{}, {}], "confidence": {})", group.since,
          rounded(group.position.x, perMetre), rounded(group.position.y, perMetre),
          rounded(group.confidence, perCertainty));
@@ -48,7 +49,7 @@ std::string toLine(const FrameGroups& frame) {
          numberOrNull(frame.time, perSecond));
   appendArray(line, frame.groups, [&line](const FoundGroup& group) { appendGroup(line, group); });
   append(line, R"(, "alone": )");
-  appendNumbers(line, frame.alone);
+  appendPersons(line, frame.alone);
   append(line, "}}\n");
   return {line.data(), line.size()};
 }

@@ -59,12 +59,17 @@ std::vector<FrameGroups> GroupFinder::finish() {
   return handOut(std::numeric_limits<double>::infinity());
 }
 
-/// The seconds of a frame; they never go back, whatever the input says.
+/// The seconds of a frame by a clock that never goes back: where that of the input is set back,
+/// ours goes on from where it was.
 double GroupFinder::clock(const PeopleFrame& frame) {
   const double usual = m_now ? *m_now + ticks::usualLength : 0.0;
-  const double now = frame.time.value_or(usual);
-  m_now = m_now ? std::max(*m_now, now) : now;
-  return *m_now;
+  const double now = frame.time ? *frame.time + m_setBack : usual;
+  if (m_now && now < *m_now) {
+    m_setBack += *m_now - now;
+    return *m_now;
+  }
+  m_now = now;
+  return now;
 }
 
 std::vector<FrameGroups> GroupFinder::handOut(double knownUntil) {

@@ -53,6 +53,7 @@ class GroupFinder {
   GroupIdentity m_identity;
 
   std::optional<double> m_now;       ///< of the latest frame, seconds; none before the first
+  double m_setBack = 0.0;            ///< seconds by which the input's clock has gone back so far
   std::optional<double> m_lastTick;  ///< seconds; none before the first
   std::deque<WaitingFrame> m_waiting;
 

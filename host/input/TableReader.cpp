@@ -3,6 +3,7 @@
 #include "host/base/InputError.h"
 #include "host/base/InputFile.h"
 #include "host/base/LineReader.h"
+#include "host/base/PersonNames.h"
 #include "host/base/TextNumbers.h"
 #include "host/input/FieldSplitter.h"
 #include "host/people/ObservationSource.h"
@@ -171,15 +172,22 @@ class TableParser {
 
   double numberIn(std::size_t quantity, const std::string& field) const {
     const bool isPerson = static_cast<TrackQuantity>(quantity) == TrackQuantity::person;
-    if (isPerson && !isNumber(m_splitter, field)) {
-      throw ValueProblem(fmt::format("the id \"{}\" is no number; ids must be whole numbers",
-                                     field.substr(0, longestQuote)));
+    return isPerson ? personIn(field) : m_splitter.number(field);
+  }
+
+  /// The number that stands for the person.
+  double personIn(const std::string& field) const {
+    if (field.empty()) {
+      throw ValueProblem("the id is missing");
     }
-    return m_splitter.number(field);
+    if (!isNumber(m_splitter, field)) {
+      return PersonNames::ofProgram().numberOf(field);
+    }
+    const double number = m_splitter.number(field);
+    return PersonNames::ofProgram().numberOf(wholeNumber(number, largestPerson, "id"));
   }
 
   static constexpr std::size_t fewestNames = 4;
-  static constexpr std::size_t longestQuote = 40;  // characters
 
   const TableChoice& m_choice;
   TrackRows m_rows;

@@ -36,6 +36,13 @@ std::vector<std::uint32_t> idsIn(Value list, const char* name, const char* each)
   return ids;
 }
 
+std::vector<std::uint32_t> personsIn(Value list, const char* name, const char* each) {
+  std::vector<std::uint32_t> persons;
+  json::readArray(
+      list, name, [each](Value id) { return json::asPerson(id, each); }, persons);
+  return persons;
+}
+
 void readDetails(simdjson::dom::object object, RunGroup& group) {
   group.since = json::as<std::int64_t>(require(object, "since"), "since");
   const auto [x, y] = json::asNumbers<float, 2>(require(object, "position"), "position");
@@ -48,7 +55,9 @@ RunGroup groupIn(Value value, bool isWhole) {
   RunGroup group;
   group.isVisible = true;
   group.id = json::as<std::uint32_t>(require(object, "id"), "id");
-  for (const std::uint32_t person : idsIn(require(object, "members"), "members", "a member")) {
+  std::vector<std::uint32_t> members = personsIn(require(object, "members"), "members", "a member");
+  std::sort(members.begin(), members.end());
+  for (const std::uint32_t person : members) {
     group.members.push_back({{}, person, {}});
   }
   if (isWhole) {
@@ -82,7 +91,7 @@ RunStep groups_line::parse(simdjson::dom::object line, bool isWhole) {
       require(line, "groups"), "groups", [isWhole](Value item) { return groupIn(item, isWhole); },
       step.groups);
   std::set<std::uint32_t> persons;
-  for (const std::uint32_t person : idsIn(require(line, "alone"), "alone", "a person")) {
+  for (const std::uint32_t person : personsIn(require(line, "alone"), "alone", "a person")) {
     persons.insert(person);
   }
   for (const RunGroup& group : step.groups) {

@@ -1,5 +1,7 @@
 #include "host/output/LineExports.h"
 
+#include "host/base/PersonNames.h"
+
 #include <fmt/format.h>
 
 #include <string>
@@ -12,9 +14,7 @@ const cv::Rect unknown(-1, -1, -1, -1);
 
 }  // namespace
 
-CsvExport::CsvExport(const std::string& path) : m_file(path) {
-  m_file.writeLines("frame,group,person,x,y,time\n");
-}
+CsvExport::CsvExport(const std::string& path) : m_file(path, "frame,group,person,x,y,time\n") {}
 
 void CsvExport::write(const RunStep& step) {
   if (!step.inputFrame) {
@@ -28,7 +28,7 @@ void CsvExport::write(const RunStep& step) {
     }
     for (const RunMember& member : group.members) {
       lines += fmt::format("{},{},", *step.inputFrame, group.id);
-      lines += member.person ? fmt::format("{}", *member.person) : "";
+      lines += member.person ? PersonNames::ofProgram().fieldOf(*member.person) : "";
       lines += member.place ? fmt::format(",{},{}", member.place->x, member.place->y) : ",,";
       lines += fmt::format(",{}\n", time);
     }

@@ -1,5 +1,7 @@
 #include "host/output/LineageGraph.h"
 
+#include "host/base/PersonNames.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -7,6 +9,7 @@
 #include <cstdint>
 #include <iterator>
 #include <limits>
+#include <vector>
 
 namespace grouptracker {
 
@@ -19,14 +22,23 @@ constexpr double characterWidth = 0.085;
 
 using Life = FamilyTree::Life;
 
+/// The names of everybody who ever was in a group, fit for a text between quotes.
+std::vector<std::string> namesOf(const Life& life) {
+  std::vector<std::string> names;
+  for (const std::uint32_t person : life.persons) {
+    const std::string quoted = jsonText(PersonNames::ofProgram().textOf(person));
+    names.push_back(quoted.substr(1, quoted.size() - 2));
+  }
+  return names;
+}
+
 /// The number of a group and its people, of many the first.
 std::string labelOf(std::uint32_t group, const Life& life) {
   constexpr std::size_t most = 6;
   std::string text = fmt::format("{}: ", group);
-  const auto shown = std::min(most, life.persons.size());
-  text += fmt::format(
-      "{}", fmt::join(life.persons.begin(),
-                      std::next(life.persons.begin(), static_cast<std::ptrdiff_t>(shown)), ", "));
+  auto names = namesOf(life);
+  names.resize(std::min(most, names.size()));
+  text += json_line::joined(names, ", ");
   return life.persons.size() > most ? fmt::format("{} +{}", text, life.persons.size() - most)
                                     : text;
 }
@@ -129,7 +141,8 @@ class Drawing {
         "tooltip=\"group {0}: frames {4} to {5}, persons {6}\"];\n"
         "  n{0} [label=\"{7}\", {8}];\n",
         group, width, barHeight, at(left + width / 2.0, row(group)), life.first, life.last,
-        fmt::join(life.persons, ", "), label, at(left + labelWidth / 2.0, row(group) + barHeight));
+        json_line::joined(namesOf(life), ", "), label,
+        at(left + labelWidth / 2.0, row(group) + barHeight));
   }
 
   /// From the end of what merges to the other group at that frame, and from there to the beginning

@@ -1,5 +1,7 @@
 #include "host/output/PersonsExport.h"
 
+#include "host/base/PersonNames.h"
+
 #include <fmt/format.h>
 
 #include <map>
@@ -41,9 +43,8 @@ std::string boxOf(const RunPerson& person) {
 
 }  // namespace
 
-PersonsExport::PersonsExport(const std::string& path) : m_file(path) {
-  m_file.writeLines("frame,time,person,x,y,left,top,width,height,group\n");
-}
+PersonsExport::PersonsExport(const std::string& path)
+    : m_file(path, "frame,time,person,x,y,left,top,width,height,group\n") {}
 
 void PersonsExport::write(const RunStep& step) {
   if (!step.inputFrame) {
@@ -53,9 +54,10 @@ void PersonsExport::write(const RunStep& step) {
   std::string lines;
   for (const RunPerson& person : step.persons) {
     const auto group = groups.find(person.id);
-    lines += fmt::format("{},{},{},{},{},{}\n", *step.inputFrame, field(step.time), person.id,
-                         placeOf(person), boxOf(person),
-                         group == groups.end() ? "" : fmt::format("{}", group->second));
+    lines +=
+        fmt::format("{},{},{},{},{},{}\n", *step.inputFrame, field(step.time),
+                    PersonNames::ofProgram().fieldOf(person.id), placeOf(person), boxOf(person),
+                    group == groups.end() ? "" : fmt::format("{}", group->second));
   }
   m_file.writeLines(lines);
 }

@@ -2,7 +2,7 @@
 
 #include "host/base/InputError.h"
 #include "host/base/JsonAccess.h"
-#include "host/base/JsonLine.h"
+#include "host/base/PersonNames.h"
 #include "host/grouping/FrameGroupsWriter.h"
 #include "host/output/GroupsLine.h"
 #include "host/run/GroupRun.h"
@@ -59,7 +59,7 @@ void appendGroup(Line& line, const RunGroup& group) {
               [&](const auto& member) { append(line, "{}", member.mobile.value_or(0)); });
   append(line, R"(, "persons": )");
   appendArray(line, group.members, [&](const auto& member) {
-    member.person ? append(line, "{}", *member.person) : append(line, "null");
+    member.person ? append(line, "{}", json_line::person(*member.person)) : append(line, "null");
   });
   append(line, ", ");
   appendExtent(line, group);
@@ -77,7 +77,8 @@ void appendActors(Line& line, const RunStep& step) {
          step.reportedFrame);
   step.inputFrame ? append(line, "{}", *step.inputFrame) : append(line, "null");
   append(line, R"(, "persons": )");
-  appendArray(line, step.persons, [&line](const auto& p) { append(line, "{}", p.id); });
+  appendArray(line, step.persons,
+              [&line](const auto& p) { append(line, "{}", json_line::person(p.id)); });
   append(line, R"(, "groups": )");
   appendArray(line, step.groups, [&line](const auto& group) { appendGroup(line, group); });
   append(line, "}}\n");
@@ -109,7 +110,7 @@ std::optional<Number> asOptional(Value value, const char* name) {
 }
 
 std::optional<std::uint32_t> asPerson(Value value) {
-  return asOptional<std::uint32_t>(value, "a person");
+  return value.is_null() ? std::nullopt : std::optional(json::asPerson(value, "a person"));
 }
 
 /// An array of single-precision numbers in which null stands for what is not finite.
@@ -187,9 +188,7 @@ RunStep LineParser::step(simdjson::dom::object object) const {
     step.inputFrame = asOptional<std::int64_t>(*frame, "inputFrame");
   }
   if (const auto persons = find(object, "persons")) {
-    const auto read = [](Value id) {
-      return RunPerson{json::as<std::uint32_t>(id, "a person"), {}};
-    };
+    const auto read = [](Value id) { return RunPerson{json::asPerson(id, "a person"), {}}; };
     json::readArray(*persons, "persons", read, step.persons);
   }
   if (const auto groups = find(object, "groups")) {

@@ -1,5 +1,7 @@
 #include "host/output/SqliteExport.h"
 
+#include "host/base/PersonNames.h"
+
 namespace grouptracker {
 
 namespace {
@@ -20,7 +22,7 @@ CREATE TABLE groups(
   id INTEGER PRIMARY KEY, first_frame INTEGER NOT NULL, last_frame INTEGER NOT NULL,
   merged_into INTEGER);
 CREATE TABLE members(
-  frame INTEGER NOT NULL, group_id INTEGER NOT NULL, person INTEGER, mobile INTEGER,
+  frame INTEGER NOT NULL, group_id INTEGER NOT NULL, person, mobile INTEGER,
   x REAL, y REAL, UNIQUE(frame, group_id, mobile));
 CREATE INDEX members_of_group ON members(group_id, frame, person);
 CREATE INDEX groups_of_person ON members(person, frame, group_id);
@@ -30,7 +32,7 @@ CREATE TABLE events(
 CREATE INDEX events_of_group ON events(group_id, frame);
 CREATE INDEX events_of_frame ON events(frame);
 CREATE TABLE event_persons(
-  event_id INTEGER NOT NULL, person INTEGER NOT NULL, PRIMARY KEY(event_id, person)) WITHOUT ROWID;
+  event_id INTEGER NOT NULL, person NOT NULL, PRIMARY KEY(event_id, person)) WITHOUT ROWID;
 CREATE INDEX events_of_person ON event_persons(person, event_id);
 CREATE VIEW companions AS
   SELECT a.frame AS frame, a.group_id AS group_id, a.person AS person, b.person AS companion
@@ -86,8 +88,9 @@ void SqliteExport::writeMembers(const RunStep& step) {
     for (const RunMember& member : group.members) {
       const auto x = member.place ? std::optional<double>(member.place->x) : std::nullopt;
       const auto y = member.place ? std::optional<double>(member.place->y) : std::nullopt;
-      const auto person =
-          member.person ? std::optional<std::int64_t>(*member.person) : std::nullopt;
+      const auto person = member.person
+                              ? std::optional(PersonNames::ofProgram().nameOf(*member.person))
+                              : std::nullopt;
       const auto mobile =
           member.mobile ? std::optional<std::int64_t>(*member.mobile) : std::nullopt;
       m_members.row(at, std::int64_t{group.id}, person, mobile, x, y);
@@ -101,7 +104,7 @@ void SqliteExport::writeEvent(const TrackedEvent& event) {
   m_events.row(++m_lastEvent, at, std::int64_t{event.frame}, nameOf(event.kind),
                std::int64_t{event.group}, other);
   for (const std::uint32_t person : event.persons) {
-    m_eventPersons.row(m_lastEvent, std::int64_t{person});
+    m_eventPersons.row(m_lastEvent, PersonNames::ofProgram().nameOf(person));
   }
   if (event.kind == EventKind::merged) {
     m_merged.row(std::int64_t{event.other.value_or(0)}, std::int64_t{event.group}, at);

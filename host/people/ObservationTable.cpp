@@ -1,5 +1,7 @@
 #include "host/people/ObservationTable.h"
 
+#include "host/base/PersonNames.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -144,7 +146,8 @@ ObservationTable::Differences ObservationTable::examineRows() {
     if (isRepeated(earlier, row)) {
       m_onProblem({m_name, row.line,
                    fmt::format("person {} is observed twice at {}, first on line {}",
-                               row.observation.person, momentText(row.frame), earlier.line)});
+                               PersonNames::ofProgram().textOf(row.observation.person),
+                               momentText(row.frame), earlier.line)});
     }
     const std::int64_t difference = row.frame - earlier.frame;
     if (difference > 0 &&

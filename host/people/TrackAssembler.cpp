@@ -1,6 +1,7 @@
 #include "host/people/TrackAssembler.h"
 
 #include "host/base/InputError.h"
+#include "host/base/PersonNames.h"
 #include "host/camera/BoxLifter.h"
 
 #include <algorithm>
@@ -77,7 +78,8 @@ MobilePointer TrackAssembler::makeMobile(const Observation& observation, const I
     box2D = m_calibration ? projectBox(*m_calibration, *body) : box2D;
   }
   if (!body) {
-    throw InputError(place, "the place of person " + std::to_string(observation.person) +
+    throw InputError(place, "the place of person " +
+                                PersonNames::ofProgram().textOf(observation.person) +
                                 " cannot be derived from its box");
   }
   return MobilePointer::create(

@@ -1,5 +1,6 @@
 #include "host/pictures/CameraPainter.h"
 
+#include "host/base/PersonNames.h"
 #include "host/pictures/Brush.h"
 #include "host/pictures/Labels.h"
 
@@ -61,7 +62,7 @@ void paintLabels(cv::Mat& image, const RunStep& step, const RecentPast& past, co
   for (const bool isInCompany : {true, false}) {
     for (const RunPerson& person : step.persons) {
       if (person.seen && past.companyOf(person.id).has_value() == isInCompany) {
-        labels.addName(std::to_string(person.id), person.seen->box2D,
+        labels.addName(PersonNames::ofProgram().textOf(person.id), person.seen->box2D,
                        isInCompany ? brush::white : brush::pale, brush::ink);
       }
     }

@@ -33,7 +33,9 @@ const VideoLibrary& videoLibrary(const std::string& path) {
 }  // namespace
 
 Film::Film(const std::string& path, double rate)
-    : m_path(path), m_file(path), m_encoding(videoLibrary(path).encode(*this, path, rate)) {}
+    : m_path(path),
+      m_file(path, "", WhenMoved::followed),
+      m_encoding(videoLibrary(path).encode(*this, path, rate)) {}
 
 bool Film::isNamedBy(const std::string& path) {
   const auto ending = std::filesystem::path(path).extension();

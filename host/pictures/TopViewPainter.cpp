@@ -1,5 +1,6 @@
 #include "host/pictures/TopViewPainter.h"
 
+#include "host/base/PersonNames.h"
 #include "host/pictures/Brush.h"
 #include "host/pictures/Labels.h"
 
@@ -150,7 +151,7 @@ void TopViewPainter::paintLabels(cv::Mat& picture, const RunStep& step, const Re
   for (const bool isInCompany : {true, false}) {
     for (const RunPerson& person : step.persons) {
       if (person.seen && past.companyOf(person.id).has_value() == isInCompany) {
-        labels.addName(std::to_string(person.id), areaOf(person),
+        labels.addName(PersonNames::ofProgram().textOf(person.id), areaOf(person),
                        isInCompany ? brush::ink : brush::grey, paper);
       }
     }

@@ -1,5 +1,7 @@
 #include "host/report/ReportData.h"
 
+#include "host/base/PersonNames.h"
+
 #include <algorithm>
 #include <cmath>
 #include <iterator>
@@ -195,6 +197,15 @@ bool ReportData::addTruth(std::int64_t inputFrame, const std::vector<TrueGroup>&
     }
   }
   return true;
+}
+
+std::set<std::uint32_t> ReportData::namedPersons() const {
+  std::set<std::uint32_t> named;
+  for (const auto* const persons : {&m_runPerson, &m_members.persons, &m_truth.persons}) {
+    std::copy_if(persons->begin(), persons->end(), std::inserter(named, named.end()),
+                 [](std::uint32_t person) { return person >= PersonNames::firstAlias; });
+  }
+  return named;
 }
 
 void ReportData::fill(ReportBody& body) {

@@ -10,6 +10,7 @@
 #include <functional>
 #include <map>
 #include <optional>
+#include <set>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -40,6 +41,8 @@ class ReportData {
   bool addTruth(std::int64_t inputFrame, const std::vector<TrueGroup>& groups, bool isRight);
 
   std::size_t frames() const { return m_frameNumbers.size(); }
+  /// Those in view at any frame whose names are no plain numbers; to be called after `fill()`.
+  std::set<std::uint32_t> namedPersons() const;
   /// How the ground lies as the camera sees it; as it is when nobody knows.
   cv::Matx22f turn() const { return m_turn.matrix().value_or(cv::Matx22f::eye()); }
   /// All arrays; ends all runs and spans.

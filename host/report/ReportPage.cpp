@@ -1,10 +1,12 @@
 #include "host/report/ReportPage.h"
 
+#include "host/base/PersonNames.h"
 #include "host/pictures/GroupPalette.h"
 
 #include <QFile>
 #include <nlohmann/json.hpp>
 
+#include <cstdint>
 #include <vector>
 
 // Has to stand outside of any namespace: resources of a static library are not found without it.
@@ -57,6 +59,9 @@ QByteArray makeReportPage(const ReportTitle& title, ReportData& data, const Imag
                       {"arrays", body.list()}};
   for (const auto& [group, text] : explanations) {
     head["explanations"][std::to_string(group)] = text;
+  }
+  for (const std::uint32_t person : data.namedPersons()) {
+    head["names"][std::to_string(person)] = PersonNames::ofProgram().textOf(person);
   }
   if (images.every() > 0) {
     head["images"] = {{"every", images.every()}, {"width", strip.width}};

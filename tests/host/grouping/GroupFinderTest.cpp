@@ -138,6 +138,25 @@ TEST(GroupFinder, DecidesOnceTheLookAheadIsKnownAndTheRestAtTheEnd) {
   EXPECT_EQ(finder.finish().size(), 8U);
 }
 
+TEST(GroupFinder, GoesOnWhenTheClockOfTheInputIsSetBack) {
+  GroupFinder finder(EvidenceModel::builtIn(), 1.0);
+  std::size_t decided = 0;
+  std::vector<FrameGroups> last;
+  for (const double begin : {5000.0, 100.0, 100.0}) {
+    for (PeopleFrame frame : pairWalking().at(10)) {
+      frame.time = begin + *frame.time;
+      const auto lines = finder.next(frame);
+      decided += lines.size();
+      last = lines.empty() ? last : lines;
+    }
+  }
+  const std::size_t frames = 3 * pairWalking().at(10).size();
+  EXPECT_EQ(decided + finder.finish().size(), frames);
+  EXPECT_GE(decided, frames - 11) << "nothing waits for a moment that has been";
+  ASSERT_FALSE(last.empty());
+  EXPECT_EQ(last.back().groups.size(), 1U);
+}
+
 TEST(GroupFinder, GroupsDoNotDependOnTheFrameRate) {
   const auto sparse = groupsOf(pairsThatMeet().at(2.5));
   for (const int factor : {2, 4, 10}) {

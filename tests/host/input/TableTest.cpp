@@ -112,8 +112,9 @@ TEST(Table, SaysInWhichLineItIsWrong) {
   EXPECT_EQ(error(header + "1,2,0\n"), "tracks.csv:2: 4 fields are expected, not 3");
   EXPECT_EQ(error(header + "1,2,,0\n"), "tracks.csv:2: a number is expected instead of \"\"");
   EXPECT_EQ(error(header + "1,2,inf,0\n"), "tracks.csv:2: a number is expected instead of \"inf\"");
-  EXPECT_EQ(error(header + "1,Anna,0,0\n"),
-            "tracks.csv:2: the id \"Anna\" is no number; ids must be whole numbers");
+  EXPECT_EQ(error(header + "1,,0,0\n"), "tracks.csv:2: the id is missing");
+  EXPECT_EQ(error(header + "1,Anna,0,0\n1,Anna,0,0\n"),
+            "tracks.csv:3: person Anna is observed twice at frame 1, first on line 2");
   EXPECT_EQ(error(header + "1.5,2,0,0\n"),
             "tracks.csv:2: the frame must be a whole number from 0 to 1000000000000000");
   EXPECT_EQ(error(header + "1,2,1e12,0\n"),

@@ -1,3 +1,4 @@
+#include "host/base/PersonNames.h"
 #include "host/report/ReportPage.h"
 #include "tests/support/base/Images.h"
 
@@ -29,6 +30,10 @@ class PageNumbers {
       }
     }
     return {-999};
+  }
+
+  std::string nameOf(std::uint32_t person) const {
+    return m_head["names"].value(std::to_string(person), "");
   }
 
  private:
@@ -105,6 +110,16 @@ TEST(ReportData, StoresWaysAsRunsAndMembersAsSpans) {
   EXPECT_EQ(page["memberPerson"], (Numbers{7, 7, 8}));
   EXPECT_EQ(page["memberFrom"], (Numbers{0, 3, 0}));
   EXPECT_EQ(page["memberTo"], (Numbers{1, 3, 0}));
+}
+
+TEST(ReportData, NamesPeopleAsTheInputDoes) {
+  const std::uint32_t guest = PersonNames::ofProgram().numberOf("guest </script>");
+  ReportData data;
+  data.addFrame(1, {at(7, {1.0F, -2.0F}), at(guest, {1.5F, -2.0F})});
+  const PageNumbers page(makeReportPage(titled("groups"), data, ImageStrip(), {}));
+  EXPECT_EQ(page["runPerson"], (Numbers{7, static_cast<std::int32_t>(guest)}));
+  EXPECT_EQ(page.nameOf(guest), "guest </script>");
+  EXPECT_EQ(page.nameOf(7), "");
 }
 
 TEST(ReportData, LeavesOutWhatIsLongInAGap) {

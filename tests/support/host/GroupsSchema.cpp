@@ -44,12 +44,12 @@ class GroupsCheck {
  private:
   std::string faultInFrame(const Json& line) {
     std::vector<std::int64_t> groups;
-    auto everybody = line["alone"].get<std::vector<std::int64_t>>();
+    auto everybody = line["alone"].get<std::vector<Json>>();  // numbers before texts
     if (!isAscending(everybody)) {
       return "alone is not ascending";
     }
     for (const Json& group : line["groups"]) {
-      const auto members = group["members"].get<std::vector<std::int64_t>>();
+      const auto members = group["members"].get<std::vector<Json>>();
       everybody.insert(everybody.end(), members.begin(), members.end());
       const std::int64_t id = group["id"];
       groups.push_back(id);
@@ -64,7 +64,7 @@ class GroupsCheck {
       return "groups are not ascending";
     }
     m_before = groups;
-    const std::set<std::int64_t> different(everybody.begin(), everybody.end());
+    const std::set<Json> different(everybody.begin(), everybody.end());
     return different.size() == everybody.size() ? "" : "somebody is there twice";
   }
 

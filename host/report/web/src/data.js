@@ -2,6 +2,10 @@
 
 const noGroup = 0xffffffff;
 
+// What the input calls the people whom it does not number.
+const personNames = {};
+const nameOf = (person) => personNames[person] ?? String(person);
+
 function bytesOf(base64) {
   if (Uint8Array.fromBase64) {
     return Uint8Array.fromBase64(base64);
@@ -16,6 +20,7 @@ function bytesOf(base64) {
 
 async function loadData() {
   const head = JSON.parse(document.getElementById('head').textContent);
+  Object.assign(personNames, head.names);
   const packed = bytesOf(document.getElementById('body').textContent.trim());
   const stream = new Blob([packed]).stream().pipeThrough(new DecompressionStream('deflate'));
   const buffer = await new Response(stream).arrayBuffer();

@@ -1,6 +1,6 @@
 // What is so at the frame, in words: the groups, what is wrong, what happened lately, and why.
 
-const listed = (persons) => [...persons].sort((a, b) => a - b).join(', ');
+const listed = (persons) => [...persons].sort((a, b) => a - b).map(nameOf).join(', ');
 
 function itemWith(...content) {
   const item = document.createElement('li');
@@ -46,7 +46,7 @@ class Sidebar {
     } else {
       quiet.push(`${groups.length === 0 ? 'no groups; ' : ''}${alone} ${alone === 1 ? 'person' : 'people'} alone`);
       if (rests.length > 0) {
-        quiet.push(`left of groups: ${rests.map(([id, persons]) => `${persons[0]} (${id})`).join(', ')}`);
+        quiet.push(`left of groups: ${rests.map(([id, persons]) => `${nameOf(persons[0])} (${id})`).join(', ')}`);
       }
     }
     byId('present').replaceChildren(...entries, ...quiet.map((text) => {
@@ -66,7 +66,7 @@ class Sidebar {
     const company = (persons) => (persons.length > 0 ? `with ${listed(persons)}` : 'alone');
     byId('errors').replaceChildren(...moment.errors.map(({ person, found, truly }) => {
       const name = document.createElement('b');
-      name.textContent = person;
+      name.textContent = nameOf(person);
       return itemWith(name, `: found ${company(found)}, truly ${company(truly)}`);
     }));
     const truth = [...moment.truth.values()].filter((persons) => persons.length > 1).map(listed);
@@ -86,7 +86,7 @@ class Sidebar {
 
   eventText(i) {
     const { eventKind, eventGroup, eventOther, eventPersons, eventPersonsEnd } = this.data;
-    const persons = [...eventPersons.subarray(i === 0 ? 0 : eventPersonsEnd[i - 1], eventPersonsEnd[i])].join(', ');
+    const persons = [...eventPersons.subarray(i === 0 ? 0 : eventPersonsEnd[i - 1], eventPersonsEnd[i])].map(nameOf).join(', ');
     const kind = eventKinds[eventKind[i]];
     const group = `group ${eventGroup[i]}`;
     const texts = {

@@ -174,7 +174,7 @@ class TopView {
     for (const loud of [true, false]) {
       places.forEach((place, person) => {
         if (isLoud(person) === loud) {
-          labels.addName(person, areaOf(place), loud ? this.colours.ink : this.colours.faint, this.colours.panel);
+          labels.addName(nameOf(person), areaOf(place), loud ? this.colours.ink : this.colours.faint, this.colours.panel);
         }
       });
     }
