@@ -1,6 +1,7 @@
 #include "host/base/FileDescriptor.h"
 #include "host/base/InputError.h"
 #include "host/base/Interruption.h"
+#include "host/base/Log.h"
 #include "host/base/OutputPlace.h"
 #include "host/commands/Command.h"
 #include "host/commands/CommandLine.h"
@@ -68,7 +69,7 @@ void silenceOpenCv() {
 
 int report(const std::exception& failure, ExitStatus status) {
   std::fflush(stdout);
-  fmt::print(stderr, "{}\n", failure.what());
+  program_log::write(program_log::Level::error, failure.what());
   return status;
 }
 

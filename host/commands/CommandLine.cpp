@@ -84,6 +84,60 @@ std::optional<std::string> slipIn(CLI::App& program) {
                      didYouMean(word, known));
 }
 
+/// Files of the options of one command, which stand in them without its name.
+class CommandConfig : public CLI::ConfigTOML {
+ public:
+  explicit CommandConfig(std::string command) : m_command(std::move(command)) {}
+
+  std::vector<CLI::ConfigItem> from_config(std::istream& in) const override {
+    std::vector<CLI::ConfigItem> items = CLI::ConfigTOML::from_config(in);
+    for (CLI::ConfigItem& item : items) {
+      if (item.name == lowerInput) {
+        item.name = input;
+      }
+      item.parents.insert(item.parents.begin(), m_command);
+    }
+    return items;
+  }
+
+  // The argument by its place has no dashes, so its name is as it is shown.
+  static constexpr const char* input = "INPUT";
+  static constexpr const char* lowerInput = "input";
+
+ private:
+  std::string m_command;
+};
+
+/// What is wrong with the file of the options; none when something else is.
+std::optional<std::string> slipInConfig(const CLI::App& program, const CLI::ParseError& failure) {
+  const CLI::Option* const config = program.get_config_ptr();
+  if (config == nullptr || config->count() == 0) {
+    return std::nullopt;
+  }
+  const auto* const unknown = dynamic_cast<const CLI::ConfigError*>(&failure);
+  const auto* const missing = dynamic_cast<const CLI::FileError*>(&failure);
+  if (unknown == nullptr && missing == nullptr) {
+    return std::nullopt;
+  }
+  const std::string file = config->as<std::string>();
+  return missing != nullptr ? file + ": is missing or not readable"
+                            : fmt::format("{}: {}", file, failure.what());
+}
+
+/// All options as a file; those that nobody gave and that have no default are comments.
+std::string shownConfig(const CLI::App& command) {
+  std::istringstream written(command.config_to_str(true, true));
+  std::string shown;
+  for (std::string line; std::getline(written, line);) {
+    const std::string input = std::string(CommandConfig::input) + "=";
+    if (line.starts_with(input)) {
+      line.replace(0, input.size(), std::string(CommandConfig::lowerInput) + "=");
+    }
+    shown += (line.ends_with("=\"\"") ? "# " : "") + line + "\n";
+  }
+  return shown;
+}
+
 /// The number itself, of which the option may take none or several.
 template <typename Value>
 struct Single {
@@ -217,6 +271,11 @@ Option& Option::count(int values) {
   return *this;
 }
 
+Option& Option::onCommandLineOnly() {
+  m_option->configurable(false);
+  return *this;
+}
+
 Option& Option::repeatable() {
   m_option->allow_extra_args(false);
   return *this;
@@ -299,6 +358,16 @@ Options CommandLine::addCommand(const std::string& name, const std::string& desc
   return {command, std::make_shared<CommandFiles>()};
 }
 
+std::function<std::string()> CommandLine::addConfig(const Options& command) {
+  const std::string name = command.parser().get_name();
+  CLI::App* const options = m_program->get_subcommand(name);
+  m_program->config_formatter(std::make_shared<CommandConfig>(name));
+  m_program->set_config("--config", "", "for " + name + ": a file with its options (TOML)");
+  m_program->allow_config_extras(CLI::config_extras_mode::error);
+  options->fallthrough();
+  return [options] { return shownConfig(*options); };
+}
+
 std::optional<int> CommandLine::parse(int argc, char** argv) {
   try {
     m_program->parse(argc, argv);
@@ -306,7 +375,8 @@ std::optional<int> CommandLine::parse(int argc, char** argv) {
     m_program->exit(wish);
     return finished;
   } catch (const CLI::ParseError& failure) {
-    const auto slip = slipIn(*m_program);
+    auto slip = slipIn(*m_program);
+    slip = slip ? slip : slipInConfig(*m_program, failure);
     slip ? fmt::print(stderr, "{}\n", *slip) : void(m_program->exit(failure));
     return wrongInput;
   }

@@ -53,6 +53,8 @@ class Option {
   Option& count(int values);
   /// Lets the option be given several times, each time with one value.
   Option& repeatable();
+  /// Keeps the option out of files of options.
+  Option& onCommandLineOnly();
   /// Takes several values out of one text, such as "2,2,3".
   Option& separatedBy(char separator);
 
@@ -83,6 +85,8 @@ class Options {
 
   /// Whether the user chose this command.
   bool wereChosen() const;
+  const CLI::App& parser() const { return *m_command; }
+  CLI::App& parser() { return *m_command; }
   /// What the user names to be read and to be written.
   std::vector<std::string> filesRead() const;
   std::vector<std::string> filesWritten() const;
@@ -105,6 +109,10 @@ class CommandLine {
   /// Adds a command; `footer` ends its help.
   Options addCommand(const std::string& name, const std::string& description,
                      const std::string& footer);
+  /// Lets the options of a command stand in a file as well, which `--config FILE` names, by their
+  /// names without dashes; the command line wins. For one command. What is returned tells all
+  /// options and their values as such a file.
+  std::function<std::string()> addConfig(const Options& command);
   /// Parses what the user wrote. The help, the version or what is wrong is then printed, and the
   /// exit status returned; none when a command was chosen.
   std::optional<int> parse(int argc, char** argv);

@@ -115,6 +115,22 @@ void declareTable(Options& command, InputChoice& choice) {
       .heading(heading);
 }
 
+void declareMessages(Options& command, InputChoice& choice) {
+  constexpr double latest = 60.0;  // seconds
+  command
+      .add("--message-map", choice.messageMapFile,
+           "where people messages keep time, people, ids and places, as JSON pointers")
+      .reads("FILE")
+      .heading(heading);
+  command
+      .add("--max-lateness", choice.maxLateness,
+           "seconds that a people message may come after those that follow it")
+      .within(0.0, latest)
+      .typeName("SECONDS")
+      .showDefault()
+      .heading(heading);
+}
+
 void declareCamera(Options& command, InputChoice& choice) {
   command
       .add("--calibration", choice.calibrationFile,
@@ -172,8 +188,9 @@ Option addInput(Options& command, InputChoice& choice) {
       .add("INPUT", choice.input,
            "CSV or other text with columns frame, id, x and y; text of a pedestrian laboratory; "
            "SQLite file of a pedestrian simulation; obsmat.txt or a folder with it; MOTChallenge "
-           "file or sequence folder; XML file with boxes; scene file *.jsonl, - for a scene on "
-           "standard input")
+           "file or sequence folder; XML file with boxes; scene file *.jsonl; people "
+           "messages; or - (standard input), a pipe or mqtt://HOST/TOPIC with a scene, people "
+           "messages or MOTChallenge lines that arrive")
       .reads("PATH");
 }
 
@@ -202,6 +219,7 @@ void declareReading(Options& command, InputChoice& choice) {
   declareFrames(command, choice);
   declareRate(command, choice);
   declareTable(command, choice);
+  declareMessages(command, choice);
   declareCamera(command, choice);
   command
       .add("--images", choice.images,
@@ -239,6 +257,12 @@ InputOptions inputOptions(const InputChoice& choice) {
   options.rate = choice.rate;
   options.table = choice.table;
   options.mot.minConfidence = choice.minConfidence.value_or(options.mot.minConfidence);
+  options.messages.maxLateness = choice.maxLateness;
+  options.messages.broker = choice.broker;
+  if (!choice.messageMapFile.empty()) {
+    options.messages.map = MessageMap::read(choice.messageMapFile);
+    options.messages.hasMap = true;
+  }
   if (choice.calibrationFile.empty()) {
     return options;
   }

@@ -28,6 +28,9 @@ struct InputChoice {
   FrameRange frames;
   std::optional<double> rate;  ///< frame numbers a second
   TableChoice table;
+  std::string messageMapFile;
+  double maxLateness = MessageChoice().maxLateness;  ///< seconds
+  BrokerAccess broker;                               ///< of commands that read topics
   LinkOptions links;
 };
 

@@ -1,4 +1,5 @@
 #include "host/base/InputError.h"
+#include "host/base/Log.h"
 #include "host/base/OutputPlace.h"
 #include "host/commands/Command.h"
 #include "host/commands/RunOptions.h"
@@ -11,6 +12,7 @@
 #include <fmt/format.h>
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 #include <unistd.h>
@@ -33,12 +35,14 @@ class RunCommand : public Command {
   void runSession();
 
   RunOptions m_options;
+  std::function<std::string()> m_config;  ///< the options as a file
   bool m_readerLeft = false;
 };
 
 const char* const runExample = R"(Examples:
   grouptracker run tracks.csv
   grouptracker run scene.jsonl --rate 25 --output groups.jsonl --events events.jsonl
+  grouptracker run mqtt://broker/people --publish mqtt://broker/groups --spool groups.spool
   grouptracker run --print-parameters --rate 10 --set coherenceThreshold=5 > parameters.txt)";
 
 constexpr double longestLookAhead = 60.0;  // seconds; all that comes in it is kept in memory
@@ -55,9 +59,11 @@ void declareParameters(Options& command, RunOptions& options) {
            "gives one parameter another value; can be given several times")
       .repeatable()
       .typeName("LABEL=VALUE");
-  command.addFlag("--print-parameters", options.printsParameters,
-                  "instead of running, writes the parameters that the run would take, each with "
-                  "its meaning; without INPUT those for --rate frames a second");
+  command
+      .addFlag("--print-parameters", options.printsParameters,
+               "instead of running, writes the parameters that the run would take, each with its "
+               "meaning; without INPUT those for --rate frames a second")
+      .onCommandLineOnly();
 }
 
 void declareFiles(Options& command, RunOptions& options) {
@@ -150,7 +156,7 @@ void printSummary(const RunSummary& summary, const std::string& groupsFile) {
   if (!summary.stoppedBy.empty()) {
     text += ", stopped by " + summary.stoppedBy;
   }
-  fmt::print(stderr, "{}\n", text);
+  program_log::write(program_log::Level::info, text);
 }
 
 }  // namespace
@@ -162,11 +168,24 @@ Options RunCommand::declare(CommandLine& program) {
   declareEvidence(command, m_options);
   declareTexts(command, m_options);
   declareStepOptions(command, m_options.steps);
+  declareLiveOptions(command, m_options.live);
   declareBehaviour(command, m_options);
+  m_config = program.addConfig(command);
+  command
+      .addFlag("--print-config", m_options.printsConfig,
+               "instead of running, writes all options with their values, as a file that --config "
+               "takes")
+      .onCommandLineOnly();
   return command;
 }
 
 int RunCommand::run() {
+  program_log::setFormat(m_options.live.logsJson ? program_log::Format::json
+                                                 : program_log::Format::text);
+  if (m_options.printsConfig) {
+    fmt::print("{}", m_config());
+    return finished;
+  }
   if (m_options.printsParameters) {
     printParameters();
     return finished;
@@ -174,10 +193,11 @@ int RunCommand::run() {
   if (m_options.input.empty()) {
     throw InputError("INPUT", "tracks of people are expected; see grouptracker run --help");
   }
+  m_options.broker = m_options.live.access;
   completeOptions();
   const auto doubt = m_options.steps.doubt();
   if (doubt && !m_options.quiet) {
-    fmt::print(stderr, "{}\n", *doubt);
+    program_log::write(program_log::Level::warning, *doubt);
   }
   if (m_options.steps.showsWindow) {
     const auto screen = std::make_shared<PictureExchange>();
@@ -212,7 +232,8 @@ void RunCommand::completeOptions() {
 void RunCommand::printParameters() const {
   RunParameters parameters(m_options.parameterFile, m_options.parameterChanges);
   if (!m_options.input.empty()) {
-    if (m_options.input != "-" && !std::filesystem::exists(m_options.input)) {
+    if (m_options.input != "-" && !MqttAddress::isOne(m_options.input) &&
+        !std::filesystem::exists(m_options.input)) {
       throw InputError(m_options.input, "there is no such file or folder");
     }
     const auto step = secondsBetweenFrames(m_options.input, inputOptions(m_options));

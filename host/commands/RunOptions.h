@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/commands/InputChoice.h"
+#include "host/commands/LiveOptions.h"
 #include "host/commands/StepOptions.h"
 
 #include <algorithm>
@@ -27,12 +28,18 @@ struct RunOptions : InputChoice {
   std::string mobileDump;   ///< a file, "-" or "none"; the process's own choice when empty
   std::string statusFile;   ///< says whether the outputs are complete
   StepOptions steps;        ///< of the groups
+  LiveOptions live;
   bool skipsFailedFrames = false;
   bool quiet = false;
   bool printsParameters = false;  ///< instead of running
+  bool printsConfig = false;      ///< instead of running
 
   /// Whether anybody wants groups, rather than only what the process puts out.
-  bool wantsGroups() const { return !outputFile.empty() || steps.wantsAnything(); }
+  bool wantsGroups() const {
+    return !outputFile.empty() || !live.publishAddress.empty() || steps.wantsAnything();
+  }
+  /// Whether the run is a service: it takes people from a broker or hands groups to one.
+  bool isService() const { return MqttAddress::isOne(input) || !live.publishAddress.empty(); }
   /// Whether an output of its own goes to standard output, with which nothing may be mixed.
   bool takesStandardOutput() const {
     const std::vector<std::string> others = steps.files();

@@ -6,12 +6,14 @@
 #include "host/base/OutputPlace.h"
 #include "host/input/InputFormats.h"
 #include "host/input/SceneContextReader.h"
+#include "host/publish/PublishSink.h"
 #include "host/run/PluginLoader.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <fcntl.h>
 #include <filesystem>
@@ -36,7 +38,9 @@ std::string dumpFile(const RunOptions& options) {
 }  // namespace
 
 RunSession::RunSession(const RunOptions& options)
-    : m_options(options), m_parameters(options.parameterFile, options.parameterChanges) {
+    : m_options(options),
+      m_signals(options.isService() ? Hangup::reopens : Hangup::stops),
+      m_parameters(options.parameterFile, options.parameterChanges) {
   openInput();
   if (m_options.parameterFile.empty()) {
     const auto step = secondsBetweenFrames(m_options.input, inputOptions(m_options));
@@ -78,15 +82,33 @@ void RunSession::openInput() {
     m_context = readSceneContext(m_options.contextFile);
   }
   options.onWarning = [this](const std::string& warning) { warn(warning); };
+  if (MqttAddress::isOne(m_options.input) && !m_options.live.isStrict) {
+    options.onProblem = [this](const InputError& problem) { passOver(problem); };
+  }
+  options.messages.watch = [this](const ReorderBuffer::Counts& counts) {
+    m_metrics.set(Metric::messages, counts.messages);
+    m_metrics.set(Metric::lateMessages, counts.late);
+    m_metrics.set(Metric::repeatedMessages, counts.duplicates);
+    m_metrics.set(Metric::missingFrames, counts.missing);
+    m_metrics.set(Metric::senderRestarts, counts.restarts);
+    m_metrics.set(Metric::waitingMessages, counts.waiting);
+  };
   m_input = grouptracker::openInput(m_options.input, options);
   m_watch.emplace(m_input.imageSize);
-  if (!m_options.quiet) {
-    for (const std::string& note : m_input.notes) {
-      fmt::print(stderr, "{}\n", note);
-    }
-    for (const std::string& warning : m_input.warnings) {
-      warn(warning);
-    }
+  for (const std::string& note : m_input.notes) {
+    say(program_log::Level::info, note);
+  }
+  for (const std::string& warning : m_input.warnings) {
+    warn(warning);
+  }
+}
+
+/// What somebody sends to a topic ends no run; it is counted and said once in a while.
+void RunSession::passOver(const InputError& problem) {
+  m_metrics.set(Metric::damagedMessages, ++m_damaged);
+  if (m_tellingDamage.isTime()) {
+    say(program_log::Level::warning,
+        fmt::format("{} ({} messages passed over so far)", problem.what(), m_damaged));
   }
 }
 
@@ -125,23 +147,23 @@ void RunSession::warnOfInput() {
 }
 
 void RunSession::warn(const std::string& warning) {
-  say(fmt::format("{}: warning: {}", m_options.input, warning));
+  say(program_log::Level::warning, fmt::format("{}: warning: {}", m_options.input, warning));
 }
 
 /// Says what is hardly meant, unless the user wants no words.
-void RunSession::say(const std::string& line) {
+void RunSession::say(program_log::Level level, const std::string& line) {
   if (m_options.quiet) {
     return;
   }
   if (m_progress) {
     m_progress->clear();
   }
-  fmt::print(stderr, "{}\n", line);
+  program_log::write(level, line);
 }
 
 void RunSession::warnOfReaders() {
   for (const std::string& warning : m_readers.warnings()) {
-    say(warning);
+    say(program_log::Level::warning, warning);
   }
 }
 
@@ -149,7 +171,12 @@ void RunSession::openOutputs() {
   const std::string dump = fileOf(m_options.mobileDump);
   const std::string diagnostics = fileOf(m_options.diagnostics);
   m_status.emplace(m_options.statusFile);  // before an output is emptied
+  openService();
   StepSinks own;
+  if (m_publisher) {
+    // First, so that no line stands in a file that the spool would not know after a crash.
+    own.push_back(std::make_unique<PublishSink>(*m_publisher));
+  }
   if (!m_options.outputFile.empty()) {
     own.push_back(std::make_unique<RunFileWriter>(m_options.outputFile));
   }
@@ -168,6 +195,46 @@ void RunSession::openOutputs() {
     ::dup2(openOutput(diagnostics).get(), STDOUT_FILENO);
   }
   countOutputsOfProcess();
+}
+
+/// What others meet of the run over the network.
+void RunSession::openService() {
+  PublishOptions publishing = m_options.live.publishing();
+  if (!publishing.address.empty()) {
+    publishing.onWarning = [this](const std::string& warning) {
+      say(program_log::Level::warning,
+          fmt::format("{}: warning: {}", m_options.live.publishAddress, warning));
+    };
+    m_publisher = std::make_unique<Publisher>(publishing);
+  }
+  if (!m_options.live.metricsAddress.empty()) {
+    m_server = std::make_unique<MetricsServer>(m_options.live.metricsAddress,
+                                               [this] { return metricsText(); });
+    say(program_log::Level::info, fmt::format("metrics are served at port {}", m_server->port()));
+  }
+}
+
+/// On the server's thread.
+std::string RunSession::metricsText() {
+  if (m_publisher) {
+    const Publisher::Counts counts = m_publisher->counts();
+    m_metrics.set(Metric::published, counts.published);
+    m_metrics.set(Metric::brokerConnected, counts.isConnected ? 1.0 : 0.0);
+    m_metrics.set(Metric::spoolMessages, counts.waiting);
+    m_metrics.set(Metric::spoolBytes, counts.waitingBytes);
+    m_metrics.set(Metric::spoolDropped, counts.dropped);
+  }
+  return m_metrics.text();
+}
+
+void RunSession::measure(const InputFrame& frame) {
+  m_metrics.set(Metric::frames, std::uint64_t{m_tracker->frame()});
+  m_metrics.set(Metric::people, std::uint64_t(frame.actors.size()));
+  m_metrics.set(Metric::events, m_summary.events);
+  if (frame.time) {
+    const std::chrono::duration<double> now = std::chrono::system_clock::now().time_since_epoch();
+    m_metrics.set(Metric::lateness, now.count() - *frame.time);
+  }
 }
 
 /// The dump in its usual place is nothing that a run goes on for.
@@ -246,6 +313,7 @@ void RunSession::runFrames() {
   try {
     while (goesOn() && nextFrame(frame)) {
       runFrame(frame);
+      measure(frame);
       checkOutputsOfProcess();
       warnOfReaders();
       m_progress->update(m_tracker->frame());
@@ -287,9 +355,8 @@ void RunSession::runProcess(const InputFrame& frame) {
       throw;
     }
     if (++m_summary.skippedFrames == 1 && !m_options.quiet) {
-      m_progress->clear();
-      fmt::print(stderr, "{}; the frame is skipped, further ones are only counted\n",
-                 failure.what());
+      say(program_log::Level::warning,
+          fmt::format("{}; the frame is skipped, further ones are only counted", failure.what()));
     }
   }
 }
@@ -302,6 +369,7 @@ void RunSession::handOut(RunSteps steps) {
                       [&step](const RunGroup& group) { return group.since == step.inputFrame; }));
     step.events = m_detector.next(step);
     m_summary.events += step.events.size();
+    m_metrics.set(Metric::groups, std::uint64_t{step.groups.size()});
     m_outputs->take(std::move(step));
   }
 }

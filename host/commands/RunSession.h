@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/base/FileDescriptor.h"
+#include "host/base/Log.h"
 #include "host/commands/Progress.h"
 #include "host/commands/RunOptions.h"
 #include "host/commands/RunStatus.h"
@@ -9,9 +10,13 @@
 #include "host/input/InputImages.h"
 #include "host/input/InputWatch.h"
 #include "host/input/OpenedInput.h"
+#include "host/live/OnceInAWhile.h"
 #include "host/output/OutputReaders.h"
 #include "host/output/RunFile.h"
 #include "host/people/PersonCount.h"
+#include "host/publish/MetricsServer.h"
+#include "host/publish/Publisher.h"
+#include "host/publish/RunMetrics.h"
 #include "host/run/EventDetector.h"
 #include "host/run/GroupRun.h"
 #include "host/run/RunParameters.h"
@@ -51,11 +56,15 @@ class RunSession {
 
  private:
   void openInput();
+  void passOver(const InputError& problem);
+  void openService();
+  void measure(const InputFrame& frame);
+  std::string metricsText();
   void readFirstFrame();
   bool nextFrame(InputFrame& frame);
   void warnOfInput();
   void warn(const std::string& warning);
-  void say(const std::string& line);
+  void say(program_log::Level level, const std::string& line);
   void openOutputs();
   void startGroups();
   void startProcess(std::unique_ptr<kelAbstractProcessGroupTracker> tracker);
@@ -82,9 +91,13 @@ class RunSession {
   std::optional<InputWatch> m_watch;  ///< none before the input is opened
   PersonCount m_people;
   ImageLoader m_images;
-  FileDescriptor m_dump;              ///< of the mobiles, which the process writes: holds the lock
-  OutputReaders m_readers;            ///< of all that is written
-  std::optional<RunStatus> m_status;  ///< none before the outputs are opened
+  FileDescriptor m_dump;    ///< of the mobiles, which the process writes: holds the lock
+  OutputReaders m_readers;  ///< of all that is written
+  RunMetrics m_metrics;
+  std::uint64_t m_damaged = 0;  ///< messages that were passed over
+  OnceInAWhile m_tellingDamage;
+  std::optional<RunStatus> m_status;       ///< none before the outputs are opened
+  std::unique_ptr<Publisher> m_publisher;  ///< null when nothing is published
   std::unique_ptr<StepOutputs> m_outputs;  ///< of the groups
   std::unique_ptr<StepSink> m_actors;      ///< null when nobody wants the process's own
   std::unique_ptr<TrackerRun> m_tracker;
@@ -92,7 +105,8 @@ class RunSession {
   EventDetector m_detector;
   std::optional<Progress> m_progress;
   RunSummary m_summary;
-  int m_processErrno = 0;  ///< what the last frame left in errno
+  int m_processErrno = 0;                   ///< what the last frame left in errno
+  std::unique_ptr<MetricsServer> m_server;  ///< last, as it looks at the others
 };
 
 }  // namespace grouptracker

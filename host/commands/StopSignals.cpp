@@ -1,6 +1,7 @@
 #include "host/commands/StopSignals.h"
 
 #include "host/base/Interruption.h"
+#include "host/base/ReopenWish.h"
 
 #include <array>
 #include <cerrno>
@@ -26,6 +27,10 @@ void noteStop(int signal) {
   errno = savedError;
 }
 
+void noteReopening(int /*signal*/) {
+  reopen_wish::note();
+}
+
 void install(int signal, void (*handler)(int), int flags) {
   struct sigaction action = {};
   action.sa_handler = handler;
@@ -36,7 +41,7 @@ void install(int signal, void (*handler)(int), int flags) {
 
 }  // namespace
 
-StopSignals::StopSignals() {
+StopSignals::StopSignals(Hangup hangup) {
   stopSignal = 0;
   if (::pipe2(wakePipe.data(), O_CLOEXEC | O_NONBLOCK) != 0) {
     wakePipe = {-1, -1};  // a stop is then seen after the next input only
@@ -45,6 +50,9 @@ StopSignals::StopSignals() {
   for (const int signal : stopSignals) {
     // With SA_RESETHAND the second signal does what it usually does.
     install(signal, noteStop, SA_RESTART | static_cast<int>(SA_RESETHAND));
+  }
+  if (hangup == Hangup::reopens) {
+    install(SIGHUP, noteReopening, SA_RESTART);
   }
   install(SIGPIPE, SIG_IGN, 0);  // a pipe that nobody reads is a write that fails
 }

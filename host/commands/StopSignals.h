@@ -4,13 +4,17 @@
 
 namespace grouptracker {
 
+/// What SIGHUP means: that the terminal is gone, or for a service that files which were moved away
+/// are begun anew (`reopen_wish`).
+enum class Hangup { stops, reopens };
+
 /// Catches the wish to stop: SIGINT, SIGTERM and SIGHUP ask for a stop after the current frame, the
 /// second of them ends the program at once. Writing to a pipe that nobody reads fails instead of
 /// ending the program, also behind the life of the object. Everything that waits sees the wish in
 /// `stop_wish`. There is one set of signals, so one object of this class at a time.
 class StopSignals {
  public:
-  StopSignals();
+  explicit StopSignals(Hangup hangup = Hangup::stops);
   ~StopSignals();
   StopSignals(const StopSignals&) = delete;
   StopSignals& operator=(const StopSignals&) = delete;

@@ -4,6 +4,7 @@
 #include "host/base/InputFile.h"
 #include "host/base/LineReader.h"
 #include "host/camera/CalibrationReader.h"
+#include "host/input/ArrivingInput.h"
 #include "host/input/CameraFromPeople.h"
 #include "host/input/CvmlReader.h"
 #include "host/input/InputImages.h"
@@ -14,6 +15,7 @@
 #include "host/input/SceneReader.h"
 #include "host/input/TableReader.h"
 #include "host/input/TrajectoryDatabase.h"
+#include "host/live/PeopleMessage.h"
 
 #include <algorithm>
 #include <array>
@@ -48,7 +50,7 @@ bool isFile(const std::string& path) {
 /// which nothing may be taken away.
 std::vector<std::string> headOf(const std::string& path) {
   constexpr std::size_t lineCount = 10;
-  constexpr std::size_t longestLine = 64 * 1024;  // bytes
+  constexpr std::size_t longestLine = 1024 * 1024;  // bytes
   std::vector<std::string> head;
   if (!isFile(path)) {
     return head;
@@ -71,6 +73,12 @@ bool isScene(const std::string& path) {
   }
   const auto head = headOf(path);
   return !head.empty() && head.front().starts_with('{');
+}
+
+/// A file of people messages; what arrives is not looked at.
+bool isMessages(const std::string& path) {
+  const auto head = headOf(path);
+  return !head.empty() && isPeopleMessage(head.front(), MessageMap());
 }
 
 OpenedInput openScene(const std::string& path, const InputOptions& options) {
@@ -170,7 +178,9 @@ PeopleView viewCvml(const std::string& path, const InputOptions& options) {
   return {peopleBoxes(*readCvml(path, options.onProblem), options.frames), std::nullopt};
 }
 
-const std::array<InputFormat, 6> formats{{
+const std::array<InputFormat, 7> formats{{
+    {"people", "people messages, one JSON object a line and frame", isMessages, openArriving,
+     nullptr},
     {"scene", "a scene file *.jsonl, or - for a scene on standard input", isScene, openScene,
      viewScene},
     {"sqlite", "an SQLite file of a pedestrian simulation", isTrajectoryDatabase,
@@ -232,6 +242,9 @@ const InputFormat& formatOf(const std::string& path, const std::string& key) {
 
 /// The format's name, as the user says it or shows by naming columns; empty when nobody said.
 std::string keyOf(const std::string& path, const InputOptions& options) {
+  if (options.messages.hasMap && options.format.empty()) {
+    return "people";
+  }
   if (!options.format.empty() || options.table.isEmpty() || !isFile(path)) {
     return options.format;
   }
@@ -262,7 +275,9 @@ std::vector<std::string> filesWithin(const std::string& path) {
 }
 
 OpenedInput openInput(const std::string& path, const InputOptions& options) {
-  OpenedInput input = formatOf(path, keyOf(path, options)).open(path, options);
+  OpenedInput input = arrives(path, options)
+                          ? openArriving(path, options)
+                          : formatOf(path, keyOf(path, options)).open(path, options);
   if (options.decodesVideo && options.images != noImages && !options.allowsOutsideImages) {
     const fs::path folder = path == "-" ? fs::path() : fs::path(path).parent_path();
     std::error_code unreadable;

@@ -74,8 +74,7 @@ std::optional<cv::Point2d> positionOf(const std::vector<double>& row) {
   return position;
 }
 
-void addRow(const std::vector<double>& row, std::uint64_t line, const MotChoice& choice,
-            ObservationTable& table) {
+MotRow rowOf(const std::vector<double>& row, const MotChoice& choice) {
   if (row.size() < fewestColumns || row.size() > mostColumns) {
     throw ValueProblem(std::to_string(fewestColumns) + " to " + std::to_string(mostColumns) +
                        " numbers are expected, not " + std::to_string(row.size()));
@@ -88,32 +87,35 @@ void addRow(const std::vector<double>& row, std::uint64_t line, const MotChoice&
   const std::int64_t person = wholeNumber(row[personColumn], largestPerson, "id");
   const cv::Rect2d box = boxOf(row);
   const auto position = positionOf(row);
-  if (counts(row, choice)) {
-    table.add(frame, {static_cast<std::uint32_t>(person), position, box}, line);
-  } else {
-    table.cover(frame);
+  if (!counts(row, choice)) {
+    return {frame, std::nullopt};
   }
+  return {frame, Observation{static_cast<std::uint32_t>(person), position, box}};
 }
 
 }  // namespace
+
+MotRow MotRowParser::parse(const LineReader& lines) {
+  parseCommaNumbers(lines.line(), m_row);
+  if (!lines.hasEnd() && m_row.size() >= fewestColumns && m_row.size() < m_columns) {
+    // It would pass for a line of another kind.
+    throw ValueProblem("the line is cut: " + std::to_string(m_row.size()) + " numbers, " +
+                       std::to_string(m_columns) + " on the line before");
+  }
+  m_columns = m_row.size();
+  return rowOf(m_row, m_choice);
+}
 
 std::unique_ptr<ObservationTable> readMot(std::istream& in, const std::string& name,
                                           const MotChoice& choice,
                                           const ProblemHandler& onProblem) {
   auto table = std::make_unique<ObservationTable>(name, onProblem);
   LineReader lines(in, name, longestRow);
-  std::vector<double> row;
-  std::size_t before = 0;  // columns of the line before
+  MotRowParser parser(choice);
   while (lines.nextFilled()) {
     try {
-      parseCommaNumbers(lines.line(), row);
-      if (!lines.hasEnd() && row.size() >= fewestColumns && row.size() < before) {
-        // It would pass for a line of another kind.
-        throw ValueProblem("the line is cut: " + std::to_string(row.size()) + " numbers, " +
-                           std::to_string(before) + " on the line before");
-      }
-      before = row.size();
-      addRow(row, lines.number(), choice, *table);
+      const MotRow row = parser.parse(lines);
+      row.seen ? table->add(row.frame, *row.seen, lines.number()) : table->cover(row.frame);
     } catch (const ValueProblem& problem) {
       onProblem(lines.error(problem.what()));
     }
@@ -135,6 +137,16 @@ bool isMotLine(const std::string& line) {
     return false;
   }
   return row.size() >= fewestColumns && row.size() <= mostColumns;
+}
+
+bool holdsPosition(const std::string& line) {
+  std::vector<double> row;
+  try {
+    parseCommaNumbers(line, row);
+    return positionOf(row).has_value();
+  } catch (const ValueProblem&) {
+    return false;
+  }
 }
 
 }  // namespace grouptracker

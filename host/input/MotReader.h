@@ -1,18 +1,43 @@
 #pragma once
 
 #include "host/base/InputError.h"
+#include "host/base/LineReader.h"
 #include "host/people/ObservationTable.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <istream>
 #include <limits>
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace grouptracker {
 
 /// Which lines of a MOTChallenge file count.
 struct MotChoice {
   double minConfidence = -std::numeric_limits<double>::infinity();
+};
+
+/// What one line says.
+struct MotRow {
+  std::int64_t frame = 0;
+  std::optional<Observation> seen;  ///< none on a line that does not count
+};
+
+/// Reads single lines, see `readMot()`.
+class MotRowParser {
+ public:
+  explicit MotRowParser(const MotChoice& choice) : m_choice(choice) {}
+
+  /// The reader's current line. What is wrong is a `ValueProblem`.
+  MotRow parse(const LineReader& lines);
+
+ private:
+  MotChoice m_choice;
+  std::vector<double> m_row;  ///< kept from line to line
+  std::size_t m_columns = 0;  ///< of the line before
 };
 
 /// Reads the text files of the MOTChallenge benchmarks: 6 to 10 numbers a line, between commas,
@@ -35,5 +60,7 @@ std::unique_ptr<ObservationTable> readMot(const std::string& path, const MotChoi
                                           const ProblemHandler& onProblem = throwProblem);
 /// Whether a line could be one of such a file.
 bool isMotLine(const std::string& line);
+/// Whether such a line says where on the ground somebody is.
+bool holdsPosition(const std::string& line);
 
 }  // namespace grouptracker

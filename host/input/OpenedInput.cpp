@@ -160,7 +160,7 @@ void giveTimes(const std::optional<double>& wishedRate, OpenedInput& input) {
   input.rate = wishedRate ? wishedRate : input.rate;
   if (input.rate) {
     input.frames = std::make_unique<FramesAtRate>(std::move(input.frames), *input.rate,
-                                                  wishedRate.has_value());
+                                                  wishedRate.has_value() && !input.keepsTimes);
   }
 }
 

@@ -4,6 +4,9 @@
 #include "host/input/FrameRange.h"
 #include "host/input/MotReader.h"
 #include "host/input/TrackRows.h"
+#include "host/live/MessageMap.h"
+#include "host/live/MqttAddress.h"
+#include "host/live/ReorderBuffer.h"
 #include "host/people/InputFrame.h"
 #include "host/people/LinkOptions.h"
 #include "host/people/ObservationTable.h"
@@ -21,6 +24,18 @@
 
 namespace grouptracker {
 
+/// How what arrives is read.
+struct MessageChoice {
+  MessageMap map;
+  bool hasMap = false;       ///< the user gave one, so that the input consists of people messages
+  double maxLateness = 0.5;  ///< seconds that one may come after those behind it
+  BrokerAccess broker;
+  bool isTopic = false;  ///< the messages are those of a broker, which never end
+  bool isLive = false;   ///< they arrive, from a broker or a pipe
+  /// Hears of how orderly messages arrive, whenever that changes; empty when nobody wants to know.
+  std::function<void(const ReorderBuffer::Counts&)> watch;
+};
+
 /// What the user says about an input beside its name.
 struct InputOptions {
   std::string format;                                      ///< empty to recognise it by content
@@ -30,6 +45,7 @@ struct InputOptions {
   LinkOptions links;
   MotChoice mot;
   TableChoice table;
+  MessageChoice messages;
   std::string images;                ///< a folder, a video or `noImages`; empty for the input's own
   bool allowsOutsideImages = false;  ///< whether it may name images outside its folder
   bool decodesVideo = true;          ///< whether anybody looks at the pictures of a video
@@ -50,6 +66,7 @@ struct OpenedInput {
   std::vector<std::string> warnings;  ///< what is hardly meant
   std::optional<cv::Size> imageSize;  ///< pixels; none when nobody said
   std::optional<double> rate;         ///< frame numbers a second; none when only frames tell times
+  bool keepsTimes = false;            ///< its own times hold, whatever rate the user says
 };
 
 /// Completes an input that consists of observations: chooses its camera and assembles its frames.

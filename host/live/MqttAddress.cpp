@@ -1,0 +1,82 @@
+#include "host/live/MqttAddress.h"
+
+#include "host/base/InputError.h"
+#include "host/base/InputFile.h"
+#include "host/base/LineReader.h"
+
+#include <QUrl>
+#include <fmt/format.h>
+
+#include <cstdlib>
+
+namespace grouptracker {
+
+namespace {
+
+constexpr int usualPort = 1883;
+constexpr int usualSecurePort = 8883;
+constexpr std::size_t longestTopic = 1000;  // bytes
+constexpr std::size_t longestLogin = 1000;  // bytes of a line
+const char* const plainScheme = "mqtt://";
+const char* const secureScheme = "mqtts://";
+
+std::string fromEnvironment(const char* name) {
+  const char* const value = std::getenv(name);
+  return value != nullptr ? value : "";
+}
+
+}  // namespace
+
+bool MqttAddress::isOne(const std::string& text) {
+  return text.starts_with(plainScheme) || text.starts_with(secureScheme);
+}
+
+MqttAddress MqttAddress::parse(const std::string& text) {
+  const QUrl url(QString::fromStdString(text), QUrl::StrictMode);
+  if (!url.userInfo().isEmpty() || text.find('@') != std::string::npos) {
+    // Not even repeated in the message, which may go into a log.
+    throw InputError("mqtt://",
+                     "an address holds no user or password; they belong into a file (--mqtt-login) "
+                     "or into the environment");
+  }
+  if (!isOne(text) || !url.isValid() || url.host().isEmpty()) {
+    throw InputError(text, "mqtt://HOST[:PORT]/TOPIC is expected");
+  }
+  MqttAddress address;
+  address.host = url.host().toStdString();
+  address.isSecure = text.starts_with(secureScheme);
+  address.port = url.port(address.isSecure ? usualSecurePort : usualPort);
+  address.topic = url.path(QUrl::FullyDecoded).mid(1).toStdString();
+  if (address.topic.find_first_of("+#") != std::string::npos || url.hasFragment() ||
+      url.hasQuery()) {
+    throw InputError(text, "one topic is expected, without wildcards and without + # ?");
+  }
+  if (address.topic.empty() || address.topic.size() > longestTopic) {
+    throw InputError(text, fmt::format("a topic of 1 to {} bytes is expected", longestTopic));
+  }
+  return address;
+}
+
+std::string MqttAddress::text() const {
+  const bool isNumber = host.find(':') != std::string::npos;
+  return fmt::format("{}{}:{}/{}", isSecure ? secureScheme : plainScheme,
+                     isNumber ? "[" + host + "]" : host, port, topic);
+}
+
+BrokerLogin BrokerLogin::read(const BrokerAccess& access) {
+  if (access.loginFile.empty()) {
+    return {fromEnvironment("GROUPTRACKER_MQTT_USER"),
+            fromEnvironment("GROUPTRACKER_MQTT_PASSWORD")};
+  }
+  InputFile file(access.loginFile);
+  LineReader lines(file.stream(), access.loginFile, longestLogin);
+  BrokerLogin login;
+  if (!lines.next() || lines.line().empty()) {
+    throw InputError(access.loginFile, "the user is expected on the first line");
+  }
+  login.user = lines.line();
+  login.password = lines.next() ? lines.line() : "";
+  return login;
+}
+
+}  // namespace grouptracker

@@ -1,0 +1,174 @@
+#include "host/publish/Publisher.h"
+
+#include <fmt/format.h>
+
+#include <utility>
+
+namespace grouptracker {
+
+namespace {
+
+constexpr std::chrono::seconds patience(10);  // for a broker that answers
+constexpr std::chrono::seconds farewellPatience(1);
+const char* const eventsTopic = "/events";
+const char* const nowTopic = "/now";
+const char* const statusTopic = "/status";
+const char* const online = "online";
+const char* const offline = "offline";
+
+}  // namespace
+
+Publisher::Publisher(const PublishOptions& options)
+    : m_options(options),
+      m_address(MqttAddress::parse(options.address)),
+      m_spool(options.spoolFile, options.spoolBytes),
+      m_client(m_address, options.access,
+               {[this] { guarded([this] { connected(); }); },
+                {},
+                [this](int message) { guarded([this, message] { accepted(message); }); },
+                [this](const std::string& problem) { lose(problem); }},
+               MqttWill{m_address.topic + statusTopic, offline}) {
+  m_client.start();
+}
+
+// Whoever leaves before the answer to his last words has come may be taken for dead, with a will.
+Publisher::~Publisher() {
+  std::unique_lock lock(m_mutex);
+  if (m_client.isConnected()) {
+    m_farewell = m_client.publish(m_address.topic + statusTopic, offline, true);
+    m_changed.wait_for(lock, farewellPatience, [this] { return !m_farewell || m_isAway; });
+  }
+}
+
+void Publisher::publish(const std::vector<Outgoing>& messages) {
+  {
+    const std::lock_guard lock(m_mutex);
+    rethrow();
+    m_spool.append(messages);
+    pump();
+  }
+  warn();
+}
+
+void Publisher::show(const std::string& now) {
+  const std::lock_guard lock(m_mutex);
+  m_now = now;
+  showNow();
+}
+
+void Publisher::finish() {
+  std::unique_lock lock(m_mutex);
+  m_changed.wait_for(lock, patience,
+                     [this] { return m_spool.messages() == 0 || m_isAway || m_failure; });
+  rethrow();
+  if (m_spool.messages() > 0) {
+    m_options.onWarning(
+        m_spool.isFile()
+            ? fmt::format("{} messages wait in {} for the broker", m_spool.messages(),
+                          m_options.spoolFile)
+            : fmt::format("{} messages could not be published and are lost without --spool",
+                          m_spool.messages()));
+  }
+}
+
+Publisher::Counts Publisher::counts() const {
+  const std::lock_guard lock(m_mutex);
+  return {m_published, m_spool.messages(), m_spool.bytes(), m_spool.dropped(),
+          m_client.isConnected()};
+}
+
+/// On the client's thread, as the two that follow.
+void Publisher::connected() {
+  m_isAway = false;
+  m_isRepeating = !m_inFlight.empty();
+  m_client.publish(m_address.topic + statusTopic, online, true);
+  showNow();
+  pump();
+}
+
+void Publisher::accepted(int message) {
+  if (message == m_farewell) {
+    m_farewell.reset();
+    m_changed.notify_all();
+  }
+  const auto found = m_inFlight.find(message);
+  if (found == m_inFlight.end()) {
+    return;  // the status, or what holds now
+  }
+  m_spool.remove(found->second);
+  m_inFlight.erase(found);
+  m_isRepeating = m_isRepeating && !m_inFlight.empty();
+  ++m_published;
+  pump();
+  m_changed.notify_all();
+}
+
+void Publisher::lose(const std::string& problem) {
+  const std::lock_guard lock(m_mutex);
+  m_isAway = true;
+  m_loss = m_tellingLoss.isTime() ? problem : m_loss;
+  m_changed.notify_all();
+}
+
+/// Hands over what the client may have at once.
+void Publisher::pump() {
+  while (m_client.isConnected() && !m_isRepeating && m_inFlight.size() < MqttClient::mostInFlight) {
+    const auto next = m_spool.nextAfter(m_lastSent);
+    if (!next) {
+      return;
+    }
+    const char* const topic = next->channel == Channel::events ? eventsTopic : "";
+    const auto number = m_client.publish(m_address.topic + topic, next->payload, false);
+    if (!number) {
+      return;
+    }
+    m_inFlight.emplace(*number, next->id);
+    m_lastSent = next->id;
+  }
+}
+
+void Publisher::showNow() {
+  if (!m_now.empty() && m_client.isConnected()) {
+    m_client.publish(m_address.topic + nowTopic, m_now, true);
+  }
+}
+
+/// Says what the other thread has met.
+void Publisher::warn() {
+  std::string loss;
+  std::string drops;
+  {
+    const std::lock_guard lock(m_mutex);
+    loss = std::exchange(m_loss, {});
+    if (m_spool.dropped() > m_toldDrops && m_tellingDrops.isTime()) {
+      m_toldDrops = m_spool.dropped();
+      drops = fmt::format("the spool is full: the oldest {} messages were dropped", m_toldDrops);
+    }
+  }
+  if (!loss.empty()) {
+    m_options.onWarning("the broker is away: " + loss);
+  }
+  if (!drops.empty()) {
+    m_options.onWarning(drops);
+  }
+}
+
+/// The library that calls knows no exceptions.
+template <typename Action>
+void Publisher::guarded(const Action& action) {
+  const std::lock_guard lock(m_mutex);
+  try {
+    action();
+  } catch (...) {
+    m_failure = m_failure ? m_failure : std::current_exception();
+    m_changed.notify_all();
+  }
+}
+
+void Publisher::rethrow() {
+  if (m_failure) {
+    std::rethrow_exception(std::exchange(m_failure, nullptr));
+  }
+}
+
+}  // namespace grouptracker
