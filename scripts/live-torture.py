@@ -1,0 +1,204 @@
+#!/usr/bin/env python3
+"""Shows that no line is lost on its way to a broker that is killed again and again.
+
+Tracks people in real time and publishes their groups by a broker of its own; kills the broker (kill -9)
+at random moments and keeps it away, kills the tracker now and then as well, and compares at the end what a
+listener got with what the tracker wrote into files: every line once, in order, without a gap in the counters.
+
+    scripts/live-torture.py build/release/bin/grouptracker --kills 10 --away 30 --tracker-kills 3
+"""
+
+import argparse
+import json
+import math
+import os
+import random
+import shutil
+import signal
+import socket
+import subprocess
+import sys
+import tempfile
+import threading
+import time
+
+
+def free_port():
+    with socket.socket() as place:
+        place.bind(("127.0.0.1", 0))
+        return place.getsockname()[1]
+
+
+class Broker:
+    """A broker that forgets nobody who has subscribed."""
+
+    def __init__(self, folder):
+        self.port = free_port()
+        self.conf = os.path.join(folder, "broker.conf")
+        with open(self.conf, "w") as conf:
+            conf.write(f"listener {self.port} 127.0.0.1\nallow_anonymous true\nuser root\n"
+                       f"persistence true\npersistence_location {folder}/\nlog_dest none\n"
+                       "max_queued_messages 0\nmax_inflight_messages 0\n")
+        self.program = shutil.which("mosquitto", path=os.environ["PATH"] + ":/usr/sbin")
+        self.start()
+
+    def start(self):
+        self.process = subprocess.Popen([self.program, "-c", self.conf])
+        for _ in range(200):
+            with socket.socket() as probe:
+                if probe.connect_ex(("127.0.0.1", self.port)) == 0:
+                    return
+            time.sleep(0.05)
+        sys.exit("the broker does not start")
+
+    def kill(self):
+        self.process.kill()
+        self.process.wait()
+
+
+class Tracker:
+    """The program under test, which gets a message at each tick of a clock."""
+
+    def __init__(self, options, folder, port):
+        self.options, self.folder, self.port = options, folder, port
+        self.frame = 0
+        self.lives = 0
+        self.lock = threading.Lock()
+        self.is_ending = False
+        self.start()
+        self.thread = threading.Thread(target=self.feed)
+        self.thread.start()
+
+    def start(self):
+        self.lives += 1
+        self.process = subprocess.Popen(
+            [self.options.program, "run", "-", "--publish", f"mqtt://127.0.0.1:{self.port}/groups",
+             "--spool", os.path.join(self.folder, "groups.spool"), "--rate", str(self.options.rate),
+             "--look-ahead", "1", "--output", os.path.join(self.folder, f"groups{self.lives}.jsonl"),
+             "--diagnostics", "none", "--mobile-dump", "none"], stdin=subprocess.PIPE)
+
+    def kill(self):
+        with self.lock:
+            self.process.kill()
+            self.process.wait()
+            self.start()
+
+    def message(self):
+        people = []
+        for person in range(self.options.people):
+            pair, side = divmod(person, 2)
+            angle = 0.1 * pair + 0.02 * self.frame / self.options.rate
+            people.append({"id": f"guest-{person}", "x": round((5 + pair) * math.cos(angle), 3),
+                           "y": round((5 + pair) * math.sin(angle) + 0.6 * side, 3)})
+        text = {"time": round(time.time(), 3), "frame": self.frame, "people": people}
+        return (json.dumps(text) + "\n").encode()
+
+    def feed(self):
+        start = time.time()
+        while not self.is_ending:
+            self.frame += 1
+            time.sleep(max(0.0, start + self.frame / self.options.rate - time.time()))
+            with self.lock:
+                self.process.stdin.write(self.message())
+                self.process.stdin.flush()
+
+    def end(self):
+        self.is_ending = True
+        self.thread.join()
+        self.process.stdin.close()
+        return self.process.wait(60)
+
+    def lines(self):
+        """All whole lines that any life has written."""
+        for life in range(1, self.lives + 1):
+            with open(os.path.join(self.folder, f"groups{life}.jsonl")) as file:
+                yield from (line.strip() for line in file if line.endswith("}\n"))
+
+
+def parse():
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("program")
+    parser.add_argument("--kills", type=int, default=3, help="of the broker")
+    parser.add_argument("--away", type=float, default=5.0, help="seconds without broker")
+    parser.add_argument("--tracker-kills", type=int, default=1)
+    parser.add_argument("--rate", type=float, default=25.0, help="frames per second")
+    parser.add_argument("--people", type=int, default=50)
+    parser.add_argument("--seed", type=int, default=1)
+    return parser.parse_args()
+
+
+def torment(options, broker, tracker):
+    """Kills the broker so often, and the tracker at some moments between, broker there or not."""
+    doomed = sorted(random.sample(range(options.kills), min(options.kills, options.tracker_kills)))
+    for kill in range(options.kills):
+        time.sleep(random.uniform(3.0, 8.0))
+        broker.kill()
+        if kill in doomed and kill % 2 == 0:
+            tracker.kill()
+        time.sleep(options.away)
+        broker.start()
+        if kill in doomed and kill % 2 == 1:
+            time.sleep(random.uniform(0.0, 2.0))
+            tracker.kill()
+    time.sleep(3.0)
+
+
+def heard(path):
+    with open(path) as file:
+        return [json.loads(line) for line in file if line.endswith("}\n")]
+
+
+def await_all(path, tracker):
+    """Waits until the listener has the last line."""
+    last = json.loads(list(tracker.lines())[-1])["frame"]
+    for _ in range(600):
+        if any(line["frame"] == last for line in heard(path)[-2000:]):
+            return
+        time.sleep(0.1)
+
+
+def judge(messages, tracker):
+    first = {}
+    for message in messages:
+        first.setdefault(message.pop("sequence"), message)
+    counters = list(first)
+    published = [json.dumps(message, sort_keys=True) for message in first.values()]
+    tracked = [json.dumps(json.loads(line), sort_keys=True) for line in tracker.lines()]
+    missing = set(tracked) - set(published)
+    gaps = set(range(1, max(counters, default=0) + 1)) - set(counters)
+    print(f"{tracker.frame} frames sent, {len(tracked)} lines in files, {len(counters)} published, "
+          f"{len(messages) - len(first)} of them repeated with the same counter; "
+          f"{len(missing)} lines missing, {len(gaps)} gaps in the counters, "
+          f"order {'kept' if counters == sorted(counters) else 'LOST'}")
+    return not missing and not gaps and counters == sorted(counters) and len(tracked) > 0
+
+
+def main():
+    options = parse()
+    random.seed(options.seed)
+    with tempfile.TemporaryDirectory() as folder:
+        broker = Broker(folder)
+        path = os.path.join(folder, "heard.jsonl")
+        with open(path, "w") as file:
+            listener = subprocess.Popen(["mosquitto_sub", "-h", "127.0.0.1", "-p", str(broker.port),
+                                         "-i", "listener", "-c", "-q", "1", "-t", "groups"],
+                                        stdout=file, stderr=subprocess.DEVNULL)
+        time.sleep(1.0)
+        broker.process.send_signal(signal.SIGUSR1)  # has it write down who listens
+        time.sleep(1.0)
+        tracker = Tracker(options, folder, broker.port)
+        try:
+            torment(options, broker, tracker)
+            status = tracker.end()
+            await_all(path, tracker)
+        finally:
+            tracker.is_ending = True
+            tracker.process.kill()
+            listener.kill()
+            broker.kill()
+        is_good = judge(heard(path), tracker) and status == 0
+    sys.exit(0 if is_good else 1)
+
+
+if __name__ == "__main__":
+    main()
