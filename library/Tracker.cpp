@@ -25,20 +25,6 @@ namespace grouptracker {
 
 namespace {
 
-/// Hands on the one step that it was given.
-class GivenStep : public ObservationSource {
- public:
-  void give(ObservationStep step) { m_step = std::move(step); }
-
-  bool next(ObservationStep& step) override {
-    step = std::move(m_step);
-    return true;
-  }
-
- private:
-  ObservationStep m_step;
-};
-
 /// Wrong input in the way in which those hear of it who use the library.
 template <typename Action>
 auto telling(const Action& action) {
@@ -163,6 +149,20 @@ class Tracker::State {
   }
 
  private:
+  /// Hands on the one step that it was given.
+  class GivenStep : public ObservationSource {
+   public:
+    void give(ObservationStep step) { m_step = std::move(step); }
+
+    bool next(ObservationStep& step) override {
+      step = std::move(m_step);
+      return true;
+    }
+
+   private:
+    ObservationStep m_step;
+  };
+
   ObservationStep stepOf(const std::vector<SeenPerson>& people, std::optional<double> time,
                          std::optional<std::int64_t> number) const;
   std::vector<Observation> observationsOf(const std::vector<SeenPerson>& people,
