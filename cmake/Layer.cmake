@@ -41,7 +41,7 @@ function(grouptracker_late_library name)
   grouptracker_options(${name})
   grouptracker_use_precompiled(${name} precompiled_library)
   set_target_properties(${name} PROPERTIES LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib/grouptracker)
-  install(TARGETS ${name} LIBRARY DESTINATION lib/grouptracker)
+  install(TARGETS ${name} LIBRARY DESTINATION lib/grouptracker COMPONENT program)
 endfunction()
 
 # grouptracker_precompiled(NAME KIND [HEADERS ...]): a target of the given kind, STATIC or EXECUTABLE,

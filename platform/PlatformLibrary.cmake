@@ -24,16 +24,18 @@ function(platform_library name)
 
   set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/${name})
   install(TARGETS ${name} EXPORT ${name}Targets
-    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT ${name} NAMELINK_COMPONENT development)
   install(DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR}/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${name}
-    FILES_MATCHING PATTERN "*.h")
+    COMPONENT development FILES_MATCHING PATTERN "*.h")
   install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${name}/${name}Export.h
-    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${name})
-  install(EXPORT ${name}Targets NAMESPACE ${name}:: DESTINATION ${package_dir})
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${name} COMPONENT development)
+  install(EXPORT ${name}Targets NAMESPACE ${name}:: DESTINATION ${package_dir}
+    COMPONENT development)
   configure_package_config_file(${CMAKE_CURRENT_SOURCE_DIR}/${name}Config.cmake.in
     ${CMAKE_CURRENT_BINARY_DIR}/${name}Config.cmake INSTALL_DESTINATION ${package_dir})
   write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/${name}ConfigVersion.cmake
     COMPATIBILITY SameMajorVersion)
   install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${name}Config.cmake
-    ${CMAKE_CURRENT_BINARY_DIR}/${name}ConfigVersion.cmake DESTINATION ${package_dir})
+    ${CMAKE_CURRENT_BINARY_DIR}/${name}ConfigVersion.cmake DESTINATION ${package_dir}
+    COMPONENT development)
 endfunction()

@@ -142,7 +142,6 @@ void bindSimulation(py::module_& module) {
       .def_readwrite("gaps", &SimulationOptions::gaps)
       .def_readwrite("renamed", &SimulationOptions::renamed)
       .def_readwrite("switches", &SimulationOptions::switches)
-      .def_readwrite("images", &SimulationOptions::images)
       .def_readwrite("folder", &SimulationOptions::outputFolder);
   module.def("simulate", &simulatedTracks, py::arg("options"));
   module.def(

@@ -111,7 +111,6 @@ class SimulationOptions:
     gaps: float
     renamed: float
     switches: float
-    images: bool
     folder: str
 
 def read_groups(path: str) -> list[Step]: ...

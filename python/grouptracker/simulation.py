@@ -57,7 +57,7 @@ def simulate(folder: Optional[Path] = None, *, seed: int = 1, people: int = 30, 
              rate: float = 10.0, streams: int = 0, circles: Sequence[int] = (), waiting: int = 0,
              queue: int = 0, joins: int = 1, leaves: int = 1, merges: int = 1, splits: int = 1,
              missed: float = 0.0, noise: float = 0.0, jitter: float = 0.0, gaps: float = 0.0,
-             renamed: float = 0.0, switches: float = 0.0, images: bool = False) -> Simulation:
+             renamed: float = 0.0, switches: float = 0.0) -> Simulation:
     """Makes a scene of people with known groups; the same arguments give the same scene.
 
     With a folder, everything that `grouptracker simulate` writes goes there, too. Tracks are a data frame
@@ -78,14 +78,12 @@ def simulate(folder: Optional[Path] = None, *, seed: int = 1, people: int = 30, 
     missed, noise, jitter, gaps, renamed, switches:
         What the tracker does wrong: probability of a miss; deviations in metres, of each frame or lasting a
         second; losses a minute, share of these who get a new id, exchanged ids a minute.
-    images:
-        Whether frames are rendered into the folder.
     """
     options = _native.SimulationOptions()
     values = dict(seed=seed, people=people, groups=list(groups), group_share=group_share, frames=frames,
                   seconds=seconds, rate=rate, streams=streams, circles=list(circles), waiting=waiting,
                   queue=queue, joins=joins, leaves=leaves, merges=merges, splits=splits, missed=missed,
-                  noise=noise, jitter=jitter, gaps=gaps, renamed=renamed, switches=switches, images=images)
+                  noise=noise, jitter=jitter, gaps=gaps, renamed=renamed, switches=switches)
     for name, value in values.items():
         setattr(options, name, value)
     _check(options)

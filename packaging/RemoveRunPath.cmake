@@ -1,0 +1,10 @@
+# Run by CPack on what it has installed for the packages.
+file(GLOB_RECURSE files LIST_DIRECTORIES false ${CPACK_TEMPORARY_DIRECTORY}/*)
+foreach(file ${files})
+  if(NOT IS_SYMLINK ${file})
+    file(READ ${file} magic LIMIT 4 HEX)
+    if(magic STREQUAL "7f454c46")
+      file(RPATH_REMOVE FILE ${file})
+    endif()
+  endif()
+endforeach()
