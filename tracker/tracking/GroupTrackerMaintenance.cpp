@@ -190,10 +190,10 @@ class SplitSearch {
       if (walk.found != noId) {
         break;
       }
-      const Walk& earlier = walkFrom(*ancestor);
-      if (earlier.askedFor == groupId && ancestor != &member) {
-        if (generation + earlier.generations <= splitGenerations) {
-          walk.settle(earlier.found, generation + earlier.generations);
+      const Walk* const earlier = knownWalk(*ancestor);
+      if (earlier != nullptr && earlier->askedFor == groupId && ancestor != &member) {
+        if (generation + earlier->generations <= splitGenerations) {
+          walk.settle(earlier->found, generation + earlier->generations);
         }
         break;
       }
@@ -221,13 +221,19 @@ class SplitSearch {
     return home == groupId ? noId : home;
   }
 
+  /// Null when the node was surely not asked yet.
+  const Walk* knownWalk(const MetaLPO& node) const {
+    const std::size_t place = node.getIntakeNumber() - m_first;  // beyond all for one before
+    return place < m_walks.size() ? &m_walks[place] : nullptr;
+  }
+
   Walk& walkFrom(const MetaLPO& node) {
+    constexpr std::size_t room = 256;  // nodes of earlier frames that may be asked, too
     const std::size_t number = node.getIntakeNumber();
-    if (m_walks.empty()) {
-      m_first = number;
-    }
-    for (; number < m_first; --m_first) {
-      m_walks.emplace_front();
+    if (m_walks.empty() || number < m_first) {
+      const std::size_t first = number - std::min(number, room);
+      m_walks.insert(m_walks.begin(), m_walks.empty() ? 0 : m_first - first, Walk());
+      m_first = first;
     }
     if (number - m_first >= m_walks.size()) {
       m_walks.resize(number - m_first + 1);
@@ -236,8 +242,8 @@ class SplitSearch {
   }
 
   const GroupTracker& m_tracker;
-  std::size_t m_first = 0;   ///< the number of intake of the first node below
-  std::deque<Walk> m_walks;  ///< by number of intake
+  std::size_t m_first = 0;    ///< the number of intake of the first node below
+  std::vector<Walk> m_walks;  ///< by number of intake
 };
 
 }  // namespace
