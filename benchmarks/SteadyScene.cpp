@@ -10,7 +10,7 @@
 namespace {
 
 constexpr float metresPerPerson = 5.0F;  // side of the square that a person has on average
-constexpr float speed = 1.2F / 25;       // metres per frame
+constexpr float speed = 1.2F;            // metres per second
 constexpr float jitter = 0.01F;          // metres
 constexpr float spacing = 0.6F;          // metres between people of a group
 constexpr std::size_t listLength = 30;
@@ -53,7 +53,7 @@ void SteadyScene::addGroup(std::size_t first, int size) {
   for (std::size_t i = first; i < first + static_cast<std::size_t>(size); ++i) {
     m_people[i] = {m_nextActor++,
                    center + cv::Point2f(between(-reach, reach), between(-reach, reach)),
-                   cv::Point2f(std::cos(direction), std::sin(direction)) * speed,
+                   cv::Point2f(std::cos(direction), std::sin(direction)) * (speed / m_options.rate),
                    leaves,
                    {}};
   }

@@ -12,10 +12,10 @@
 #include <string>
 #include <vector>
 
-/// A scene without end, as a tracker would deliver it at 25 frames per second: people walk alone
-/// and in groups through a square that grows with their number and come back on the other side.
-/// Each has links to the last five mobiles of its own and a list of the last thirty. The same
-/// options give the same scene everywhere.
+/// A scene without end, as a tracker would deliver it, at 25 frames a second unless another rate is
+/// asked for: people walk alone and in groups through a square that grows with their number and
+/// come back on the other side. Each has links to the last five mobiles of its own and a list of
+/// the last thirty. The same options give the same scene everywhere.
 class SteadyScene {
  public:
   using Actors = QList<QSharedPointer<kelDataActor>>;
@@ -29,7 +29,8 @@ class SteadyScene {
   struct Options {
     int people = 50;
     Grouping grouping = Grouping::mixed;
-    int stay = 0;  ///< frames after which a group leaves and others come; 0: nobody leaves
+    int stay = 0;        ///< frames after which a group leaves and others come; 0: nobody leaves
+    float rate = 25.0F;  ///< frames a second
   };
 
   explicit SteadyScene(const Options& options);

@@ -19,13 +19,12 @@ import tempfile
 PARAMETERS = pathlib.Path(__file__).resolve().parent.parent / "samples/parameters/walking.txt"
 
 
-def measure(build):
-    """Milliseconds a frame by the name of the benchmark."""
-    program = build / "bin/process_benchmark"
-    output = subprocess.run([program, "--benchmark_format=json"], check=True,
+def measure(build, program):
+    """What a program of benchmarks measured, by the name of the benchmark."""
+    output = subprocess.run([build / "bin" / program, "--benchmark_format=json"], check=True,
                             stdout=subprocess.PIPE).stdout
     rows = json.loads(output)["benchmarks"]
-    return {re.sub("/iterations.*", "", row["name"]): row["real_time"] for row in rows}
+    return {re.sub("/iterations.*", "", row["name"]): row for row in rows}
 
 
 def child_seconds(command, **options):
@@ -71,7 +70,9 @@ def main():
     parser.add_argument("--frames", default=20000, type=int)
     options = parser.parse_args()
     os.environ["LC_ALL"] = "C"
-    ms = measure(options.build)
+    ms = {name: row["real_time"]
+          for name, row in measure(options.build, "process_benchmark").items()}
+    evidence = measure(options.build, "evidence_benchmark")
     memory, time = flatness(options.build, options.frames)
     rows = [(f"process() with everything on against printf and ofstream, {n} people",
              ms[f"process/{n}/on"] / ms[f"printf/{n}"], limit)
@@ -90,6 +91,9 @@ def main():
          whole_run(options.build) / ms["process/50/on"], 1.5),
         ("diagnostics off against on, 50 people", ms["process/50/off"] / ms["process/50/on"], 0.5),
     ]
+    rows += [(f"evidence and groups against process(), 50 people, {rate} frames a second",
+              evidence[f"evidence/{rate} frames a second/on"]["share"], 1 / 5)
+             for rate in ("2.5", "10", "25")]
     for name in ms:
         print(f"{name:45} {ms[name]:10.3f} ms")
     print()
