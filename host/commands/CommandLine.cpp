@@ -377,7 +377,11 @@ std::optional<int> CommandLine::parse(int argc, char** argv) {
   } catch (const CLI::ParseError& failure) {
     auto slip = slipIn(*m_program);
     slip = slip ? slip : slipInConfig(*m_program, failure);
-    slip ? fmt::print(stderr, "{}\n", *slip) : void(m_program->exit(failure));
+    const auto chosen = m_program->get_subcommands();
+    const std::string command = chosen.empty() ? "" : " " + chosen.front()->get_name();
+    fmt::print(
+        stderr, "{}\n",
+        slip.value_or(fmt::format("{}; see grouptracker{} --help", failure.what(), command)));
     return wrongInput;
   }
   return std::nullopt;

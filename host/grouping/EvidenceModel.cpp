@@ -52,21 +52,11 @@ std::array<double, EvidenceModel::flagNames.size()> EvidenceModel::flagsOf(
           features.appeared * features.standing};
 }
 
-double EvidenceModel::factorOf(const PairFeature& feature, Mark mark,
-                               const PairFeatures& features) {
+/// In the order of `Mark`.
+EvidenceModel::Factors EvidenceModel::factorsOf(const PairFeatures& features, bool needsArrivals) {
   const double seenArriving =
-      feature.needsArrivals ? (1.0 - features.start) * (1.0 - features.appeared) : 1.0;
-  switch (mark) {
-    case Mark::always:
-      return seenArriving;
-    case Mark::standing:
-      return seenArriving * features.standing;
-    case Mark::start:
-      return features.start;
-    case Mark::appeared:
-      return features.appeared;
-  }
-  return 0.0;
+      needsArrivals ? (1.0 - features.start) * (1.0 - features.appeared) : 1.0;
+  return {seenArriving, seenArriving * features.standing, features.start, features.appeared};
 }
 
 EvidenceModel::Position EvidenceModel::positionOf(double value, const std::vector<double>& knots) {
@@ -76,9 +66,13 @@ EvidenceModel::Position EvidenceModel::positionOf(double value, const std::vecto
   if (value >= knots.back()) {
     return {knots.size() - 2, 1.0};
   }
-  const auto above = std::upper_bound(knots.begin(), knots.end(), value);
-  const auto below = above - 1;
-  return {static_cast<std::size_t>(below - knots.begin()), (value - *below) / (*above - *below)};
+  // Knots are few: to count those below takes less time than to halve them.
+  std::size_t above = 0;
+  for (const double knot : knots) {
+    above += knot <= value ? 1U : 0U;
+  }
+  const double low = knots[above - 1];
+  return {above - 1, (value - low) / (knots[above] - low)};
 }
 
 std::string EvidenceModel::text() const {

@@ -33,8 +33,8 @@ class EvidenceModel {
 
   /// The log-odds that two persons belong together.
   double logOdds(const PairFeatures& features) const;
-  /// Calls `use(index, factor)` for each weight that counts: the log-odds are the sum of the
-  /// weights times their factors.
+  /// Calls `use(index, factor)` for each weight that counts, in ascending order: the log-odds are
+  /// the sum of the weights times their factors.
   template <typename Use>
   void forEachTerm(const PairFeatures& features, const Use& use) const;
 
@@ -73,8 +73,11 @@ class EvidenceModel {
     double fraction = 0.0;  ///< of the way to the next
   };
 
+  /// In proportion to what the lines of a curve count, by their marks.
+  using Factors = std::array<double, markNames.size()>;
+
   static std::array<double, flagNames.size()> flagsOf(const PairFeatures& features);
-  static double factorOf(const PairFeature& feature, Mark mark, const PairFeatures& features);
+  static Factors factorsOf(const PairFeatures& features, bool needsArrivals);
   static Position positionOf(double value, const std::vector<double>& knots);
 
   std::array<Curve, pairFeatures.size()> m_curves;  ///< in the order of `pairFeatures`
@@ -88,11 +91,17 @@ void EvidenceModel::forEachTerm(const PairFeatures& features, const Use& use) co
   for (std::size_t i = 0; i < flags.size(); ++i) {
     use(i, flags[i]);
   }
+  const Factors usual = factorsOf(features, false);
+  const Factors ofArrivals = factorsOf(features, true);
   for (std::size_t i = 0; i < m_curves.size(); ++i) {
     const PairFeature& feature = pairFeatures[i];
+    const Factors& factors = feature.needsArrivals ? ofArrivals : usual;
     const Position at = positionOf(features.*feature.value, m_curves[i].knots);
     for (const Line& line : m_curves[i].lines) {
-      const double factor = factorOf(feature, line.mark, features);
+      const double factor = factors[static_cast<std::size_t>(line.mark)];
+      if (factor == 0.0) {
+        continue;
+      }
       use(line.first + at.knot, (1.0 - at.fraction) * factor);
       use(line.first + at.knot + 1, at.fraction * factor);
     }

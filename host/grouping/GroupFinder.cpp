@@ -20,12 +20,14 @@ std::vector<PersonId> idsOf(const std::vector<PersonAt>& people) {
   return ids;
 }
 
+/// Of some of the people, both in ascending order.
 cv::Point2d meanPlace(const std::vector<PersonId>& members, const std::vector<PersonAt>& people) {
   cv::Point2d sum;
-  for (const PersonAt& person : people) {
-    if (std::binary_search(members.begin(), members.end(), person.person)) {
-      sum += person.place;
-    }
+  auto person = people.begin();
+  for (const PersonId member : members) {
+    person = std::lower_bound(person, people.end(), member,
+                              [](const PersonAt& at, PersonId id) { return at.person < id; });
+    sum += person->place;
   }
   const auto count = static_cast<double>(members.size());
   return {sum.x / count, sum.y / count};
@@ -40,16 +42,15 @@ std::vector<PersonId> common(const std::vector<PersonId>& a, const std::vector<P
 }  // namespace
 
 std::vector<FrameGroups> GroupFinder::next(const PeopleFrame& frame) {
-  WaitingFrame waiting{frame, std::nullopt};
   const double now = clock(frame);
+  std::optional<double> tick;
   // Ticks whose look-ahead ended before this frame must not see it.
   std::vector<FrameGroups> decided = handOut(now - 2 * ticks::tolerance);
   if (!m_lastTick || now - *m_lastTick >= ticks::interval - ticks::tolerance) {
-    m_lastTick = now;
-    waiting.tick = now;
+    m_lastTick = tick = now;
     m_evidence.add(now, frame.people);
   }
-  m_waiting.push_back(std::move(waiting));
+  m_waiting.push_back({frame, tick});
   std::vector<FrameGroups> more = handOut(now + ticks::tolerance);
   std::move(more.begin(), more.end(), std::back_inserter(decided));
   return decided;
@@ -84,7 +85,8 @@ std::vector<FrameGroups> GroupFinder::handOut(double knownUntil) {
       if (m_watcher) {
         m_watcher(oldest.frame, beliefs);
       }
-      m_groups = m_identity.next(beliefs);
+      m_groups = m_identity.next(
+          beliefs, [this](PersonId a, PersonId b) { return m_evidence.latestOf(a, b); });
       std::erase_if(m_since,
                     [this](const auto& group) { return !m_identity.remembers(group.first); });
     }
@@ -96,16 +98,19 @@ std::vector<FrameGroups> GroupFinder::handOut(double knownUntil) {
 
 FrameGroups GroupFinder::describe(const WaitingFrame& waiting) {
   const PeopleFrame& frame = waiting.frame;
-  FrameGroups line{frame.number, frame.time, {}, idsOf(frame.people)};
+  FrameGroups line{frame.number, frame.time, {}, {}};
+  const std::vector<PersonId> inView = idsOf(frame.people);
+  std::vector<PersonId> together;
   for (const TickGroup& group : m_groups) {
-    std::vector<PersonId> members = common(group.members, idsOf(frame.people));
+    std::vector<PersonId> members = common(group.members, inView);
     if (members.size() >= 2) {
-      std::erase_if(line.alone, [&](PersonId person) {
-        return std::binary_search(members.begin(), members.end(), person);
-      });
+      together.insert(together.end(), members.begin(), members.end());
       line.groups.push_back(describe(group, std::move(members), frame, waiting.tick.has_value()));
     }
   }
+  std::sort(together.begin(), together.end());
+  std::set_difference(inView.begin(), inView.end(), together.begin(), together.end(),
+                      std::back_inserter(line.alone));
   m_listed.clear();
   for (const FoundGroup& group : line.groups) {
     m_listed.push_back(group.id);

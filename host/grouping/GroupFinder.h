@@ -27,7 +27,10 @@ class GroupFinder {
   /// Is told of every frame at which groups are looked for what is believed of the pairs, before
   /// the groups of that frame are handed out.
   using TickWatcher = std::function<void(const PeopleFrame&, const TickBeliefs&)>;
-  void watchTicks(TickWatcher watcher) { m_watcher = std::move(watcher); }
+  void watchTicks(TickWatcher watcher) {
+    m_watcher = std::move(watcher);
+    m_evidence.keepFeatures();
+  }
 
   /// Takes the next frame; returns those that are decided now, in order.
   std::vector<FrameGroups> next(const PeopleFrame& frame);

@@ -1,6 +1,5 @@
 #include "host/grouping/GroupIdentity.h"
 
-#include "host/grouping/Partition.h"
 #include "host/grouping/PeopleFrame.h"
 
 #include <algorithm>
@@ -33,10 +32,11 @@ double limited(double belief) {
 
 }  // namespace
 
-std::vector<TickGroup> GroupIdentity::next(const TickBeliefs& tick) {
+std::vector<TickGroup> GroupIdentity::next(const TickBeliefs& tick, const LatestOf& latestOf) {
   m_time = tick.time;
-  watchMeetings(tick);
-  Gatherings gatherings = gather(tick);
+  const GroupsOfPeople groupOf = groupsOf(tick.people);
+  watchMeetings(tick, groupOf, latestOf);
+  Gatherings gatherings = gather(tick, groupOf);
   holdTogether(tick, gatherings);
   inherit(gatherings);
   nameTheRest(gatherings);
@@ -56,69 +56,84 @@ std::vector<TickGroup> GroupIdentity::next(const TickBeliefs& tick) {
   return groups;
 }
 
-bool GroupIdentity::areTogether(PersonId a, PersonId b) const {
-  const auto groupA = m_memberOf.find(a);
-  const auto groupB = m_memberOf.find(b);
-  return groupA != m_memberOf.end() && groupB != m_memberOf.end() &&
-         groupA->second == groupB->second;
+/// The group that each of some people is in; 0 for none.
+GroupIdentity::GroupsOfPeople GroupIdentity::groupsOf(const std::vector<PersonAt>& people) const {
+  GroupsOfPeople groupOf;
+  groupOf.reserve(people.size());
+  for (const PersonAt& person : people) {
+    const auto group = m_memberOf.find(person.person);
+    groupOf.push_back(group == m_memberOf.end() ? 0 : group->second);
+  }
+  return groupOf;
 }
 
-GroupIdentity::Gatherings GroupIdentity::gather(const TickBeliefs& tick) const {
+/// Only groups that have lived for a while can meet.
+void GroupIdentity::watchMeetings(const TickBeliefs& tick, GroupsOfPeople groupOf,
+                                  const LatestOf& latestOf) {
+  for (GroupId& group : groupOf) {
+    const bool isReal =
+        group != 0 && m_time - m_groups.at(group).born >= realLife - ticks::tolerance;
+    group = isReal ? group : 0;
+  }
+  m_meetings.watch(tick, groupOf, latestOf);
+}
+
+GroupIdentity::Gatherings GroupIdentity::gather(const TickBeliefs& tick,
+                                                const GroupsOfPeople& groupOf) const {
   const auto beliefIn = [this](const PairBelief& pair) {
     return m_meetings.haveMet(pair.a, pair.b) ? std::max(limited(pair.belief), met)
                                               : limited(pair.belief);
   };
   const auto score = [&](const PairBelief& pair) {
-    return beliefIn(pair) + (areTogether(pair.a, pair.b) ? stay : 0.0);
+    const GroupId group = groupOf[pair.indexOfA];
+    const bool areTogether = group != 0 && group == groupOf[pair.indexOfB];
+    return beliefIn(pair) + (areTogether ? stay : 0.0);
   };
-  std::vector<PersonId> people;
+  // Most people have nobody: only the others get numbers in the table of pairs.
+  std::vector<char> hasSomebody(tick.people.size(), 0);
   for (const PairBelief& pair : tick.pairs) {
     if (score(pair) > 0.0) {
-      people.insert(people.end(), {pair.a, pair.b});
+      hasSomebody[pair.indexOfA] = hasSomebody[pair.indexOfB] = 1;
     }
   }
-  std::sort(people.begin(), people.end());
-  people.erase(std::unique(people.begin(), people.end()), people.end());
+  std::vector<PersonId> people;
+  std::vector<std::size_t> numberOf(tick.people.size(), 0);
+  for (std::size_t i = 0; i < hasSomebody.size(); ++i) {
+    if (hasSomebody[i] != 0) {
+      numberOf[i] = people.size();
+      people.push_back(tick.people[i].person);
+    }
+  }
 
   PairScores scores(people.size(), lowestBelief);
   PairScores beliefs(people.size(), lowestBelief);
   for (const PairBelief& pair : tick.pairs) {
-    const auto a = std::lower_bound(people.begin(), people.end(), pair.a);
-    const auto b = std::lower_bound(people.begin(), people.end(), pair.b);
-    if (a != people.end() && *a == pair.a && b != people.end() && *b == pair.b) {
-      const auto i = static_cast<std::size_t>(a - people.begin());
-      const auto j = static_cast<std::size_t>(b - people.begin());
-      scores.set(i, j, score(pair));
-      beliefs.set(i, j, beliefIn(pair));
+    if (hasSomebody[pair.indexOfA] != 0 && hasSomebody[pair.indexOfB] != 0) {
+      const std::size_t a = numberOf[pair.indexOfA];
+      const std::size_t b = numberOf[pair.indexOfB];
+      scores.set(a, b, score(pair));
+      beliefs.set(a, b, beliefIn(pair));
     }
   }
-
   Gatherings gatherings;
   for (const Cluster& cluster : linkByAverage(scores)) {
-    Gathering gathering;
-    for (const std::size_t i : cluster) {
-      gathering.people.push_back(people[i]);
-      const auto group = m_memberOf.find(people[i]);
-      if (group != m_memberOf.end()) {
-        ++gathering.before[group->second];
-      }
-    }
-    gathering.evidence = meanScore(cluster, beliefs);
-    gatherings.push_back(std::move(gathering));
+    gatherings.push_back(describe(cluster, beliefs, people));
   }
   return gatherings;
 }
 
-/// Only groups that have lived for a while can meet.
-void GroupIdentity::watchMeetings(const TickBeliefs& tick) {
-  std::map<PersonId, GroupId> groupOf;
-  for (const auto& [person, id] : m_memberOf) {
-    const Group& group = m_groups.at(id);
-    if (m_time - group.born >= realLife - ticks::tolerance) {
-      groupOf.emplace(person, id);
+GroupIdentity::Gathering GroupIdentity::describe(const Cluster& cluster, const PairScores& beliefs,
+                                                 const std::vector<PersonId>& people) const {
+  Gathering gathering;
+  for (const std::size_t i : cluster) {
+    gathering.people.push_back(people[i]);
+    const auto group = m_memberOf.find(people[i]);
+    if (group != m_memberOf.end()) {
+      ++gathering.before[group->second];
     }
   }
-  m_meetings.watch(tick, groupOf);
+  gathering.evidence = meanScore(cluster, beliefs);
+  return gathering;
 }
 
 /// The look-ahead knows that a group will split before anybody can see it.

@@ -3,6 +3,7 @@
 #include "host/grouping/FrameGroups.h"
 #include "host/grouping/GroupMeetings.h"
 #include "host/grouping/PairEvidence.h"
+#include "host/grouping/Partition.h"
 
 #include <cstddef>
 #include <map>
@@ -34,7 +35,7 @@ class GroupIdentity {
   explicit GroupIdentity(double lookAhead) : m_lookAhead(lookAhead) {}
 
   /// The groups at the next tick, in ascending order of ids.
-  std::vector<TickGroup> next(const TickBeliefs& tick);
+  std::vector<TickGroup> next(const TickBeliefs& tick, const LatestOf& latestOf);
   /// Whether the group goes on or may still come back.
   bool remembers(GroupId id) const { return m_groups.contains(id); }
 
@@ -56,14 +57,17 @@ class GroupIdentity {
   };
   using Gatherings = std::vector<Gathering>;
   using PersonPair = std::pair<PersonId, PersonId>;
+  using GroupsOfPeople = GroupMeetings::GroupsOfPeople;
 
-  void watchMeetings(const TickBeliefs& tick);
-  Gatherings gather(const TickBeliefs& tick) const;
+  GroupsOfPeople groupsOf(const std::vector<PersonAt>& people) const;
+  void watchMeetings(const TickBeliefs& tick, GroupsOfPeople groupOf, const LatestOf& latestOf);
+  Gatherings gather(const TickBeliefs& tick, const GroupsOfPeople& groupOf) const;
+  Gathering describe(const Cluster& cluster, const PairScores& beliefs,
+                     const std::vector<PersonId>& people) const;
   void holdTogether(const TickBeliefs& tick, Gatherings& gatherings);
   static std::optional<GroupId> commonOrigin(const Gathering& a, const Gathering& b);
   static double distanceOf(const Gathering& a, const Gathering& b, const TickBeliefs& tick);
   static void unite(Gathering& gathering, const Gathering& other);
-  bool areTogether(PersonId a, PersonId b) const;
   void inherit(Gatherings& gatherings);
   std::optional<GroupId> remembered(const Gathering& gathering) const;
   bool hasWaited(const Gathering& gathering);

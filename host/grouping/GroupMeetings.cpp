@@ -18,9 +18,10 @@ constexpr double partedShift = 2.0;     // metres
 
 }  // namespace
 
-void GroupMeetings::watch(const TickBeliefs& tick, const std::map<PersonId, GroupId>& groupOf) {
-  dropParted(tick);
-  for (const auto& [groups, encounter] : encountersAt(tick, groupOf)) {
+void GroupMeetings::watch(const TickBeliefs& tick, const GroupsOfPeople& groupOf,
+                          const LatestOf& latestOf) {
+  dropParted(tick, latestOf);
+  for (const auto& [groups, encounter] : encountersAt(tick, groupOf, latestOf)) {
     if (!isMeeting(encounter)) {
       continue;
     }
@@ -30,23 +31,32 @@ void GroupMeetings::watch(const TickBeliefs& tick, const std::map<PersonId, Grou
   }
 }
 
+/// Of the groups of which two persons are in reach of each other.
 GroupMeetings::Encounters GroupMeetings::encountersAt(const TickBeliefs& tick,
-                                                      const std::map<PersonId, GroupId>& groupOf) {
+                                                      const GroupsOfPeople& groupOf,
+                                                      const LatestOf& latestOf) {
+  const auto groupsOf = [&groupOf](const PairBelief& pair) {
+    return GroupPair(std::minmax(groupOf[pair.indexOfA], groupOf[pair.indexOfB]));
+  };
+  const auto areOfTwo = [](const GroupPair& groups) {
+    return groups.first != 0 && groups.first != groups.second;
+  };
   Encounters encounters;
   for (const PairBelief& pair : tick.pairs) {
-    const auto a = groupOf.find(pair.a);
-    const auto b = groupOf.find(pair.b);
-    if (!pair.latest || a == groupOf.end() || b == groupOf.end() || a->second == b->second) {
-      continue;
+    if (pair.distance < inReach && areOfTwo(groupsOf(pair))) {
+      encounters.try_emplace(groupsOf(pair));
     }
-    const LatestMoments& latest = *pair.latest;
-    Encounter& encounter = encounters[std::minmax(a->second, b->second)];
-    encounter.nearest = std::min(encounter.nearest, pair.distance);
-    encounter.nearestLatest = std::min(encounter.nearestLatest, latest.distance);
-    encounter.cameFrom = std::min(encounter.cameFrom, latest.cameFrom);
-    encounter.velocityDifference += latest.velocityDifference;
-    encounter.shift += a->second < b->second ? latest.shift : -latest.shift;
-    encounter.pairs.emplace_back(pair.a, pair.b);
+  }
+  if (encounters.empty()) {
+    return encounters;
+  }
+  for (const PairBelief& pair : tick.pairs) {
+    const auto encounter = encounters.find(groupsOf(pair));
+    const auto latest = encounter == encounters.end() ? std::nullopt : latestOf(pair.a, pair.b);
+    if (latest) {
+      const bool isTurned = groupOf[pair.indexOfA] > groupOf[pair.indexOfB];
+      add(pair, *latest, isTurned, encounter->second);
+    }
   }
   for (auto& [groups, encounter] : encounters) {
     const auto count = static_cast<double>(encounter.pairs.size());
@@ -56,18 +66,35 @@ GroupMeetings::Encounters GroupMeetings::encountersAt(const TickBeliefs& tick,
   return encounters;
 }
 
+void GroupMeetings::add(const PairBelief& pair, const LatestMoments& latest, bool isTurned,
+                        Encounter& encounter) {
+  encounter.nearestLatest = std::min(encounter.nearestLatest, latest.distance);
+  encounter.cameFrom = std::min(encounter.cameFrom, latest.cameFrom);
+  encounter.velocityDifference += latest.velocityDifference;
+  encounter.shift += isTurned ? -latest.shift : latest.shift;
+  encounter.pairs.emplace_back(pair.a, pair.b);
+}
+
 bool GroupMeetings::isMeeting(const Encounter& encounter) {
-  return encounter.cameFrom > apart && encounter.nearest < inReach &&
-         encounter.nearestLatest < sideBySide && encounter.velocityDifference < alike &&
+  return encounter.cameFrom > apart && encounter.nearestLatest < sideBySide &&
+         encounter.velocityDifference < alike &&
          std::hypot(encounter.shift.x, encounter.shift.y) < steady;
 }
 
-void GroupMeetings::dropParted(const TickBeliefs& tick) {
+void GroupMeetings::dropParted(const TickBeliefs& tick, const LatestOf& latestOf) {
   std::erase_if(m_metUntil, [&tick](const auto& met) { return tick.time > met.second; });
+  if (m_metUntil.empty()) {
+    return;
+  }
   for (const PairBelief& pair : tick.pairs) {
-    if (!pair.latest || pair.latest->distance > partedDistance ||
-        std::hypot(pair.latest->shift.x, pair.latest->shift.y) > partedShift) {
-      m_metUntil.erase({pair.a, pair.b});
+    const auto met = m_metUntil.find({pair.a, pair.b});
+    if (met == m_metUntil.end()) {
+      continue;
+    }
+    const auto latest = latestOf(pair.a, pair.b);
+    if (!latest || latest->distance > partedDistance ||
+        std::hypot(latest->shift.x, latest->shift.y) > partedShift) {
+      m_metUntil.erase(met);
     }
   }
 }

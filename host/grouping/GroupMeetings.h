@@ -15,8 +15,11 @@ namespace grouptracker {
 /// so that the latest moments are enough to tell it.
 class GroupMeetings {
  public:
-  /// Looks at all groups of a tick, given by the group of each member.
-  void watch(const TickBeliefs& tick, const std::map<PersonId, GroupId>& groupOf);
+  /// For each person of a tick, in their order, the group; 0 for none.
+  using GroupsOfPeople = std::vector<GroupId>;
+
+  /// Looks at all groups of a tick.
+  void watch(const TickBeliefs& tick, const GroupsOfPeople& groupOf, const LatestOf& latestOf);
   /// Whether two persons, the lower id first, are together because their groups have met.
   bool haveMet(PersonId a, PersonId b) const { return m_metUntil.contains({a, b}); }
 
@@ -27,7 +30,6 @@ class GroupMeetings {
   /// Two groups at one tick.
   struct Encounter {
     std::vector<PersonPair> pairs;    ///< one of each group
-    double nearest = farAway;         ///< distance of the nearest two now, metres
     double nearestLatest = farAway;   ///< mean of the latest moments, of the nearest two, metres
     double cameFrom = farAway;        ///< distance of the nearest two before, metres
     double velocityDifference = 0.0;  ///< mean of the pairs in the latest moments, m/s
@@ -36,10 +38,12 @@ class GroupMeetings {
   using Encounters = std::map<GroupPair, Encounter>;
   static constexpr double farAway = 100.0;  // metres
 
-  static Encounters encountersAt(const TickBeliefs& tick,
-                                 const std::map<PersonId, GroupId>& groupOf);
+  static Encounters encountersAt(const TickBeliefs& tick, const GroupsOfPeople& groupOf,
+                                 const LatestOf& latestOf);
+  static void add(const PairBelief& pair, const LatestMoments& latest, bool isTurned,
+                  Encounter& encounter);
   static bool isMeeting(const Encounter& encounter);
-  void dropParted(const TickBeliefs& tick);
+  void dropParted(const TickBeliefs& tick, const LatestOf& latestOf);
 
   std::map<PersonPair, double> m_metUntil;  ///< seconds
 };

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
+#include <iterator>
 
 namespace grouptracker {
 
@@ -18,24 +18,24 @@ constexpr double pairMemory = 30.0;        // seconds apart or unseen
 constexpr double personMemory = 60.0;      // seconds out of view
 constexpr double trackMemory = 600.0;      // seconds of a track that are kept
 constexpr double cleaningInterval = 10.0;  // seconds between looks for what is to be forgotten
-constexpr double surroundingRadius = 3.0;  // metres
 
 bool isOver(double time, double lastNear) {
   return lastNear < time - pairMemory;
 }
 
-Surroundings surroundingsOf(const PersonAt& person, const std::vector<PersonAt>& people) {
-  Surroundings around;
-  around.nearest.fill(std::numeric_limits<double>::infinity());
-  for (const PersonAt& other : people) {
-    if (other.person == person.person) {
-      continue;
-    }
-    const double distance = distanceBetween(person.place, other.place);
-    around.within3Metres += distance < surroundingRadius ? 1 : 0;
-    if (distance < around.nearest.back()) {
-      around.nearest.back() = distance;
-      std::inplace_merge(around.nearest.begin(), around.nearest.end() - 1, around.nearest.end());
+/// For each of some people.
+std::vector<Surroundings> surroundingsOf(const std::vector<PersonAt>& people) {
+  std::vector<Surroundings> around(people.size());
+  for (std::size_t a = 0; a < people.size(); ++a) {
+    for (std::size_t b = a + 1; b < people.size(); ++b) {
+      const cv::Point2d apart = people[b].place - people[a].place;
+      // Most are too far from each other to need their exact distance.
+      const double least = std::max(std::abs(apart.x), std::abs(apart.y));
+      if (least < around[a].reach() || least < around[b].reach()) {
+        const double distance = std::hypot(apart.x, apart.y);
+        around[a].add(distance);
+        around[b].add(distance);
+      }
     }
   }
   return around;
@@ -51,10 +51,12 @@ void PairEvidence::add(double time, const std::vector<PersonAt>& people) {
     m_start = time;
   }
   m_last = time;
-  for (const PersonAt& person : people) {
+  const std::vector<Surroundings> around = surroundingsOf(people);
+  for (std::size_t i = 0; i < people.size(); ++i) {
+    const PersonAt& person = people[i];
     const auto track =
         m_tracks.try_emplace(person.person, time, person.place, m_lookAhead > 0.0).first;
-    track->second.add({time, sinceTick, person.place, {}, surroundingsOf(person, people)});
+    track->second.add({time, sinceTick, person.place, {}, 0.0, around[i]});
   }
   m_undecided.push_back({time, people});
 }
@@ -62,61 +64,91 @@ void PairEvidence::add(double time, const std::vector<PersonAt>& people) {
 TickBeliefs PairEvidence::decide() {
   TickBeliefs beliefs{m_undecided.front().time, std::move(m_undecided.front().people), {}};
   m_undecided.pop_front();
-  std::vector<Seen> inView;
-  for (const PersonAt& person : beliefs.people) {
-    inView.push_back({person, &m_tracks.at(person.person)});
-  }
+  m_decided = beliefs.time;
   beliefs.pairs.reserve(m_pairs.size());
-  for (auto a = inView.begin(); a != inView.end(); ++a) {
-    for (auto b = a + 1; b != inView.end(); ++b) {
-      if (Pair* const pair = watchedPair(beliefs.time, *a, *b)) {
-        beliefs.pairs.push_back(judge(beliefs.time, *a, *b, *pair));
+  const std::vector<Seen> seen = inView(beliefs.people);
+  WatchedPairs newPairs;
+  auto known = m_pairs.begin();  // goes along with the pairs, which come in the same order
+  for (auto a = seen.begin(); a != seen.end(); ++a) {
+    for (auto b = a + 1; b != seen.end(); ++b) {
+      const PairKey key{a->at.person, b->at.person};
+      while (known != m_pairs.end() && known->key < key) {
+        ++known;
+      }
+      const bool isKnown = known != m_pairs.end() && known->key == key;
+      const double distance = distanceBetween(a->at.place, b->at.place);
+      std::unique_ptr<Pair> newPair;
+      std::unique_ptr<Pair>& pair = isKnown ? known->pair : newPair;
+      if (isWatched(beliefs.time, distance, pair)) {
+        beliefs.pairs.push_back(judge(*a, *b, distance, *pair));
+      }
+      if (newPair) {
+        newPairs.push_back({key, std::move(newPair)});
       }
     }
   }
+  watchNewPairs(std::move(newPairs));
   forget(beliefs.time);
   return beliefs;
 }
 
-/// Null while two persons have not come near each other, or were apart for long.
-PairEvidence::Pair* PairEvidence::watchedPair(double time, const Seen& a, const Seen& b) {
-  const double distance = distanceBetween(a.at.place, b.at.place);
-  const std::uint64_t key = std::uint64_t{a.at.person} << 32U | b.at.person;
-  auto pair = m_pairs.find(key);
-  if (pair != m_pairs.end() && isOver(time, pair->second.lastNear)) {
-    m_pairs.erase(pair);
-    pair = m_pairs.end();
+std::vector<PairEvidence::Seen> PairEvidence::inView(const std::vector<PersonAt>& people) const {
+  std::vector<Seen> seen;
+  seen.reserve(people.size());
+  for (const PersonAt& person : people) {
+    seen.push_back({person, seen.size(), &m_tracks.at(person.person)});
   }
-  if (pair == m_pairs.end()) {
-    if (distance >= watched) {
-      return nullptr;
-    }
-    pair = m_pairs.try_emplace(key).first;
-  }
-  if (distance <= farApart) {
-    pair->second.lastNear = time;
-  }
-  return &pair->second;
+  return seen;
 }
 
-PairBelief PairEvidence::judge(double time, const Seen& a, const Seen& b, Pair& pair) const {
-  PairBelief result{a.at.person, b.at.person, distanceBetween(a.at.place, b.at.place)};
+/// Begins to watch a pair that comes near, and no longer watches one that was apart for long.
+bool PairEvidence::isWatched(double time, double distance, std::unique_ptr<Pair>& pair) {
+  if (pair && isOver(time, pair->lastNear)) {
+    pair.reset();
+  }
+  if (!pair && distance < watched) {
+    pair = std::make_unique<Pair>();
+  }
+  if (pair && distance <= farApart) {
+    pair->lastNear = time;
+  }
+  return pair != nullptr;
+}
+
+PairBelief PairEvidence::judge(const Seen& a, const Seen& b, double distance, Pair& pair) const {
+  PairBelief result{a.at.person, b.at.person, a.index, b.index, distance, 0.0, 0.0, nullptr};
   result.evidence = -TogetherChain::largestEvidence;
   bool isFresh = false;
-  if (pair.lastNear == time) {
+  if (pair.lastNear == m_decided) {
     pair.history.update(*a.track, *b.track);
-    pair.history.moveTo(time);
-    isFresh = pair.history.firstTime() == time;
-    result.latest = pair.history.latest();
+    pair.history.moveTo(m_decided);
+    isFresh = pair.history.firstTime() == m_decided;
     if (pair.history.meanDistance() < tooFar) {
       PairFeatures features = pair.history.features();
       markArrivals(*a.track, *b.track, features);
       result.evidence = m_model.logOdds(features);
-      result.features = features;
+      result.features = m_keepsFeatures ? std::make_shared<PairFeatures>(features) : nullptr;
     }
   }
-  result.belief = pair.chain.next(time, result.evidence, isFresh);
+  result.belief = pair.chain.next(m_decided, result.evidence, isFresh);
   return result;
+}
+
+void PairEvidence::watchNewPairs(WatchedPairs newPairs) {
+  const auto middle = static_cast<std::ptrdiff_t>(m_pairs.size());
+  std::move(newPairs.begin(), newPairs.end(), std::back_inserter(m_pairs));
+  std::inplace_merge(m_pairs.begin(), m_pairs.begin() + middle, m_pairs.end(),
+                     [](const WatchedPair& a, const WatchedPair& b) { return a.key < b.key; });
+}
+
+std::optional<LatestMoments> PairEvidence::latestOf(PersonId a, PersonId b) const {
+  const PairKey key{a, b};
+  const auto found = std::lower_bound(
+      m_pairs.begin(), m_pairs.end(), key,
+      [](const WatchedPair& watched, const PairKey& wanted) { return watched.key < wanted; });
+  const bool isNear = found != m_pairs.end() && found->key == key && found->pair &&
+                      found->pair->lastNear == m_decided;
+  return isNear ? std::optional(found->pair->history.latest()) : std::nullopt;
 }
 
 void PairEvidence::markArrivals(const PersonTrack& a, const PersonTrack& b,
@@ -134,7 +166,9 @@ void PairEvidence::forget(double time) {
     return;
   }
   m_nextCleaning = time + cleaningInterval;
-  std::erase_if(m_pairs, [time](const auto& pair) { return isOver(time, pair.second.lastNear); });
+  std::erase_if(m_pairs, [time](const WatchedPair& watched) {
+    return !watched.pair || isOver(time, watched.pair->lastNear);
+  });
   std::erase_if(m_tracks, [time](const auto& track) {
     return track.second.lastSeen() < time - personMemory;
   });

@@ -7,9 +7,10 @@
 
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <map>
+#include <memory>
 #include <optional>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -19,11 +20,14 @@ namespace grouptracker {
 struct PairBelief {
   PersonId a = 0;  ///< the lower id
   PersonId b = 0;
-  double distance = 0.0;                   ///< at the tick, metres
-  std::optional<PairFeatures> features{};  ///< none when they are too far apart to be together
-  double evidence = 0.0;                   ///< log-odds of what was seen around the tick
-  double belief = 0.0;  ///< log-odds of all so far: positive when they belong together
-  std::optional<LatestMoments> latest{};  ///< none when they are far apart
+  std::size_t indexOfA = 0;  ///< among the people of the tick
+  std::size_t indexOfB = 0;
+  double distance = 0.0;  ///< at the tick, metres
+  double evidence = 0.0;  ///< log-odds of what was seen around the tick
+  double belief = 0.0;    ///< log-odds of all so far: positive when they belong together
+  /// What the evidence is made of; none when they are too far apart to be together, or when nobody
+  /// asked for it.
+  std::shared_ptr<const PairFeatures> features{};
 };
 
 /// Everybody at one tick, and what is believed of those who are or were near each other.
@@ -32,6 +36,10 @@ struct TickBeliefs {
   std::vector<PersonAt> people;
   std::vector<PairBelief> pairs;  ///< in ascending order of persons
 };
+
+/// Tells what two persons, the lower id first, did in the latest moments; none when they are far
+/// apart.
+using LatestOf = std::function<std::optional<LatestMoments>(PersonId, PersonId)>;
 
 /// Watches people tick by tick and says of each pair whether they belong together. A tick is
 /// decided once the following ones within the look-ahead are there. Pairs are watched from when
@@ -43,11 +51,15 @@ class PairEvidence {
   PairEvidence(EvidenceModel model, double lookAhead)
       : m_model(std::move(model)), m_lookAhead(lookAhead) {}
 
+  /// Lets beliefs tell the features of the pairs, for whoever wants to know the reasons.
+  void keepFeatures() { m_keepsFeatures = true; }
   /// Adds a tick; times grow. Ticks beyond the look-ahead of the oldest undecided one would be seen
   /// by it: it is to be decided before.
   void add(double time, const std::vector<PersonAt>& people);
   /// Decides the oldest undecided tick with what was added so far.
   TickBeliefs decide();
+  /// The latest moments of two persons at the tick that was decided last; see `LatestOf`.
+  std::optional<LatestMoments> latestOf(PersonId a, PersonId b) const;
 
  private:
   struct Tick {
@@ -59,14 +71,24 @@ class PairEvidence {
     TogetherChain chain;
     double lastNear = 0.0;  ///< when they were last less than `farApart` from each other, seconds
   };
+  /// The persons of a pair, the lower id first.
+  using PairKey = std::pair<PersonId, PersonId>;
+  struct WatchedPair {
+    PairKey key;
+    std::unique_ptr<Pair> pair;  ///< null when it is no longer watched
+  };
+  using WatchedPairs = std::vector<WatchedPair>;
   /// Somebody in view at the tick that is decided.
   struct Seen {
     PersonAt at;
+    std::size_t index = 0;
     const PersonTrack* track = nullptr;
   };
 
-  Pair* watchedPair(double time, const Seen& a, const Seen& b);
-  PairBelief judge(double time, const Seen& a, const Seen& b, Pair& pair) const;
+  std::vector<Seen> inView(const std::vector<PersonAt>& people) const;
+  static bool isWatched(double time, double distance, std::unique_ptr<Pair>& pair);
+  PairBelief judge(const Seen& a, const Seen& b, double distance, Pair& pair) const;
+  void watchNewPairs(WatchedPairs newPairs);
   void markArrivals(const PersonTrack& a, const PersonTrack& b, PairFeatures& features) const;
   void forget(double time);
 
@@ -75,10 +97,12 @@ class PairEvidence {
   bool m_hasStarted = false;
   double m_start = 0.0;  ///< of the recording, seconds
   double m_last = 0.0;   ///< the latest tick, seconds
+  bool m_keepsFeatures = false;
+  double m_decided = 0.0;  ///< the tick that was decided last, seconds
   std::deque<Tick> m_undecided;
   std::map<PersonId, PersonTrack> m_tracks;
-  std::unordered_map<std::uint64_t, Pair> m_pairs;  ///< by both persons
-  double m_nextCleaning = 0.0;                      ///< seconds
+  WatchedPairs m_pairs;         ///< in ascending order of keys
+  double m_nextCleaning = 0.0;  ///< seconds
 };
 
 }  // namespace grouptracker

@@ -28,15 +28,13 @@ void PairHistory::update(const PersonTrack& a, const PersonTrack& b) {
   std::size_t i = std::max(m_nextA, a.begin());
   std::size_t j = std::max(m_nextB, b.begin());
   while (i < a.end() && j < b.end()) {
-    if (a[i].time == b[j].time) {
-      add(a[i], b[j]);
-      ++i;
-      ++j;
-    } else if (a[i].time < b[j].time) {
-      ++i;
-    } else {
-      ++j;
+    const TrackPoint& pointOfA = a[i];
+    const TrackPoint& pointOfB = b[j];
+    if (pointOfA.time == pointOfB.time) {
+      add(pointOfA, pointOfB);
     }
+    i += pointOfA.time <= pointOfB.time ? 1 : 0;
+    j += pointOfB.time <= pointOfA.time ? 1 : 0;
   }
   m_nextA = i;
   m_nextB = j;
@@ -48,8 +46,8 @@ PairHistory::Sums PairHistory::valuesOf(const TrackPoint& a, const TrackPoint& b
   values[seconds] = 1.0;
   values[distance] = apart;
   values[velocityDifference] = distanceBetween(a.velocity, b.velocity);
-  values[speedA] = length(a.velocity);
-  values[speedB] = length(b.velocity);
+  values[speedA] = a.speed;
+  values[speedB] = b.speed;
   const bool bothStand = values[speedA] < standingSpeed && values[speedB] < standingSpeed;
   values[standing] = bothStand ? 1.0 : 0.0;
   values[nearerOthers] = (a.around.nearerThan(apart) + b.around.nearerThan(apart)) / 2.0;
@@ -78,7 +76,9 @@ void PairHistory::add(const TrackPoint& a, const TrackPoint& b) {
   const double lasts =
       m_lastTime ? std::min(ticks::longestLength, a.time - *m_lastTime) : a.sinceTick;
   m_lastTime = a.time;
-  m_rows.push_back({a.time, b.place - a.place, m_total});
+  Row row{a.time, b.place - a.place, {}};
+  std::copy_n(m_total.begin(), row.before.size(), row.before.begin());
+  m_rows.push_back(row);
   for (std::size_t i = 0; i < values.size(); ++i) {
     m_total[i] += values[i] * lasts;
   }
@@ -92,10 +92,14 @@ void PairHistory::moveTo(double time) {
   m_time = time;
   m_rows.forgetBefore(time - windowPast - ticks::tolerance);
   m_peaks.forgetBefore(time - windowPast - ticks::tolerance);
+  m_recent = std::max(m_recent, m_rows.firstNumber());
+  while (m_rows[m_recent].time < time - recentPast - ticks::tolerance) {
+    ++m_recent;
+  }
 }
 
 double PairHistory::meanDistance() const {
-  const Sums& before = m_rows.front().before;
+  const WindowSums& before = m_rows.front().before;
   return (m_total[distance] - before[distance]) / (m_total[seconds] - before[seconds]);
 }
 
@@ -108,8 +112,10 @@ PairFeatures PairHistory::features() const {
 }
 
 LatestMoments PairHistory::latest() const {
-  const Row& first = firstSince(m_rows.back().time - latestSpan);
-  const Sums sums = sumsSince(first);
+  const double start = m_rows.back().time - latestSpan - ticks::tolerance;
+  const Row& first = *std::lower_bound(m_rows.begin(), m_rows.end(), start,
+                                       [](const Row& row, double time) { return row.time < time; });
+  const WindowSums sums = sumsSince(first);
   double cameFrom = 0.0;
   for (auto row = m_rows.begin(); row->time < first.time; ++row) {
     cameFrom = std::max(cameFrom, length(row->apart));
@@ -118,21 +124,16 @@ LatestMoments PairHistory::latest() const {
           m_rows.back().apart - first.apart};
 }
 
-const PairHistory::Row& PairHistory::firstSince(double moment) const {
-  return *std::lower_bound(m_rows.begin(), m_rows.end(), moment - ticks::tolerance,
-                           [](const Row& row, double time) { return row.time < time; });
-}
-
-PairHistory::Sums PairHistory::sumsSince(const Row& row) const {
-  Sums sums = m_total;
+PairHistory::WindowSums PairHistory::sumsSince(const Row& row) const {
+  WindowSums sums{};
   for (std::size_t i = 0; i < sums.size(); ++i) {
-    sums[i] -= row.before[i];
+    sums[i] = m_total[i] - row.before[i];
   }
   return sums;
 }
 
 void PairHistory::describeWindow(PairFeatures& features) const {
-  const Sums sums = sumsSince(m_rows.front());
+  const WindowSums sums = sumsSince(m_rows.front());
   const auto mean = [&sums](Sum value) { return sums[value] / sums[seconds]; };
   features.meanDistance = mean(distance);
   features.largestDistance = m_peaks.front().distance;
@@ -150,8 +151,8 @@ void PairHistory::describeWindow(PairFeatures& features) const {
 }
 
 void PairHistory::describeRecent(PairFeatures& features) const {
-  const Row& first = firstSince(m_time - recentPast);
-  const Sums sums = sumsSince(first);
+  const Row& first = m_rows[m_recent];
+  const WindowSums sums = sumsSince(first);
   features.recentDistance = sums[distance] / sums[seconds];
   features.recentVelocityDifference = sums[velocityDifference] / sums[seconds];
   features.recentShift = distanceBetween(first.apart, m_rows.back().apart);

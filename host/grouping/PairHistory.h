@@ -10,11 +10,14 @@
 
 namespace grouptracker {
 
-/// What is known of the last seconds, oldest first, in one piece of memory.
+/// What is known of the last seconds, oldest first, in one piece of memory. Moments have numbers
+/// that stay when old ones are forgotten.
 template <typename Moment>
 class Window {
  public:
   bool empty() const { return m_first == m_moments.size(); }
+  std::size_t firstNumber() const { return m_erased + m_first; }
+  const Moment& operator[](std::size_t number) const { return m_moments[number - m_erased]; }
   auto begin() const { return m_moments.begin() + static_cast<std::ptrdiff_t>(m_first); }
   auto end() const { return m_moments.end(); }
   const Moment& front() const { return m_moments[m_first]; }
@@ -27,6 +30,7 @@ class Window {
     }
     if (m_first > mostForgotten) {
       m_moments.erase(m_moments.begin(), begin());
+      m_erased += m_first;
       m_first = 0;
     }
   }
@@ -35,7 +39,8 @@ class Window {
   static constexpr std::size_t mostForgotten = 16;
 
   std::vector<Moment> m_moments;
-  std::size_t m_first = 0;  ///< those before it are forgotten
+  std::size_t m_first = 0;   ///< those before it are forgotten
+  std::size_t m_erased = 0;  ///< how many are gone altogether
 };
 
 /// What two persons did in the latest three seconds that are known: the end of the look-ahead, and
@@ -70,6 +75,7 @@ class PairHistory {
 
  private:
   /// What is summed up, each but the first as a value times the seconds that a tick stands for.
+  /// The last ones are wanted of all the time only.
   enum Sum : std::size_t {
     seconds,
     distance,
@@ -85,15 +91,17 @@ class PairHistory {
     closeSeconds,
     nearSeconds,
     wayTogether,
-    sumCount
+    sumCount,
+    windowSumCount = closeSeconds
   };
   using Sums = std::array<double, sumCount>;
+  using WindowSums = std::array<double, windowSumCount>;
 
   /// Both at one tick.
   struct Row {
-    double time = 0.0;  ///< seconds
-    cv::Point2d apart;  ///< from one to the other, metres
-    Sums before{};      ///< of all earlier rows
+    double time = 0.0;    ///< seconds
+    cv::Point2d apart;    ///< from one to the other, metres
+    WindowSums before{};  ///< of all earlier rows
   };
   struct Peak {
     double time = 0.0;      ///< seconds
@@ -102,17 +110,17 @@ class PairHistory {
 
   static Sums valuesOf(const TrackPoint& a, const TrackPoint& b);
   void add(const TrackPoint& a, const TrackPoint& b);
-  const Row& firstSince(double moment) const;
-  Sums sumsSince(const Row& row) const;
+  WindowSums sumsSince(const Row& row) const;
   void describeWindow(PairFeatures& features) const;
   void describeRecent(PairFeatures& features) const;
   void describeHistory(PairFeatures& features) const;
 
-  double m_time = 0.0;      ///< the moment, seconds
-  Window<Row> m_rows;       ///< of the window
-  Window<Peak> m_peaks;     ///< distances of the window that no later one exceeds, falling
-  Sums m_total{};           ///< of all rows, also of those that are gone
-  std::size_t m_nextA = 0;  ///< points of the tracks from here on are new
+  double m_time = 0.0;       ///< the moment, seconds
+  Window<Row> m_rows;        ///< of the window
+  std::size_t m_recent = 0;  ///< number of the first row of the recent window
+  Window<Peak> m_peaks;      ///< distances of the window that no later one exceeds, falling
+  Sums m_total{};            ///< of all rows, also of those that are gone
+  std::size_t m_nextA = 0;   ///< points of the tracks from here on are new
   std::size_t m_nextB = 0;
   std::optional<double> m_lastTime;  ///< of the latest row, seconds; none before the first
   double m_firstTime = 0.0;          ///< seconds

@@ -66,6 +66,50 @@ class Linkage {
   std::vector<std::size_t> m_open;  ///< clusters that are in no other, ascending
 };
 
+/// Persons whom a chain of scores above 0 connects, each ascending. Those of two islands have no
+/// such score among them, and so no mean above 0 either: they are never in one cluster.
+std::vector<Cluster> islandsOf(const PairScores& scores) {
+  std::vector<Cluster> islands;
+  std::vector<bool> isTaken(scores.persons(), false);
+  for (std::size_t first = 0; first < scores.persons(); ++first) {
+    if (isTaken[first]) {
+      continue;
+    }
+    Cluster island{first};
+    isTaken[first] = true;
+    for (std::size_t next = 0; next < island.size(); ++next) {
+      for (std::size_t other = first + 1; other < scores.persons(); ++other) {
+        if (!isTaken[other] && scores.at(island[next], other) > 0.0) {
+          isTaken[other] = true;
+          island.push_back(other);
+        }
+      }
+    }
+    std::sort(island.begin(), island.end());
+    islands.push_back(std::move(island));
+  }
+  return islands;
+}
+
+std::vector<Cluster> linkWithin(const Cluster& island, const PairScores& scores) {
+  PairScores own(island.size(), 0.0);
+  for (std::size_t b = 0; b < island.size(); ++b) {
+    for (std::size_t a = 0; a < b; ++a) {
+      own.set(a, b, scores.at(island[a], island[b]));
+    }
+  }
+  Linkage linkage(std::move(own));
+  while (linkage.joinBest()) {
+  }
+  std::vector<Cluster> clusters = linkage.clusters();
+  for (Cluster& cluster : clusters) {
+    for (std::size_t& person : cluster) {
+      person = island[person];
+    }
+  }
+  return clusters;
+}
+
 }  // namespace
 
 void PairScores::set(std::size_t a, std::size_t b, double score) {
@@ -73,11 +117,15 @@ void PairScores::set(std::size_t a, std::size_t b, double score) {
   m_scores[b * m_persons + a] = score;
 }
 
-std::vector<Cluster> linkByAverage(PairScores scores) {
-  Linkage linkage(std::move(scores));
-  while (linkage.joinBest()) {
+std::vector<Cluster> linkByAverage(const PairScores& scores) {
+  std::vector<Cluster> clusters;
+  for (const Cluster& island : islandsOf(scores)) {
+    for (const Cluster& cluster : linkWithin(island, scores)) {
+      clusters.push_back(cluster);
+    }
   }
-  return linkage.clusters();
+  std::sort(clusters.begin(), clusters.end());
+  return clusters;
 }
 
 double meanScore(const Cluster& cluster, const PairScores& scores) {

@@ -27,7 +27,7 @@ using Cluster = std::vector<std::size_t>;
 /// mean score become one, as long as that is above 0. One common neighbour therefore does not chain
 /// strangers together. Whoever remains single is left out. Among equals the first in order counts;
 /// clusters come in the order of their first persons.
-std::vector<Cluster> linkByAverage(PairScores scores);
+std::vector<Cluster> linkByAverage(const PairScores& scores);
 
 /// The mean score of the pairs of a cluster of two and more.
 double meanScore(const Cluster& cluster, const PairScores& scores);

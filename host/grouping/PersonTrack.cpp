@@ -21,9 +21,24 @@ double distanceBetween(const cv::Point2d& a, const cv::Point2d& b) {
   return std::hypot(a.x - b.x, a.y - b.y);
 }
 
+void Surroundings::add(double distance) {
+  within3Metres += distance < radius ? 1 : 0;
+  if (!(distance < nearest.back())) {
+    return;
+  }
+  std::size_t place = most - 1;
+  for (; place > 0 && distance < nearest[place - 1]; --place) {
+    nearest[place] = nearest[place - 1];
+  }
+  nearest[place] = distance;
+}
+
 int Surroundings::nearerThan(double distance) const {
-  const auto end = std::lower_bound(nearest.begin(), nearest.end(), distance);
-  return static_cast<int>(end - nearest.begin());
+  int nearer = 0;
+  for (const double other : nearest) {
+    nearer += other < distance ? 1 : 0;
+  }
+  return nearer;
 }
 
 PersonTrack::PersonTrack(double time, const cv::Point2d& place, bool hasLookAhead)
@@ -35,9 +50,9 @@ PersonTrack::PersonTrack(double time, const cv::Point2d& place, bool hasLookAhea
 
 void PersonTrack::add(TrackPoint point) {
   const bool isSecond = m_forgotten == 0 && m_points.size() == 1;
-  point.velocity = velocityAt(point);
+  set(velocityAt(point), point);
   if (isSecond && m_hasLookAhead) {
-    m_points.front().velocity = point.velocity;
+    set(point.velocity, m_points.front());
   }
   if (point.time <= m_firstSeen + firstMoments) {
     m_earlyTime = point.time;
@@ -63,14 +78,22 @@ double PersonTrack::stoodAtFirst() const {
 }
 
 cv::Point2d PersonTrack::velocityAt(const TrackPoint& point) const {
-  const auto from = std::lower_bound(
-      m_points.begin(), m_points.end(), point.time - velocitySpan - ticks::tolerance,
-      [](const TrackPoint& earlier, double time) { return earlier.time < time; });
-  if (from == m_points.end()) {
+  const double earliest = point.time - velocitySpan - ticks::tolerance;
+  const TrackPoint* from = nullptr;
+  for (auto earlier = m_points.rbegin(); earlier != m_points.rend() && earlier->time >= earliest;
+       ++earlier) {
+    from = &*earlier;
+  }
+  if (from == nullptr) {
     return {0.0, 0.0};  // nothing recent to compare with
   }
   const double seconds = point.time - from->time;
   return {(point.place.x - from->place.x) / seconds, (point.place.y - from->place.y) / seconds};
+}
+
+void PersonTrack::set(const cv::Point2d& velocity, TrackPoint& point) {
+  point.velocity = velocity;
+  point.speed = std::hypot(velocity.x, velocity.y);
 }
 
 }  // namespace grouptracker

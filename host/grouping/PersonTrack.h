@@ -2,20 +2,35 @@
 
 #include <opencv2/core/types.hpp>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <deque>
+#include <limits>
 
 namespace grouptracker {
 
 /// Who else is around a person at one moment.
 struct Surroundings {
+  static constexpr std::size_t most = 5;
+  static constexpr double radius = 3.0;  ///< metres
+
   /// Distances to those who are nearest, ascending, metres; infinite where there are fewer.
-  std::array<double, 5> nearest{};
+  std::array<double, most> nearest = nobody();
   int within3Metres = 0;  ///< others that are nearer than three metres
 
+  void add(double distance);
+  /// The distance from which on another changes nothing here, metres.
+  double reach() const { return std::max(nearest.back(), radius); }
   /// How many of the nearest are nearer than a distance.
   int nearerThan(double distance) const;
+
+ private:
+  static constexpr std::array<double, most> nobody() {
+    std::array<double, most> distances{};
+    distances.fill(std::numeric_limits<double>::infinity());
+    return distances;
+  }
 };
 
 /// A person at one tick.
@@ -23,8 +38,9 @@ struct TrackPoint {
   double time = 0.0;       ///< seconds
   double sinceTick = 0.0;  ///< seconds since the tick before, whoever was in view at it
   cv::Point2d place;       ///< on the ground, metres
-  cv::Point2d velocity;    ///< over the last 1.2 s, metres per second
-  Surroundings around;
+  cv::Point2d velocity{};  ///< over the last 1.2 s, metres per second
+  double speed = 0.0;      ///< length of the velocity
+  Surroundings around{};
 };
 
 /// Where one person was, tick by tick, and how it came into view. The points have numbers that stay
@@ -51,6 +67,7 @@ class PersonTrack {
 
  private:
   cv::Point2d velocityAt(const TrackPoint& point) const;
+  static void set(const cv::Point2d& velocity, TrackPoint& point);
 
   std::deque<TrackPoint> m_points;
   std::size_t m_forgotten = 0;  ///< points that were there before

@@ -22,6 +22,11 @@ const std::vector<LinkArgument>& linkArguments() {
        &LinkOptions::motionDifference},
       {"--motion-steps", "time steps over which the ways of neighbours are compared",
        &LinkOptions::motionSteps},
+      {"--evidence-links",
+       "links lead to those with whom a person belongs together, by the evidence about pairs of "
+       "what was seen so far, instead of to neighbours who walk alike: the reliability when that "
+       "is sure; 0 for neighbours",
+       &LinkOptions::evidenceStrength},
   };
   return arguments;
 }

@@ -27,6 +27,11 @@ struct LinkOptions {
   double motionDifference = 0.54;  ///< 0 leaves the motion aside
   std::size_t motionSteps = 6;
   std::size_t neighbourLinks = 2;  ///< at most so many, the most reliable ones
+
+  /// Above 0, links lead to those with whom a person belongs together, by what the evidence about
+  /// pairs of people says of what was seen so far, and to no other neighbours. The reliability is
+  /// this part of how sure that is.
+  double evidenceStrength = 0.0;
 };
 
 /// A link option as the command line has it.

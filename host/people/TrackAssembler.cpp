@@ -31,7 +31,11 @@ cv::Point2d placeOf(const kelDataLinkedPhysicalObject& mobile) {
 
 TrackAssembler::TrackAssembler(std::unique_ptr<ObservationSource> source, Calibration calibration,
                                const LinkOptions& options)
-    : m_source(std::move(source)), m_calibration(std::move(calibration)), m_options(options) {}
+    : m_source(std::move(source)), m_calibration(std::move(calibration)), m_options(options) {
+  if (m_options.evidenceStrength > 0.0) {
+    m_companions.emplace();
+  }
+}
 
 bool TrackAssembler::next(InputFrame& frame) {
   if (!m_source->next(m_observed)) {
@@ -45,22 +49,34 @@ bool TrackAssembler::next(InputFrame& frame) {
   frame.imageFile = m_observed.imageFile;
   std::vector<Neighbour> current;
   current.reserve(m_observed.observations.size());
-  for (const Observation& observation : m_observed.observations) {
-    const MobilePointer mobile = makeMobile(observation, frame.place);
-    Chain& chain = m_chains[observation.person];
+  frame.observed = makeMobiles();
+  seeCompanions(frame.observed);
+  for (std::size_t i = 0; i < frame.observed.size(); ++i) {
+    const std::uint32_t person = m_observed.observations[i].person;
+    const MobilePointer& mobile = frame.observed[i];
+    Chain& chain = m_chains[person];
     linkOwn(chain, mobile, frame);
-    linkNeighbours(observation.person, mobile, frame);
+    linkOthers(person, mobile, frame);
     chain.push_back({mobile, m_step});
     if (chain.size() > memory()) {
       chain.pop_front();
     }
-    frame.observed.push_back(mobile);
-    frame.actors.append(makeActor(observation.person, chain));
-    current.push_back({observation.person, mobile, placeOf(*mobile), displacement(chain)});
+    frame.actors.append(makeActor(person, chain));
+    current.push_back({person, mobile, placeOf(*mobile), displacement(chain)});
   }
   m_previous = std::move(current);
   forgetTheGone();
   return true;
+}
+
+/// One for each observation of the step.
+std::vector<MobilePointer> TrackAssembler::makeMobiles() {
+  std::vector<MobilePointer> mobiles;
+  mobiles.reserve(m_observed.observations.size());
+  for (const Observation& observation : m_observed.observations) {
+    mobiles.push_back(makeMobile(observation, m_observed.place));
+  }
+  return mobiles;
 }
 
 MobilePointer TrackAssembler::makeMobile(const Observation& observation, const InputPlace& place) {
@@ -110,8 +126,50 @@ void TrackAssembler::linkOwn(const Chain& chain, const MobilePointer& mobile,
   }
 }
 
-void TrackAssembler::linkNeighbours(std::uint32_t person, const MobilePointer& mobile,
-                                    InputFrame& frame) const {
+void TrackAssembler::seeCompanions(const std::vector<MobilePointer>& mobiles) {
+  if (!m_companions) {
+    return;
+  }
+  PeopleFrame people{m_observed.frame, m_observed.time, {}};
+  for (std::size_t i = 0; i < mobiles.size(); ++i) {
+    const cv::Point2d place = placeOf(*mobiles[i]);
+    if (std::isfinite(place.x) && std::isfinite(place.y)) {
+      people.people.push_back({m_observed.observations[i].person, place});
+    }
+  }
+  m_companions->see(people);
+}
+
+void TrackAssembler::linkOthers(std::uint32_t person, const MobilePointer& mobile,
+                                InputFrame& frame) const {
+  std::vector<Link> links =
+      m_companions ? linksToCompanions(person) : linksToNeighbours(person, mobile);
+  const std::size_t count = std::min(links.size(), m_options.neighbourLinks);
+  const auto end = links.begin() + static_cast<std::ptrdiff_t>(count);
+  std::partial_sort(links.begin(), end, links.end(), [](const Link& a, const Link& b) {
+    return a.first > b.first || (a.first == b.first && a.second < b.second);
+  });
+  for (auto link = links.begin(); link != end; ++link) {
+    const auto& [reliability, other] = *link;
+    kelDataLinkedPhysicalObject::addFatherLink(other->mobile, mobile, reliability);
+    frame.fathers.push_back(other->mobile);
+  }
+}
+
+std::vector<TrackAssembler::Link> TrackAssembler::linksToCompanions(std::uint32_t person) const {
+  std::vector<Link> links;
+  for (const Neighbour& other : m_previous) {
+    const double certainty =
+        other.person == person ? 0.0 : m_companions->certainty(person, other.person);
+    if (certainty > 0.0) {
+      links.emplace_back(m_options.evidenceStrength * certainty, &other);
+    }
+  }
+  return links;
+}
+
+std::vector<TrackAssembler::Link> TrackAssembler::linksToNeighbours(
+    std::uint32_t person, const MobilePointer& mobile) const {
   const auto found =
       std::lower_bound(m_previous.begin(), m_previous.end(), person,
                        [](const Neighbour& seen, std::uint32_t id) { return seen.person < id; });
@@ -119,7 +177,7 @@ void TrackAssembler::linkNeighbours(std::uint32_t person, const MobilePointer& m
   // Where both are known at the same instant, their distance does not depend on who walks ahead.
   const Neighbour self =
       wasThere ? *found : Neighbour{person, mobile, placeOf(*mobile), std::nullopt};
-  std::vector<std::pair<double, const Neighbour*>> links;
+  std::vector<Link> links;
   for (const Neighbour& neighbour : m_previous) {
     const cv::Point2d apart = neighbour.place - self.place;
     const double distance =
@@ -135,16 +193,7 @@ void TrackAssembler::linkNeighbours(std::uint32_t person, const MobilePointer& m
       links.emplace_back(m_options.neighbourStrength * closeness * likeness, &neighbour);
     }
   }
-  const std::size_t count = std::min(links.size(), m_options.neighbourLinks);
-  const auto end = links.begin() + static_cast<std::ptrdiff_t>(count);
-  std::partial_sort(links.begin(), end, links.end(), [](const auto& a, const auto& b) {
-    return a.first > b.first || (a.first == b.first && a.second < b.second);
-  });
-  for (auto link = links.begin(); link != end; ++link) {
-    const auto& [reliability, neighbour] = *link;
-    kelDataLinkedPhysicalObject::addFatherLink(neighbour->mobile, mobile, reliability);
-    frame.fathers.push_back(neighbour->mobile);
-  }
+  return links;
 }
 
 // The way from `motionSteps` steps ago, or as much of it as is known without a gap of that length,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/people/Companions.h"
 #include "host/people/InputFrame.h"
 #include "host/people/LinkOptions.h"
 #include "host/people/ObservationSource.h"
@@ -13,13 +14,15 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace grouptracker {
 
 /// Turns observations of persons into what a tracker would deliver: every observation is a mobile
 /// with an id of its own, every person an actor with the chain of its mobiles, and links lead to
-/// the person's own latest observations and to its neighbours of the step before.
+/// the person's own latest observations and to its neighbours of the step before, or to those of
+/// them with whom it belongs together.
 ///
 /// A body without image box is 0.5 x 0.5 x 1.7 m and stands on its position, its image box is the
 /// projection; one with an image box gets its position and size from the camera. A person unseen
@@ -49,10 +52,15 @@ class TrackAssembler : public FrameSource {
     std::optional<cv::Point2d> motion;  ///< over the last `motionSteps` steps, metres
   };
 
+  std::vector<MobilePointer> makeMobiles();
   MobilePointer makeMobile(const Observation& observation, const InputPlace& place);
   std::uint32_t nextId();
   void linkOwn(const Chain& chain, const MobilePointer& mobile, InputFrame& frame) const;
-  void linkNeighbours(std::uint32_t person, const MobilePointer& mobile, InputFrame& frame) const;
+  void seeCompanions(const std::vector<MobilePointer>& mobiles);
+  using Link = std::pair<double, const Neighbour*>;  ///< with its reliability
+  void linkOthers(std::uint32_t person, const MobilePointer& mobile, InputFrame& frame) const;
+  std::vector<Link> linksToNeighbours(std::uint32_t person, const MobilePointer& mobile) const;
+  std::vector<Link> linksToCompanions(std::uint32_t person) const;
   std::optional<cv::Point2d> displacement(const Chain& chain) const;
   double motionLikeness(const std::optional<cv::Point2d>& a,
                         const std::optional<cv::Point2d>& b) const;
@@ -68,6 +76,7 @@ class TrackAssembler : public FrameSource {
   std::uint32_t m_lastId = 0;
   std::map<std::uint32_t, Chain> m_chains;  ///< by person
   std::vector<Neighbour> m_previous;        ///< the step before, in ascending order of persons
+  std::optional<Companions> m_companions;   ///< none when links lead to neighbours
 };
 
 }  // namespace grouptracker

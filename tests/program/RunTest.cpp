@@ -78,7 +78,8 @@ TEST_F(Run, RefusesWhatGivesNoGroupsAndLeavesOlderOnes) {
     EXPECT_EQ(attempt.run(arguments("scene.jsonl", more)), 2);
     return attempt.errors();
   };
-  EXPECT_THAT(errorsOf({"--rate", "0"}), StartsWith("--rate: a number above 0 is expected"));
+  EXPECT_EQ(errorsOf({"--rate", "0"}),
+            "--rate: a number above 0 is expected; see grouptracker run --help\n");
   EXPECT_THAT(errorsOf({"--look-ahead", "nan"}), StartsWith("--look-ahead: 0 to 60 seconds"));
   EXPECT_THAT(errorsOf({"--look-ahead", "-1"}), StartsWith("--look-ahead: 0 to 60 seconds"));
   EXPECT_EQ(errorsOf({"--model", "model.json"}), "model.json:1: \"flags\" lacks \"intercept\"\n");

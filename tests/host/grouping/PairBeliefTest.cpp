@@ -38,6 +38,14 @@ TEST(LinkByAverage, AmongEqualsTheFirstInOrderCountsAndNobodyIsJoinedAtZero) {
   EXPECT_THAT(linkByAverage(scoresOf(2, {{0, 1, 0.0}})), IsEmpty());
 }
 
+TEST(LinkByAverage, PeopleWhomNothingConnectsDoNotMatterToEachOther) {
+  //  0 --2-- 3 --1-- 5    1 --3-- 2 --2-- 4, 1 --2-- 4    6
+  EXPECT_THAT(
+      linkByAverage(scoresOf(
+          7, {{0, 3, 2.0}, {3, 5, 1.0}, {1, 2, 3.0}, {2, 4, 2.0}, {1, 4, 2.0}, {6, 0, 0.0}})),
+      ElementsAre(ElementsAre(0, 3), ElementsAre(1, 2, 4)));
+}
+
 TEST(TogetherChain, BeliefOutlastsAMomentOfDoubtButNotSeconds) {
   TogetherChain chain;
   double belief = 0.0;

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <limits>
 #include <sstream>
 #include <string>
@@ -169,6 +170,29 @@ TEST(TrackAssembler, LinksNeighboursWhoWalkTheSameWay) {
   EXPECT_EQ(links[2].first, 15U);
   EXPECT_DOUBLE_EQ(links[2].second, 0.75 / 3.0);
   EXPECT_EQ(linksOf(frames[3].observed[4]).size(), 1U) << "standing side by side says nothing";
+}
+
+TEST(TrackAssembler, LinksCompanionsWhoStandAndNoPasserByWhenTheEvidenceDecides) {
+  std::string text;
+  for (int frame = 0; frame < 40; ++frame) {
+    const double x = std::min(0.4 * frame, 6.0);  // two walk up and stand together
+    text += row(frame, 1, x, 0) + row(frame, 2, x, 0.8);
+    text += row(frame, 3, 0.4 * frame - 6.0, 1.4);  // comes from behind and passes at frame 30
+  }
+  const auto linkedPersons = [&text](const LinkOptions& options) {
+    std::vector<std::uint32_t> persons;
+    for (const auto& [mobile, reliability] : linksOf(assemble(text, options)[30].observed[0])) {
+      persons.push_back((mobile - 1) % 3 + 1);
+    }
+    return persons;
+  };
+  LinkOptions options;
+  EXPECT_EQ(linkedPersons(options), (std::vector<std::uint32_t>{1})) << "they stand";
+  options.evidenceStrength = 0.5;
+  EXPECT_EQ(linkedPersons(options), (std::vector<std::uint32_t>{1, 2}));
+  const auto links = linksOf(assemble(text, options)[30].observed[0]);
+  EXPECT_GT(links[1].second, 0.4);
+  EXPECT_LE(links[1].second, 0.5);
 }
 
 TEST(TrackAssembler, ListsTheLastObservationsAndForgetsThoseLongGone) {

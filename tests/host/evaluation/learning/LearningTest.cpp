@@ -90,7 +90,7 @@ TEST(PairExamples, OfALongRecordingAreOfEverySecondMomentOnly) {
   GroupTruth truth;
   TickBeliefs tick;
   for (PersonId b = 1; b <= 100; ++b) {
-    tick.pairs.push_back({.a = 0, .b = b, .features = PairFeatures()});
+    tick.pairs.push_back({.a = 0, .b = b, .features = std::make_shared<PairFeatures>()});
   }
   for (int i = 0; i < 400; ++i) {
     truth.setAt(i, {{0, 7}});
