@@ -23,16 +23,19 @@ bool isOver(double time, double lastNear) {
   return lastNear < time - pairMemory;
 }
 
+/// No more than the distance of two places; takes less time.
+double leastDistance(const cv::Point2d& a, const cv::Point2d& b) {
+  return std::max(std::abs(a.x - b.x), std::abs(a.y - b.y));
+}
+
 /// For each of some people.
 std::vector<Surroundings> surroundingsOf(const std::vector<PersonAt>& people) {
   std::vector<Surroundings> around(people.size());
   for (std::size_t a = 0; a < people.size(); ++a) {
     for (std::size_t b = a + 1; b < people.size(); ++b) {
-      const cv::Point2d apart = people[b].place - people[a].place;
-      // Most are too far from each other to need their exact distance.
-      const double least = std::max(std::abs(apart.x), std::abs(apart.y));
+      const double least = leastDistance(people[a].place, people[b].place);
       if (least < around[a].reach() || least < around[b].reach()) {
-        const double distance = std::hypot(apart.x, apart.y);
+        const double distance = distanceBetween(people[a].place, people[b].place);
         around[a].add(distance);
         around[b].add(distance);
       }
@@ -76,6 +79,9 @@ TickBeliefs PairEvidence::decide() {
         ++known;
       }
       const bool isKnown = known != m_pairs.end() && known->key == key;
+      if (!isKnown && leastDistance(a->at.place, b->at.place) >= watched) {
+        continue;
+      }
       const double distance = distanceBetween(a->at.place, b->at.place);
       std::unique_ptr<Pair> newPair;
       std::unique_ptr<Pair>& pair = isKnown ? known->pair : newPair;
