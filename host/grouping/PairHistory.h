@@ -43,7 +43,7 @@ class Window {
   std::size_t m_erased = 0;  ///< how many are gone altogether
 };
 
-/// What two persons did in the latest three seconds that are known: the end of the look-ahead, and
+/// What two persons did in the latest two seconds that are known: the end of the look-ahead, and
 /// what is missing of it from before the moment.
 struct LatestMoments {
   double cameFrom = 0.0;            ///< largest distance in the seconds before, metres
@@ -58,7 +58,7 @@ class PairHistory {
  public:
   static constexpr double windowPast = 6.0;  ///< seconds
   static constexpr double recentPast = 1.0;  ///< seconds
-  static constexpr double latestSpan = 3.0;  ///< seconds
+  static constexpr double latestSpan = 2.0;  ///< seconds
 
   /// Adds the ticks that both tracks have got since the last time.
   void update(const PersonTrack& a, const PersonTrack& b);
