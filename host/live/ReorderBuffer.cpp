@@ -29,6 +29,8 @@ void ReorderBuffer::add(PeopleMessage message, Clock::time_point now) {
     put(std::nullopt, std::move(message));
   } else if (m_held.contains(*key) || key == m_lastKey || isRepeated(*key, message)) {
     ++m_counts.duplicates;
+  } else if (m_lastKey && *key < *m_lastKey && isLate(*key, message)) {
+    ++m_counts.late;
   } else if (m_lastKey && *key < *m_lastKey) {
     addEarlier(*key, {std::move(message), now});
   } else {
@@ -105,7 +107,15 @@ bool ReorderBuffer::isRepeated(double key, const PeopleMessage& message) const {
          std::find(m_recent.begin(), m_recent.end(), likenessOf(key, message)) != m_recent.end();
 }
 
-/// One late message is dropped; several in a row that grow are a new beginning.
+/// Whether an earlier message is one of those that were given up, as its time tells: even many of
+/// these are no new beginning.
+bool ReorderBuffer::isLate(double key, const PeopleMessage& message) const {
+  const std::optional<double> time = *m_hasNumbers ? message.time : std::optional(key);
+  const std::optional<double> last = *m_hasNumbers ? m_lastTime : m_lastKey;
+  return time && last && *time <= *last && *time > *last - longestGap;
+}
+
+/// One earlier message is dropped; several in a row that grow are a new beginning.
 void ReorderBuffer::addEarlier(double key, Held held) {
   if (!m_earlier.empty() && key <= *keyOf(m_earlier.back().message)) {
     m_counts.late += m_earlier.size();

@@ -21,8 +21,8 @@ namespace grouptracker {
 /// caller's clock or by the messages' own times. What comes later than that is dropped, as is what
 /// comes twice: senders and brokers repeat their latest messages after a lost connection. A gap
 /// becomes steps without people, unless it is so long that it is a pause. When several messages in
-/// a row are earlier than what came out and new, the sender has started anew or its clock was set
-/// back: they begin a new order.
+/// a row have smaller numbers at a later time, or times that are earlier by many seconds, the
+/// sender has started anew or its clock was set back: they begin a new order.
 class ReorderBuffer {
  public:
   using Clock = std::chrono::steady_clock;
@@ -67,6 +67,7 @@ class ReorderBuffer {
   static Likeness likenessOf(double key, const PeopleMessage& message);
   std::optional<double> keyOf(const PeopleMessage& message) const;
   bool isRepeated(double key, const PeopleMessage& message) const;
+  bool isLate(double key, const PeopleMessage& message) const;
   void addEarlier(double key, Held held);
   void releaseWhatFollows();
   void releaseFirst();

@@ -144,6 +144,33 @@ TEST_F(Reordering, SurvivesAClockThatJumpsAheadAndBack) {
   EXPECT_EQ(counts().late, 0U);
 }
 
+TEST_F(Reordering, TakesManyLateMessagesForNoNewBeginning) {
+  const auto at = [](int frame) {
+    PeopleMessage message = numbered(frame, frame);
+    message.time = 100.0 + 0.25 * frame;
+    return message;
+  };
+  for (int frame = 1; frame <= 5; ++frame) {
+    add(at(frame));
+  }
+  add(at(14));
+  wait(patience);
+  for (int frame = 6; frame <= 13; ++frame) {
+    EXPECT_EQ(add(at(frame)), "");
+  }
+  EXPECT_EQ(add(at(15)), "[103.75]");
+  EXPECT_EQ(counts().late, 8U);
+  EXPECT_EQ(counts().restarts, 0U);
+  std::string anew;
+  for (int frame = 1; frame <= 5; ++frame) {
+    PeopleMessage message = at(frame);
+    message.time = 110.0 + 0.25 * frame;
+    anew += add(message);
+  }
+  EXPECT_EQ(anew, "[110.25] [110.5] [110.75] [111] [111.25]");
+  EXPECT_EQ(counts().restarts, 1U);
+}
+
 TEST_F(Reordering, LetsOneMessageOfAWrongClockPassByItself) {
   for (int i = 0; i < 8; ++i) {
     add(timed(1000.0 + 0.25 * i));
