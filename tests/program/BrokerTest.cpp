@@ -103,6 +103,21 @@ TEST_F(BrokerRun, EndsWithADamagedMessageWhenItIsToBeStrict) {
   EXPECT_TRUE(peer.await("groups", 1));
 }
 
+TEST_F(BrokerRun, TracksTheLinesThatMessagesHold) {
+  program.start(arguments());
+  ASSERT_TRUE(peer.await("groups/status", 1));
+  std::this_thread::sleep_for(std::chrono::milliseconds(300));
+  for (int frame = 1; frame <= 30; ++frame) {
+    peer.send("people", fmt::format("{0},4,1,2,3,8,1,{1},0.5,0\n{0},9,1,2,3,8,1,{1},1.1,0\n", frame,
+                                    0.1 * frame));
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  ASSERT_TRUE(peer.await("groups", 29)) << "a frame is whole when the next one begins";
+  EXPECT_THAT(peer.messages("groups")[28],
+              AllOf(StartsWith("{\"sequence\": 29, \"frame\": 29, \"time\": 2.9, "),
+                    HasSubstr("\"members\": [4, 9]")));
+}
+
 TEST_F(BrokerRun, IsToldOfByItsLastWillWhenItIsKilled) {
   program.start(arguments());
   ASSERT_TRUE(peer.await("groups/status", 1));
