@@ -83,23 +83,24 @@ class Tracker:
             self.process.wait()
             self.start()
 
-    def message(self):
+    def message(self, due):
         people = []
         for person in range(self.options.people):
             pair, side = divmod(person, 2)
             angle = 0.1 * pair + 0.02 * self.frame / self.options.rate
             people.append({"id": f"guest-{person}", "x": round((5 + pair) * math.cos(angle), 3),
                            "y": round((5 + pair) * math.sin(angle) + 0.6 * side, 3)})
-        text = {"time": round(time.time(), 3), "frame": self.frame, "people": people}
+        text = {"time": round(due, 3), "frame": self.frame, "people": people}
         return (json.dumps(text) + "\n").encode()
 
     def feed(self):
         start = time.time()
         while not self.is_ending:
             self.frame += 1
-            time.sleep(max(0.0, start + self.frame / self.options.rate - time.time()))
+            due = start + self.frame / self.options.rate
+            time.sleep(max(0.0, due - time.time()))
             with self.lock:
-                self.process.stdin.write(self.message())
+                self.process.stdin.write(self.message(due))
                 self.process.stdin.flush()
 
     def end(self):

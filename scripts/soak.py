@@ -4,6 +4,7 @@
   scripts/soak.py PROGRAM people  [FRAMES]   20 people in groups who come, stay 1000 frames and go
   scripts/soak.py PROGRAM passing [FRAMES]   a new person at every frame, who stays for 20
   scripts/soak.py PROGRAM group   [FRAMES]   four people who stand together for ever
+  scripts/soak.py PROGRAM messages [FRAMES]  as passing, in people messages with texts as ids, some missing, some late
 
 Time is the processor's, so that a busy machine does not show. The last line says by how many bytes a frame the
 memory grew over the second half.
@@ -40,7 +41,7 @@ def group(frame):
         yield person, person % 2 * 0.7 + (frame % 5) * 0.01, person // 2 * 0.7 + (frame % 3) * 0.01
 
 
-SCENES = {"people": people, "passing": passing, "group": group}
+SCENES = {"people": people, "passing": passing, "group": group, "messages": passing}
 
 
 class Lines:
@@ -68,6 +69,25 @@ class Lines:
                 f'"actors": [{", ".join(actors)}]}}\n')
 
 
+class Messages:
+    """The same as people messages, 25 a second; some never come, some come behind the next."""
+
+    def __init__(self, scene):
+        self.scene = scene
+        self.late = ""
+
+    def at(self, frame):
+        who = ", ".join(f'{{"id": "guest-{person}", "x": {x:.3f}, "y": {y:.3f}}}' for person, x, y in self.scene(frame))
+        line = f'{{"time": {frame / 25:.2f}, "frame": {frame}, "people": [{who}]}}\n'
+        if frame % 1000 == 500:
+            return ""
+        if frame % 1000 == 700:
+            self.late = line
+            return ""
+        line, self.late = line + self.late, ""
+        return line
+
+
 def resident(process):
     return int(pathlib.Path(f"/proc/{process.pid}/statm").read_text().split()[1]) * PAGE
 
@@ -84,7 +104,7 @@ def main():
     frames = int(sys.argv[3]) if len(sys.argv) > 3 else 10_000_000
     block = max(1, frames // ROWS)
     parameters = pathlib.Path(__file__).resolve().parent.parent / "samples/parameters/walking.txt"
-    lines = Lines(SCENES[scene])
+    lines = (Messages if scene == "messages" else Lines)(SCENES[scene])
     print(f"{'frame':>10} {'resident MiB':>13} {'ms a frame':>11}")
     memory = []
     with tempfile.TemporaryDirectory() as folder:
