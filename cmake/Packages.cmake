@@ -66,6 +66,8 @@ grouptracker_package(python python3-grouptracker python DEPENDS libmox0 libkel0
   NEEDS "python3, python3-numpy"
   SUMMARY "groups of people for Python"
   TEXT "${about}\nThis package has the Python module.")
+# Loaded by runs that talk to a broker only.
+set(CPACK_DEBIAN_PROGRAM_PACKAGE_RECOMMENDS libmosquitto1)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS "qtbase5-dev, libopencv-dev")
 set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS "python3-pandas")
 # What the interpreter compiles goes with the package.
