@@ -35,11 +35,12 @@ bool answers(int port) {
 }  // namespace
 
 Broker::Broker(const std::string& more) : m_port(freePort()) {
-  m_folder.write("broker.conf", "listener " + std::to_string(m_port) + " 127.0.0.1\n" + more +
-                                    "user root\npersistence true\npersistence_location " +
-                                    m_folder.path().string() +
-                                    "/\nmax_queued_messages 0\nmax_inflight_messages 0\n"
-                                    "log_dest stderr\nlog_type error\n");
+  m_folder.write("broker.conf",
+                 "listener " + std::to_string(m_port) + " 127.0.0.1\n" + more +
+                     "user root\npersistence true\npersistence_location " +
+                     m_folder.path().string() +
+                     "/\nset_tcp_nodelay true\nmax_queued_messages 0\nmax_inflight_messages 0\n"
+                     "log_dest stderr\nlog_type error\n");
   start();
 }
 
