@@ -1,6 +1,7 @@
 #include "library/Tracker.h"
 
 #include "host/base/InputError.h"
+#include "host/base/PersonNames.h"
 #include "host/camera/BoxLifter.h"
 #include "host/output/RunFile.h"
 #include "host/people/ObservationSource.h"
@@ -44,6 +45,11 @@ RunParameters parametersOf(const TrackerSettings& settings) {
   RunParameters parameters(settings.parameterFile, settings.parameterChanges);
   parameters.suit(settings.rate);
   return parameters;
+}
+
+/// As those know the person who use the library.
+std::string nameOf(std::uint32_t person) {
+  return PersonNames::ofProgram().textOf(person);
 }
 
 cv::Rect2d toRect(const std::array<double, 4>& box) {
@@ -214,7 +220,7 @@ std::vector<Observation> Tracker::State::observationsOf(const std::vector<SeenPe
   for (const SeenPerson& person : people) {
     const std::string problem = problemOf(person, m_camera.get());
     if (!problem.empty()) {
-      throw InputError(place, fmt::format("person {} {}", person.id, problem));
+      throw InputError(place, "person " + nameOf(person.id) + " " + problem);
     }
     observations.push_back(toObservation(person));
   }
@@ -224,7 +230,7 @@ std::vector<Observation> Tracker::State::observationsOf(const std::vector<SeenPe
       std::adjacent_find(observations.begin(), observations.end(),
                          [](const auto& a, const auto& b) { return a.person == b.person; });
   if (twice != observations.end()) {
-    throw InputError(place, fmt::format("person {} is there twice", twice->person));
+    throw InputError(place, "person " + nameOf(twice->person) + " is there twice");
   }
   return observations;
 }

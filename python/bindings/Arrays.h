@@ -1,7 +1,10 @@
 #pragma once
 
 #include "host/base/InputError.h"
+#include "host/base/PersonNames.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -32,20 +35,29 @@ std::vector<std::array<double, width>> rowsOf(const Numbers& array, const std::s
   return rows;
 }
 
-/// Ids of persons; what is no whole number from 0 to 2^32 - 1 is a `ValueProblem`.
-inline std::vector<std::uint32_t> idsOf(const Numbers& array) {
+/// Ids of persons out of an array or list of whole numbers from 0 to 2^32 - 1, or of texts, as the
+/// numbers that stand for them. What else there is, is a `ValueProblem`.
+inline std::vector<std::uint32_t> idsOf(const pybind11::object& names) {
   constexpr double largest = std::numeric_limits<std::uint32_t>::max();
-  if (array.size() != 0 && array.ndim() != 1) {
+  const auto array = pybind11::array::ensure(names);
+  if (!array || (array.size() != 0 && array.ndim() != 1)) {
     throw ValueProblem("ids: an array of N is expected");
   }
+  PersonNames& program = PersonNames::ofProgram();
+  const bool areNumbers = std::string_view("OUS").find(array.dtype().kind()) == std::string::npos;
   std::vector<std::uint32_t> ids;
   ids.reserve(static_cast<std::size_t>(array.size()));
-  for (pybind11::ssize_t i = 0; i < array.size(); ++i) {
-    const double id = array.data()[i];
-    if (!(id >= 0.0 && id <= largest) || std::trunc(id) != id) {
-      throw ValueProblem("ids: a whole number from 0 to 4294967295 is expected");
+  for (const pybind11::handle name : array.attr("tolist")()) {
+    if (!areNumbers && pybind11::isinstance<pybind11::str>(name)) {
+      ids.push_back(program.numberOf(name.cast<std::string>()));
+      continue;
     }
-    ids.push_back(static_cast<std::uint32_t>(id));
+    const bool isNumber = areNumbers || pybind11::isinstance<pybind11::int_>(name);
+    const double id = isNumber ? name.cast<double>() : -1.0;
+    if (!(id >= 0.0 && id <= largest) || std::trunc(id) != id) {
+      throw ValueProblem("ids: a whole number from 0 to 4294967295 is expected, or a text");
+    }
+    ids.push_back(program.numberOf(static_cast<std::int64_t>(id)));
   }
   return ids;
 }

@@ -1,11 +1,14 @@
 #include "host/base/InputError.h"
 #include "host/base/OutputFile.h"
+#include "host/base/PersonNames.h"
 #include "host/evaluation/EvaluationReport.h"
 #include "host/evaluation/TruthReader.h"
 #include "host/evaluation/learning/EvidenceLearning.h"
 #include "library/StepValues.h"
 #include "python/bindings/Module.h"
 
+#include <algorithm>
+#include <filesystem>
 #include <map>
 #include <pybind11/stl.h>
 #include <pybind11/stl/filesystem.h>
@@ -37,6 +40,14 @@ GroupTruth truePerFrame(const std::map<std::int64_t, NamedGroups>& frames) {
     truth.setAt(frame, std::move(groups), std::move(ids));
   }
   return truth;
+}
+
+std::vector<std::vector<PersonName>> namesOf(const Grouping& groups) {
+  std::vector<std::vector<PersonName>> names;
+  for (const PersonGroup& group : groups) {
+    names.push_back(sortedNames(group));
+  }
+  return names;
 }
 
 GroupedFrames toFrames(const std::vector<TrackerStep>& steps) {
@@ -114,8 +125,13 @@ void bindEvaluation(py::module_& module) {
                   "frames are the same one.")
       .def_property_readonly("is_per_frame", &GroupTruth::isPerFrame,
                              "Whether each frame has groups of its own.")
-      .def("at", &GroupTruth::at, py::arg("frame"), "The groups at a frame, lists of ids.")
-      .def("whole", &GroupTruth::whole, "All frames together: whoever was ever in one group is.");
+      .def(
+          "at",
+          [](const GroupTruth& truth, std::int64_t frame) { return namesOf(truth.at(frame)); },
+          py::arg("frame"), "The groups at a frame, lists of ids.")
+      .def(
+          "whole", [](const GroupTruth& truth) { return namesOf(truth.whole()); },
+          "All frames together: whoever was ever in one group is.");
   module.def("read_truth", py::overload_cast<const std::string&>(&readTruth), py::arg("path"),
              py::call_guard<py::gil_scoped_release>());
   module.def("evaluate", &evaluateSteps, py::arg("steps"), py::arg("truth"), py::arg("window"),

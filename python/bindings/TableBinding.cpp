@@ -4,6 +4,7 @@
 #include "python/bindings/Arrays.h"
 #include "python/bindings/Module.h"
 
+#include <algorithm>
 #include <map>
 #include <pybind11/functional.h>
 #include <pybind11/stl.h>

@@ -20,7 +20,7 @@ namespace grouptracker {
 namespace {
 
 /// The people of a frame. A place or box that is not a number is none.
-std::vector<SeenPerson> peopleOf(const Numbers& ids, const std::optional<Numbers>& positions,
+std::vector<SeenPerson> peopleOf(const py::object& ids, const std::optional<Numbers>& positions,
                                  const std::optional<Numbers>& boxes) {
   const std::vector<std::uint32_t> persons = idsOf(ids);
   const auto places =
@@ -56,7 +56,7 @@ std::string textOf(const TrackerStep& step) {
 std::string textOf(const TrackerGroup& group) {
   std::string members;
   for (const std::uint32_t member : group.members) {
-    members += fmt::format("{}{}", members.empty() ? "" : ", ", member);
+    members += (members.empty() ? "" : ", ") + PersonNames::ofProgram().textOf(member);
   }
   return fmt::format("<Group {}: {}>", group.id, members);
 }
@@ -66,7 +66,7 @@ std::string textOf(const TrackerEvent& event) {
 }
 
 /// For each person the group that it is in, 0 for whoever is in none.
-py::array_t<std::int64_t> groupOfEach(const TrackerStep& step, const Numbers& ids) {
+py::array_t<std::int64_t> groupOfEach(const TrackerStep& step, const py::object& ids) {
   const std::vector<std::uint32_t> persons = idsOf(ids);
   py::array_t<std::int64_t> result(static_cast<py::ssize_t>(persons.size()));
   std::int64_t* label = result.mutable_data();
@@ -105,7 +105,9 @@ std::vector<TrackerStep> readGroups(const std::string& path) {
 void bindSteps(py::module_& module) {
   py::class_<TrackerGroup>(module, "Group", "People who belong together at one frame.")
       .def_readonly("id", &TrackerGroup::id, "Number of the group, from 1, never used again.")
-      .def_readonly("members", &TrackerGroup::members, "Ids of two persons or more, ascending.")
+      .def_property_readonly(
+          "members", [](const TrackerGroup& group) { return sortedNames(group.members); },
+          "Ids of two persons or more, ascending.")
       .def_readonly("since", &TrackerGroup::since, "First frame that lists the group.")
       .def_readonly("position", &TrackerGroup::position,
                     "Mean of the members on the ground, [x, y] in metres.")
@@ -121,8 +123,9 @@ void bindSteps(py::module_& module) {
       .def_readonly("group", &TrackerEvent::group, "Number of the group.")
       .def_readonly("other", &TrackerEvent::other,
                     "The group that merged into it or that it split from, or None.")
-      .def_readonly("persons", &TrackerEvent::persons,
-                    "First members, those who came along, joined or left.")
+      .def_property_readonly(
+          "persons", [](const TrackerEvent& event) { return sortedNames(event.persons); },
+          "First members, those who came along, joined or left.")
       .def(py::self == py::self)
       .def("__repr__", [](const TrackerEvent& event) { return textOf(event); });
   py::class_<TrackerStep>(
@@ -133,7 +136,9 @@ void bindSteps(py::module_& module) {
                     "Number of the frame, None as long as none is decided.")
       .def_readonly("time", &TrackerStep::time, "Seconds, or None.")
       .def_readonly("groups", &TrackerStep::groups, "Groups in ascending order of ids.")
-      .def_readonly("alone", &TrackerStep::alone, "Ids of everybody else in view, ascending.")
+      .def_property_readonly(
+          "alone", [](const TrackerStep& step) { return sortedNames(step.alone); },
+          "Ids of everybody else in view, ascending.")
       .def_readonly("events", &TrackerStep::events, "Events since the frame before.")
       .def("group_of", &groupOfEach, py::arg("ids"),
            "The group of each person, an array of N whole numbers; 0 for whoever is in none.")
@@ -167,7 +172,7 @@ void bindTracker(py::module_& module) {
       .def(py::init<const TrackerSettings&>(), py::arg("settings"), unlocked)
       .def(
           "update",
-          [](Tracker& tracker, const Numbers& ids, const std::optional<Numbers>& positions,
+          [](Tracker& tracker, const py::object& ids, const std::optional<Numbers>& positions,
              const std::optional<Numbers>& boxes, std::optional<double> time,
              std::optional<std::int64_t> frame) {
             const std::vector<SeenPerson> people = peopleOf(ids, positions, boxes);
@@ -179,6 +184,7 @@ void bindTracker(py::module_& module) {
       .def("finish", &Tracker::finish, unlocked)
       .def("actors_line", &Tracker::actorsLine, unlocked)
       .def("frames", &Tracker::frames, unlocked);
+  module.def("numbers_of", &idsOf, py::arg("ids"));
   module.def("read_groups", &readGroups, py::arg("path"), unlocked);
 }
 

@@ -23,7 +23,7 @@ Against annotated groups, and out of nothing:
     scene = grouptracker.simulate(people=30, seconds=60, rate=5)
 
 Positions are in metres on the ground, boxes in pixels with y downwards: left, top, width, height. Ids
-are whole numbers from 0 to 4294967295. What is wrong with parameters, cameras and input is a
+are whole numbers from 0 to 4294967295, or texts. What is wrong with parameters, cameras and input is a
 `ValueError` with the line that the program `grouptracker` prints.
 """
 

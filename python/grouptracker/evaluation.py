@@ -9,10 +9,10 @@ from typing import Any, Iterable, Mapping, Optional, Sequence, Union
 from . import _native
 from ._native import Model, Step, Truth
 from .tables import Table, columns_of, read_groups
-from .tracker import Path
+from .tracker import Path, Person
 
 #: A `Truth`, a file, the groups of the whole sequence as lists of ids, or those of each frame.
-AnyTruth = Union[Truth, Path, Iterable[Sequence[int]], Mapping[int, Iterable[Sequence[int]]]]
+AnyTruth = Union[Truth, Path, Iterable[Sequence[Person]], Mapping[int, Iterable[Sequence[Person]]]]
 
 
 def read_truth(path: Path) -> Truth:
@@ -27,9 +27,12 @@ def truth_of(truth: AnyTruth) -> Truth:
     if isinstance(truth, (str, os.PathLike)):
         return read_truth(truth)
     if isinstance(truth, Mapping):
-        return Truth.per_frame({frame: groups if isinstance(groups, Mapping) else dict(enumerate(groups, 1))
-                                for frame, groups in truth.items()})
-    return Truth.always([list(group) for group in truth])
+        return Truth.per_frame({frame: dict(enumerate(map(_numbers, groups), 1)) for frame, groups in truth.items()})
+    return Truth.always([_numbers(group) for group in truth])
+
+
+def _numbers(group: Sequence[Person]) -> list[int]:
+    return _native.numbers_of(list(group))
 
 
 def evaluate(groups: Union[Path, Iterable[Step]], truth: AnyTruth, *, window: int = 15, together: int = 6,

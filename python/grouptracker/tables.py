@@ -31,7 +31,8 @@ def columns_of(table: Table) -> dict[str, Any]:
     if person is None or not names & {"frame", "time"}:
         raise ValueError("table: the columns id and frame or time are expected")
     columns = {name: column(name) for name in ("frame", "time") if name in names}
-    columns["id"] = column(person)
+    ids = numpy.asarray(table[person])
+    columns["id"] = column(person) if ids.dtype.kind not in "OUS" else numpy.array(_native.numbers_of(ids), dtype=float)
     if {"x", "y"} <= names:
         columns["positions"] = numpy.column_stack([column("x"), column("y")])
     if set(_sizes) <= names:

@@ -13,6 +13,8 @@ from . import _native
 from ._native import Model, Step
 
 Path = Union[str, "os.PathLike[str]"]
+#: The id of a person, as the tracker of persons gives it.
+Person = Union[int, str]
 #: A file, or labels with values that differ from the built-in set, such as {"temporalWinSize": 4}.
 Parameters = Union[None, Path, Mapping[str, Any]]
 #: A file with a camera, or the homography from (column, row, 1) to the ground, 3 x 3.
@@ -138,7 +140,7 @@ class Tracker:
         Parameters
         ----------
         ids:
-            N whole numbers, those of the tracker of persons, in any order, each once; none for a frame
+            N whole numbers or texts, those of the tracker of persons, in any order, each once; none for a frame
             without people, which must not be left out.
         positions:
             N x 2, where their feet are on the ground, metres; nan for somebody of whom only the box

@@ -31,6 +31,13 @@ class Tables(InFolder):
         as_arrays = grouptracker.track({name: table[name].to_numpy() for name in table})
         self.assertEqual(as_arrays["group"].tolist(), found["group"].fillna(0).tolist())
 
+    def test_may_call_people_by_texts(self):
+        table = walking_table()
+        named = table.assign(id=table["id"].map({1: "ann", 2: "bob", 3: "eve"}))
+        self.assertEqual(grouptracker.track(named)["group"].tolist(), grouptracker.track(table)["group"].tolist())
+        self.assertEqual(grouptracker.evaluate(grouptracker.track_steps(named), [["ann", "bob"]]),
+                         grouptracker.evaluate(grouptracker.track_steps(table), [[1, 2]]))
+
     def test_say_when_by_frame_or_time(self):
         table = walking_table()
         by_frame = grouptracker.track(table, rate=2.5)

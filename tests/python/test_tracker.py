@@ -118,6 +118,15 @@ class Frames(unittest.TestCase):
                   for ids, positions in walkers())
         self.assertEqual(run(grouptracker.Tracker(rate=2.5), turned)[0], expected)
 
+    def test_give_back_texts_as_ids(self):
+        names = numpy.array(["nobody", "ann", "bob", "eve"])
+        tracker = grouptracker.Tracker(rate=2.5, look_ahead=0)
+        steps = [tracker.update(names[ids], positions) for ids, positions in walkers()]
+        self.assertEqual([group.members for group in steps[-1].groups], [["ann", "bob"]])
+        self.assertEqual(steps[-1].alone, ["eve"])
+        self.assertEqual(steps[-1].group_of(["bob", "eve"]).tolist(), [1, 0])
+        self.assertIn('"members": ["ann", "bob"]', steps[-1].line())
+
     def test_take_corners_and_a_homography(self):
         matrix = numpy.diag([0.01, 0.01, 1.0])
         sizes = grouptracker.Tracker(rate=2.5, calibration=matrix)
@@ -211,8 +220,9 @@ class WhatIsWrong(InFolder):
             (dict(ids=[1, 1], positions=[[0, 0], [1, 1]]), "frame 21: person 1 is there twice"),
             (dict(ids=[1, 2], positions=[[0, 0]]), "ids, positions and boxes are not equally many"),
             (dict(ids=[1], positions=[0, 0]), "positions: an array of N x 2 is expected"),
-            (dict(ids=[-1], positions=[[0, 0]]), "ids: a whole number from 0 to 4294967295 is expected"),
-            (dict(ids=[1.5], positions=[[0, 0]]), "ids: a whole number from 0 to 4294967295 is expected"),
+            (dict(ids=[-1], positions=[[0, 0]]), "ids: a whole number from 0 to 4294967295 is expected, or a text"),
+            (dict(ids=[1.5], positions=[[0, 0]]), "ids: a whole number from 0 to 4294967295 is expected, or a text"),
+            (dict(ids=["a", "a"], positions=[[0, 0], [1, 1]]), "frame 21: person a is there twice"),
             (dict(ids=[1], positions=[[numpy.inf, 0]]),
              "frame 21: person 1 lies too far away to be metres, or is no number"),
             (dict(ids=[1]), "frame 21: person 1 has neither place nor box"),
