@@ -10,6 +10,7 @@ enum ExitStatus : int {
   processFailed = 3,    ///< an exception left the process
   outputFailed = 4,     ///< a file cannot be written, or a window not be opened
   readerLeft = 5,       ///< all is done but what somebody wanted who left before its end
+  someFailed = 6,       ///< some recordings of a batch failed, all others are done
 };
 
 }  // namespace grouptracker

@@ -20,7 +20,7 @@ class WorkerPool {
       : m_workers(workers), m_patience(patience) {}
 
   /// Runs all tasks and returns when the last has finished. Not to be used while the program has
-  /// threads or other child processes.
+  /// threads.
   void run(const std::vector<Task>& tasks, const Finished& finished) const;
 
  private:
