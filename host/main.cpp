@@ -48,6 +48,7 @@ Tracks that it takes, told apart by their content:
 std::vector<std::unique_ptr<Command>> allCommands() {
   std::vector<std::unique_ptr<Command>> commands;
   commands.push_back(makeRunCommand());
+  commands.push_back(makeBatchCommand());
   commands.push_back(makeSimulateCommand());
   commands.push_back(makeEvaluateCommand());
   commands.push_back(makeTuneCommand());

@@ -36,6 +36,7 @@ std::unique_ptr<Command> makeConvertCommand();
 std::unique_ptr<Command> makeCalibrateCommand();
 std::unique_ptr<Command> makeCheckCommand();
 std::unique_ptr<Command> makeReportCommand();
+std::unique_ptr<Command> makeBatchCommand();
 std::unique_ptr<Command> makeExplainCommand();
 
 }  // namespace grouptracker

@@ -2,6 +2,7 @@
 
 #include "host/base/ExitStatus.h"
 #include "host/base/Suggestion.h"
+#include "host/batch/Recording.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -194,6 +195,17 @@ std::vector<std::string> namesIn(const CLI::Option& option) {
   return names;
 }
 
+void addNames(const CLI::Option& option, std::vector<std::string>& names) {
+  const std::vector<std::string>& own = option.get_lnames();
+  names.insert(names.end(), own.begin(), own.end());
+}
+
+/// What stands behind the last bar of "FILE|none"; empty without one.
+std::string lastChoice(const std::string& typeName) {
+  const auto bar = typeName.rfind('|');
+  return bar == std::string::npos ? std::string() : typeName.substr(bar + 1);
+}
+
 std::vector<std::string> allOf(const std::vector<CommandFiles::Names>& options) {
   std::vector<std::string> all;
   for (const auto& names : options) {
@@ -207,6 +219,7 @@ std::vector<std::string> allOf(const std::vector<CommandFiles::Names>& options) 
 
 Option& Option::reads(const char* name) {
   m_files->read.emplace_back([option = m_option] { return namesIn(*option); });
+  addNames(*m_option, m_files->optionsRead);
   return typeName(name);
 }
 
@@ -225,6 +238,7 @@ Option& Option::readsBoth(const char* name) {
 
 Option& Option::writes(const char* name) {
   m_files->written.emplace_back([option = m_option] { return namesIn(*option); });
+  addNames(*m_option, m_files->optionsWritten);
   return typeName(name);
 }
 
@@ -339,6 +353,24 @@ std::vector<std::string> Options::filesWritten() const {
   return allOf(m_files->written);
 }
 
+std::vector<OptionKind> Options::kinds() const {
+  const auto isAmong = [](const std::vector<std::string>& names, const std::string& name) {
+    return std::find(names.begin(), names.end(), name) != names.end();
+  };
+  std::vector<OptionKind> kinds;
+  for (const CLI::Option* const option : m_command->get_options()) {
+    const bool isFlag = option->get_items_expected_max() == 0;
+    const std::string type = option->get_type_name();
+    for (const std::string& name : option->get_lnames()) {
+      const bool reads = isAmong(m_files->optionsRead, name);
+      const bool writes = isAmong(m_files->optionsWritten, name);
+      kinds.push_back({name, isFlag, reads, writes, reads || writes ? lastChoice(type) : ""});
+    }
+  }
+  std::erase_if(kinds, [](const OptionKind& kind) { return kind.name == "help"; });
+  return kinds;
+}
+
 CommandLine::CommandLine(const std::string& description, const std::string& version)
     : m_program(std::make_unique<CLI::App>(description)) {
   m_program->set_version_flag("--version", version);
@@ -383,6 +415,17 @@ std::optional<int> CommandLine::parse(int argc, char** argv) {
         stderr, "{}\n",
         slip.value_or(fmt::format("{}; see grouptracker{} --help", failure.what(), command)));
     return wrongInput;
+  }
+  return std::nullopt;
+}
+
+std::optional<std::string> CommandLine::problemIn(std::vector<std::string> words) {
+  std::reverse(words.begin(), words.end());  // the parser takes them from the end
+  try {
+    m_program->parse(std::move(words));
+  } catch (const CLI::ParseError& failure) {
+    const auto slip = slipIn(*m_program);
+    return slip ? slip : failure.what();
   }
   return std::nullopt;
 }

@@ -16,12 +16,16 @@ class Option;
 
 namespace grouptracker {
 
+struct OptionKind;
+
 /// The files and folders that a command reads and writes, as its options name them.
 struct CommandFiles {
   using Names = std::function<std::vector<std::string>()>;
 
   std::vector<Names> read;  ///< to be called when the command line is parsed
   std::vector<Names> written;
+  std::vector<std::string> optionsRead;  ///< the names of the options, without dashes
+  std::vector<std::string> optionsWritten;
 };
 
 /// One option of a command, about which more can be said. The parser that stands behind it is known
@@ -90,6 +94,8 @@ class Options {
   /// What the user names to be read and to be written.
   std::vector<std::string> filesRead() const;
   std::vector<std::string> filesWritten() const;
+  /// All that can be given, but what has no name and the help.
+  std::vector<OptionKind> kinds() const;
 
  private:
   CLI::App* m_command;
@@ -116,6 +122,9 @@ class CommandLine {
   /// Parses what the user wrote. The help, the version or what is wrong is then printed, and the
   /// exit status returned; none when a command was chosen.
   std::optional<int> parse(int argc, char** argv);
+  /// The same for words of another origin, about which nothing is printed: what is wrong with them;
+  /// none when a command was chosen.
+  std::optional<std::string> problemIn(std::vector<std::string> words);
 
  private:
   std::unique_ptr<CLI::App> m_program;

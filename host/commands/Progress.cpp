@@ -29,8 +29,8 @@ bool Progress::isPossible() {
   return ::isatty(STDERR_FILENO) == 1;
 }
 
-Progress::Progress(bool enabled, std::optional<std::uint64_t> totalFrames)
-    : m_enabled(enabled), m_totalFrames(totalFrames) {}
+Progress::Progress(bool enabled, std::optional<std::uint64_t> totalFrames, ProgressUnit unit)
+    : m_enabled(enabled), m_totalFrames(totalFrames), m_unit(unit) {}
 
 void Progress::update(std::uint64_t frame) {
   if (!m_enabled || Clock::now() - m_lastDrawn < redrawAfter) {
@@ -55,13 +55,14 @@ double Progress::seconds() const {
 void Progress::draw(std::uint64_t frame) const {
   const double perSecond = static_cast<double>(frame) / std::max(seconds(), 1e-3);
   if (!m_totalFrames) {
-    fmt::print(stderr, "{}frame {}, {:.0f} frames/s", eraseLine, frame, perSecond);
+    fmt::print(stderr, "{}{} {}, {:.0f} {}", eraseLine, m_unit.one, frame,
+               perSecond * m_unit.seconds, m_unit.pace);
     return;
   }
   const double left =
       (static_cast<double>(*m_totalFrames) - static_cast<double>(frame)) / perSecond;
-  fmt::print(stderr, "{}frame {} of {}, {:.0f} frames/s, {} left", eraseLine, frame, *m_totalFrames,
-             perSecond, duration(left));
+  fmt::print(stderr, "{}{} {} of {}, {:.0f} {}, {} left", eraseLine, m_unit.one, frame,
+             *m_totalFrames, perSecond * m_unit.seconds, m_unit.pace, duration(left));
 }
 
 }  // namespace grouptracker

@@ -6,6 +6,13 @@
 
 namespace grouptracker {
 
+/// What a progress counts, and how fast that is said to go.
+struct ProgressUnit {
+  const char* one = "frame";
+  const char* pace = "frames/s";
+  double seconds = 1.0;  ///< of the pace
+};
+
 /// One line on standard error that follows a run while it lasts: frame of total, frames per second,
 /// time left. Drawn over itself a few times a second, and removed before anything else is said.
 class Progress {
@@ -14,7 +21,7 @@ class Progress {
   static bool isPossible();
 
   /// Without a total only frame and speed are shown. A progress that is not `enabled` is silent.
-  Progress(bool enabled, std::optional<std::uint64_t> totalFrames);
+  Progress(bool enabled, std::optional<std::uint64_t> totalFrames, ProgressUnit unit = {});
   ~Progress() { clear(); }
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
@@ -34,6 +41,7 @@ class Progress {
   bool m_enabled;
   bool m_isDrawn = false;
   std::optional<std::uint64_t> m_totalFrames;
+  ProgressUnit m_unit;
   Clock::time_point m_start = Clock::now();
   Clock::time_point m_lastDrawn = m_start;
 };

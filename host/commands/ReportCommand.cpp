@@ -131,11 +131,14 @@ std::vector<std::pair<std::string, std::string>> parametersIn(const std::string&
   return parameters;
 }
 
+/// When a file was written; where somebody who wants the same report again says a time by the
+/// variable that is usual for it, that one.
 std::string timeOf(const std::string& path) {
-  return QFileInfo(QString::fromStdString(path))
-      .lastModified()
-      .toString("yyyy-MM-dd hh:mm")
-      .toStdString();
+  bool isSaid = false;
+  const qint64 said = qEnvironmentVariable("SOURCE_DATE_EPOCH").toLongLong(&isSaid);
+  const QDateTime time = isSaid ? QDateTime::fromSecsSinceEpoch(said, Qt::UTC)
+                                : QFileInfo(QString::fromStdString(path)).lastModified();
+  return time.toString("yyyy-MM-dd hh:mm").toStdString();
 }
 
 /// Tells by the first two frames how many there are in a second.

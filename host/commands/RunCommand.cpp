@@ -161,15 +161,20 @@ void printSummary(const RunSummary& summary, const std::string& groupsFile) {
 
 }  // namespace
 
-Options RunCommand::declare(CommandLine& program) {
+Options declareRun(CommandLine& program, RunOptions& options) {
   Options command =
       program.addCommand("run", "Tracks the groups of an input and writes them", runExample);
-  declareFiles(command, m_options);
-  declareEvidence(command, m_options);
-  declareTexts(command, m_options);
-  declareStepOptions(command, m_options.steps);
-  declareLiveOptions(command, m_options.live);
-  declareBehaviour(command, m_options);
+  declareFiles(command, options);
+  declareEvidence(command, options);
+  declareTexts(command, options);
+  declareStepOptions(command, options.steps);
+  declareLiveOptions(command, options.live);
+  declareBehaviour(command, options);
+  return command;
+}
+
+Options RunCommand::declare(CommandLine& program) {
+  Options command = declareRun(program, m_options);
   m_config = program.addConfig(command);
   command
       .addFlag("--print-config", m_options.printsConfig,

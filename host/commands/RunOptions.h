@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/commands/CommandLine.h"
 #include "host/commands/InputChoice.h"
 #include "host/commands/LiveOptions.h"
 #include "host/commands/StepOptions.h"
@@ -48,6 +49,9 @@ struct RunOptions : InputChoice {
            std::find(others.begin(), others.end(), standardOutputName) != others.end();
   }
 };
+
+/// Adds `run` with all its options, which write what they are given to `options`.
+Options declareRun(CommandLine& program, RunOptions& options);
 
 /// The word that turns an output off where a file name could stand.
 inline constexpr const char* noOutput = "none";

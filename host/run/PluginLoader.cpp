@@ -37,6 +37,10 @@ QString fileOf(const std::string& pluginFile) {
 
 }  // namespace
 
+std::string pluginPath(const std::string& pluginFile) {
+  return fileOf(pluginFile).toStdString();
+}
+
 void preloadGroupTracker(const std::string& pluginFile) {
   QPluginLoader loader(fileOf(pluginFile));
   loader.setLoadHints(QLibrary::ResolveAllSymbolsHint);

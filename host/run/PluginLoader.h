@@ -13,6 +13,9 @@ namespace grouptracker {
 /// Needs the application object. The plugin stays loaded until the program ends.
 std::unique_ptr<kelAbstractProcessGroupTracker> loadGroupTracker(const std::string& pluginFile);
 
+/// The file that these take for a name, or without one.
+std::string pluginPath(const std::string& pluginFile);
+
 /// Maps the plugin into this program without starting it: child processes that need it then start
 /// without the work of the dynamic linker, a third of a short run.
 void preloadGroupTracker(const std::string& pluginFile);

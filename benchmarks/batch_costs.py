@@ -1,0 +1,100 @@
+#!/usr/bin/env python3
+"""Measures what a batch costs: benchmarks/batch_costs.py [PROGRAM [RECORDINGS [ROWS]]].
+
+Rounds of single runs, a batch with one job and one with two take turns over the same short
+recordings, so that their ratios hold on a busy machine, too; the fastest of each kind counts.
+"overhead" is the time of a recording in the batch with one job less that of `run` alone on the same
+input; it is negative where the batch saves a program's start. The last table walks through
+manifests of growing length in which nothing is open any more, and tells time and memory.
+"""
+import os
+import pathlib
+import subprocess
+import sys
+import tempfile
+import time
+
+PROGRAM = pathlib.Path(sys.argv[1] if len(sys.argv) > 1 else "build/release/bin/grouptracker").resolve()
+RECORDINGS = int(sys.argv[2]) if len(sys.argv) > 2 else 200
+ROWS = int(sys.argv[3]) if len(sys.argv) > 3 else 100_000
+ROUNDS = 3
+SCENES = 10
+
+
+def measure(folder, *arguments, expected=0):
+    """Wall seconds, processor seconds and the most memory, MB, of the program."""
+    start = time.perf_counter()
+    process = subprocess.Popen([PROGRAM, *arguments], cwd=folder, stdin=subprocess.DEVNULL,
+                               stdout=subprocess.DEVNULL)
+    _, status, usage = os.wait4(process.pid, 0)
+    if os.waitstatus_to_exitcode(status) != expected:
+        sys.exit(f"{' '.join(map(str, arguments))}: status {status}")
+    return (time.perf_counter() - start, usage.ru_utime + usage.ru_stime, usage.ru_maxrss / 1024)
+
+
+def write_manifest(path, inputs):
+    rows = "".join(f"r{i},{name}\n" for i, name in enumerate(inputs))
+    path.write_text("name,input\n" + rows)
+
+
+def batch(folder, results, jobs, *more):
+    return measure(folder, "batch", "manifest.csv", "--output", results, "--jobs", str(jobs),
+                   "--quiet", *more)
+
+
+def best(times):
+    return min(times)
+
+
+def measure_throughput(folder, inputs):
+    seconds = {}
+    for turn in range(ROUNDS):
+        start = time.perf_counter()
+        for name in inputs[:SCENES * 2]:
+            measure(folder, "run", name, "--output", "groups.jsonl", "--diagnostics", "none",
+                    "--mobile-dump", "none", "--quiet")
+        alone = (time.perf_counter() - start) / (SCENES * 2)
+        kinds = {
+            "run alone": alone,
+            "batch --jobs 1 --no-report": batch(folder, f"a{turn}", 1, "--no-report")[0] / len(inputs),
+            "batch --jobs 2 --no-report": batch(folder, f"b{turn}", 2, "--no-report")[0] / len(inputs),
+            "batch --jobs 1": batch(folder, f"c{turn}", 1)[0] / len(inputs),
+            "batch --jobs 2": batch(folder, f"d{turn}", 2)[0] / len(inputs),
+        }
+        for kind, time_of_one in kinds.items():
+            seconds.setdefault(kind, []).append(time_of_one)
+    print("| kind | ms a recording |\n| --- | --- |")
+    for kind, times in seconds.items():
+        print(f"| {kind} | {best(times) * 1000:.1f} |")
+    one, two = best(seconds["batch --jobs 1"]), best(seconds["batch --jobs 2"])
+    plain = best(seconds["batch --jobs 1 --no-report"])
+    print(f"\nthroughput of two jobs: {one / two:.2f} times, without reports "
+          f"{plain / best(seconds['batch --jobs 2 --no-report']):.2f} times (wanted: 1.85)")
+    print(f"overhead beside run alone: {(plain - best(seconds['run alone'])) * 1000:.0f} ms "
+          f"(wanted: below 50)\n")
+
+
+def measure_rows(folder, name):
+    print("| rows of the manifest | s | MB |\n| --- | --- | --- |")
+    rows = 1000
+    while rows <= ROWS:
+        write_manifest(folder / "manifest.csv", [name] * rows)
+        wall, _, memory = measure(folder, "batch", "manifest.csv", "--output", "none", "--list")
+        print(f"| {rows} | {wall:.1f} | {memory:.1f} |")
+        rows *= 10
+
+
+def main():
+    with tempfile.TemporaryDirectory() as text:
+        folder = pathlib.Path(text)
+        for i in range(SCENES):
+            subprocess.run([PROGRAM, "simulate", "--people", "12", "--frames", "100", "--quiet",
+                            "--seed", str(i), "--output", f"scene{i}"], cwd=folder, check=True)
+        inputs = [f"scene{i % SCENES}/scene.jsonl" for i in range(RECORDINGS)]
+        write_manifest(folder / "manifest.csv", inputs)
+        measure_throughput(folder, inputs)
+        measure_rows(folder, inputs[0])
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,185 @@
+#include "host/batch/BatchFolder.h"
+
+#include "host/base/FileDescriptor.h"
+#include "host/base/OutputPlace.h"
+
+#include <QSysInfo>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <system_error>
+#include <unistd.h>
+#include <utility>
+
+namespace grouptracker {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+const char* const resultName = "result.json";
+
+/// Has what was written last a failing power supply.
+void sync(const std::string& path) {
+  const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  if (file.isOpen() && ::fsync(file.get()) != 0 && errno != EINVAL) {
+    throw OutputError(path, systemProblem("cannot be written"));
+  }
+}
+
+void syncAll(const std::string& folder) {
+  for (const fs::directory_entry& item : fs::recursive_directory_iterator(folder)) {
+    sync(item.path());
+  }
+}
+
+void makeFolder(const fs::path& path) {
+  std::error_code problem;
+  fs::create_directories(path, problem);
+  if (problem) {
+    throw OutputError(path, "cannot be made: " + problem.message());
+  }
+}
+
+/// Whether a process of this machine is at work: one that has died may wait for its parent.
+bool isAtWork(pid_t process) {
+  std::ifstream status(fmt::format("/proc/{}/stat", process));
+  std::string text;
+  std::getline(status, text);
+  const auto name = text.rfind(") ");  // which may hold anything
+  return name != std::string::npos && text[name + 2] != 'Z' && text[name + 2] != 'X';
+}
+
+/// Whose process has died on this machine: of names as NAME@HOST.PROCESS.
+bool isLeft(const std::string& work) {
+  const auto host = "@" + QSysInfo::machineHostName().toStdString() + ".";
+  const auto at = work.rfind(host);
+  pid_t process = 0;
+  if (at == std::string::npos) {
+    return false;
+  }
+  const char* const number = work.data() + at + host.size();
+  std::from_chars(number, work.data() + work.size(), process);
+  return process > 0 && !isAtWork(process);
+}
+
+FileMarks marksIn(const std::string& work) {
+  FileMarks marks;
+  for (const fs::directory_entry& item : fs::directory_iterator(work)) {
+    marks.push_back(FileMark::of(item.path()));
+    marks.back().path = item.path().filename();
+  }
+  std::sort(marks.begin(), marks.end(),
+            [](const FileMark& a, const FileMark& b) { return a.path < b.path; });
+  return marks;
+}
+
+bool hold(const FileMarks& marks, const std::string& folder) {
+  return std::all_of(marks.begin(), marks.end(),
+                     [&folder](const FileMark& mark) { return mark.holdsIn(folder); });
+}
+
+/// Outputs that an earlier run had and this one has not.
+void removeOthers(const FileMarks& earlier, const FileMarks& now, const fs::path& place) {
+  for (const FileMark& mark : earlier) {
+    const auto isSame = [&mark](const FileMark& other) { return other.path == mark.path; };
+    if (std::none_of(now.begin(), now.end(), isSame)) {
+      fs::remove_all(place / fs::path(mark.path).filename());
+    }
+  }
+}
+
+}  // namespace
+
+BatchFolder::BatchFolder(const std::string& path, const std::string& inputs,
+                         const std::string& program)
+    : m_path(fs::absolute(path).lexically_normal()),
+      m_inputs(fs::absolute(inputs).lexically_normal()),
+      m_program(program) {}
+
+void BatchFolder::prepare() const {
+  makeFolder(fs::path(m_path) / "recordings");
+  makeFolder(fs::path(m_path) / ".work");
+  for (const fs::directory_entry& item : fs::directory_iterator(fs::path(m_path) / ".work")) {
+    std::error_code ignored;
+    if (isLeft(item.path().filename())) {
+      fs::remove_all(item.path(), ignored);
+    }
+  }
+}
+
+void BatchFolder::clear() const {
+  std::error_code ignored;
+  fs::remove_all(fs::path(m_path) / ".work", ignored);
+}
+
+std::string BatchFolder::placeOf(const std::string& name) const {
+  return fs::path(m_path) / "recordings" / name;
+}
+
+std::string BatchFolder::workOf(const std::string& name, pid_t process) const {
+  return fs::path(m_path) / ".work" /
+         fmt::format("{}@{}.{}", name, QSysInfo::machineHostName().toStdString(), process);
+}
+
+std::vector<std::string> BatchFolder::requestOf(const Recording& recording,
+                                                const std::vector<std::string>& wishes) const {
+  std::vector<std::string> request{m_program, recording.input, recording.truth};
+  const std::vector<std::string> options = recording.options(".");
+  request.insert(request.end(), options.begin(), options.end());
+  request.insert(request.end(), wishes.begin(), wishes.end());
+  return request;
+}
+
+std::optional<RecordingResult> BatchFolder::resultOf(const Recording& recording,
+                                                     const std::vector<std::string>& wishes) const {
+  const std::string place = placeOf(recording.name);
+  auto result = RecordingResult::read(fs::path(place) / resultName);
+  const bool isOfThis = result && result->request == requestOf(recording, wishes) &&
+                        hold(result->inputs, m_inputs) && hold(result->outputs, place);
+  return isOfThis ? result : std::nullopt;
+}
+
+RecordingResult BatchFolder::begin(const Recording& recording,
+                                   const std::vector<std::string>& wishes) const {
+  RecordingResult result;
+  result.request = requestOf(recording, wishes);
+  for (const std::string& file : recording.filesRead()) {
+    result.inputs.push_back(FileMark::of(fs::path(m_inputs) / file));
+    result.inputs.back().path = file;
+  }
+  return result;
+}
+
+void BatchFolder::finish(const std::string& name, const std::string& work,
+                         RecordingResult result) const {
+  const fs::path place = placeOf(name);
+  const auto earlier = RecordingResult::read(place / resultName);
+  if (!result.isDone && earlier && earlier->isDone && earlier->isOfSame(result) &&
+      hold(earlier->outputs, place)) {
+    fs::remove_all(work);
+    return;
+  }
+  makeFolder(work);
+  makeFolder(place);
+  syncAll(work);
+  result.outputs = marksIn(work);
+  removeOthers(earlier ? earlier->outputs : FileMarks(), result.outputs, place);
+  for (const FileMark& mark : result.outputs) {
+    if (fs::is_directory(place / mark.path)) {
+      fs::remove_all(place / mark.path);
+    }
+    fs::rename(fs::path(work) / mark.path, place / mark.path);
+  }
+  sync(place);
+  result.write(place / resultName);
+  sync(place);
+  fs::remove_all(work);
+}
+
+}  // namespace grouptracker
