@@ -2,13 +2,16 @@
 
 #include "host/base/InputError.h"
 #include "host/base/InputFile.h"
+#include "host/base/Interruption.h"
 #include "host/base/OutputFile.h"
 #include "host/base/OutputPlace.h"
+#include "host/batch/SlurmArray.h"
+#include "host/commands/StopSignals.h"
 #include "host/evaluation/TruthReader.h"
-#include "host/evaluation/search/WorkerPool.h"
 #include "host/input/InputFormats.h"
 #include "host/run/PluginLoader.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QTemporaryDir>
 #include <fmt/format.h>
@@ -174,7 +177,7 @@ void TuneSession::evaluate(std::vector<Trial>& trials, const Sequences& sequence
       open.push_back(i);
     }
   }
-  compute(trials, open, sequences, scores.at(m_options.scoreName), log, purpose);
+  compute(trials, open, sequences, m_options.scoreName, log, purpose);
   for (const Trial& trial : trials) {
     if (search.worth(trial) > m_bestWorth) {
       m_bestWorth = search.worth(trial);
@@ -187,37 +190,87 @@ void TuneSession::evaluate(std::vector<Trial>& trials, const Sequences& sequence
 }
 
 void TuneSession::compute(std::vector<Trial>& trials, const std::vector<std::size_t>& open,
-                          const Sequences& sequences, TunedScore score, TrialLog& log,
+                          const Sequences& sequences, const std::string& score, TrialLog& log,
                           const char* purpose) {
-  const TrialFolder folder;
-  std::vector<WorkerPool::Task> tasks;
+  TrialTasks tasks;
   for (const std::size_t i : open) {
     for (const TunedSequence* sequence : sequences) {
-      tasks.emplace_back([&, i, sequence, number = tasks.size()] {
-        return runTrial(*sequence, m_space.settingsOf(trials[i].candidate, m_base), score,
-                        folder.file(number));
-      });
+      const auto number = static_cast<std::size_t>(sequence - m_sequences.data());
+      tasks.push_back({number, score, trials[i].candidate});
     }
   }
   std::map<std::size_t, std::size_t> missing;
-  const WorkerPool pool(m_options.jobs, std::chrono::seconds(m_options.patience));
-  pool.run(tasks, [&](std::size_t task, std::optional<double> result) {
+  const auto finished = [&](std::size_t task, std::optional<double> result) {
     Trial& trial = trials[open[task / sequences.size()]];
     trial.scores[task % sequences.size()] = result;
-    auto& finished = missing[trial.number];
-    if (++finished == sequences.size()) {
+    auto& ended = missing[trial.number];
+    if (++ended == sequences.size()) {
       log.write(trial);
       if (!m_options.quiet && !result) {
         fmt::print(stderr, "{}: trial {} died\n", purpose, trial.number);
       }
     }
-  });
+  };
+  m_options.engine == "slurm" ? computeBySlurm(tasks, finished)
+                              : computeHere(tasks, m_options.jobs, finished);
+}
+
+void TuneSession::computeHere(const TrialTasks& tasks, std::size_t jobs,
+                              const WorkerPool::Finished& finished) const {
+  const TrialFolder folder;
+  std::vector<WorkerPool::Task> runs;
+  for (const TrialTask& task : tasks) {
+    runs.emplace_back([this, &task, &folder, number = runs.size()] {
+      return runTrial(m_sequences.at(task.sequence), m_space.settingsOf(task.candidate, m_base),
+                      scores.at(task.score), folder.file(number));
+    });
+  }
+  WorkerPool(jobs, std::chrono::seconds(m_options.patience)).run(runs, finished);
+}
+
+/// The tasks get this very command line, so that they read the same sequences in the same way.
+void TuneSession::computeBySlurm(const TrialTasks& tasks, const WorkerPool::Finished& finished) {
+  if (tasks.empty()) {
+    return;
+  }
+  const StopSignals caught;
+  const std::string folder = std::filesystem::absolute(m_options.outputFile).string() + ".slurm";
+  SlurmArray array(folder, m_options.slurmOptions);
+  m_isSharedFolder ? void() : array.checkFolder();
+  m_isSharedFolder = true;
+  const std::size_t chunk = m_options.chunk > 0 ? m_options.chunk : array.itemsOfTask(tasks.size());
+  const TrialTaskFiles files(folder + "/tasks.txt", chunk);
+  files.writeTasks(tasks);
+  std::string line = SlurmArray::quoted(QCoreApplication::applicationFilePath().toStdString());
+  for (const QString& word : QCoreApplication::arguments().mid(1)) {
+    line += " " + SlurmArray::quoted(word.toStdString());
+  }
+  line += fmt::format(" --tasks {} --part \"$SLURM_ARRAY_TASK_ID\"\n",
+                      SlurmArray::quoted(files.path()));
+  array.submit("grouptracker-tune", line, (tasks.size() + chunk - 1) / chunk);
+  if (!array.follow([](const SlurmArray::State&) {})) {
+    array.cancel();
+    throw InputInterrupted();
+  }
+  files.readResults(tasks.size(), finished);
+  std::filesystem::remove_all(folder);
+}
+
+void TuneSession::runTasks() {
+  preloadGroupTracker("");
+  const TrialTaskFiles files = TrialTaskFiles::open(m_options.tasksFile);
+  const TrialTasks tasks = files.readTasks(m_options.part);
+  const int granted = qEnvironmentVariableIntValue("SLURM_CPUS_PER_TASK");
+  std::vector<std::optional<double>> results(tasks.size());
+  computeHere(
+      tasks, static_cast<std::size_t>(std::max(1, granted)),
+      [&results](std::size_t task, std::optional<double> result) { results[task] = result; });
+  files.writeResults(m_options.part, results);
 }
 
 Trial TuneSession::evaluated(const Candidate& candidate, const Sequences& sequences,
                              const char* purpose) {
-  const TunedScore tuned = scores.at(m_options.scoreName);
-  const TunedScore score = tuned == TunedScore::sliding ? TunedScore::windowed : tuned;
+  const std::string score = m_options.scoreName == "sliding" ? "windowed" : m_options.scoreName;
   std::vector<Trial> trials{{0, candidate, {}}};
   trials.front().scores.assign(sequences.size(), std::nullopt);
   TrialLog none("", {}, m_space, false);

@@ -2,7 +2,9 @@
 
 #include "host/commands/InputChoice.h"
 #include "host/evaluation/search/TrialRunner.h"
+#include "host/evaluation/search/TrialTasks.h"
 #include "host/evaluation/search/TuningSearch.h"
+#include "host/evaluation/search/WorkerPool.h"
 #include "host/run/ParameterFile.h"
 
 #include <cstddef>
@@ -27,6 +29,11 @@ struct TuneOptions {
   bool resume = false;
   bool leaveOneOut = false;
   bool quiet = false;
+  std::string engine = "here";
+  std::vector<std::string> slurmOptions;
+  std::size_t chunk = 0;  ///< runs of a task of Slurm; 0 for as many as make sense
+  std::string tasksFile;  ///< of a search elsewhere, of which one part is computed
+  std::size_t part = 0;
 };
 
 /// One search over all sequences, and one without each of them when that is asked for. Of the base
@@ -38,6 +45,8 @@ class TuneSession {
   explicit TuneSession(const TuneOptions& options);
 
   void run();
+  /// Computes a part of the runs that a search elsewhere wants, and leaves the scores beside them.
+  void runTasks();
 
  private:
   using Sequences = std::vector<const TunedSequence*>;
@@ -46,7 +55,11 @@ class TuneSession {
   void evaluate(std::vector<Trial>& trials, const Sequences& sequences, TrialLog& log,
                 const TuningSearch& search, const char* purpose);
   void compute(std::vector<Trial>& trials, const std::vector<std::size_t>& open,
-               const Sequences& sequences, TunedScore score, TrialLog& log, const char* purpose);
+               const Sequences& sequences, const std::string& score, TrialLog& log,
+               const char* purpose);
+  void computeHere(const TrialTasks& tasks, std::size_t jobs,
+                   const WorkerPool::Finished& finished) const;
+  void computeBySlurm(const TrialTasks& tasks, const WorkerPool::Finished& finished);
   /// A candidate with the scores that `grouptracker evaluate` would give it.
   Trial evaluated(const Candidate& candidate, const Sequences& sequences, const char* purpose);
   void leaveEachOut(const Trial& result);
@@ -56,6 +69,7 @@ class TuneSession {
   TuningSpace m_space;
   std::vector<TunedSequence> m_sequences;  ///< the further ones at the end
   double m_bestWorth = 0.0;                ///< of the search that goes on
+  bool m_isSharedFolder = false;           ///< what Slurm's tasks need, when that was found out
 };
 
 }  // namespace grouptracker

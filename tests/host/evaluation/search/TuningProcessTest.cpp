@@ -1,4 +1,5 @@
 #include "host/evaluation/search/TrialLog.h"
+#include "host/evaluation/search/TrialTasks.h"
 #include "host/evaluation/search/WorkerPool.h"
 
 #include <gtest/gtest.h>
@@ -36,6 +37,30 @@ TEST(WorkerPool, LosesOnlyTheNumbersOfTasksThatDie) {
   });
   const auto none = std::optional<double>();
   EXPECT_EQ(results, (std::vector<std::optional<double>>{1.5, none, none, none, none, 2.5}));
+}
+
+TEST(TrialTaskFiles, BringEveryNumberThereAndBackToTheLastBit) {
+  const std::string folder =
+      std::filesystem::temp_directory_path() / ("tasks-" + std::to_string(::getpid()));
+  std::filesystem::create_directory(folder);
+  const TrialTasks tasks{
+      {0, "sliding", {0.1 + 0.2, 7.0}}, {3, "pairs", {1e-9, -4.5}}, {0, "windowed", {}}};
+  const TrialTaskFiles files(folder + "/tasks", 2);
+  files.writeTasks(tasks);
+  const TrialTaskFiles there = TrialTaskFiles::open(folder + "/tasks");
+  EXPECT_EQ(there.readTasks(0), TrialTasks(tasks.begin(), tasks.begin() + 2));
+  EXPECT_EQ(there.readTasks(1), TrialTasks(tasks.begin() + 2, tasks.end()));
+  there.writeResults(0, {0.1 + 0.2, std::nullopt});
+  std::vector<std::optional<double>> scores;
+  const auto take = [&scores](std::size_t, std::optional<double> score) {
+    scores.push_back(score);
+  };
+  EXPECT_THROW(files.readResults(3, take), std::runtime_error) << "nobody knows of a missing part";
+  there.writeResults(1, {1.0});
+  scores.clear();
+  files.readResults(3, take);
+  EXPECT_EQ(scores, (std::vector<std::optional<double>>{0.1 + 0.2, std::nullopt, 1.0}));
+  std::filesystem::remove_all(folder);
 }
 
 class TrialLogFile : public testing::Test {

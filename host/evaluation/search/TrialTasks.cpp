@@ -1,0 +1,134 @@
+#include "host/evaluation/search/TrialTasks.h"
+
+#include "host/base/InputError.h"
+#include "host/base/InputFile.h"
+#include "host/base/LineReader.h"
+#include "host/base/TextNumbers.h"
+#include "host/output/WholeFile.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <filesystem>
+#include <limits>
+
+namespace grouptracker {
+
+namespace {
+
+const char* const chunkWord = "chunk ";
+const char* const died = "died";
+
+/// A word and the rest of a line.
+std::string takeWord(std::string& line) {
+  const auto end = std::min(line.find(' '), line.size());
+  const std::string word = line.substr(0, end);
+  line.erase(0, std::min(end + 1, line.size()));
+  return word;
+}
+
+std::size_t countIn(const std::string& text) {
+  constexpr auto largest = static_cast<double>(std::numeric_limits<std::int32_t>::max());
+  return static_cast<std::size_t>(wholeNumber(parseNumber(text), largest, "count"));
+}
+
+TrialTask taskIn(std::string line) {
+  TrialTask task;
+  task.sequence = countIn(takeWord(line));
+  task.score = takeWord(line);
+  if (!line.empty()) {
+    parseNumbers(line, task.candidate);
+  }
+  return task;
+}
+
+/// What `read` makes of the lines; what it cannot is the line's error.
+template <typename Read>
+void readLines(const std::string& path, const Read& read) {
+  InputFile file(path);
+  LineReader lines(file.stream(), path);
+  while (lines.nextFilled()) {
+    try {
+      read(lines.line());
+    } catch (const ValueProblem& problem) {
+      throw lines.error(problem.what());
+    }
+  }
+}
+
+}  // namespace
+
+TrialTaskFiles TrialTaskFiles::open(const std::string& path) {
+  InputFile file(path);
+  LineReader lines(file.stream(), path);
+  const bool isThere = lines.nextFilled() && lines.line().starts_with(chunkWord);
+  const std::size_t chunk =
+      isThere ? countIn(lines.line().substr(std::string(chunkWord).size())) : 0;
+  if (chunk == 0) {
+    throw InputError(path, 1, "tasks of a search are expected");
+  }
+  return {path, chunk};
+}
+
+std::string TrialTaskFiles::partFile(std::size_t part) const {
+  return fmt::format("{}.{}", m_path, part);
+}
+
+void TrialTaskFiles::writeTasks(const TrialTasks& tasks) const {
+  std::string text = fmt::format("{}{}\n", chunkWord, m_chunk);
+  for (const TrialTask& task : tasks) {
+    text += fmt::format("{} {}", task.sequence, task.score);
+    for (const double value : task.candidate) {
+      text += fmt::format(" {}", value);
+    }
+    text += "\n";
+  }
+  for (std::size_t part = 0; part * m_chunk < tasks.size(); ++part) {
+    std::filesystem::remove(partFile(part));
+  }
+  WholeFile(m_path).write(text);
+}
+
+TrialTasks TrialTaskFiles::readTasks(std::size_t part) const {
+  TrialTasks tasks;
+  std::size_t line = 0;
+  readLines(m_path, [&](const std::string& text) {
+    const std::size_t task = line++ - 1;  // of the first line that of none
+    if (line > 1 && task / m_chunk == part) {
+      tasks.push_back(taskIn(text));
+    }
+  });
+  return tasks;
+}
+
+void TrialTaskFiles::writeResults(std::size_t part,
+                                  const std::vector<std::optional<double>>& results) const {
+  std::string text;
+  for (const auto& result : results) {
+    text += (result ? fmt::format("{}", *result) : died) + std::string("\n");
+  }
+  WholeFile(partFile(part)).write(text);
+}
+
+void TrialTaskFiles::readResults(
+    std::size_t tasks, const std::function<void(std::size_t, std::optional<double>)>& take) const {
+  for (std::size_t first = 0; first < tasks; first += m_chunk) {
+    const std::string path = partFile(first / m_chunk);
+    const std::size_t end = std::min(tasks, first + m_chunk);
+    std::size_t task = first;
+    readLines(path, [&](const std::string& text) {
+      const auto score = text == died ? std::nullopt : std::optional(parseNumber(text));
+      if (task < end) {
+        take(task, score);
+      }
+      ++task;
+    });
+    if (task != end) {
+      throw InputError(path,
+                       fmt::format("{} scores are expected, not {}", end - first, task - first));
+    }
+  }
+}
+
+}  // namespace grouptracker
