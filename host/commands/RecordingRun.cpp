@@ -130,6 +130,9 @@ void RecordingRun::score() {
   if (const auto problem = whyAboutOthers(truth, groups)) {
     throw InputError(m_recording.truth, 1, *problem + m_recording.input);
   }
+  if (const auto doubt = doubtAboutPeople(truth, groups)) {
+    fmt::print(stderr, "{}: warning: {}\n", m_recording.truth, *doubt);
+  }
   const EvaluationReport report = evaluate(groups, truth, {});
   OutputFile(made("scores.json")).writeLines(jsonOf(report));
   m_result.scores = {report.windowed.f1, report.whole.f1, report.frames.pairs.scores().f1};
