@@ -28,13 +28,14 @@ bool isBesideTracks(const fs::path& file) {
          });
 }
 
-/// Whether a reader takes it; what is damaged further on is told when it runs.
+/// Whether a reader takes it and finds a frame; what is damaged behind it is told when it runs.
 bool isInput(const fs::path& path) {
   try {
     InputOptions options;
     options.decodesVideo = false;
-    openInput(path, options);
-    return true;
+    const OpenedInput input = openInput(path, options);
+    InputFrame frame;
+    return input.frames->next(frame);
   } catch (const std::exception&) {
     return false;
   }
