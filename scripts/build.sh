@@ -15,6 +15,8 @@ for option in "${@:2}"; do
   esac
 done
 
-scripts/install.sh
+lists=(scripts/packages.txt)
+[ "$preset" != asan ] || lists+=(fuzz/packages.txt)
+scripts/install.sh "${lists[@]}"
 cmake --preset "$preset" "${configuration[@]}"
 cmake --build --preset "$preset" "${build[@]}"
