@@ -18,7 +18,7 @@ namespace grouptracker {
 namespace {
 
 const char* const chunkWord = "chunk ";
-const char* const died = "died";
+const char* const trialDied = "died";
 
 /// A word and the rest of a line.
 std::string takeWord(std::string& line) {
@@ -106,7 +106,7 @@ void TrialTaskFiles::writeResults(std::size_t part,
                                   const std::vector<std::optional<double>>& results) const {
   std::string text;
   for (const auto& result : results) {
-    text += (result ? fmt::format("{}", *result) : died) + std::string("\n");
+    text += (result ? fmt::format("{}", *result) : trialDied) + std::string("\n");
   }
   WholeFile(partFile(part)).write(text);
 }
@@ -118,7 +118,7 @@ void TrialTaskFiles::readResults(
     const std::size_t end = std::min(tasks, first + m_chunk);
     std::size_t task = first;
     readLines(path, [&](const std::string& text) {
-      const auto score = text == died ? std::nullopt : std::optional(parseNumber(text));
+      const auto score = text == trialDied ? std::nullopt : std::optional(parseNumber(text));
       if (task < end) {
         take(task, score);
       }
