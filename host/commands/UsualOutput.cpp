@@ -13,7 +13,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string nameOf(const std::string& input) {
+std::string recordingName(const std::string& input) {
   std::error_code ignored;
   const fs::path whole = fs::weakly_canonical(input, ignored);
   return fs::is_directory(whole, ignored) ? whole.filename() : whole.stem();
@@ -36,10 +36,10 @@ bool holdsGroups(const std::string& path) {
 std::string usualOutput(const std::string& input) {
   // Pipes of the shell lie there, such as those of <(...), under names that nobody chose.
   const bool isNamed = input != "-" && !input.starts_with("/dev/");
-  if (!isNamed || nameOf(input).empty()) {
+  if (!isNamed || recordingName(input).empty()) {
     throw InputError("--output", "a file for the groups is expected, or one for --actors");
   }
-  const std::string path = nameOf(input) + ".groups.jsonl";
+  const std::string path = recordingName(input) + ".groups.jsonl";
   std::error_code ignored;
   const fs::file_status place = fs::status(path, ignored);
   if (fs::exists(place) && !(fs::is_regular_file(place) && holdsGroups(path))) {
