@@ -13,7 +13,7 @@ namespace grouptracker {
 namespace {
 
 constexpr double lowestBelief = -4.0;  // log-odds; also of those who were never near each other
-constexpr double highestBelief = 5.0;  // log-odds; one sure pair must not outvote three unsure
+constexpr double highestBelief = 7.0;  // log-odds; one sure pair must not outvote three unsure
 constexpr double stay = 3.0;           // log-odds in favour of who is together already
 constexpr double met = 2.0;            // log-odds of those whose groups have met, at least
 constexpr double parted = 2.0;         // metres between the nearest of those who part
