@@ -166,7 +166,7 @@ TEST_F(FirstRun, TakesNumbersOfPixelsAsPeopleWriteThem) {
   }
   for (const char* pixels : {"0", "M", "4kM", "-1", "9999999999G"}) {
     EXPECT_EQ(run(arguments + QStringList{pixels}), 2) << pixels;
-    EXPECT_THAT(said, StartsWith("--max-pixels: such as 50000000, 50M or 8000x6000 is expected\n"));
+    EXPECT_THAT(said, StartsWith("--max-pixels: such as 50000000, 50M or 8000x6000 is expected;"));
   }
 }
 

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
@@ -29,17 +30,23 @@ class LeavingReaders : public testing::Test {
     folder.write("scene.jsonl", walkingScene(frames));
   }
 
-  /// Opens the pipe for reading, takes what comes first, and goes.
-  void readALittle(const std::string& pipe) const {
-    std::array<char, 10> start{};
-    const int file = ::open((folder.path() / pipe).c_str(), O_RDONLY | O_CLOEXEC);
-    [[maybe_unused]] const ssize_t ignored = ::read(file, start.data(), start.size());
-    ::close(file);
+  /// Makes a pipe that holds one page only and reads it: takes what comes first, and goes.
+  std::jthread readALittle(const std::string& pipe) const {
+    const std::string path = folder.path() / pipe;
+    ::mkfifo(path.c_str(), 0600);
+    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    ::fcntl(file, F_SETPIPE_SZ, 4096);
+    return std::jthread([file] {
+      pollfd written{file, POLLIN, 0};
+      ::poll(&written, 1, -1);
+      std::array<char, 10> start{};
+      [[maybe_unused]] const ssize_t ignored = ::read(file, start.data(), start.size());
+      ::close(file);
+    });
   }
   /// Runs the program with a pipe as its standard output, whose reader leaves.
   int runIntoPipe(Program& program, const QStringList& arguments) const {
-    ::mkfifo((folder.path() / "pipe").c_str(), 0600);
-    const std::jthread reader([this] { readALittle("pipe"); });
+    const std::jthread reader = readALittle("pipe");
     program.process().setStandardOutputFile(QString::fromStdString(folder.path() / "pipe"));
     return program.run(arguments);
   }
@@ -66,8 +73,7 @@ TEST_F(LeavingReaders, EndTheirOutputOnly) {
       {{"--diagnostics", "none", "--mobile-dump", "pipe"}, "pipe"}};
   for (const auto& [options, pipe] : outputs) {
     SCOPED_TRACE(options.join(' ').toStdString());
-    ::mkfifo((folder.path() / pipe).c_str(), 0600);
-    const std::jthread reader([this, pipe = pipe] { readALittle(pipe); });
+    const std::jthread reader = readALittle(pipe);
     Program program(folder.path());
     EXPECT_EQ(run(program, options), 5);
     EXPECT_THAT(program.errors(),
