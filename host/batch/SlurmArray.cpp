@@ -7,10 +7,9 @@
 #include <QFile>
 #include <QProcess>
 #include <QStandardPaths>
-#include <QString>
-#include <QStringList>
 #include <QSysInfo>
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <array>
@@ -73,12 +72,21 @@ QString shortName(const QString& host) {
   return host.section('.', 0, 0);
 }
 
-/// Why a task that waits never goes on by itself.
-bool isHeld(const QString& reason) {
-  return reason.contains("held", Qt::CaseInsensitive);
+/// Whether a task that waits for this never goes on by itself.
+bool isHold(const QString& reason) {
+  return reason.contains("held", Qt::CaseInsensitive) ||
+         reason.contains("hold", Qt::CaseInsensitive);
 }
 
 const char* const jobFile = "/job";
+
+// Between two questions, ms: longer and longer, to spare the site's controller.
+constexpr int shortestPause = 300;
+
+int longer(int pause) {
+  constexpr int longest = 10'000;
+  return std::min(longest, pause + pause / 4);
+}
 
 }  // namespace
 
@@ -91,37 +99,68 @@ SlurmArray::SlurmArray(const std::string& folder, const std::vector<std::string>
   }
 }
 
-void SlurmArray::checkFolder() const {
-  QStringList arguments{"-h", "-N", "-o", "%N %n"};
+/// The site's options as arguments; when names are given, those only.
+QStringList SlurmArray::siteOptions(const std::vector<std::string>& names) const {
+  QStringList options;
   for (const std::string& option : m_siteOptions) {
-    if (option.starts_with("partition=")) {
-      arguments << QString::fromStdString("--" + option);
+    const std::string name = option.substr(0, option.find('='));
+    if (names.empty() || std::find(names.begin(), names.end(), name) != names.end()) {
+      options << QString::fromStdString("--" + option);
     }
   }
+  return options;
+}
+
+/// A node that tasks may run on and that is not this machine; empty without one.
+QString SlurmArray::nodeElsewhere() const {
   const QString here = shortName(QSysInfo::machineHostName());
-  for (const QString& line : told("sinfo", arguments).split('\n', Qt::SkipEmptyParts)) {
-    const QString node = line.section(' ', 0, 0);
-    if (shortName(line.section(' ', 1, 1)) == here) {
-      continue;
+  const bool isPartitionNamed = !siteOptions({"partition"}).isEmpty();
+  const QStringList question{"-h", "-N", "-o", "%N %n %P"};
+  const QString nodes = told("sinfo", question + siteOptions({"partition", "clusters"}));
+  for (const QString& line : nodes.split('\n', Qt::SkipEmptyParts)) {
+    const bool isMeant = isPartitionNamed || line.trimmed().endsWith('*');
+    const bool isHeading = line.startsWith("CLUSTER:");
+    if (isMeant && !isHeading && shortName(line.section(' ', 1, 1)) != here) {
+      return line.section(' ', 0, 0);
     }
-    if (!isOfThisMachine(m_folder)) {
-      return;
-    }
-    // A disk of this machine may be seen there nevertheless, when this one serves it.
-    const Answer probe = ask("srun", {"--quiet", "--nodelist=" + node, "-n1", "--immediate=20",
-                                      "test", "-d", QString::fromStdString(m_folder)});
-    if (probe.status != 0) {
-      throw OutputError(m_folder, "lies on a disk of this machine, which node " +
-                                      node.toStdString() +
-                                      " does not see; a folder that all share is needed");
-    }
-    return;
   }
+  return {};
+}
+
+std::string SlurmArray::checkPlaces(std::vector<std::string> places) const {
+  places.insert(places.begin(), m_folder);
+  std::erase_if(places, [](const std::string& place) { return !isOfThisMachine(place); });
+  const QString node = places.empty() ? QString() : nodeElsewhere();
+  if (node.isEmpty()) {
+    return {};
+  }
+  // A disk of this machine may be seen there nevertheless, when this one serves it.
+  std::string lines;
+  for (const std::string& place : places) {
+    lines += "test -e " + quoted(place) + " || echo " + quoted(place) + "\n";
+  }
+  const QStringList way{"--quiet",    "--nodelist=" + node, "--nodes=1",
+                        "--ntasks=1", "--immediate=20",     "--chdir=/"};
+  const Answer probe =
+      ask("srun", siteOptions() + way +
+                      QStringList{"sh", "-c", QString::fromStdString(lines) + "echo asked"});
+  const QStringList said = probe.text.split('\n', Qt::SkipEmptyParts);
+  if (said.isEmpty() || said.last() != "asked") {
+    return fmt::format("node {} has no time to say whether it sees {}: {}", node.toStdString(),
+                       fmt::join(places, ", "), probe.errors.section('\n', -1).toStdString());
+  }
+  if (said.size() > 1) {
+    throw OutputError(said.first().toStdString(),
+                      "lies on a disk of this machine, which node " + node.toStdString() +
+                          " does not see; a folder that all share is needed");
+  }
+  return {};
 }
 
 std::size_t SlurmArray::itemsOfTask(std::size_t items) const {
   constexpr std::size_t mostTasks = 1000;
-  const QString config = told("scontrol", {"show", "config"});
+  const QString config =
+      told("scontrol", siteOptions({"clusters"}) + QStringList{"show", "config"});
   const QString line = config.section("MaxArraySize", 1).section('\n', 0, 0);
   const auto allowed = static_cast<std::size_t>(line.section('=', 1).trimmed().toULongLong());
   const std::size_t tasks = allowed == 0 ? mostTasks : std::min(mostTasks, allowed);
@@ -139,65 +178,101 @@ void SlurmArray::submit(const std::string& name, const std::string& lines, std::
                         "--job-name=" + QString::fromStdString(name),
                         "--chdir=" + QString::fromStdString(fs::current_path()),
                         "--output=" + folder + "/%A_%a.txt"};
-  for (const std::string& option : m_siteOptions) {
-    arguments << QString::fromStdString("--" + option);
-  }
-  arguments << QString::fromStdString(script);
-  m_job = told("sbatch", arguments).section(';', 0, 0).trimmed().toStdString();
-  WholeFile(m_folder + jobFile).write(m_job + "\n");
+  arguments << siteOptions() << QString::fromStdString(script);
+  const QString job = told("sbatch", arguments).trimmed();
+  takeJob(job);
+  WholeFile(m_folder + jobFile).write(job.toStdString() + "\n");
+}
+
+/// A job's number as sbatch tells it, with ";" and the cluster if that is not the usual one.
+void SlurmArray::takeJob(const QString& text) {
+  m_job = text.section(';', 0, 0);
+  m_cluster = text.section(';', 1, 1);
+}
+
+/// False when no submission has left a job in the folder.
+bool SlurmArray::readJob() {
+  QFile file(QString::fromStdString(m_folder + jobFile));
+  const bool isThere = file.open(QIODevice::ReadOnly);
+  takeJob(isThere ? QString(file.readAll()).trimmed() : QString());
+  return !m_job.isEmpty();
 }
 
 bool SlurmArray::takeUp() {
-  QFile file(QString::fromStdString(m_folder + jobFile));
-  if (!file.open(QIODevice::ReadOnly)) {
-    return false;
-  }
-  m_job = QString(file.readAll()).trimmed().toStdString();
-  const auto now = state();
+  const auto now = readJob() ? answered() : std::nullopt;
   return now && now->left > 0;
+}
+
+void SlurmArray::cancelEarlier() {
+  readJob() ? cancel() : void();
+}
+
+/// Those of a command that is about the job's cluster.
+QStringList SlurmArray::arguments(const QStringList& more) const {
+  return m_cluster.isEmpty() ? more : QStringList{"-M", m_cluster} + more;
 }
 
 /// None when Slurm does not answer. A job that it knows no more has ended long ago.
 std::optional<SlurmArray::State> SlurmArray::state() const {
-  const Answer answer =
-      ask("squeue", {"-h", "-r", "-j", QString::fromStdString(m_job), "-o", "%t %r"});
+  const Answer answer = ask("squeue", arguments({"-h", "-r", "-j", m_job, "-o", "%t %r"}));
   if (answer.status != 0) {
     return answer.errors.contains("Invalid job id") ? std::optional(State()) : std::nullopt;
   }
   State state;
   for (const QString& line : answer.text.split('\n', Qt::SkipEmptyParts)) {
+    if (line.startsWith("CLUSTER:")) {
+      continue;
+    }
     ++state.left;
-    state.held = isHeld(line) ? line.section(' ', 1).toStdString() : state.held;
+    const QString reason = line.section(' ', 1);
+    if (!line.startsWith("PD")) {
+      ++state.running;
+    } else if (!state.isHeld) {
+      state.isHeld = isHold(reason);
+      state.reason = reason.toStdString();
+    }
   }
   return state;
 }
 
-bool SlurmArray::follow(const std::function<void(const State&)>& look) const {
-  constexpr int shortest = 300;  // ms; longer and longer, to spare the site's controller
-  constexpr int longest = 10'000;
-  constexpr int mostSilence = 600'000;
-  int silence = 0;
-  for (int pause = shortest;; pause = std::min(longest, pause + pause / 4)) {
+/// Asks until Slurm answers; none when a stop is wished before.
+std::optional<SlurmArray::State> SlurmArray::answered() const {
+  constexpr int mostSilence = 600'000;  // ms
+  int pause = shortestPause;
+  for (int silence = 0; silence <= mostSilence; silence += pause, pause = longer(pause)) {
+    if (auto now = state()) {
+      return now;
+    }
     stop_wish::waitFor(-1, 0, pause);
     if (stop_wish::isThere()) {
+      return std::nullopt;
+    }
+  }
+  throw OutputError("squeue", "does not answer any more; job " + job() + " may go on");
+}
+
+bool SlurmArray::follow(const std::function<void(const State&)>& look) const {
+  constexpr int longEnough = 60'000;  // ms without a running task, to wonder why
+  int idle = 0;
+  for (int pause = shortestPause;; pause = longer(pause)) {
+    stop_wish::waitFor(-1, 0, pause);
+    auto now = stop_wish::isThere() ? std::nullopt : answered();
+    if (!now) {
       return false;
     }
-    const auto now = state();
-    silence = now ? 0 : silence + pause;
-    if (silence > mostSilence) {
-      throw OutputError("squeue", "does not answer any more; job " + m_job + " may go on");
+    idle = now->running > 0 ? 0 : idle + pause;
+    if (!now->isHeld && idle < longEnough) {
+      now->reason.clear();
     }
-    if (now) {
-      look(*now);
-    }
-    if (now && now->left == 0) {
+    look(*now);
+    if (now->left == 0) {
       return true;
     }
   }
 }
 
 void SlurmArray::cancel() const {
-  ask("scancel", {QString::fromStdString(m_job)});
+  ask("scancel", arguments({m_job}));
 }
 
 std::string SlurmArray::quoted(const std::string& word) {

@@ -5,7 +5,6 @@
 #include "host/base/Interruption.h"
 #include "host/base/OutputFile.h"
 #include "host/base/OutputPlace.h"
-#include "host/batch/SlurmArray.h"
 #include "host/commands/StopSignals.h"
 #include "host/evaluation/TruthReader.h"
 #include "host/input/InputFormats.h"
@@ -21,6 +20,7 @@
 #include <filesystem>
 #include <limits>
 #include <map>
+#include <system_error>
 #include <utility>
 
 namespace grouptracker {
@@ -105,6 +105,16 @@ std::string scoresOf(const Trial& trial, const std::vector<const TunedSequence*>
     text += fmt::format("{} {:.3f}, ", sequences[i]->name, trial.scores[i].value_or(0.0));
   }
   return text + fmt::format("mean {:.3f}", meanOf(trial));
+}
+
+/// The tasks get this very command line, so that they read the same sequences in the same way.
+std::string taskLineFor(const TrialTaskFiles& files) {
+  std::string line = SlurmArray::quoted(QCoreApplication::applicationFilePath().toStdString());
+  for (const QString& word : QCoreApplication::arguments().mid(1)) {
+    line += " " + SlurmArray::quoted(word.toStdString());
+  }
+  return line + fmt::format(" --tasks {} --part \"$SLURM_ARRAY_TASK_ID\"\n",
+                            SlurmArray::quoted(files.path()));
 }
 
 }  // namespace
@@ -228,7 +238,6 @@ void TuneSession::computeHere(const TrialTasks& tasks, std::size_t jobs,
   WorkerPool(jobs, std::chrono::seconds(m_options.patience)).run(runs, finished);
 }
 
-/// The tasks get this very command line, so that they read the same sequences in the same way.
 void TuneSession::computeBySlurm(const TrialTasks& tasks, const WorkerPool::Finished& finished) {
   if (tasks.empty()) {
     return;
@@ -236,24 +245,61 @@ void TuneSession::computeBySlurm(const TrialTasks& tasks, const WorkerPool::Fini
   const StopSignals caught;
   const std::string folder = std::filesystem::absolute(m_options.outputFile).string() + ".slurm";
   SlurmArray array(folder, m_options.slurmOptions);
-  m_isSharedFolder ? void() : array.checkFolder();
-  m_isSharedFolder = true;
-  const std::size_t chunk = m_options.chunk > 0 ? m_options.chunk : array.itemsOfTask(tasks.size());
-  const TrialTaskFiles files(folder + "/tasks.txt", chunk);
-  files.writeTasks(tasks);
-  std::string line = SlurmArray::quoted(QCoreApplication::applicationFilePath().toStdString());
-  for (const QString& word : QCoreApplication::arguments().mid(1)) {
-    line += " " + SlurmArray::quoted(word.toStdString());
+  if (!std::exchange(m_isSlurmReady, true)) {
+    array.cancelEarlier();
+    const std::string doubt = array.checkPlaces(
+        {QCoreApplication::applicationFilePath().toStdString(), std::filesystem::current_path()});
+    fmt::print(stderr, "{}", doubt.empty() ? "" : doubt + "\n");
   }
-  line += fmt::format(" --tasks {} --part \"$SLURM_ARRAY_TASK_ID\"\n",
-                      SlurmArray::quoted(files.path()));
-  array.submit("grouptracker-tune", line, (tasks.size() + chunk - 1) / chunk);
-  if (!array.follow([](const SlurmArray::State&) {})) {
+  const std::size_t chunk = m_options.chunk > 0 ? m_options.chunk : array.itemsOfTask(tasks.size());
+  const std::vector<std::size_t> lost = computeArray(array, tasks, chunk, finished);
+  lost.empty() ? void() : computeAgain(array, tasks, lost, finished);
+  std::error_code late;  // tasks may still be about to end
+  std::filesystem::remove_all(folder, late);
+}
+
+/// Those of which no score came, each by itself: one that takes the memory or the time of a task
+/// then costs itself only, as everywhere.
+void TuneSession::computeAgain(SlurmArray& array, const TrialTasks& tasks,
+                               const std::vector<std::size_t>& lost,
+                               const WorkerPool::Finished& finished) {
+  TrialTasks again;
+  for (const std::size_t task : lost) {
+    again.push_back(tasks[task]);
+  }
+  const auto finishedAgain = [&](std::size_t task, std::optional<double> score) {
+    finished(lost[task], score);
+  };
+  const auto dead = computeArray(array, again, array.itemsOfTask(again.size()), finishedAgain);
+  if (dead.size() == tasks.size()) {
+    throw InputError(array.folder(), "no task has left a score; what they print lies there");
+  }
+  for (const std::size_t task : dead) {
+    finishedAgain(task, std::nullopt);
+  }
+}
+
+/// Waits for an array that computes the tasks, and returns those of which nothing came.
+std::vector<std::size_t> TuneSession::computeArray(SlurmArray& array, const TrialTasks& tasks,
+                                                   std::size_t chunk,
+                                                   const WorkerPool::Finished& finished) {
+  constexpr int mostDelay = 60'000;  // ms, of a folder that machines share
+  constexpr int pause = 500;
+  const QTemporaryDir place(QString::fromStdString(array.folder() + "/tasks-XXXXXX"));
+  const TrialTaskFiles files(place.filePath("tasks.txt").toStdString(), chunk);
+  files.writeTasks(tasks);
+  array.submit("grouptracker-tune", taskLineFor(files), (tasks.size() + chunk - 1) / chunk);
+  bool goesOn = array.follow([](const SlurmArray::State&) {});
+  for (int delay = 0; goesOn && delay < mostDelay && !files.isComplete(tasks.size());
+       delay += pause) {
+    stop_wish::waitFor(-1, 0, pause);
+    goesOn = !stop_wish::isThere();
+  }
+  if (!goesOn) {
     array.cancel();
     throw InputInterrupted();
   }
-  files.readResults(tasks.size(), finished);
-  std::filesystem::remove_all(folder);
+  return files.readResults(tasks.size(), finished);
 }
 
 void TuneSession::runTasks() {

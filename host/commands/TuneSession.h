@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/batch/SlurmArray.h"
 #include "host/commands/InputChoice.h"
 #include "host/evaluation/search/TrialRunner.h"
 #include "host/evaluation/search/TrialTasks.h"
@@ -60,6 +61,10 @@ class TuneSession {
   void computeHere(const TrialTasks& tasks, std::size_t jobs,
                    const WorkerPool::Finished& finished) const;
   void computeBySlurm(const TrialTasks& tasks, const WorkerPool::Finished& finished);
+  void computeAgain(SlurmArray& array, const TrialTasks& tasks,
+                    const std::vector<std::size_t>& lost, const WorkerPool::Finished& finished);
+  std::vector<std::size_t> computeArray(SlurmArray& array, const TrialTasks& tasks,
+                                        std::size_t chunk, const WorkerPool::Finished& finished);
   /// A candidate with the scores that `grouptracker evaluate` would give it.
   Trial evaluated(const Candidate& candidate, const Sequences& sequences, const char* purpose);
   void leaveEachOut(const Trial& result);
@@ -69,7 +74,7 @@ class TuneSession {
   TuningSpace m_space;
   std::vector<TunedSequence> m_sequences;  ///< the further ones at the end
   double m_bestWorth = 0.0;                ///< of the search that goes on
-  bool m_isSharedFolder = false;           ///< what Slurm's tasks need, when that was found out
+  bool m_isSlurmReady = false;             ///< whether it was found out what Slurm's tasks see
 };
 
 }  // namespace grouptracker

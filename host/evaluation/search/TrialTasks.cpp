@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <limits>
+#include <system_error>
 
 namespace grouptracker {
 
@@ -84,9 +85,6 @@ void TrialTaskFiles::writeTasks(const TrialTasks& tasks) const {
     }
     text += "\n";
   }
-  for (std::size_t part = 0; part * m_chunk < tasks.size(); ++part) {
-    std::filesystem::remove(partFile(part));
-  }
   WholeFile(m_path).write(text);
 }
 
@@ -111,23 +109,59 @@ void TrialTaskFiles::writeResults(std::size_t part,
   WholeFile(partFile(part)).write(text);
 }
 
-void TrialTaskFiles::readResults(
-    std::size_t tasks, const std::function<void(std::size_t, std::optional<double>)>& take) const {
-  for (std::size_t first = 0; first < tasks; first += m_chunk) {
-    const std::string path = partFile(first / m_chunk);
-    const std::size_t end = std::min(tasks, first + m_chunk);
-    std::size_t task = first;
-    readLines(path, [&](const std::string& text) {
-      const auto score = text == trialDied ? std::nullopt : std::optional(parseNumber(text));
-      if (task < end) {
-        take(task, score);
-      }
-      ++task;
-    });
-    if (task != end) {
-      throw InputError(path,
-                       fmt::format("{} scores are expected, not {}", end - first, task - first));
+/// A file that is put in place is empty until then.
+bool TrialTaskFiles::hasPart(std::size_t part) const {
+  std::error_code problem;
+  const auto size = std::filesystem::file_size(partFile(part), problem);
+  return !problem && size > 0;
+}
+
+bool TrialTaskFiles::isComplete(std::size_t tasks) const {
+  // To list a folder makes a network's file system look anew, which may otherwise remember for a
+  // minute that a file was not there.
+  namespace fs = std::filesystem;
+  const fs::directory_iterator all(fs::path(m_path).parent_path());
+  std::for_each(begin(all), end(all), [](const fs::directory_entry&) {});
+  for (std::size_t part = 0; part * m_chunk < tasks; ++part) {
+    if (!hasPart(part)) {
+      return false;
     }
+  }
+  return true;
+}
+
+std::vector<std::size_t> TrialTaskFiles::readResults(
+    std::size_t tasks, const std::function<void(std::size_t, std::optional<double>)>& take) const {
+  std::vector<std::size_t> missing;
+  for (std::size_t first = 0; first < tasks; first += m_chunk) {
+    const std::size_t end = std::min(tasks, first + m_chunk);
+    if (hasPart(first / m_chunk)) {
+      readPart(first, end, take);
+      continue;
+    }
+    for (std::size_t task = first; task < end; ++task) {
+      missing.push_back(task);
+    }
+  }
+  return missing;
+}
+
+/// The scores of the tasks from one on to one behind the last.
+void TrialTaskFiles::readPart(
+    std::size_t first, std::size_t end,
+    const std::function<void(std::size_t, std::optional<double>)>& take) const {
+  const std::string path = partFile(first / m_chunk);
+  std::size_t task = first;
+  readLines(path, [&](const std::string& text) {
+    const auto score = text == trialDied ? std::nullopt : std::optional(parseNumber(text));
+    if (task < end) {
+      take(task, score);
+    }
+    ++task;
+  });
+  if (task != end) {
+    throw InputError(path,
+                     fmt::format("{} scores are expected, not {}", end - first, task - first));
   }
 }
 

@@ -27,7 +27,8 @@ using TrialTasks = std::vector<TrialTask>;
 ///     chunk 6
 ///     0 sliding 4.25 10
 ///
-/// and beside it is a file for each part that was computed, with a score or "died" a line.
+/// and beside it is a file for each part that was computed, with a score or "died" a line. Late
+/// tasks of an earlier search may still write: each round needs a path of its own.
 class TrialTaskFiles {
  public:
   TrialTaskFiles(const std::string& path, std::size_t chunk) : m_path(path), m_chunk(chunk) {}
@@ -35,19 +36,23 @@ class TrialTaskFiles {
   static TrialTaskFiles open(const std::string& path);
 
   const std::string& path() const { return m_path; }
-  /// Removes the scores of an earlier round.
   void writeTasks(const TrialTasks& tasks) const;
   /// Those of one part.
   TrialTasks readTasks(std::size_t part) const;
   /// Puts the scores of a part in place as a whole.
   void writeResults(std::size_t part, const std::vector<std::optional<double>>& results) const;
-  /// Tells all scores in the order of the tasks. A part that is missing is an `InputError`: nobody
-  /// knows whether its trials die.
-  void readResults(std::size_t tasks,
-                   const std::function<void(std::size_t, std::optional<double>)>& take) const;
+  /// Whether the scores of all parts of so many tasks are there.
+  bool isComplete(std::size_t tasks) const;
+  /// Tells the scores that are there in the order of the tasks, and returns the other tasks: nobody
+  /// knows whether these die.
+  std::vector<std::size_t> readResults(
+      std::size_t tasks, const std::function<void(std::size_t, std::optional<double>)>& take) const;
 
  private:
   std::string partFile(std::size_t part) const;
+  bool hasPart(std::size_t part) const;
+  void readPart(std::size_t first, std::size_t end,
+                const std::function<void(std::size_t, std::optional<double>)>& take) const;
 
   std::string m_path;
   std::size_t m_chunk;
