@@ -2,18 +2,14 @@
 
 #include "host/base/FileDescriptor.h"
 #include "host/base/OutputPlace.h"
-
-#include <QSysInfo>
-#include <fmt/format.h>
+#include "host/batch/WorkFolder.h"
+#include "host/input/ObsmatReader.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <charconv>
 #include <fcntl.h>
 #include <filesystem>
-#include <fstream>
 #include <system_error>
-#include <unistd.h>
 #include <utility>
 
 namespace grouptracker {
@@ -44,28 +40,6 @@ void makeFolder(const fs::path& path) {
   if (problem) {
     throw OutputError(path, "cannot be made: " + problem.message());
   }
-}
-
-/// Whether a process of this machine is at work: one that has died may wait for its parent.
-bool isAtWork(pid_t process) {
-  std::ifstream status(fmt::format("/proc/{}/stat", process));
-  std::string text;
-  std::getline(status, text);
-  const auto name = text.rfind(") ");  // which may hold anything
-  return name != std::string::npos && text[name + 2] != 'Z' && text[name + 2] != 'X';
-}
-
-/// Whose process has died on this machine: of names as NAME@HOST.PROCESS.
-bool isLeft(const std::string& work) {
-  const auto host = "@" + QSysInfo::machineHostName().toStdString() + ".";
-  const auto at = work.rfind(host);
-  pid_t process = 0;
-  if (at == std::string::npos) {
-    return false;
-  }
-  const char* const number = work.data() + at + host.size();
-  std::from_chars(number, work.data() + work.size(), process);
-  return process > 0 && !isAtWork(process);
 }
 
 FileMarks marksIn(const std::string& work) {
@@ -105,26 +79,15 @@ BatchFolder::BatchFolder(const std::string& path, const std::string& inputs,
 void BatchFolder::prepare() const {
   makeFolder(fs::path(m_path) / "recordings");
   makeFolder(fs::path(m_path) / ".work");
-  for (const fs::directory_entry& item : fs::directory_iterator(fs::path(m_path) / ".work")) {
-    std::error_code ignored;
-    if (isLeft(item.path().filename())) {
-      fs::remove_all(item.path(), ignored);
-    }
-  }
-}
-
-void BatchFolder::clear() const {
-  std::error_code ignored;
-  fs::remove_all(fs::path(m_path) / ".work", ignored);
+  WorkFolder::removeLeft(fs::path(m_path) / ".work");
 }
 
 std::string BatchFolder::placeOf(const std::string& name) const {
   return fs::path(m_path) / "recordings" / name;
 }
 
-std::string BatchFolder::workOf(const std::string& name, pid_t process) const {
-  return fs::path(m_path) / ".work" /
-         fmt::format("{}@{}.{}", name, QSysInfo::machineHostName().toStdString(), process);
+std::string BatchFolder::newWork(const std::string& name) const {
+  return WorkFolder::newPath(fs::path(m_path) / ".work", name);
 }
 
 std::vector<std::string> BatchFolder::requestOf(const Recording& recording,
@@ -149,7 +112,13 @@ RecordingResult BatchFolder::begin(const Recording& recording,
                                    const std::vector<std::string>& wishes) const {
   RecordingResult result;
   result.request = requestOf(recording, wishes);
-  for (const std::string& file : recording.filesRead()) {
+  std::vector<std::string> files = recording.filesRead();
+  const fs::path beside = homographyBeside(fs::path(m_inputs) / recording.input);
+  if (!beside.empty()) {  // also where it is not there: it may come
+    files.push_back(fs::path(recording.input).is_absolute() ? beside
+                                                            : beside.lexically_relative(m_inputs));
+  }
+  for (const std::string& file : files) {
     result.inputs.push_back(FileMark::of(fs::path(m_inputs) / file));
     result.inputs.back().path = file;
   }
@@ -162,7 +131,7 @@ void BatchFolder::finish(const std::string& name, const std::string& work,
   const auto earlier = RecordingResult::read(place / resultName);
   if (!result.isDone && earlier && earlier->isDone && earlier->isOfSame(result) &&
       hold(earlier->outputs, place)) {
-    fs::remove_all(work);
+    WorkFolder::remove(work);
     return;
   }
   makeFolder(work);
@@ -179,7 +148,7 @@ void BatchFolder::finish(const std::string& name, const std::string& work,
   sync(place);
   result.write(place / resultName);
   sync(place);
-  fs::remove_all(work);
+  WorkFolder::remove(work);
 }
 
 }  // namespace grouptracker

@@ -5,7 +5,6 @@
 
 #include <optional>
 #include <string>
-#include <sys/types.h>
 #include <vector>
 
 namespace grouptracker {
@@ -24,11 +23,9 @@ class BatchFolder {
   /// `program` is the hash of what makes the results; files to read are seen from `inputs`.
   BatchFolder(const std::string& path, const std::string& inputs, const std::string& program);
 
-  /// Makes the folder where it is missing, and removes what dead processes of this machine left. A
-  /// folder that cannot be made is an `OutputError`.
+  /// Makes the folder where it is missing, and removes what dead processes left. A folder that
+  /// cannot be made is an `OutputError`.
   void prepare() const;
-  /// Removes all of .work; for who knows that nobody is at work any more.
-  void clear() const;
 
   const std::string& path() const { return m_path; }
   /// From where files to read are seen.
@@ -39,13 +36,13 @@ class BatchFolder {
   std::optional<RecordingResult> resultOf(const Recording& recording,
                                           const std::vector<std::string>& wishes) const;
 
-  /// Where a process of this machine makes a recording.
-  std::string workOf(const std::string& name, pid_t process) const;
+  /// Where a recording is to be made, a path for one `WorkFolder`.
+  std::string newWork(const std::string& name) const;
   /// What the result has to know before the recording is made: what was asked for, and the marks of
   /// all that is read.
   RecordingResult begin(const Recording& recording, const std::vector<std::string>& wishes) const;
   /// Puts in place what was made, with the marks of the outputs. A failure is dropped where another
-  /// process, which made the same beside, has succeeded.
+  /// process, which made the same beside, has succeeded. Removes the work folder.
   void finish(const std::string& name, const std::string& work, RecordingResult result) const;
 
  private:

@@ -81,7 +81,10 @@ FileMark FileMark::of(const std::string& path) {
 bool FileMark::holdsIn(const std::string& folder) const {
   const std::string place = fs::path(folder) / path;
   const auto now = quickMarkOf(place);
-  if (!now || now->size != size) {
+  if (!now) {
+    return size < 0;
+  }
+  if (now->size != size) {
     return false;
   }
   if (!now->hash.empty()) {

@@ -41,7 +41,7 @@ bool isAmong(const Names& names, const std::string& name) {
 
 /// Names become folders, which others see on systems of theirs.
 std::optional<std::string> problemOfName(const std::string& name) {
-  constexpr std::size_t longest = 200;  // bytes; file systems take 255
+  constexpr std::size_t longest = 120;  // bytes; file systems take 255, with machine and key
   const auto isControl = [](char letter) { return static_cast<unsigned char>(letter) < ' '; };
   if (name.size() > longest || name.front() == '.' || name.find('/') != std::string::npos ||
       std::any_of(name.begin(), name.end(), isControl)) {
@@ -125,8 +125,16 @@ std::optional<std::string> RecordingRules::problemOfKey(const std::string& key) 
   return key + " is no option of run" + didYouMean(key, known);
 }
 
+/// Whether a known setting names a file that is written.
+bool RecordingRules::isOutput(const Setting& setting) const {
+  const auto option = m_options.find(setting.key);
+  return option != m_options.end() && option->second.writes &&
+         setting.value != option->second.noFile;
+}
+
 void RecordingRules::check(const ManifestEntry& entry, const ProblemHandler& onProblem) {
   std::set<std::string> keys;
+  std::set<std::string> outputs;
   for (const Setting& setting : entry.settings) {
     const bool comesAgain = !keys.insert(setting.key).second && setting.key != repeatableKey;
     const auto wrongKey =
@@ -134,7 +142,10 @@ void RecordingRules::check(const ManifestEntry& entry, const ProblemHandler& onP
     if (wrongKey && m_toldKeys.emplace(setting.key, setting.keyLine).second) {
       onProblem({entry.place.file, setting.keyLine, *wrongKey});
     }
-    const auto wrong = wrongKey ? std::nullopt : problemOf(setting);
+    auto wrong = wrongKey ? std::nullopt : problemOf(setting);
+    if (!wrongKey && !wrong && isOutput(setting) && !outputs.insert(setting.value).second) {
+      wrong = fmt::format("{}: {} is written by another option, too", setting.key, setting.value);
+    }
     if (wrong) {
       onProblem({entry.place.file, setting.valueLine, *wrong});
     } else if (setting.key == nameKey) {
@@ -174,8 +185,12 @@ std::optional<std::string> RecordingRules::problemOfFile(const std::string& file
     return fmt::format("{}: {}", file, systemProblem("cannot be read"));
   }
   std::error_code unknown;
-  if (isWithin(fs::weakly_canonical(path, unknown), m_results)) {
+  const fs::path place = fs::weakly_canonical(path, unknown);
+  if (isWithin(place, m_results)) {
     return file + " lies in the folder of the results";
+  }
+  if (isWithin(m_results, place)) {  // which would change with every result
+    return file + " holds the folder of the results";
   }
   return std::nullopt;
 }

@@ -44,6 +44,7 @@ class RecordingRules {
   };
 
   bool isKnown(const Setting& setting) const;
+  bool isOutput(const Setting& setting) const;
   std::optional<std::string> problemOfKey(const std::string& key) const;
   std::optional<std::string> problemOf(const Setting& setting);
   std::optional<std::string> problemOfFile(const std::string& file) const;

@@ -17,6 +17,7 @@
 #include <exception>
 #include <filesystem>
 #include <fstream>
+#include <link.h>
 #include <utility>
 
 namespace grouptracker {
@@ -25,9 +26,27 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// What makes the results: the program and its plugin.
+/// What makes the results: the program, its plugin, and the project's own libraries.
 std::string hashOfProgram() {
-  return hashOfFile("/proc/self/exe") + hashOfFile(pluginPath(""));
+  std::vector<std::string> files{"/proc/self/exe", pluginPath("")};
+  ::dl_iterate_phdr(
+      [](dl_phdr_info* library, std::size_t, void* found) {
+        const std::string path = library->dlpi_name;
+        const std::string name = fs::path(path).filename();
+        if (name.starts_with("libmox.") || name.starts_with("libkel.")) {
+          static_cast<std::vector<std::string>*>(found)->push_back(path);
+        }
+        return 0;
+      },
+      &files);
+  for (const char* const library : {"libgrouptracker_images.so", "libgrouptracker_video.so"}) {
+    files.push_back(fs::path(pluginPath("")).parent_path().parent_path() / library);
+  }
+  std::string hashes;
+  for (const std::string& file : files) {
+    hashes += hashOfFile(file);
+  }
+  return hashes;
 }
 
 /// The last line of what a recording said; empty when it said nothing.
@@ -160,9 +179,10 @@ void BatchSession::makeHere() {
 ProcessPool::Task BatchSession::nextTask() {
   while (auto recording = m_reader->next()) {
     if (m_reader->index() < m_isOpen.size() && m_isOpen[m_reader->index()]) {
-      const auto [made, isNew] = m_made.emplace(m_started++, *std::move(recording));
-      return [this, &recording = made->second] {
-        return RecordingRun(recording, m_folder, m_wishes).make();
+      const std::string work = m_folder.newWork(recording->name);
+      const auto [made, isNew] = m_made.emplace(m_started++, Making{*std::move(recording), work});
+      return [this, &making = made->second] {
+        return RecordingRun(making.recording, m_folder, m_wishes, making.work).make();
       };
     }
   }
@@ -170,23 +190,23 @@ ProcessPool::Task BatchSession::nextTask() {
 }
 
 void BatchSession::note(const ProcessPool::End& end) {
-  const Recording recording = std::move(m_made.at(end.task));
+  const Making making = std::move(m_made.at(end.task));
   m_made.erase(end.task);
   if (m_signals.stopRequested()) {
     return;
   }
   m_progress->update(++m_ended);
   if (!end.result) {
-    noteDeath(recording, end);
+    noteDeath(making, end);
   } else if (!end.result->empty()) {
     ++m_failed;
-    say(fmt::format("{}: {}", recording.name, *end.result));
+    say(fmt::format("{}: {}", making.recording.name, *end.result));
   }
 }
 
 /// A process that died could not leave its result behind.
-void BatchSession::noteDeath(const Recording& recording, const ProcessPool::End& end) {
-  const std::string work = m_folder.workOf(recording.name, end.process);
+void BatchSession::noteDeath(const Making& making, const ProcessPool::End& end) {
+  const auto& [recording, work] = making;
   const std::string last = lastLineOf(work + "/log.txt");
   ++m_failed;
   RecordingResult result = m_folder.begin(recording, m_wishes);
@@ -194,7 +214,11 @@ void BatchSession::noteDeath(const Recording& recording, const ProcessPool::End&
   result.seconds = end.seconds;
   result.megabytes = end.megabytes;
   say(fmt::format("{}: {}", recording.name, result.message));
-  m_folder.finish(recording.name, work, result);
+  try {
+    m_folder.finish(recording.name, work, result);
+  } catch (const std::exception& failure) {
+    say(failure.what());  // the others go on
+  }
 }
 
 void BatchSession::say(const std::string& line) {
@@ -204,18 +228,21 @@ void BatchSession::say(const std::string& line) {
   fmt::print(stderr, "{}\n", line);
 }
 
-/// What is open becomes an array, unless one of an earlier command is still at work.
+/// What is open becomes an array, unless one of an earlier command is still at work: what that one
+/// leaves open has failed, or is the next command's.
 void BatchSession::makeBySlurm() {
   SlurmArray array(m_folder.path() + "/.slurm", m_options.slurmOptions);
   if (array.takeUp()) {
     say(fmt::format("job {} of an earlier command is still at work", array.job()));
     followSlurm(array, 1);
-    findOpen();
+    return;
   }
   if (m_open == 0 || m_signals.stopRequested()) {
     return;
   }
-  array.checkFolder();
+  const std::string doubt = array.checkPlaces(
+      {QCoreApplication::applicationFilePath().toStdString(), fs::absolute(m_options.manifest)});
+  doubt.empty() ? void() : say(doubt);
   const std::size_t chunk = m_options.chunk > 0 ? m_options.chunk : array.itemsOfTask(m_open);
   const std::string list = m_folder.path() + "/.slurm/open.txt";
   writeOpen(list);
@@ -242,17 +269,18 @@ std::string BatchSession::taskLines(const std::string& list, std::size_t chunk) 
 
 void BatchSession::followSlurm(const SlurmArray& array, std::size_t chunk) {
   startProgress();
-  std::string held;
+  std::string told;
   const bool hasEnded = array.follow([&](const SlurmArray::State& state) {
     m_progress->update(m_open - std::min(m_open, state.left * chunk));
-    if (state.held != held) {
-      held = state.held;
-      say(fmt::format("job {}: tasks are held: {}", array.job(), held));
+    if (!state.reason.empty() && state.reason != told) {
+      told = state.reason;
+      say(fmt::format("job {}: {}: {}", array.job(),
+                      state.isHeld ? "tasks are held" : "no task has run for a while", told));
     }
   });
   m_progress->clear();
   if (hasEnded) {
-    m_folder.clear();  // of what was killed, something may be left
+    m_folder.prepare();  // of what was killed, something may be left
     return;
   }
   say(fmt::format("job {0} goes on by itself; the same command follows it, scancel {0} ends it",

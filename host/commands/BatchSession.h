@@ -49,6 +49,12 @@ class BatchSession {
   int run();
 
  private:
+  /// A recording that is being made, and where.
+  struct Making {
+    Recording recording;
+    std::string work;
+  };
+
   bool isManifestGood();
   void takeNames();
   void findOpen();
@@ -61,7 +67,7 @@ class BatchSession {
   std::string taskLines(const std::string& list, std::size_t chunk) const;
   ProcessPool::Task nextTask();
   void note(const ProcessPool::End& end);
-  void noteDeath(const Recording& recording, const ProcessPool::End& end);
+  void noteDeath(const Making& making, const ProcessPool::End& end);
   void say(const std::string& line);
   int summarize();
 
@@ -76,7 +82,7 @@ class BatchSession {
   std::size_t m_open = 0;
   std::size_t m_failed = 0;                   ///< of those made now
   std::unique_ptr<RecordingReader> m_reader;  ///< of those to be made here
-  std::map<std::size_t, Recording> m_made;    ///< those being made, by task
+  std::map<std::size_t, Making> m_made;       ///< those being made, by task
   std::size_t m_started = 0;
   std::size_t m_ended = 0;
   std::optional<Progress> m_progress;

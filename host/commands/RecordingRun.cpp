@@ -3,6 +3,7 @@
 #include "host/base/InputError.h"
 #include "host/base/Interruption.h"
 #include "host/base/OutputFile.h"
+#include "host/batch/WorkFolder.h"
 #include "host/commands/Command.h"
 #include "host/commands/RunOptions.h"
 #include "host/commands/RunSession.h"
@@ -20,6 +21,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <sys/resource.h>
+#include <system_error>
 #include <unistd.h>
 #include <utility>
 
@@ -58,18 +60,30 @@ void setTimeOf(const FileMarks& inputs) {
 }  // namespace
 
 RecordingRun::RecordingRun(const Recording& recording, const BatchFolder& folder,
-                           std::vector<std::string> wishes)
+                           std::vector<std::string> wishes, std::string work)
     : m_recording(recording),
       m_folder(folder),
       m_wishes(std::move(wishes)),
-      m_work(folder.workOf(recording.name, ::getpid())) {}
+      m_work(std::move(work)) {}
 
 std::string RecordingRun::make() {
+  const WorkFolder atWork(m_work);
+  try {
+    return makeWhole();
+  } catch (const Interruption&) {
+    throw;
+  } catch (const std::exception& failure) {
+    fmt::print(stderr, "{}\n", failure.what());  // which the log has then
+    throw;
+  }
+}
+
+std::string RecordingRun::makeWhole() {
   const auto start = Clock::now();
-  takeProcess();
   m_result = m_folder.begin(m_recording, m_wishes);
   setTimeOf(m_result.inputs);
   try {
+    takeProcess();
     run();
     m_recording.truth.empty() ? void() : score();
     const bool wantsReport =
@@ -83,15 +97,15 @@ std::string RecordingRun::make() {
   }
   m_result.seconds = std::chrono::duration<double>(Clock::now() - start).count();
   m_result.megabytes = megabytesSoFar();
-  if (fs::file_size(made(logFile)) == 0) {
-    fs::remove(made(logFile));
+  std::error_code unknown;
+  if (fs::file_size(made(logFile), unknown) == 0) {
+    fs::remove(made(logFile), unknown);
   }
   m_folder.finish(m_recording.name, m_work, m_result);
   return m_result.message;
 }
 
 void RecordingRun::takeProcess() const {
-  fs::create_directory(m_work);
   const FileDescriptor log(
       ::open(made(logFile).c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
   const FileDescriptor nothing(::open("/dev/null", O_RDONLY | O_CLOEXEC));

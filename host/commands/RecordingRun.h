@@ -15,9 +15,10 @@ namespace grouptracker {
 /// standard input and standard error.
 class RecordingRun {
  public:
-  /// `wishes` are those of the batch for all recordings; `withReport` is one of them.
+  /// `wishes` are those of the batch for all recordings, `withReport` is one of them; `work` is the
+  /// path of a folder to make it in.
   RecordingRun(const Recording& recording, const BatchFolder& folder,
-               std::vector<std::string> wishes);
+               std::vector<std::string> wishes, std::string work);
 
   static constexpr const char* withReport = "--report";
 
@@ -26,6 +27,7 @@ class RecordingRun {
   std::string make();
 
  private:
+  std::string makeWhole();
   void takeProcess() const;
   void run();
   void score();

@@ -49,9 +49,8 @@ std::string observationFile(const std::string& folder) {
 
 /// The homography that the user gives, or that lies beside the observations; notes its file.
 std::optional<cv::Matx33d> homographyOf(const InputOptions& options, OpenedInput& input) {
-  const fs::path observations = input.files.front();
-  const fs::path file = observations.parent_path() / "H.txt";
-  if (options.homography || observations.filename() != observationName || !fs::exists(file)) {
+  const std::string file = homographyBeside(input.files.front());
+  if (options.homography || file.empty() || !fs::exists(file)) {
     return options.homography;
   }
   input.files.push_back(file);
@@ -96,6 +95,12 @@ std::unique_ptr<ObservationTable> readObsmat(const std::string& path,
 
 bool isTrajectoryFolder(const std::string& path) {
   return fs::exists(observationFile(path));
+}
+
+std::string homographyBeside(const std::string& path) {
+  const fs::path observations = isTrajectoryFolder(path) ? observationFile(path) : path;
+  return observations.filename() == observationName ? observations.parent_path() / "H.txt"
+                                                    : fs::path();
 }
 
 bool isObsmatLine(const std::string& line) {

@@ -25,6 +25,9 @@ std::unique_ptr<ObservationTable> readObsmat(const std::string& path,
 
 /// Whether the folder holds `obsmat.txt`.
 bool isTrajectoryFolder(const std::string& path);
+/// The file with the homography that is read beside such a folder's or file's observations, if it
+/// is there; empty beside other files.
+std::string homographyBeside(const std::string& path);
 /// Whether a line could be one of such a file.
 bool isObsmatLine(const std::string& line);
 

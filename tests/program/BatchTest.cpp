@@ -256,8 +256,8 @@ TEST_F(BatchBySlurm, MakesTheSameBytesAsHere) {
 }
 
 TEST_F(BatchBySlurm, WantsASharedFolderBeforeItSubmits) {
-  command("sinfo", "echo far elsewhere");
-  command("srun", "exit 1");
+  command("sinfo", "echo 'far elsewhere all*'");
+  command("srun", "echo " + m_folder.path().string() + "/far/.slurm; echo asked");
   EXPECT_EQ(m_program.run({"batch", "in/m.csv", "--output", "far", "--engine", "slurm"}), 4);
   EXPECT_THAT(m_program.errors(), MatchesRegex(".*/far/.slurm: lies on a disk of this machine, "
                                                "which node far does not see; .*\n"));

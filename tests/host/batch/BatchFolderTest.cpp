@@ -1,4 +1,5 @@
 #include "host/batch/BatchFolder.h"
+#include "host/batch/WorkFolder.h"
 #include "tests/support/base/Texts.h"
 
 #include <gtest/gtest.h>
@@ -33,8 +34,8 @@ class MadeRecording : public testing::Test {
     const BatchFolder folder = results();
     folder.prepare();
     RecordingResult result = folder.begin(m_recording, {"--report"});
-    const std::string work = folder.workOf("north", ::getpid());
-    fs::create_directories(work);
+    const std::string work = folder.newWork("north");
+    const WorkFolder atWork(work);
     m_folder.write(fs::relative(work, m_folder.path()) / "groups.jsonl", groups);
     result.isDone = true;
     result.frames = 7;
@@ -57,7 +58,7 @@ TEST_F(MadeRecording, IsKnownAsItWasMade) {
   EXPECT_TRUE(result->isDone);
   EXPECT_EQ(result->frames, 7U);
   EXPECT_EQ(result->scores->pairs, 0.3);
-  EXPECT_FALSE(fs::exists(results().workOf("north", ::getpid())));
+  EXPECT_TRUE(fs::is_empty(m_folder.path() / "out/.work"));
   touch("in.csv");
   touch("out/recordings/north/groups.jsonl");
   EXPECT_TRUE(isDone()) << "the content is the same";
@@ -83,13 +84,30 @@ TEST_F(MadeRecording, IsOpenWhenWhatMadeItIsAnother) {
   EXPECT_FALSE(isDone()) << "a result that is none";
 }
 
+TEST_F(MadeRecording, IsOpenWhenWhatIsReadBesideChanges) {
+  fs::create_directory(m_folder.path() / "walk");
+  m_folder.write("walk/obsmat.txt", "1 1 0 0 0 0 0 0");
+  for (const char* const input : {"walk/obsmat.txt", "walk"}) {
+    fs::remove(m_folder.path() / "walk/H.txt");
+    m_recording.input = input;
+    make("groups");
+    EXPECT_TRUE(isDone());
+    m_folder.write("walk/H.txt", "1 0 0\n0 1 0\n0 0 1");
+    EXPECT_FALSE(isDone()) << "it came";
+    make("groups");
+    EXPECT_TRUE(isDone());
+    m_folder.write("walk/H.txt", "2 0 0\n0 1 0\n0 0 1");
+    EXPECT_FALSE(isDone()) << "it changed";
+  }
+}
+
 TEST_F(MadeRecording, IsReplacedByTheNextOneButForWhatSomebodyPutBeside) {
   m_folder.write("out/recordings/north/notes.txt", "mine");
   const BatchFolder folder = results();
   const auto fail = [&] {
     RecordingResult result = folder.begin(m_recording, {"--report"});
     result.message = "failed";
-    folder.finish("north", folder.workOf("north", ::getpid()), result);
+    folder.finish("north", folder.newWork("north"), result);
   };
   fail();
   EXPECT_TRUE(results().resultOf(m_recording, {"--report"})->isDone) << "by somebody else, as well";
@@ -101,19 +119,29 @@ TEST_F(MadeRecording, IsReplacedByTheNextOneButForWhatSomebodyPutBeside) {
   EXPECT_EQ(results().resultOf(m_recording, {"--report"})->message, "failed");
 }
 
-TEST_F(MadeRecording, LeavesNothingOfDeadProcesses) {
+TEST_F(MadeRecording, LeavesNothingOfTheDeadAndEverythingOfTheLiving) {
+  const std::string left = results().newWork("south");
   const pid_t child = ::fork();
   if (child == 0) {
+    const WorkFolder atWork(left);
     ::_exit(0);
   }
   ::waitpid(child, nullptr, 0);
-  const std::string left = results().workOf("south", child);
-  const std::string own = results().workOf("west", ::getpid());
-  fs::create_directories(left);
-  fs::create_directories(own);
+  ASSERT_TRUE(fs::exists(left));
+  const std::string own = results().newWork("west");
+  const WorkFolder atWork(own);
+  const fs::path below = m_folder.path() / "out/.work";
+  fs::create_directories(below / "east@elsewhere.1");
+  fs::create_directories(below / "east@elsewhere.2");
+  m_folder.write("out/.work/east@elsewhere.2.lock", "");
+  fs::last_write_time(below / "east@elsewhere.2",
+                      fs::file_time_type::clock::now() - std::chrono::hours(49));
   results().prepare();
   EXPECT_FALSE(fs::exists(left));
   EXPECT_TRUE(fs::exists(own)) << "of a process that is at work";
+  EXPECT_TRUE(fs::exists(below / "east@elsewhere.1")) << "nobody knows";
+  EXPECT_FALSE(fs::exists(below / "east@elsewhere.2")) << "too old";
+  EXPECT_FALSE(fs::exists(below / "east@elsewhere.2.lock"));
 }
 
 TEST(FileMark, TellsAFolderByTheFilesBelow) {

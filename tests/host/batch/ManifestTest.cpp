@@ -115,6 +115,13 @@ TEST_F(Manifest, GetsAllItsProblemsWithTheirLines) {
               ElementsAre("m.toml:1: x: only [defaults] and [[recording]] are known",
                           "m.toml:4: --rate: a number is expected",
                           "m.toml:5: speed is no option of run", "m.toml:2: input is missing"));
+  EXPECT_THAT(read("m.csv",
+                   "name,input,events,mobile-dump\n"
+                   "one,a.csv,x,x\n"
+                   "two,a.csv,x,none\n"
+                   "three,.,,\n"),
+              ElementsAre("m.csv:2: mobile-dump: x is written by another option, too",
+                          "m.csv:4: . holds the folder of the results"));
   EXPECT_THAT(errorOf([&] { read("broken.toml", "[[recording]]\nname = \n"); }),
               testing::HasSubstr("broken.toml:2: "));
   EXPECT_THAT(errorOf([&] { read("empty.csv", ""); }), testing::HasSubstr("names the columns"));
