@@ -9,6 +9,7 @@
 #include "host/run/EventDetector.h"
 #include "host/run/GroupRun.h"
 #include "host/run/RunParameters.h"
+#include "library/OwnNames.h"
 #include "library/ProcessBeside.h"
 #include "library/StepValues.h"
 #include "library/TrackerSetup.h"
@@ -25,6 +26,8 @@
 namespace grouptracker {
 
 namespace {
+
+constexpr std::size_t rememberedNames = 100'000;  // of people; a station has them in a day
 
 /// Wrong input in the way in which those hear of it who use the library.
 template <typename Action>
@@ -170,9 +173,9 @@ class Tracker::State {
   };
 
   ObservationStep stepOf(const std::vector<SeenPerson>& people, std::optional<double> time,
-                         std::optional<std::int64_t> number) const;
+                         std::optional<std::int64_t> number);
   std::vector<Observation> observationsOf(const std::vector<SeenPerson>& people,
-                                          const InputPlace& place) const;
+                                          const InputPlace& place);
   void take(ObservationStep step);
   void note(RunSteps steps);
   TrackerStep takeOldest();
@@ -184,6 +187,7 @@ class Tracker::State {
   std::optional<GroupRun> m_groups;
   std::unique_ptr<ProcessBeside> m_process;  ///< null when it is not run
   EventDetector m_events;
+  OwnNames m_names{rememberedNames};
 
   mutable std::mutex m_mutex;  ///< for who calls from several threads
   std::uint64_t m_frames = 0;
@@ -196,7 +200,7 @@ class Tracker::State {
 
 ObservationStep Tracker::State::stepOf(const std::vector<SeenPerson>& people,
                                        std::optional<double> time,
-                                       std::optional<std::int64_t> number) const {
+                                       std::optional<std::int64_t> number) {
   const auto count = static_cast<std::int64_t>(m_frames) + 1;
   ObservationStep step;
   step.frame = number.value_or(m_number ? *m_number + 1 : count);
@@ -214,7 +218,7 @@ ObservationStep Tracker::State::stepOf(const std::vector<SeenPerson>& people,
 }
 
 std::vector<Observation> Tracker::State::observationsOf(const std::vector<SeenPerson>& people,
-                                                        const InputPlace& place) const {
+                                                        const InputPlace& place) {
   std::vector<Observation> observations;
   observations.reserve(people.size());
   for (const SeenPerson& person : people) {
@@ -223,6 +227,7 @@ std::vector<Observation> Tracker::State::observationsOf(const std::vector<SeenPe
       throw InputError(place, "person " + nameOf(person.id) + " " + problem);
     }
     observations.push_back(toObservation(person));
+    observations.back().person = m_names.ownOf(person.id);
   }
   std::sort(observations.begin(), observations.end(),
             [](const auto& a, const auto& b) { return a.person < b.person; });
@@ -230,7 +235,8 @@ std::vector<Observation> Tracker::State::observationsOf(const std::vector<SeenPe
       std::adjacent_find(observations.begin(), observations.end(),
                          [](const auto& a, const auto& b) { return a.person == b.person; });
   if (twice != observations.end()) {
-    throw InputError(place, "person " + nameOf(twice->person) + " is there twice");
+    throw InputError(place,
+                     "person " + nameOf(m_names.programsOf(twice->person)) + " is there twice");
   }
   return observations;
 }
@@ -246,7 +252,9 @@ void Tracker::State::take(ObservationStep step) {
   m_time = time;
   note(m_groups->advance(frame));
   if (m_process) {
-    m_actorsLine = grouptracker::actorsLine(m_process->advance(frame));
+    RunStep step = m_process->advance(frame);
+    m_names.giveBack(step);
+    m_actorsLine = grouptracker::actorsLine(step);
   }
 }
 
@@ -254,6 +262,7 @@ void Tracker::State::note(RunSteps steps) {
   for (RunStep& step : steps) {
     step.events = m_events.next(step);
     m_decided.push_back(toTrackerStep(step));
+    m_names.giveBack(m_decided.back());
   }
 }
 

@@ -1,5 +1,7 @@
 #include "host/base/LineReader.h"
 
+#include "host/base/LongWork.h"
+
 #include <algorithm>
 #include <array>
 #include <string_view>
@@ -19,6 +21,7 @@ LineReader::LineReader(std::istream& in, std::string name, std::size_t longest)
     : m_in(in), m_name(std::move(name)), m_longest(longest) {}
 
 bool LineReader::next() {
+  LongWork::step();
   m_line.clear();
   ++m_number;
   try {

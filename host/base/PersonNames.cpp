@@ -15,11 +15,21 @@ std::string jsonOf(const PersonName& name) {
   return text != nullptr ? jsonText(*text) : std::to_string(std::get<std::int64_t>(name));
 }
 
+thread_local PersonNames* inStead = nullptr;
+
 }  // namespace
 
 PersonNames& PersonNames::ofProgram() {
   static PersonNames names;
-  return names;
+  return inStead != nullptr ? *inStead : names;
+}
+
+PersonNames::Stead::Stead(PersonNames& names) {
+  inStead = &names;
+}
+
+PersonNames::Stead::~Stead() {
+  inStead = nullptr;
 }
 
 void PersonNames::remember(std::size_t names) {

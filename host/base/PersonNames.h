@@ -28,6 +28,15 @@ class PersonNames {
   /// The one table of the program, so that whatever reads and writes people agrees on them.
   static PersonNames& ofProgram();
 
+  /// As long as it lives, a thread has another table as that of the program.
+  class Stead {
+   public:
+    explicit Stead(PersonNames& names);
+    Stead(const Stead&) = delete;
+    Stead& operator=(const Stead&) = delete;
+    ~Stead();
+  };
+
   /// From now on only so many of the latest names are sure to be remembered, which bounds the
   /// memory of a program that never ends. A forgotten name that comes again gets another number.
   void remember(std::size_t names);

@@ -31,12 +31,25 @@ struct Worker {
   Clock::time_point start = Clock::now();
 };
 
+/// Who asks a process to stop does not ask its parent, whose handlers it has at first.
+void forgetSignals() {
+  stop_wish::setDescriptor(-1);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    struct sigaction action = {};
+    ::sigaction(signal, nullptr, &action);
+    if (action.sa_handler != SIG_IGN) {
+      ::signal(signal, SIG_DFL);
+    }
+  }
+}
+
 /// Sends the task's result and ends the process without touching what it shares with its parent.
 [[noreturn]] void work(const ProcessPool::Task& task, int results, pid_t parent) {
   ::prctl(PR_SET_PDEATHSIG, SIGKILL);
   if (::getppid() != parent) {
     ::_exit(1);  // it died before the line above
   }
+  forgetSignals();
   const int nowhere = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
   ::dup2(nowhere, STDOUT_FILENO);
   ::dup2(nowhere, STDERR_FILENO);

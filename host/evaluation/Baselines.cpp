@@ -1,5 +1,6 @@
 #include "host/evaluation/Baselines.h"
 
+#include "host/base/LongWork.h"
 #include "host/run/RunStep.h"
 
 #include <algorithm>
@@ -80,6 +81,7 @@ PeopleFrame peopleIn(const InputFrame& frame) {
 std::vector<PeopleFrame> peopleIn(FrameSource& input) {
   std::vector<PeopleFrame> frames;
   for (InputFrame frame; input.next(frame);) {
+    LongWork::step();
     frames.push_back(peopleIn(frame));
   }
   return frames;

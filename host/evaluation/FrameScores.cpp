@@ -1,6 +1,7 @@
 #include "host/evaluation/FrameScores.h"
 
 #include "host/base/JsonLine.h"
+#include "host/base/LongWork.h"
 #include "host/base/OutputFile.h"
 
 #include <fmt/format.h>
@@ -59,6 +60,7 @@ std::vector<PartitionPair> stepsOf(const GroupedFrames& run, const GroupTruth& t
   std::vector<PartitionPair> steps;
   steps.reserve(run.size());
   for (const FrameGroups& step : run) {
+    LongWork::step();
     PartitionPair& pair = steps.emplace_back();
     pair.persons = personsOf(step);
     pair.truth = restrictTo(truth.at(step.frame), pair.persons);
@@ -71,6 +73,7 @@ FrameScores scoreFrames(const std::vector<PartitionPair>& steps) {
   FrameScores scores;
   int compared = 0;
   for (const PartitionPair& step : steps) {
+    LongWork::step();
     if (step.persons.size() < 2) {
       continue;
     }

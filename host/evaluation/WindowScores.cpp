@@ -1,5 +1,6 @@
 #include "host/evaluation/WindowScores.h"
 
+#include "host/base/LongWork.h"
 #include "host/evaluation/Togetherness.h"
 
 #include <algorithm>
@@ -41,6 +42,7 @@ std::vector<PartitionPair> windowsOf(const GroupedFrames& run, const GroupTruth&
   std::vector<PartitionPair> windows;
   const auto length = static_cast<std::ptrdiff_t>(options.length);
   for (auto first = run.begin(); run.end() - first >= length; first += length) {
+    LongWork::step();
     PartitionPair window = windowFrom(first, first + length, truth, options.together);
     if (window.persons.size() > 1) {
       windows.push_back(std::move(window));
@@ -71,6 +73,7 @@ PartitionPair wholeSequence(const GroupedFrames& run, const GroupTruth& truth,
   std::set<Person> everybody;
   Togetherness together;
   for (const FrameGroups& step : run) {
+    LongWork::step();
     const auto persons = personsOf(step);
     everybody.insert(persons.begin(), persons.end());
     together.add(groupingOf(step), persons);

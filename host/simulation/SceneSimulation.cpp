@@ -1,5 +1,6 @@
 #include "host/simulation/SceneSimulation.h"
 
+#include "host/base/LongWork.h"
 #include "host/base/OutputFile.h"
 #include "host/base/OutputPlace.h"
 #include "host/output/SceneWriter.h"
@@ -64,6 +65,7 @@ SimulationSummary simulateScene(const SimulationOptions& options) {
   }
   InputFrame frame;
   while (assembler.next(frame)) {
+    LongWork::step();
     if (options.images) {
       frame.imageFile = fmt::format("images/{:06}.png", source.frame());
       writeImage(folder / frame.imageFile, renderer.render(source.inView()));

@@ -54,6 +54,7 @@ GroupedFrames toFrames(const std::vector<TrackerStep>& steps) {
   GroupedFrames frames;
   frames.reserve(steps.size());
   for (const TrackerStep& step : steps) {
+    LongWork::step();
     if (step.frame) {
       frames.push_back(toFrameGroups(step));
     }
@@ -94,7 +95,6 @@ LearnedSequence sequenceOf(Lesson&& lesson, const std::optional<double>& rate, d
   if (sequence.examples().examples().empty()) {
     throw InputError(lesson.name, "the truth says nothing about two people near each other");
   }
-  raisePendingSignals();
   return sequence;
 }
 
@@ -104,7 +104,7 @@ EvidenceModel learnFrom(const py::list& items, const std::vector<std::optional<d
   for (const py::handle item : items) {
     lessons.push_back(lessonOf(item.cast<py::tuple>()));
   }
-  const py::gil_scoped_release release;
+  const Unlocked unlocked;
   LearnedSequences sequences;
   for (std::size_t i = 0; i < lessons.size(); ++i) {
     sequences.push_back(sequenceOf(std::move(lessons[i]), rates[i], lookAhead));
@@ -133,10 +133,9 @@ void bindEvaluation(py::module_& module) {
           "whole", [](const GroupTruth& truth) { return namesOf(truth.whole()); },
           "All frames together: whoever was ever in one group is.");
   module.def("read_truth", py::overload_cast<const std::string&>(&readTruth), py::arg("path"),
-             py::call_guard<py::gil_scoped_release>());
+             py::call_guard<Unlocked>());
   module.def("evaluate", &evaluateSteps, py::arg("steps"), py::arg("truth"), py::arg("window"),
-             py::arg("together"), py::arg("event_tolerance"),
-             py::call_guard<py::gil_scoped_release>());
+             py::arg("together"), py::arg("event_tolerance"), py::call_guard<Unlocked>());
 
   py::class_<EvidenceModel>(module, "Model",
                             "What speaks for two people's belonging together, learned from\n"

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/base/LongWork.h"
 #include "python/bindings/TableRun.h"
 
 #include <pybind11/pybind11.h>
@@ -22,5 +23,11 @@ inline void raisePendingSignals() {
     throw pybind11::error_already_set();
   }
 }
+
+/// For calls that may take long: the interpreter's other threads go on, and signals are heard.
+class Unlocked {
+  pybind11::gil_scoped_release m_release;
+  LongWork m_work{raisePendingSignals};
+};
 
 }  // namespace grouptracker

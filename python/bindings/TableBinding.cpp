@@ -20,6 +20,9 @@ std::vector<double> columnOf(const py::dict& columns, const char* name) {
     return {};
   }
   const auto column = columns[name].cast<Numbers>();
+  if (column.ndim() != 1) {
+    throw ValueProblem(std::string(name) + ": an array of N is expected");
+  }
   return {column.data(), column.data() + column.size()};
 }
 
@@ -36,6 +39,14 @@ TrackTable tableOf(const py::dict& columns) {
   if (columns.contains("boxes")) {
     table.boxes = rowsOf<4>(columns["boxes"].cast<Numbers>(), "boxes");
   }
+  const auto fits = [&](const char* name, const auto& column) {
+    return !columns.contains(name) || column.size() == table.ids.size();
+  };
+  const bool hasPlaces = columns.contains("positions") || columns.contains("boxes");
+  if (!hasPlaces || !fits("frame", table.frames) || !fits("time", table.times) ||
+      !fits("positions", table.positions) || !fits("boxes", table.boxes)) {
+    throw ValueProblem("table: the columns are not equally long");
+  }
   return table;
 }
 
@@ -43,11 +54,11 @@ namespace {
 
 py::tuple track(const py::dict& columns, const std::optional<double>& rate,
                 const TrackerSettings& settings) {
-  const TrackTable table = tableOf(columns);
+  TrackTable table = tableOf(columns);
   TableGroups found;
   {
-    const py::gil_scoped_release release;
-    found = findGroups(table, rate, settings, raisePendingSignals);
+    const Unlocked unlocked;
+    found = findGroups(std::move(table), rate, settings);
   }
   py::array_t<std::int64_t> groups(static_cast<py::ssize_t>(found.groupOfRows.size()));
   std::copy(found.groupOfRows.begin(), found.groupOfRows.end(), groups.mutable_data());
@@ -77,7 +88,6 @@ std::map<int, std::vector<std::uint32_t>> trueGroups(const std::vector<Walker>& 
 }
 
 SimulatedTracks simulate(const SimulationOptions& options) {
-  constexpr std::int64_t framesBetweenCalls = 64;
   const SimulatedView view;
   SimulatedSource source(options, view);
   SimulatedTracks tracks;
@@ -91,9 +101,7 @@ SimulatedTracks simulate(const SimulationOptions& options) {
       tracks.y.push_back(observation.position->y);
     }
     tracks.truth[step.frame] = trueGroups(source.tracked());
-    if (step.frame % framesBetweenCalls == 0) {
-      raisePendingSignals();
-    }
+    LongWork::step();
   }
   return tracks;
 }
@@ -106,7 +114,7 @@ py::array_t<Number> arrayOf(const std::vector<Number>& numbers) {
 py::dict simulatedTracks(const SimulationOptions& options) {
   SimulatedTracks tracks;
   {
-    const py::gil_scoped_release release;
+    const Unlocked unlocked;
     tracks = simulate(options);
   }
   py::dict result;
@@ -147,7 +155,7 @@ void bindSimulation(py::module_& module) {
   module.def("simulate", &simulatedTracks, py::arg("options"));
   module.def(
       "simulate_scene", [](const SimulationOptions& options) { simulateScene(options); },
-      py::arg("options"), py::call_guard<py::gil_scoped_release>());
+      py::arg("options"), py::call_guard<Unlocked>());
 }
 
 }  // namespace

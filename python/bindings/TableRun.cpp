@@ -1,6 +1,7 @@
 #include "python/bindings/TableRun.h"
 
 #include "host/base/InputError.h"
+#include "host/base/LongWork.h"
 #include "host/base/TextNumbers.h"
 #include "host/evaluation/Baselines.h"
 #include "host/input/OpenedInput.h"
@@ -8,6 +9,7 @@
 #include "host/run/EventDetector.h"
 #include "host/run/GroupRun.h"
 #include "host/run/RunParameters.h"
+#include "library/OwnNames.h"
 #include "library/StepValues.h"
 #include "library/TrackerSetup.h"
 
@@ -15,6 +17,7 @@
 
 #include <cmath>
 #include <iterator>
+#include <limits>
 #include <map>
 #include <memory>
 #include <utility>
@@ -63,6 +66,7 @@ class TableInput {
 template <typename Action>
 void forEachRow(std::size_t rows, const Action& action) {
   for (std::size_t row = 0; row < rows; ++row) {
+    LongWork::step();
     try {
       action(row);
     } catch (const ValueProblem& problem) {
@@ -127,8 +131,14 @@ void TableInput::addBox(ObservationTable& people, std::size_t row) const {
     throw ValueProblem("the box has a width or height below 0");
   }
   observation.box2D = cv::Rect2d(box[0], box[1], box[2], box[3]);
-  if (!m_table.positions.empty() && std::isfinite(m_table.positions[row][0])) {
-    observation.position = cv::Point2d(m_table.positions[row][0], m_table.positions[row][1]);
+  constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+  constexpr std::array<double, 2> unknown{nan, nan};
+  const auto [x, y] = m_table.positions.empty() ? unknown : m_table.positions[row];
+  if (!std::isnan(x) || !std::isnan(y)) {
+    if (!(std::abs(x) <= farthestPosition && std::abs(y) <= farthestPosition)) {
+      throw ValueProblem("the position is none in metres");
+    }
+    observation.position = cv::Point2d(x, y);
   }
   people.add(frame, observation, row + 1);
 }
@@ -166,10 +176,16 @@ void nameGroups(const TrackerStep& step, const RowNumbers& rows, const TrackTabl
 
 }  // namespace
 
-TableGroups findGroups(const TrackTable& table, const std::optional<double>& rate,
-                       const TrackerSettings& settings, const std::function<void()>& go) {
-  constexpr std::size_t framesBetweenCalls = 64;
-  TableInput input(table, rate, settings);
+TableGroups findGroups(TrackTable table, const std::optional<double>& rate,
+                       const TrackerSettings& settings) {
+  OwnNames names;
+  for (double& id : table.ids) {
+    id = names.ownOf(id);
+  }
+  TableInput input = [&] {
+    const PersonNames::Stead own(names.table());  // in messages
+    return TableInput(table, rate, settings);
+  }();
   std::vector<InputFrame> first;
   for (InputFrame frame; first.size() < 2 && input.next(frame);) {
     first.push_back(std::move(frame));
@@ -191,14 +207,15 @@ TableGroups findGroups(const TrackTable& table, const std::optional<double>& rat
       if (hasPeople[result.steps.size() - 1]) {
         nameGroups(result.steps.back(), *nextMoment++, table, result.groupOfRows);
       }
+      names.giveBack(result.steps.back());
     }
   };
   for (const InputFrame& frame : first) {
     note(take(frame));
   }
   for (InputFrame frame; input.next(frame);) {
+    LongWork::step();
     note(take(frame));
-    hasPeople.size() % framesBetweenCalls == 0 ? go() : void();
   }
   note(run.finish());
   return result;

@@ -5,7 +5,6 @@
 
 #include <array>
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -30,10 +29,10 @@ struct TableGroups {
 
 /// Finds the groups of a table as the program does for a file with the same rows. `rate` is in
 /// frame numbers a second, of the settings only that holds which is about groups and camera;
-/// without a camera a table of boxes gets the one that its people show. `go` is called now and then
-/// and may throw. What is wrong is an `InputError` about `table:ROW`, rows counted from 1.
-TableGroups findGroups(const TrackTable& table, const std::optional<double>& rate,
-                       const TrackerSettings& settings, const std::function<void()>& go);
+/// without a camera a table of boxes gets the one that its people show. What is wrong is an
+/// `InputError` about `table:ROW`, rows counted from 1.
+TableGroups findGroups(TrackTable table, const std::optional<double>& rate,
+                       const TrackerSettings& settings);
 
 /// Everybody's places frame by frame, of the same table.
 std::vector<PeopleFrame> peopleOf(const TrackTable& table, const std::optional<double>& rate,

@@ -185,7 +185,7 @@ void bindTracker(py::module_& module) {
       .def("actors_line", &Tracker::actorsLine, unlocked)
       .def("frames", &Tracker::frames, unlocked);
   module.def("numbers_of", &idsOf, py::arg("ids"));
-  module.def("read_groups", &readGroups, py::arg("path"), unlocked);
+  module.def("read_groups", &readGroups, py::arg("path"), py::call_guard<Unlocked>());
 }
 
 }  // namespace grouptracker

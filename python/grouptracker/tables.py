@@ -24,14 +24,17 @@ def columns_of(table: Table) -> dict[str, Any]:
     """The columns that a table has of frame, time, id, positions and boxes."""
     names = set(table.keys())
 
-    def column(name: str) -> Any:
-        return numpy.asarray(table[name], dtype=float)
+    def column(name: str, dtype: Any = float) -> Any:
+        values = numpy.asarray(table[name], dtype=dtype)
+        if values.ndim != 1:
+            raise ValueError(f"table: one column {name} is expected, an array of N")
+        return values
 
     person = next((name for name in _ids if name in names), None)
     if person is None or not names & {"frame", "time"}:
         raise ValueError("table: the columns id and frame or time are expected")
     columns = {name: column(name) for name in ("frame", "time") if name in names}
-    ids = numpy.asarray(table[person])
+    ids = column(person, None)
     columns["id"] = column(person) if ids.dtype.kind not in "OUS" else numpy.array(_native.numbers_of(ids), dtype=float)
     if {"x", "y"} <= names:
         columns["positions"] = numpy.column_stack([column("x"), column("y")])
@@ -41,8 +44,6 @@ def columns_of(table: Table) -> dict[str, Any]:
         columns["boxes"] = corners_to_sizes(numpy.column_stack([column(name) for name in _corners]))
     if "positions" not in columns and "boxes" not in columns:
         raise ValueError("table: the columns x and y, or left, top, width and height, are expected")
-    if len({len(values) for values in columns.values()}) > 1:
-        raise ValueError("table: the columns are not equally long")
     return columns
 
 

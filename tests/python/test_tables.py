@@ -38,6 +38,11 @@ class Tables(InFolder):
         self.assertEqual(grouptracker.evaluate(grouptracker.track_steps(named), [["ann", "bob"]]),
                          grouptracker.evaluate(grouptracker.track_steps(table), [[1, 2]]))
 
+    def test_call_people_in_messages_as_they_are_called(self):
+        named = walking_table(3).assign(id=["una", "ida", "eva", "ida", "una", "eva", "ida", "ida", "eva"])
+        with self.assertRaisesRegex(ValueError, "table:8: person ida is observed twice at frame 3"):
+            grouptracker.track(named)
+
     def test_say_when_by_frame_or_time(self):
         table = walking_table()
         by_frame = grouptracker.track(table, rate=2.5)
@@ -71,7 +76,12 @@ class Tables(InFolder):
                 (lambda t: t.drop(columns="id"), "table: the columns id and frame or time are expected"),
                 (lambda t: t.assign(x=numpy.nan), "table:1: a number is missing or not finite"),
                 (lambda t: t.assign(id=[1, 2, 3, 1, 2, 3, 1, 1, 3]), "table:8: person 1 is observed twice at frame 3, first on line 7"),
-                (lambda t: t.assign(id=-1), "table:1: ")]:
+                (lambda t: t.assign(id=-1), "table:1: "),
+                (lambda t: pandas.concat([t, t[["id"]]], axis=1), "table: one column id is expected"),
+                (lambda t: pandas.concat([t, t[["frame"]]], axis=1), "table: one column frame is expected"),
+                (lambda t: {**t, "frame": t["frame"][:8]}, "table: the columns are not equally long"),
+                (lambda t: t.assign(left=0, top=0, width=5, height=5, y=numpy.nan), "table:1: the position "),
+                (lambda t: t.assign(left=0, top=0, width=5, height=5, x=1e300), "table:1: the position ")]:
             with self.assertRaises(ValueError) as caught:
                 grouptracker.track(change(table))
             self.assertIn(message, str(caught.exception))

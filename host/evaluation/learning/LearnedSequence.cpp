@@ -1,5 +1,6 @@
 #include "host/evaluation/learning/LearnedSequence.h"
 
+#include "host/base/LongWork.h"
 #include "host/evaluation/FrameScores.h"
 #include "host/evaluation/WindowScores.h"
 #include "host/grouping/GroupFinder.h"
@@ -18,6 +19,7 @@ GroupedFrames findGroups(GroupFinder& finder, const std::vector<PeopleFrame>& fr
     std::move(decided.begin(), decided.end(), std::back_inserter(groups));
   };
   for (const PeopleFrame& frame : frames) {
+    LongWork::step();
     take(finder.next(frame));
   }
   take(finder.finish());

@@ -1,5 +1,6 @@
 #include "host/evaluation/learning/LogisticFit.h"
 
+#include "host/base/LongWork.h"
 #include "host/grouping/TogetherChain.h"
 
 #include <opencv2/core.hpp>
@@ -59,6 +60,7 @@ class Objective {
   }
 
   double at(const Weights& weights) const {
+    LongWork::step();
     double sum = 0.0;
     for (const CountedExample& example : m_examples) {
       const double odds = logOddsOf(example, weights);
@@ -70,6 +72,7 @@ class Objective {
   }
 
   Weights newtonStep(const Weights& weights) const {
+    LongWork::step();
     Weights gradient = m_ridge.mul(weights);
     cv::Mat1d hessian = cv::Mat::diag(m_ridge);
     for (const CountedExample& example : m_examples) {
