@@ -62,14 +62,24 @@ grouptracker_package(development libgrouptracker-dev libdevel DEPENDS libgrouptr
   NEEDS "libc6-dev"
   SUMMARY "groups of people for other programs, for development"
   TEXT "${about}\nThis package has the headers and the CMake packages grouptracker, mox\nand kel. The latter two need qtbase5-dev and libopencv-dev, too.")
+# The module is compiled for one version of the interpreter.
+set(python_needed "python3")
+if(TARGET python_module)
+  get_target_property(version python_module PYTHON_VERSION)
+  string(REGEX MATCH "^3\\.([0-9]+)" version ${version})
+  math(EXPR next "${CMAKE_MATCH_1} + 1")
+  set(python_needed "python3 (>= ${version}~), python3 (<< 3.${next})")
+endif()
 grouptracker_package(python python3-grouptracker python DEPENDS libmox0 libkel0
-  NEEDS "python3, python3-numpy"
+  NEEDS "${python_needed}, python3-numpy"
   SUMMARY "groups of people for Python"
   TEXT "${about}\nThis package has the Python module.")
 # Loaded by runs that talk to a broker only.
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_RECOMMENDS libmosquitto1)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS "qtbase5-dev, libopencv-dev")
 set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS "python3-pandas")
+# What services kept goes when the package is purged.
+set(CPACK_DEBIAN_PROGRAM_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/packaging/program/postrm)
 # What the interpreter compiles goes with the package.
 set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA
   ${PROJECT_SOURCE_DIR}/packaging/python/postinst ${PROJECT_SOURCE_DIR}/packaging/python/prerm)

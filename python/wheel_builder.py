@@ -8,6 +8,7 @@ import hashlib
 import os
 import pathlib
 import re
+import shutil
 import subprocess
 import sys
 import sysconfig
@@ -49,6 +50,7 @@ def _install():
                     f"-DCMAKE_INSTALL_LIBDIR={_name}", f"-DPython3_EXECUTABLE={sys.executable}",
                     *os.environ.get("GROUPTRACKER_CMAKE_ARGS", "").split()], check=True)
     subprocess.run(["cmake", "--build", build, "--target", "python_module"], check=True)
+    shutil.rmtree(stage, ignore_errors=True)  # of what an earlier version had, nothing may be packed
     for component in ("mox", "kel", "python"):
         subprocess.run(["cmake", "--install", build, "--prefix", stage, "--component", component], check=True)
     return stage

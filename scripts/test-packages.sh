@@ -77,14 +77,29 @@ assert scores["windowedMitre"]["f1"] > 0.8, scores
 PYTHON
 }
 
+# Everything that the packages brought and that no other package has, directories that are not empty left out.
+leftOf() {
+  local path
+  while read -r path; do
+    if { [ -e "$root$path" ] || [ -L "$root$path" ]; } && [ -z "$(ls -A "$root$path/" 2> /dev/null)" ] &&
+      ! inRoot dpkg --search "$path" > /dev/null 2>&1; then
+      echo "$path"
+    fi
+  done
+}
+
 removeAll() {
   local names
   mapfile -t names < <(for file in "$packages"/*.deb; do dpkg-deb --field "$file" Package; done)
+  inRoot dpkg --listfiles "${names[@]}" | sort -u > build/clean-files.txt
+  mkdir -p "$root/var/lib/private/grouptracker/hall" "$root/etc/grouptracker"  # as services have them
+  ln -s private/grouptracker "$root/var/lib/grouptracker"
   inRoot dpkg --remove "${names[@]}" > build/clean-remove.txt
   inRoot dpkg --purge "${names[@]}" >> build/clean-remove.txt 2>&1
   local left
   left=$(find "$root/usr" "$root/etc" "$root/var/lib" \( -iname '*grouptracker*' -o -name 'lib[mk]ox.so*' -o -name 'libkel.so*' \) \
     -not -path '*/dpkg/*' -not -path '*/apt/*')
+  left+=$(leftOf < build/clean-files.txt)
   [ -z "$left" ] || { echo "left behind: $left" >&2; return 1; }
 }
 
