@@ -23,6 +23,13 @@ std::unique_ptr<Database> Database::inMemory() {
   return database;
 }
 
+std::unique_ptr<Database> Database::beside(const Database& other) {
+  std::unique_ptr<Database> database(new Database());
+  database->m_name = other.m_name;
+  database->open(sqlite3_db_filename(other.handle(), "main"));
+  return database;
+}
+
 void Database::open(const std::string& file) {
   sqlite3* handle = nullptr;
   const int result = sqlite3_open(file.c_str(), &handle);
@@ -36,6 +43,10 @@ void Database::execute(const char* sql) {
   if (sqlite3_exec(handle(), sql, nullptr, nullptr, nullptr) != SQLITE_OK) {
     fail();
   }
+}
+
+void Database::rollBack() {
+  sqlite3_exec(handle(), "ROLLBACK", nullptr, nullptr, nullptr);
 }
 
 void Database::fail() const {

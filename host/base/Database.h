@@ -27,7 +27,12 @@ class Database {
   /// For what needs to live no longer than the program and never grows large.
   static std::unique_ptr<Database> inMemory();
 
+  /// Another connection to the file of a database that outlives it, for another thread.
+  static std::unique_ptr<Database> beside(const Database& other);
+
   void execute(const char* sql);
+  /// Takes back what was written since "BEGIN", unless the failure before has done so.
+  void rollBack();
   sqlite3* handle() const { return m_handle.get(); }
   [[noreturn]] void fail() const;
 

@@ -31,11 +31,13 @@ MosquittoLibrary load() {
   find(library, "mosquitto_new", all.make);
   find(library, "mosquitto_destroy", all.destroy);
   find(library, "mosquitto_threaded_set", all.threadedSet);
+  find(library, "mosquitto_int_option", all.intOption);
   find(library, "mosquitto_max_inflight_messages_set", all.maxInflightMessagesSet);
   find(library, "mosquitto_connect_callback_set", all.connectCallbackSet);
   find(library, "mosquitto_disconnect_callback_set", all.disconnectCallbackSet);
   find(library, "mosquitto_message_callback_set", all.messageCallbackSet);
   find(library, "mosquitto_publish_callback_set", all.publishCallbackSet);
+  find(library, "mosquitto_subscribe_callback_set", all.subscribeCallbackSet);
   find(library, "mosquitto_username_pw_set", all.usernamePwSet);
   find(library, "mosquitto_will_set", all.willSet);
   find(library, "mosquitto_tls_set", all.tlsSet);

@@ -17,11 +17,13 @@ struct MosquittoLibrary {
   decltype(&mosquitto_new) make = nullptr;  ///< "new" there
   decltype(&mosquitto_destroy) destroy = nullptr;
   decltype(&mosquitto_threaded_set) threadedSet = nullptr;
+  decltype(&mosquitto_int_option) intOption = nullptr;
   decltype(&mosquitto_max_inflight_messages_set) maxInflightMessagesSet = nullptr;
   decltype(&mosquitto_connect_callback_set) connectCallbackSet = nullptr;
   decltype(&mosquitto_disconnect_callback_set) disconnectCallbackSet = nullptr;
   decltype(&mosquitto_message_callback_set) messageCallbackSet = nullptr;
   decltype(&mosquitto_publish_callback_set) publishCallbackSet = nullptr;
+  decltype(&mosquitto_subscribe_callback_set) subscribeCallbackSet = nullptr;
   decltype(&mosquitto_username_pw_set) usernamePwSet = nullptr;
   decltype(&mosquitto_will_set) willSet = nullptr;
   decltype(&mosquitto_tls_set) tlsSet = nullptr;

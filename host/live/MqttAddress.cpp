@@ -7,6 +7,7 @@
 #include <QUrl>
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cstdlib>
 
 namespace grouptracker {
@@ -17,8 +18,22 @@ constexpr int usualPort = 1883;
 constexpr int usualSecurePort = 8883;
 constexpr std::size_t longestTopic = 1000;  // bytes
 constexpr std::size_t longestLogin = 1000;  // bytes of a line
-const char* const plainScheme = "mqtt://";
-const char* const secureScheme = "mqtts://";
+const char* const plainScheme = "mqtt";
+const char* const secureScheme = "mqtts";
+
+/// The text before "://", in small letters; empty without one.
+std::string schemeOf(const std::string& text) {
+  const std::size_t end = text.find("://");
+  return end == std::string::npos
+             ? std::string()
+             : QString::fromStdString(text.substr(0, end)).toLower().toStdString();
+}
+
+/// Whether no broker takes a character in a topic; what was no UTF-8 has become a replacement.
+bool isRefused(char32_t character) {
+  return QChar::category(character) == QChar::Other_Control || QChar::isNonCharacter(character) ||
+         character == QChar::ReplacementCharacter;
+}
 
 std::string fromEnvironment(const char* name) {
   const char* const value = std::getenv(name);
@@ -28,7 +43,8 @@ std::string fromEnvironment(const char* name) {
 }  // namespace
 
 bool MqttAddress::isOne(const std::string& text) {
-  return text.starts_with(plainScheme) || text.starts_with(secureScheme);
+  const std::string scheme = schemeOf(text);
+  return scheme == plainScheme || scheme == secureScheme;
 }
 
 MqttAddress MqttAddress::parse(const std::string& text) {
@@ -44,12 +60,17 @@ MqttAddress MqttAddress::parse(const std::string& text) {
   }
   MqttAddress address;
   address.host = url.host().toStdString();
-  address.isSecure = text.starts_with(secureScheme);
+  address.isSecure = schemeOf(text) == secureScheme;
   address.port = url.port(address.isSecure ? usualSecurePort : usualPort);
-  address.topic = url.path(QUrl::FullyDecoded).mid(1).toStdString();
+  const QString topic = url.path(QUrl::FullyDecoded).mid(1);
+  address.topic = topic.toStdString();
   if (address.topic.find_first_of("+#") != std::string::npos || url.hasFragment() ||
       url.hasQuery()) {
     throw InputError(text, "one topic is expected, without wildcards and without + # ?");
+  }
+  const auto characters = topic.toStdU32String();
+  if (std::any_of(characters.begin(), characters.end(), isRefused)) {
+    throw InputError(text, "a topic in UTF-8 without control characters is expected");
   }
   if (address.topic.empty() || address.topic.size() > longestTopic) {
     throw InputError(text, fmt::format("a topic of 1 to {} bytes is expected", longestTopic));
@@ -59,7 +80,7 @@ MqttAddress MqttAddress::parse(const std::string& text) {
 
 std::string MqttAddress::text() const {
   const bool isNumber = host.find(':') != std::string::npos;
-  return fmt::format("{}{}:{}/{}", isSecure ? secureScheme : plainScheme,
+  return fmt::format("{}://{}:{}/{}", isSecure ? secureScheme : plainScheme,
                      isNumber ? "[" + host + "]" : host, port, topic);
 }
 

@@ -10,9 +10,9 @@ struct MqttAddress {
   std::string host;
   int port = 0;
   bool isSecure = false;
-  std::string topic;  ///< one topic, without wildcards
+  std::string topic;  ///< one topic, without wildcards, in UTF-8 that brokers take
 
-  /// Whether a text is meant as such an address.
+  /// Whether a text is meant as such an address, be its scheme in capitals or not.
   static bool isOne(const std::string& text);
   /// What is no such address is an `InputError`; so is a user or password in it, which would stand
   /// in the list of processes.

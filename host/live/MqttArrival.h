@@ -24,8 +24,17 @@ class MqttArrival : public ByteArrival {
  public:
   using Warning = std::function<void(const std::string&)>;
 
-  /// Warnings are said by whoever reads, on its thread.
-  MqttArrival(const MqttAddress& address, const BrokerAccess& access, Warning onWarning);
+  struct Counts {
+    std::uint64_t tooLong = 0;       ///< messages passed over
+    std::uint64_t dropped = 0;       ///< messages that came faster than they are tracked
+    std::uint64_t waitingBytes = 0;  ///< now, to be read
+  };
+  using Watch = std::function<void(const Counts&)>;
+
+  /// Warnings are said by whoever reads, on its thread. `watch` hears of the counts whenever they
+  /// change, on any thread; it may be empty.
+  MqttArrival(const MqttAddress& address, const BrokerAccess& access, Warning onWarning,
+              Watch watch = {});
 
   std::streambuf& bytes() override { return m_buffer; }
   bool waitFor(std::chrono::milliseconds most) override;
@@ -46,25 +55,26 @@ class MqttArrival : public ByteArrival {
   };
 
   void add(std::string_view payload);
-  void lose(const std::string& problem);
+  void lose(const std::string& problem, OnceInAWhile& telling);
   std::string take();
+  void count() const;
   void calm() const;
   void warn();
   bool await(int milliseconds) const;
 
   MqttAddress m_address;
   Warning m_onWarning;
+  Watch m_watch;
   FileDescriptor m_ring;  ///< can be read while anything waits
   Buffer m_buffer;
   std::mutex m_mutex;  ///< guards all that follows
   std::deque<std::string> m_waiting;
-  std::size_t m_waitingBytes = 0;
-  std::uint64_t m_tooLong = 0;
-  std::uint64_t m_dropped = 0;
-  std::uint64_t m_told = 0;  ///< of both
-  std::string m_loss;        ///< why the connection was lost; empty when it was told
+  Counts m_counts;
+  std::uint64_t m_told = 0;  ///< messages passed over or dropped
+  std::string m_loss;        ///< why nothing arrives; empty when it was told
   OnceInAWhile m_telling;
   OnceInAWhile m_tellingLoss;
+  OnceInAWhile m_tellingDenial;
   MqttClient m_client;  ///< last, so that its thread ends first
 };
 

@@ -4,11 +4,14 @@
 #include "host/base/InputError.h"
 #include "host/live/MosquittoLibrary.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <mosquitto.h>
 #include <new>
+#include <random>
 #include <stdexcept>
 #include <unistd.h>
 #include <utility>
@@ -20,6 +23,7 @@ namespace {
 constexpr int keepAlive = 15;      // seconds after which a silent connection is lost
 constexpr int serviceQuality = 1;  // at least once
 constexpr int longestLoop = 1000;  // ms
+constexpr int denied = 0x80;       // in place of a quality of service that is granted
 constexpr int farewells = 20;      // loops in which the last words may leave
 constexpr int farewellLoop = 50;   // ms
 constexpr std::chrono::milliseconds shortestPause(200);
@@ -46,6 +50,19 @@ void expectFile(const std::string& file) {
   if (!file.empty() && ::access(file.c_str(), R_OK) != 0) {
     throw InputError(file, systemProblem("cannot be read"));
   }
+}
+
+/// A name that no other client has.
+std::string freshName() {
+  std::random_device random;
+  return fmt::format("groups-{:08x}{:08x}", random(), random());
+}
+
+/// Whether a message was refused for what it is, rather than for the state of the connection.
+bool isForGood(int result) {
+  return result == MOSQ_ERR_INVAL || result == MOSQ_ERR_MALFORMED_UTF8 ||
+         result == MOSQ_ERR_PAYLOAD_SIZE || result == MOSQ_ERR_OVERSIZE_PACKET ||
+         result == MOSQ_ERR_NOT_SUPPORTED;
 }
 
 const char* nullIfEmpty(const std::string& text) {
@@ -83,6 +100,13 @@ struct MqttClient::Callbacks {
                                  static_cast<std::size_t>(message->payloadlen)});
     }
   }
+  static void subscribed(mosquitto* /*client*/, void* object, int /*message*/, int topics,
+                         const int* granted) {
+    const MqttClient& client = self(object);
+    if (topics > 0 && granted[0] == denied && client.m_events.onDenied) {
+      client.m_events.onDenied();
+    }
+  }
   static void accepted(mosquitto* /*client*/, void* object, int message) {
     const MqttClient& client = self(object);
     if (client.m_events.onAccepted) {
@@ -99,17 +123,19 @@ MqttClient::MqttClient(const MqttAddress& address, const BrokerAccess& access, M
                        const std::optional<MqttWill>& will)
     : m_address(address), m_events(std::move(events)), m_pause(shortestPause) {
   expectLibrary(m_address);
-  m_client.reset(library().make(nullptr, true, this));
+  m_client.reset(library().make(freshName().c_str(), true, this));
   if (!m_client) {
     throw std::bad_alloc();
   }
   mosquitto* const client = m_client.get();
   library().threadedSet(client, true);
   library().maxInflightMessagesSet(client, mostInFlight);
+  library().intOption(client, MOSQ_OPT_TCP_NODELAY, 1);  // a short message waits for no other
   library().connectCallbackSet(client, Callbacks::connected);
   library().disconnectCallbackSet(client, Callbacks::disconnected);
   library().messageCallbackSet(client, Callbacks::message);
   library().publishCallbackSet(client, Callbacks::accepted);
+  library().subscribeCallbackSet(client, Callbacks::subscribed);
   const BrokerLogin login = BrokerLogin::read(access);
   if (!login.user.empty()) {
     library().usernamePwSet(client, login.user.c_str(), nullIfEmpty(login.password));
@@ -158,13 +184,16 @@ void MqttClient::subscribe() {
   library().subscribe(m_client.get(), nullptr, m_address.topic.c_str(), serviceQuality);
 }
 
-std::optional<int> MqttClient::publish(const std::string& topic, std::string_view payload,
-                                       bool isRetained) {
+MqttHandover MqttClient::publish(const std::string& topic, std::string_view payload,
+                                 bool isRetained) {
   int message = 0;
   const int result =
       library().publish(m_client.get(), &message, topic.c_str(), static_cast<int>(payload.size()),
                         payload.data(), serviceQuality, isRetained);
-  return result == MOSQ_ERR_SUCCESS ? std::optional(message) : std::nullopt;
+  if (result == MOSQ_ERR_SUCCESS) {
+    return {message, ""};
+  }
+  return {std::nullopt, isForGood(result) ? problemOf(result) : std::string()};
 }
 
 /// The library's own thread would give up for good where a name cannot be resolved for a moment.

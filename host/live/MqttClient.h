@@ -25,6 +25,14 @@ struct MqttEvents {
   std::function<void(int message)> onAccepted;
   /// The connection is lost, or cannot be made, and why; the client goes on trying.
   std::function<void(const std::string& problem)> onLost;
+  /// The broker does not let the client have the messages that it has asked for.
+  std::function<void()> onDenied;
+};
+
+/// What came of handing over a message.
+struct MqttHandover {
+  std::optional<int> message;  ///< by which `onAccepted` tells of it; none when it was not taken
+  std::string refusal;         ///< why it never will be; empty when another time it may be
 };
 
 /// A message that others see when the client has gone without saying so.
@@ -35,7 +43,8 @@ struct MqttWill {
 
 /// A connection to an MQTT broker that is made anew whenever it is lost, with pauses that grow to
 /// some seconds. Nobody who calls it waits for the network. Everything has quality of service 1: it
-/// arrives at least once while the broker lives.
+/// arrives at least once while the broker lives. Every connection has the same name, so that the
+/// broker ends one that is half lost, and tells its will, before it begins the next.
 class MqttClient {
  public:
   /// What is wrong with the files of the access is an `InputError`.
@@ -51,9 +60,8 @@ class MqttClient {
   bool isConnected() const { return m_isConnected; }
   /// Asks for the messages of the address's topic, now and after every new connection.
   void subscribe();
-  /// Hands a message over; the number by which `onAccepted` tells of it, none when it was not
-  /// taken.
-  std::optional<int> publish(const std::string& topic, std::string_view payload, bool isRetained);
+  /// Hands a message over.
+  MqttHandover publish(const std::string& topic, std::string_view payload, bool isRetained);
 
   static constexpr int mostInFlight = 64;  ///< messages that wait for the broker's answer at once
 

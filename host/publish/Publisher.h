@@ -41,7 +41,7 @@ class Publisher {
     std::uint64_t published = 0;  ///< messages that the broker has
     std::uint64_t waiting = 0;
     std::uint64_t waitingBytes = 0;
-    std::uint64_t dropped = 0;
+    std::uint64_t dropped = 0;  ///< of a spool that was full, and those that cannot be sent
     bool isConnected = false;
   };
 
@@ -64,11 +64,16 @@ class Publisher {
   void connected();
   void accepted(int message);
   void lose(const std::string& problem);
+  void settle();
   void pump();
+  void drop(std::int64_t id, const std::string& refusal);
+  std::string dropWarning();
   void warn();
+  void greet();
   void showNow();
   template <typename Action>
   void guarded(const Action& action);
+  void keepFailure();
   void rethrow();
 
   PublishOptions m_options;
@@ -81,9 +86,14 @@ class Publisher {
   /// The client repeats what was in flight when the connection was lost; nothing may overtake it.
   bool m_isRepeating = false;
   bool m_isAway = false;          ///< as far as is known: not before the first attempt has failed
+  std::optional<int> m_greeting;  ///< "online", until the broker has it
   std::optional<int> m_farewell;  ///< the last message, until the broker has it
+  std::optional<int> m_shown;     ///< one of what holds now, until the broker has it
   std::string m_now;              ///< what is to be shown; empty before the first
+  bool m_isNew = false;           ///< and it was not handed over yet
   std::uint64_t m_published = 0;
+  std::uint64_t m_refused = 0;  ///< messages that cannot be sent, and are dropped
+  std::string m_refusal;        ///< why not the latest of these
   std::uint64_t m_toldDrops = 0;
   std::string m_loss;  ///< why the connection was lost; empty when it was told
   OnceInAWhile m_tellingLoss;

@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 namespace grouptracker {
 
 namespace {
@@ -9,13 +11,18 @@ namespace {
 constexpr std::int64_t spoolMark = 0x47545350;  // "GTSP": tells a spool from other databases
 
 // A commit reaches the operating system, which outlives the program; what a power failure takes are
-// the last moments.
+// the last moments. The log is brought to its place by `settle()` alone, as that waits for the
+// disk.
 const char* const prepareFile = "PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL";
 const char* const makeTables = R"(
 CREATE TABLE IF NOT EXISTS messages(
   id INTEGER PRIMARY KEY, channel INTEGER NOT NULL, payload BLOB NOT NULL);
 CREATE TABLE IF NOT EXISTS counters(channel INTEGER PRIMARY KEY, last INTEGER NOT NULL)
 )";
+
+// Pages of 4 KiB, of which each message takes some ten.
+constexpr int somePages = 8 * 1024;
+constexpr int manyPages = 2 * somePages;
 
 std::int64_t numberOf(const Database& database, const char* sql) {
   Statement statement(database, sql);
@@ -39,6 +46,15 @@ Spool::Spool(const std::string& path, std::size_t capacity)
       m_size(*m_database, "SELECT length(payload) FROM messages WHERE id = ?"),
       m_delete(*m_database, "DELETE FROM messages WHERE id = ?") {
   readState();
+  if (!m_isFile) {
+    return;
+  }
+  m_settling = Database::beside(*m_database);
+  const auto noteSize = [](void* spool, sqlite3*, const char*, int pages) {
+    static_cast<Spool*>(spool)->m_loggedPages = pages;
+    return SQLITE_OK;
+  };
+  sqlite3_wal_hook(m_database->handle(), noteSize, this);  // instead of settling at once
 }
 
 std::unique_ptr<Database> Spool::open(const std::string& path) {
@@ -57,10 +73,12 @@ std::unique_ptr<Database> Spool::open(const std::string& path) {
 }
 
 void Spool::readState() {
-  m_lastId = numberOf(*m_database, "SELECT max(id) FROM messages");
+  // Numbers that were given out once are not given out again.
+  m_lastId = std::max(m_lastId, numberOf(*m_database, "SELECT max(id) FROM messages"));
   m_messages = static_cast<std::uint64_t>(numberOf(*m_database, "SELECT count(*) FROM messages"));
   m_bytes =
       static_cast<std::size_t>(numberOf(*m_database, "SELECT sum(length(payload)) FROM messages"));
+  m_counters = {};
   Statement counters(*m_database, "SELECT channel, last FROM counters");
   while (counters.next()) {
     const std::int64_t channel = counters.number(0);
@@ -71,6 +89,18 @@ void Spool::readState() {
 }
 
 void Spool::append(const std::vector<Outgoing>& messages) {
+  const std::uint64_t dropped = m_dropped;
+  try {
+    write(messages);
+  } catch (...) {
+    m_database->rollBack();
+    m_dropped = dropped;
+    readState();
+    throw;
+  }
+}
+
+void Spool::write(const std::vector<Outgoing>& messages) {
   m_database->execute("BEGIN");
   for (const Outgoing& message : messages) {
     keep(message);
@@ -122,6 +152,16 @@ void Spool::remove(std::int64_t id) {
   m_delete.row(id);
   --m_messages;
   m_bytes -= size;
+}
+
+bool Spool::isUnsettled() const {
+  return m_loggedPages > (m_messages == 0 ? somePages : manyPages);
+}
+
+void Spool::settle() {
+  if (m_settling) {
+    m_settling->execute("PRAGMA wal_checkpoint(PASSIVE)");
+  }
 }
 
 }  // namespace grouptracker

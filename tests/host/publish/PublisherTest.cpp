@@ -111,6 +111,9 @@ TEST_F(Publishing, KeepsInOrderWhatABrokerThatCrashesMisses) {
     broker.kill();
     publishSome();
     broker.start();
+    while (!publisher.counts().isConnected) {
+      publisher.publish(line(++number));  // also in the moment of the new connection
+    }
     publishSome();
   }
   listener.await("hall", static_cast<std::size_t>(number));
@@ -120,6 +123,32 @@ TEST_F(Publishing, KeepsInOrderWhatABrokerThatCrashesMisses) {
   }
   EXPECT_TRUE(firsts(listener.messages("hall")) == sentUpTo(number));
   EXPECT_THAT(warnings, testing::Contains(HasSubstr("the broker is away")));
+}
+
+TEST_F(Publishing, ShowsTheLatestLastHoweverLongTheBrokerIsSilent) {
+  MqttPeer listener(broker.port(), "listener", "hall");
+  Publisher publisher(options());
+  publisher.show("{\"now\": 0}");
+  ASSERT_TRUE(listener.await("hall/now", 1));
+  broker.pause();
+  for (int now = 1; now <= 1000; ++now) {
+    publisher.show("{\"now\": " + std::to_string(now) + "}");
+    publisher.publish(line(now));
+  }
+  broker.resume();
+  publisher.finish();
+  ASSERT_TRUE(listener.await("hall", 1000));
+  EXPECT_EQ(listener.messages("hall"), sentUpTo(1000));
+  const auto shown = listener.messages("hall/now");
+  EXPECT_LE(shown.size(), 3U) << "they do not pile up";
+  EXPECT_EQ(shown.back(), "{\"now\": 1000}");
+}
+
+TEST(MqttClient, TellsWhatCanNeverBeSent) {
+  MqttClient client(MqttAddress::parse("mqtt://localhost/hall"), {}, {});
+  const MqttHandover wildcards = client.publish("hall/#", "{}", false);
+  EXPECT_FALSE(wildcards.message);
+  EXPECT_NE(wildcards.refusal, "");
 }
 
 TEST_F(Publishing, GoesOnWithTheSpoolOfAnEarlierRun) {

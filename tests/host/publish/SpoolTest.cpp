@@ -4,7 +4,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <string>
+#include <sys/resource.h>
 
 namespace grouptracker {
 
@@ -73,6 +75,48 @@ TEST(Spool, OutlivesTheProgramInAFile) {
   Spool spool(file, roomy);
   spool.append({groups(3)});
   EXPECT_EQ(held(spool), "{\"sequence\": 3, \"line\": 3}") << "counters go on in an empty spool";
+}
+
+TEST(Spool, StaysAsItWasWhenTheDiskIsFull) {
+  const TempFolder folder;
+  const std::string file = folder.path() / "groups.spool";
+  const Outgoing large{Channel::groups, "{\"line\": \"" + std::string(100'000, 'x') + "\"}"};
+  {
+    Spool spool(file, roomy);
+    spool.append({groups(1)});
+    std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit little{200'000, RLIM_INFINITY};
+    ::setrlimit(RLIMIT_FSIZE, &little);
+    EXPECT_THAT(errorOf([&] {
+                  spool.append({large, large, large});
+                }),
+                HasSubstr("cannot be written"));
+    const rlimit enough{RLIM_INFINITY, RLIM_INFINITY};
+    ::setrlimit(RLIMIT_FSIZE, &enough);
+    EXPECT_EQ(held(spool), "{\"sequence\": 1, \"line\": 1}");
+    EXPECT_EQ(spool.messages(), 1U);
+    spool.append({groups(2)});
+  }
+  Spool spool(file, roomy);
+  EXPECT_EQ(held(spool), "{\"sequence\": 1, \"line\": 1}{\"sequence\": 2, \"line\": 2}");
+  EXPECT_EQ(spool.bytes(), held(spool).size());
+}
+
+TEST(Spool, KeepsItsLogSmallByBeingSettled) {
+  const TempFolder folder;
+  const std::string file = folder.path() / "groups.spool";
+  Spool spool(file, 10 * roomy);
+  const Outgoing large{Channel::groups, "{\"line\": \"" + std::string(4 * roomy, 'x') + "\"}"};
+  int rounds = 0;
+  for (; rounds < 20 && !spool.isUnsettled(); ++rounds) {
+    spool.append({large});
+    spool.remove(spool.nextAfter(0)->id);
+  }
+  EXPECT_GE(rounds, 3) << "not for each message";
+  EXPECT_LT(rounds, 20);
+  spool.settle();
+  spool.append({groups(1)});
+  EXPECT_FALSE(spool.isUnsettled());
 }
 
 TEST(Spool, LeavesOtherDatabasesAndFilesAlone) {

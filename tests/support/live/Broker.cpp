@@ -13,7 +13,7 @@ namespace grouptracker {
 namespace {
 
 constexpr int patience = 10000;  // ms
-constexpr int pause = 20;        // ms
+constexpr int shortPause = 20;   // ms
 
 int freePort() {
   QTcpServer server;
@@ -29,7 +29,7 @@ QString program() {
 bool answers(int port) {
   QTcpSocket socket;
   socket.connectToHost(QHostAddress(QHostAddress::LocalHost), static_cast<quint16>(port));
-  return socket.waitForConnected(pause);
+  return socket.waitForConnected(shortPause);
 }
 
 }  // namespace
@@ -40,7 +40,8 @@ Broker::Broker(const std::string& more) : m_port(freePort()) {
                      "user root\npersistence true\npersistence_location " +
                      m_folder.path().string() +
                      "/\nset_tcp_nodelay true\nmax_queued_messages 0\nmax_inflight_messages 0\n"
-                     "log_dest stderr\nlog_type error\n");
+                     "log_type error\nlog_type subscribe\nlog_dest file " +
+                     file("log") + "\n");
   start();
 }
 
@@ -60,20 +61,42 @@ void Broker::kill() {
 void Broker::start() {
   m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
   m_process.start(program(), {"-c", QString::fromStdString(file("broker.conf"))});
-  for (int waited = 0; waited < patience; waited += pause) {
+  for (int waited = 0; waited < patience; waited += shortPause) {
     if (answers(m_port)) {
       return;
     }
-    QThread::msleep(pause);
+    QThread::msleep(shortPause);
   }
-  throw std::runtime_error("the broker does not start");
+  throw std::runtime_error("the broker does not start: " + textOf(file("log")));
+}
+
+void Broker::signal(int number) const {
+  ::kill(static_cast<pid_t>(m_process.processId()), number);
+}
+
+void Broker::pause() {
+  signal(SIGSTOP);
+}
+
+void Broker::resume() {
+  signal(SIGCONT);
+}
+
+bool Broker::awaitSubscription(const std::string& topic) const {
+  const auto isThere = [&] {
+    return textOf(file("log")).find(" " + topic + "\n") != std::string::npos;
+  };
+  for (int waited = 0; waited < patience && !isThere(); waited += shortPause) {
+    QThread::msleep(shortPause);
+  }
+  return isThere();
 }
 
 void Broker::save() {
-  ::kill(static_cast<pid_t>(m_process.processId()), SIGUSR1);
+  signal(SIGUSR1);
   const std::string state = file("mosquitto.db");
-  for (int waited = 0; waited < patience && textOf(state).empty(); waited += pause) {
-    QThread::msleep(pause);
+  for (int waited = 0; waited < patience && textOf(state).empty(); waited += shortPause) {
+    QThread::msleep(shortPause);
   }
 }
 

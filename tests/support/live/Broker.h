@@ -26,12 +26,19 @@ class Broker {
   void kill();
   /// Starts it again on the same port.
   void start();
+  /// Keeps it from answering, without its connections ending, and lets it go on.
+  void pause();
+  void resume();
   /// Has it write down who is subscribed.
   void save();
+  /// Waits until somebody has subscribed to exactly this; false when nobody does in ten seconds.
+  bool awaitSubscription(const std::string& topic) const;
   /// A file of its folder.
   std::string file(const std::string& name) const { return m_folder.path() / name; }
 
  private:
+  void signal(int number) const;
+
   const TempFolder m_folder;
   int m_port = 0;
   QProcess m_process;
