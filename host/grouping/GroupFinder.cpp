@@ -60,14 +60,16 @@ std::vector<FrameGroups> GroupFinder::finish() {
   return handOut(std::numeric_limits<double>::infinity());
 }
 
-/// The seconds of a frame by a clock that never goes back: where that of the input is set back,
-/// ours goes on from where it was.
+/// The seconds of a frame by a clock that always goes on: were it to stand still, no frame would
+/// ever be decided. Where that of the input is set back, ours goes on from where it was.
 double GroupFinder::clock(const PeopleFrame& frame) {
   const double usual = m_now ? *m_now + ticks::usualLength : 0.0;
-  const double now = frame.time ? *frame.time + m_setBack : usual;
-  if (m_now && now < *m_now) {
-    m_setBack += *m_now - now;
-    return *m_now;
+  double now = frame.time ? *frame.time + m_setBack : usual;
+  if (m_now && now - *m_now < ticks::tolerance) {
+    m_setBack += *m_now + m_distance - now;
+    now = *m_now + m_distance;
+  } else if (m_now) {
+    m_distance = std::min(now - *m_now, ticks::usualLength);
   }
   m_now = now;
   return now;

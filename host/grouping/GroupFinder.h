@@ -17,7 +17,8 @@ namespace grouptracker {
 /// Finds the groups of an input as people mean them: who belongs together, for how long, out of
 /// which groups. Takes one frame after the other and hands each of them out again with its groups,
 /// once what follows within the look-ahead is known. Frames without time are taken to be 0.4 s
-/// apart. The same frames give the same groups, bit by bit.
+/// apart, and one whose time has not grown as far from the one before as that was from its own. The
+/// same frames give the same groups, bit by bit.
 class GroupFinder {
  public:
   /// `lookAhead`: seconds of the future that a decision may use, 0 or more.
@@ -55,9 +56,10 @@ class GroupFinder {
   PairEvidence m_evidence;
   GroupIdentity m_identity;
 
-  std::optional<double> m_now;       ///< of the latest frame, seconds; none before the first
-  double m_setBack = 0.0;            ///< seconds by which the input's clock has gone back so far
-  std::optional<double> m_lastTick;  ///< seconds; none before the first
+  std::optional<double> m_now;  ///< of the latest frame, seconds; none before the first
+  double m_setBack = 0.0;       ///< seconds by which the input's clock has gone back so far
+  double m_distance = ticks::usualLength;  ///< seconds from frame to frame, where time has grown
+  std::optional<double> m_lastTick;        ///< seconds; none before the first
   std::deque<WaitingFrame> m_waiting;
 
   std::vector<TickGroup> m_groups;          ///< of the latest decided tick

@@ -126,6 +126,20 @@ TEST(GroupFinder, WithoutLookAheadDecidesEachFrameAtOnce) {
   EXPECT_THAT(finder.finish(), IsEmpty());
 }
 
+TEST(GroupFinder, GoesOnDecidingWhenTheClockStandsStillOrFalls) {
+  const auto frames = pairWalking().at(25);
+  for (const double step : {0.0, -0.04, -100.0}) {
+    GroupFinder finder(EvidenceModel::builtIn(), 1.0);
+    std::size_t decided = 0;
+    for (PeopleFrame frame : frames) {
+      const auto behind = static_cast<double>(frame.number - 20);
+      frame.time = behind <= 0.0 ? *frame.time : *frames[19].time + step * behind;
+      decided += finder.next(frame).size();
+      EXPECT_LE(static_cast<std::size_t>(frame.number), decided + 35) << "a second and a tick";
+    }
+  }
+}
+
 TEST(GroupFinder, DecidesOnceTheLookAheadIsKnownAndTheRestAtTheEnd) {
   GroupFinder finder(EvidenceModel::builtIn(), 3.2);
   std::vector<std::size_t> counts;
