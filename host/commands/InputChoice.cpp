@@ -117,10 +117,19 @@ void declareTable(Options& command, InputChoice& choice) {
 
 void declareMessages(Options& command, InputChoice& choice) {
   constexpr double latest = 60.0;  // seconds
+  constexpr int largestCrowd = 100'000;
   command
       .add("--message-map", choice.messageMapFile,
            "where people messages keep time, people, ids and places, as JSON pointers")
       .reads("FILE")
+      .heading(heading);
+  command
+      .add(
+          "--max-people", choice.mostPeople,
+          "a people message, or frame of MOTChallenge lines that arrive, with more people is wrong")
+      .within(1, largestCrowd)
+      .typeName("N")
+      .showDefault()
       .heading(heading);
   command
       .add("--max-lateness", choice.maxLateness,
@@ -257,6 +266,7 @@ InputOptions inputOptions(const InputChoice& choice) {
   options.rate = choice.rate;
   options.table = choice.table;
   options.mot.minConfidence = choice.minConfidence.value_or(options.mot.minConfidence);
+  options.messages.limits.people = static_cast<std::size_t>(choice.mostPeople);
   options.messages.maxLateness = choice.maxLateness;
   options.messages.broker = choice.broker;
   if (!choice.messageMapFile.empty()) {

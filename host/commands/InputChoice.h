@@ -29,6 +29,7 @@ struct InputChoice {
   std::optional<double> rate;  ///< frame numbers a second
   TableChoice table;
   std::string messageMapFile;
+  int mostPeople = static_cast<int>(MessageLimits().people);
   double maxLateness = MessageChoice().maxLateness;  ///< seconds
   BrokerAccess broker;                               ///< of commands that read topics
   LinkOptions links;

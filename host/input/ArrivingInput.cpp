@@ -1,6 +1,7 @@
 #include "host/input/ArrivingInput.h"
 
 #include "host/base/InputError.h"
+#include "host/base/LineReader.h"
 #include "host/base/PersonNames.h"
 #include "host/input/MotMessages.h"
 #include "host/input/MotReader.h"
@@ -40,7 +41,10 @@ class ArrivingFrames : public FrameSource {
  public:
   ArrivingFrames(std::shared_ptr<ArrivingText> text, InputOptions options,
                  QSharedPointer<kelAbstractDataCalibration> camera)
-      : m_text(std::move(text)), m_options(std::move(options)), m_camera(std::move(camera)) {}
+      : m_text(std::move(text)),
+        m_unknown(m_text->stream(), m_text->name()),
+        m_options(std::move(options)),
+        m_camera(std::move(camera)) {}
 
   bool next(InputFrame& frame) override {
     if (!m_frames) {
@@ -66,28 +70,48 @@ class ArrivingFrames : public FrameSource {
     if (m_options.messages.hasMap) {
       return "people";
     }
-    const std::string line = m_text->firstLine();
-    if (isMotLine(line)) {
-      return "mot";
+    for (;;) {
+      const std::string line = m_text->firstLine();
+      if (isMotLine(line)) {
+        return "mot";
+      }
+      if (isPeopleMessage(line, m_options.messages.map)) {
+        return "people";
+      }
+      if (!m_options.messages.isTopic || isSceneLine(line)) {
+        return "scene";
+      }
+      passOver();
     }
-    // A topic goes on behind a damaged message, which says nothing of the next.
-    const bool isMessage = isPeopleMessage(line, m_options.messages.map) ||
-                           (m_options.messages.isTopic && !isSceneLine(line));
-    return isMessage ? "people" : "scene";
+  }
+
+  /// A topic goes on behind a damaged message, which says nothing of the next.
+  void passOver() {
+    m_unknown.nextFilled();
+    m_options.onProblem(m_unknown.error(
+        "is neither a people message nor a line of a scene or of the MOTChallenge (--format)"));
   }
 
   std::unique_ptr<FrameSource> open() {
     const std::string what = format();
     if (what == "scene") {
-      return std::make_unique<SceneReader>(m_text->stream(), m_text->name(), fs::path(), m_camera);
+      auto scene =
+          std::make_unique<SceneReader>(m_text->stream(), m_text->name(), fs::path(), m_camera);
+      if (m_options.messages.isTopic) {
+        scene->surviveLosses();
+        scene->limitPeople(m_options.messages.limits.people);
+      }
+      return scene;
     }
     std::unique_ptr<MessageReader> reader;
     if (what == "people") {
-      reader = std::make_unique<JsonMessages>(m_text->stream(), m_text->name(),
-                                              m_options.messages.map, m_camera != nullptr);
+      reader =
+          std::make_unique<JsonMessages>(m_text->stream(), m_text->name(), m_options.messages.map,
+                                         m_camera != nullptr, m_options.messages.limits);
     } else {
       reader = std::make_unique<MotMessages>(m_text->stream(), m_text->name(), m_options.mot,
-                                             m_camera != nullptr);
+                                             m_camera != nullptr, m_options.messages.isTopic,
+                                             m_options.messages.limits.people);
     }
     const ArrivalOptions options{m_options.messages.maxLateness, m_options.messages.isLive,
                                  m_options.onProblem, m_options.onWarning,
@@ -98,6 +122,7 @@ class ArrivingFrames : public FrameSource {
   }
 
   std::shared_ptr<ArrivingText> m_text;
+  LineReader m_unknown;  ///< the lines before the first that tells the format
   InputOptions m_options;
   QSharedPointer<kelAbstractDataCalibration> m_camera;
   std::unique_ptr<FrameSource> m_frames;  ///< null before the first line
@@ -106,7 +131,7 @@ class ArrivingFrames : public FrameSource {
 std::unique_ptr<ByteArrival> openArrival(const std::string& path, const InputOptions& options) {
   if (MqttAddress::isOne(path)) {
     return std::make_unique<MqttArrival>(MqttAddress::parse(path), options.messages.broker,
-                                         options.onWarning);
+                                         options.onWarning, options.messages.watchArrival);
   }
   return std::make_unique<FileArrival>(path);
 }

@@ -18,7 +18,7 @@ bool MotMessages::next(PeopleMessage& message) {
         add(row);
         continue;
       }
-      if (row.frame < *m_open.frame) {
+      if (row.frame < *m_open.frame && !m_isTopic) {
         throw ValueProblem(
             "the frame is earlier than the one of the line before; lines that arrive must be in "
             "order, those of a file need not");
@@ -64,6 +64,9 @@ void MotMessages::add(const MotRow& row) {
       [](const Observation& seen, std::uint32_t person) { return seen.person < person; });
   if (place != m_open.people.end() && place->person == row.seen->person) {
     throw ValueProblem("person " + std::to_string(row.seen->person) + " is observed twice");
+  }
+  if (m_open.people.size() == m_mostPeople) {
+    throw ValueProblem(tooMany(m_mostPeople));
   }
   m_open.people.insert(place, *row.seen);
 }

@@ -5,7 +5,7 @@
 #include "host/input/MotReader.h"
 #include "host/input/TrackRows.h"
 #include "host/live/MessageMap.h"
-#include "host/live/MqttAddress.h"
+#include "host/live/MqttArrival.h"
 #include "host/live/ReorderBuffer.h"
 #include "host/people/InputFrame.h"
 #include "host/people/LinkOptions.h"
@@ -27,13 +27,16 @@ namespace grouptracker {
 /// How what arrives is read.
 struct MessageChoice {
   MessageMap map;
-  bool hasMap = false;       ///< the user gave one, so that the input consists of people messages
+  bool hasMap = false;  ///< the user gave one, so that the input consists of people messages
+  MessageLimits limits;
   double maxLateness = 0.5;  ///< seconds that one may come after those behind it
   BrokerAccess broker;
   bool isTopic = false;  ///< the messages are those of a broker, which never end
   bool isLive = false;   ///< they arrive, from a broker or a pipe
   /// Hears of how orderly messages arrive, whenever that changes; empty when nobody wants to know.
   std::function<void(const ReorderBuffer::Counts&)> watch;
+  /// The same of what waits between the broker and the reading, on any thread.
+  MqttArrival::Watch watchArrival;
 };
 
 /// What the user says about an input beside its name.

@@ -2,6 +2,7 @@
 
 #include "host/base/InputError.h"
 #include "host/camera/BoxLifter.h"
+#include "host/live/PeopleMessage.h"
 
 #include <algorithm>
 #include <stdexcept>
@@ -11,6 +12,9 @@
 namespace grouptracker {
 
 namespace {
+
+constexpr int restartAfter = 5;        // lines in a row that are too early
+constexpr double mostRepeated = 10.0;  // seconds that a sender may repeat
 
 struct Undeclared : ValueProblem {
   using ValueProblem::ValueProblem;
@@ -49,6 +53,9 @@ bool SceneReader::next(InputFrame& frame) {
   m_mobiles.beginFrame();
   try {
     m_parser.parse(m_lines.line(), m_scene);
+    if (m_mostPeople && m_scene.actors.size() > *m_mostPeople) {
+      throw ValueProblem(tooMany(*m_mostPeople));
+    }
     countFrame(frame);
     for (const SceneMobile& mobile : m_scene.mobiles) {
       observe(mobile, frame);
@@ -85,16 +92,30 @@ std::optional<std::uint64_t> SceneReader::totalFrames() {
 void SceneReader::countFrame(InputFrame& frame) {
   frame.number = m_scene.frame.value_or(frame.number);
   frame.time = m_scene.time;
+  if (isNewBeginning(frame)) {
+    m_lastNumber.reset();
+    m_lastTime.reset();
+  }
   if (m_lastNumber && frame.number <= *m_lastNumber) {
     throw ValueProblem("the frame is number " + std::to_string(frame.number) +
                        ", the one before it number " + std::to_string(*m_lastNumber) +
                        "; numbers must grow");
   }
-  m_lastNumber = frame.number;
   if (frame.time && m_lastTime && *frame.time <= *m_lastTime) {
     throw ValueProblem("the time is not later than that of a frame before");
   }
+  m_lastNumber = frame.number;
   m_lastTime = frame.time ? frame.time : m_lastTime;
+}
+
+/// Whether so many lines went back that the sender has started anew, or the one before them was
+/// wrong. Those that are repeated after a lost connection show by their times.
+bool SceneReader::isNewBeginning(const InputFrame& frame) {
+  const bool isBefore = m_lastTime && frame.time && *frame.time <= *m_lastTime;
+  const bool goesBack = isBefore || (m_lastNumber && frame.number <= *m_lastNumber);
+  const bool isRepeated = isBefore && *frame.time > *m_lastTime - mostRepeated;
+  m_earlier = goesBack && !isRepeated ? m_earlier + 1 : 0;
+  return m_survivesLosses && m_earlier == restartAfter;
 }
 
 void SceneReader::observe(const SceneMobile& mobile, InputFrame& frame) {
@@ -129,6 +150,9 @@ QSharedPointer<kelDataPhysicalObject> SceneReader::physicalObject(const SceneMob
 void SceneReader::linkFathers(const SceneMobile& mobile, InputFrame& frame) {
   for (const SceneFather& link : mobile.fathers) {
     const MobilePointer& father = m_mobiles.find(link.id);
+    if (!father && m_survivesLosses) {
+      continue;
+    }
     if (!father) {
       throw undeclared(link.id, "a father link of mobile " + std::to_string(mobile.id));
     }
@@ -143,6 +167,9 @@ QSharedPointer<kelDataActor> SceneReader::makeActor(const SceneActor& scene) {
   actor->setIdent(scene.id);
   for (const std::uint32_t id : scene.mobiles) {
     const MobilePointer& mobile = m_mobiles.find(id);
+    if (!mobile && m_survivesLosses && id != scene.mobiles.back()) {
+      continue;
+    }
     if (!mobile) {
       throw undeclared(id, name);
     }

@@ -10,6 +10,7 @@
 
 #include <QSharedPointer>
 
+#include <cstddef>
 #include <filesystem>
 #include <istream>
 #include <memory>
@@ -35,11 +36,19 @@ class SceneReader : public FrameSource {
   /// Opens a file, or standard input with the path "-".
   SceneReader(const std::string& path, Calibration calibration);
 
+  /// For a stream of which lines may be lost, that may have begun long ago and whose sender may
+  /// start anew: what names a mobile that was not declared is left out, and several lines in a row
+  /// with earlier numbers or times are a new beginning. To be said before the first frame.
+  void surviveLosses() { m_survivesLosses = true; }
+  /// A line with more actors is wrong.
+  void limitPeople(std::size_t most) { m_mostPeople = most; }
+
   bool next(InputFrame& frame) override;
   std::optional<std::uint64_t> totalFrames() override;
 
  private:
   void countFrame(InputFrame& frame);
+  bool isNewBeginning(const InputFrame& frame);
   void observe(const SceneMobile& mobile, InputFrame& frame);
   QSharedPointer<kelDataPhysicalObject> physicalObject(const SceneMobile& mobile) const;
   void linkFathers(const SceneMobile& mobile, InputFrame& frame);
@@ -52,11 +61,14 @@ class SceneReader : public FrameSource {
   SceneLineParser m_parser;
   std::filesystem::path m_imageFolder;
   Calibration m_calibration;
+  bool m_survivesLosses = false;
+  std::optional<std::size_t> m_mostPeople;
   MobileStore m_mobiles;
   SceneLine m_scene;                         ///< the current line, kept for its buffers
   std::int64_t m_frames = 0;                 ///< lines with a frame
   std::optional<std::int64_t> m_lastNumber;  ///< of the frame before
   std::optional<double> m_lastTime;          ///< the latest that a line gave, seconds
+  int m_earlier = 0;                         ///< lines in a row that were earlier than these
 };
 
 }  // namespace grouptracker

@@ -32,8 +32,9 @@ class MessageReader {
 class JsonMessages : public MessageReader {
  public:
   /// The stream outlives the reader.
-  JsonMessages(std::istream& in, const std::string& name, const MessageMap& map, bool hasCamera)
-      : m_lines(in, name), m_parser(map, hasCamera) {}
+  JsonMessages(std::istream& in, const std::string& name, const MessageMap& map, bool hasCamera,
+               const MessageLimits& limits = {})
+      : m_lines(in, name), m_parser(map, hasCamera, limits) {}
 
   bool next(PeopleMessage& message) override;
 

@@ -165,6 +165,10 @@ PeopleMessage PeopleMessageParser::parse(const std::string& text) {
   if (!people) {
     throw ValueProblem("the people are missing (\"" + m_map.people + "\")");
   }
+  simdjson::dom::array all;
+  if (people->get(all) == simdjson::SUCCESS && all.size() > m_limits.people) {
+    throw ValueProblem(tooMany(m_limits.people));
+  }
   const auto read = [this](Value value) {
     json::asObject(value, "it");
     Observation seen{idIn(value, m_map, m_limits.idBytes), positionIn(value, m_map),
@@ -176,11 +180,12 @@ PeopleMessage PeopleMessageParser::parse(const std::string& text) {
     return seen;
   };
   json::readArray(*people, "people", read, message.people);
-  if (message.people.size() > m_limits.people) {
-    throw ValueProblem(fmt::format("more than {} people in one message", m_limits.people));
-  }
   sortPeople(message.people);
   return message;
+}
+
+std::string tooMany(std::size_t people) {
+  return fmt::format("there are more than {} people at one moment (--max-people)", people);
 }
 
 bool isPeopleMessage(const std::string& text, const MessageMap& map) {

@@ -20,11 +20,12 @@ struct PeopleMessage {
   std::vector<Observation> people;    ///< in ascending order of persons, each once
 };
 
-/// What no message of an honest sender exceeds.
+/// What no message of an honest sender exceeds. People are looked at in pairs, so that twice as
+/// many cost four times as much.
 struct MessageLimits {
   std::size_t bytes = std::size_t{1024} * 1024;
   std::size_t nesting = 32;  ///< objects and arrays within each other
-  std::size_t people = 10'000;
+  std::size_t people = 1000;
   std::size_t idBytes = 256;
 };
 
@@ -51,6 +52,9 @@ class PeopleMessageParser {
   MessageLimits m_limits;
   std::unique_ptr<Json> m_json;
 };
+
+/// What is wrong with more people than the limit says.
+std::string tooMany(std::size_t people);
 
 /// Whether a text could be such a message.
 bool isPeopleMessage(const std::string& text, const MessageMap& map);

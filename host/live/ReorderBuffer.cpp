@@ -23,7 +23,10 @@ constexpr std::size_t mostRepeated = 100;  // messages that a sender may repeat
 
 void ReorderBuffer::add(PeopleMessage message, Clock::time_point now) {
   ++m_counts.messages;
-  m_hasNumbers = m_hasNumbers.value_or(message.frame.has_value());
+  if (!chooseOrder(message)) {
+    ++m_counts.late;
+    return;
+  }
   const auto key = keyOf(message);
   if (!key) {
     put(std::nullopt, std::move(message));
@@ -79,8 +82,31 @@ ReorderBuffer::Counts ReorderBuffer::counts() const {
   return counts;
 }
 
+ReorderBuffer::Order ReorderBuffer::orderOf(const PeopleMessage& message) {
+  return message.frame ? Order::numbers : message.time ? Order::times : Order::arrival;
+}
+
+/// Whether a message has what gives the order, which several that have not change.
+bool ReorderBuffer::chooseOrder(const PeopleMessage& message) {
+  if (m_order == Order::arrival) {
+    m_order = orderOf(message);
+  }
+  if (m_order == Order::arrival || keyOf(message)) {
+    m_strange = 0;
+    return true;
+  }
+  if (++m_strange < restartAfter) {
+    return false;
+  }
+  finish();
+  forgetOrder();
+  m_strange = 0;
+  m_order = orderOf(message);
+  return true;
+}
+
 std::optional<double> ReorderBuffer::keyOf(const PeopleMessage& message) const {
-  if (!*m_hasNumbers) {
+  if (!hasNumbers()) {
     return message.time;
   }
   return message.frame ? std::optional(static_cast<double>(*message.frame)) : std::nullopt;
@@ -110,8 +136,8 @@ bool ReorderBuffer::isRepeated(double key, const PeopleMessage& message) const {
 /// Whether an earlier message is one of those that were given up, as its time tells: even many of
 /// these are no new beginning.
 bool ReorderBuffer::isLate(double key, const PeopleMessage& message) const {
-  const std::optional<double> time = *m_hasNumbers ? message.time : std::optional(key);
-  const std::optional<double> last = *m_hasNumbers ? m_lastTime : m_lastKey;
+  const std::optional<double> time = hasNumbers() ? message.time : std::optional(key);
+  const std::optional<double> last = hasNumbers() ? m_lastTime : m_lastKey;
   return time && last && *time <= *last && *time > *last - longestGap;
 }
 
@@ -130,10 +156,7 @@ void ReorderBuffer::addEarlier(double key, Held held) {
 void ReorderBuffer::startAnew() {
   std::vector<Held> beginning = std::exchange(m_earlier, {});
   finish();
-  ++m_counts.restarts;
-  m_lastKey.reset();
-  m_lastTime.reset();
-  m_distances.clear();
+  forgetOrder();
   for (Held& held : beginning) {
     const double key = *keyOf(held.message);
     m_held.emplace(key, std::move(held));
@@ -141,6 +164,13 @@ void ReorderBuffer::startAnew() {
   while (!m_held.empty()) {
     releaseFirst();  // they came one behind the other
   }
+}
+
+void ReorderBuffer::forgetOrder() {
+  ++m_counts.restarts;
+  m_lastKey.reset();
+  m_lastTime.reset();
+  m_distances.clear();
 }
 
 void ReorderBuffer::releaseWhatFollows() {
@@ -160,7 +190,7 @@ bool ReorderBuffer::follows(double key) const {
     return false;
   }
   const double distance = key - *m_lastKey;
-  return (*m_hasNumbers && distance == 1.0) ||
+  return (hasNumbers() && distance == 1.0) ||
          (m_distances.size() >= fewestDistances && distance < irregularity * spacing());
 }
 
@@ -214,9 +244,9 @@ void ReorderBuffer::fillGap(double key, const PeopleMessage& next) {
     missing.place = next.place;
     const double part = step / steps;
     const double at = firstKey + std::round(gap * part);
-    missing.frame = *m_hasNumbers ? std::optional(static_cast<std::int64_t>(at)) : std::nullopt;
+    missing.frame = hasNumbers() ? std::optional(static_cast<std::int64_t>(at)) : std::nullopt;
     missing.time = seconds ? std::optional(firstTime + *seconds * part) : std::nullopt;
-    put(*m_hasNumbers ? at : firstKey + gap * part, std::move(missing));
+    put(hasNumbers() ? at : firstKey + gap * part, std::move(missing));
     ++m_counts.missing;
   }
   m_lastKey = firstKey;  // the distance to the next message is a true one

@@ -14,15 +14,17 @@
 namespace grouptracker {
 
 /// Puts messages that arrive out of order in order: by frame number when the first one has a
-/// number, else by time; those that have neither come out as they arrive.
+/// number, else by time; as long as they have neither they come out as they arrive. One without
+/// what gives the order is dropped.
 ///
 /// A message that follows the one before at the usual distance comes out at once. One behind a gap
 /// waits until those between have arrived or its patience is over: `maxLateness` seconds by the
 /// caller's clock or by the messages' own times. What comes later than that is dropped, as is what
 /// comes twice: senders and brokers repeat their latest messages after a lost connection. A gap
 /// becomes steps without people, unless it is so long that it is a pause. When several messages in
-/// a row have smaller numbers at a later time, or times that are earlier by many seconds, the
-/// sender has started anew or its clock was set back: they begin a new order.
+/// a row have smaller numbers at a later time, times that are earlier by many seconds, or nothing
+/// that gives the order, the sender has started anew or its clock was set back: they begin a new
+/// order.
 class ReorderBuffer {
  public:
   using Clock = std::chrono::steady_clock;
@@ -51,6 +53,9 @@ class ReorderBuffer {
   Counts counts() const;
 
  private:
+  /// What gives the order.
+  enum class Order : std::uint8_t { arrival, times, numbers };
+
   struct Held {
     PeopleMessage message;
     Clock::time_point arrived;
@@ -64,8 +69,11 @@ class ReorderBuffer {
     bool operator==(const Likeness&) const = default;
   };
 
+  static Order orderOf(const PeopleMessage& message);
   static Likeness likenessOf(double key, const PeopleMessage& message);
+  bool hasNumbers() const { return m_order == Order::numbers; }
   std::optional<double> keyOf(const PeopleMessage& message) const;
+  bool chooseOrder(const PeopleMessage& message);
   bool isRepeated(double key, const PeopleMessage& message) const;
   bool isLate(double key, const PeopleMessage& message) const;
   void addEarlier(double key, Held held);
@@ -78,9 +86,11 @@ class ReorderBuffer {
   void fillGap(double key, const PeopleMessage& next);
   void put(std::optional<double> key, PeopleMessage message);
   void startAnew();
+  void forgetOrder();
 
   double m_maxLateness;  ///< seconds
-  std::optional<bool> m_hasNumbers;
+  Order m_order = Order::arrival;
+  std::size_t m_strange = 0;      ///< messages in a row without what gives the order
   std::map<double, Held> m_held;  ///< by key: frame number, or time in seconds
   std::vector<Held> m_earlier;    ///< messages in a row that came too late, in order
   std::deque<ObservationStep> m_ready;

@@ -88,6 +88,51 @@ TEST(SceneReader, TakesTheNumbersAndTimesOfTheInputItself) {
             "s.jsonl:1: frame must be an integer from -9223372036854775808 to 9223372036854775807");
 }
 
+/// The numbers of the frames of a stream that survives losses, "x" for a line that is wrong.
+std::string framesOfStream(const std::string& text) {
+  std::istringstream in(text);
+  SceneReader reader(in, "s.jsonl", "scenes", {});
+  reader.surviveLosses();
+  reader.limitPeople(2);
+  std::string all;
+  for (bool isThere = true; isThere;) {
+    try {
+      InputFrame frame;
+      isThere = reader.next(frame);
+      all += isThere ? std::to_string(frame.number) + " " : "";
+    } catch (const InputError&) {
+      all += "x ";
+    }
+  }
+  return all;
+}
+
+TEST(SceneReader, SurvivesLostLinesAndASenderThatStartsAnew) {
+  const auto numbered = [](int from, int to, double start) {
+    std::string lines;
+    for (int number = from; number < to; ++number) {
+      lines += R"({"frame": )" + std::to_string(number) + R"(, "time": )" +
+               std::to_string(start + 0.1 * number) + R"(, "mobiles": [)" +
+               mobile(std::to_string(number), father(std::to_string(number - 1))) +
+               R"(], "actors": [{"id": 7, "mobiles": [)" + std::to_string(number - 1) + ", " +
+               std::to_string(number) + "]}]}\n";
+    }
+    return lines;
+  };
+  EXPECT_EQ(framesOfStream(numbered(50, 53, 0) + "damaged\n" + numbered(54, 56, 0)),
+            "50 51 52 x 54 55 ");
+  EXPECT_EQ(framesOfStream(numbered(50, 52, 0) + numbered(1, 8, 99)), "50 51 x x x x 5 6 7 ");
+  EXPECT_EQ(framesOfStream(numbered(50, 52, 99) + numbered(60, 67, 0)), "50 51 x x x x 64 65 66 ");
+  EXPECT_EQ(framesOfStream(numbered(50, 60, 0) + numbered(52, 62, 0)),
+            "50 51 52 53 54 55 56 57 58 59 x x x x x x x x 60 61 ")
+      << "what is repeated is no new beginning";
+  EXPECT_EQ(framesOfStream(line("", R"({"id": 1, "mobiles": [5]})") +
+                           line("", R"({"id": 1, "mobiles": []}, {"id": 2, "mobiles": []}, )"
+                                    R"({"id": 3, "mobiles": []})") +
+                           line("")),
+            "x x 3 ");
+}
+
 TEST(SceneReader, AnIdDeclaredAgainNamesItsLatestObservation) {
   const auto frames = readAll(line(mobile("1")) + line(mobile("1", father("1"))) +
                               line(mobile("2"), R"({"id": 7, "mobiles": [1, 2]})"));

@@ -1,9 +1,11 @@
 #include "host/input/CvmlReader.h"
 #include "host/input/InputFormats.h"
+#include "host/input/MotMessages.h"
 #include "host/input/MotReader.h"
 #include "host/input/MotSequence.h"
 #include "tests/support/base/Texts.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <random>
@@ -42,6 +44,31 @@ std::vector<std::uint32_t> personsOf(const ObservationStep& step) {
     persons.push_back(observation.person);
   }
   return persons;
+}
+
+/// The frames of lines that arrive, as "frame:people", "x" for a line that is wrong.
+std::string arriving(const std::string& text, bool isTopic) {
+  std::istringstream in(text);
+  MotMessages messages(in, "track.txt", {}, true, isTopic, 2);
+  std::string all;
+  for (bool isThere = true; isThere;) {
+    try {
+      PeopleMessage message;
+      isThere = messages.next(message);
+      all += isThere ? fmt::format("{}:{} ", *message.frame, message.people.size()) : "";
+    } catch (const InputError&) {
+      all += "x ";
+    }
+  }
+  return all;
+}
+
+TEST(MotMessages, GoOnBehindAWrongNumberAndANewBeginningOfATopic) {
+  const std::string box = ",1,2,3,4\n";
+  const std::string lines = "8,1" + box + "8,2" + box + "8,3" + box + "999999,1" + box + "9,1" +
+                            box + "1,1" + box + "1,2" + box + "2,1" + box;
+  EXPECT_EQ(arriving(lines, true), "x 8:2 999999:1 9:1 1:2 2:1 ");
+  EXPECT_EQ(arriving(lines, false), "x 8:2 x x x x 999999:1 ");
 }
 
 TEST(Mot, ReadsUnsortedLinesWithWindowsEndsAndAByteOrderMark) {

@@ -185,6 +185,21 @@ TEST_F(Reordering, LetsOneMessageOfAWrongClockPassByItself) {
   EXPECT_EQ(all, "[1002.25] [1002.5] [1002.75] [1003] [1003.25]");
 }
 
+TEST_F(Reordering, DropsWhatLacksTheNumberOfTheOthersUntilNobodyHasOne) {
+  begin();
+  EXPECT_EQ(add(timed(1.0)), "");
+  EXPECT_EQ(add(numbered(6)), "6");
+  std::string all;
+  for (int i = 0; i < 8; ++i) {
+    all += add(timed(10.0 + i));
+  }
+  EXPECT_EQ(all + wait(patience), "[14][15][16][17]");
+  EXPECT_EQ(counts().late, 5U);
+  EXPECT_EQ(counts().restarts, 1U);
+  EXPECT_EQ(add(timed(17.0)), "");
+  EXPECT_EQ(counts().duplicates, 1U);
+}
+
 TEST_F(Reordering, NumbersWhatHasNeitherNumberNorTime) {
   PeopleMessage plain;
   plain.people = {{1, cv::Point2d(), {}}};
