@@ -30,6 +30,7 @@ class RunCommand : public Command {
   int run() override;
 
  private:
+  void checkAddresses() const;
   void completeOptions();
   void printParameters() const;
   void runSession();
@@ -137,7 +138,8 @@ std::string counted(std::uint64_t count, const char* one, const char* more) {
 }
 
 void printSummary(const RunSummary& summary, const std::string& groupsFile) {
-  std::string text = fmt::format("{}, {}", counted(summary.frames, "frame", "frames"),
+  std::string text = fmt::format("{}, {}{}", counted(summary.frames, "frame", "frames"),
+                                 summary.countedAll ? "" : "at least ",
                                  counted(summary.people, "person", "people"));
   if (summary.groups) {
     text += fmt::format(", {}, {}", counted(*summary.groups, "group", "groups"),
@@ -187,6 +189,7 @@ Options RunCommand::declare(CommandLine& program) {
 int RunCommand::run() {
   program_log::setFormat(m_options.live.logsJson ? program_log::Format::json
                                                  : program_log::Format::text);
+  checkAddresses();
   if (m_options.printsConfig) {
     fmt::print("{}", m_config());
     return finished;
@@ -212,6 +215,17 @@ int RunCommand::run() {
     runSession();
   }
   return m_readerLeft ? readerLeft : finished;
+}
+
+/// Before anything repeats them, as they may hold a password.
+void RunCommand::checkAddresses() const {
+  const std::string& publish = m_options.live.publishAddress;
+  if (MqttAddress::isOne(m_options.input)) {
+    MqttAddress::parse(m_options.input);
+  }
+  if (!publish.empty()) {
+    MqttAddress::parse(publish);
+  }
 }
 
 /// What holds where the user said nothing. On a terminal nobody wants to see some lines for each

@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <cmath>
 #include <cstdio>
 #include <fcntl.h>
 #include <filesystem>
@@ -62,6 +63,7 @@ RunSummary RunSession::run() {
   m_progress->clear();
   m_summary.frames = m_tracker->frame();
   m_summary.people = m_people.count();
+  m_summary.countedAll = m_people.isWhole();
   m_summary.seconds = m_progress->seconds();
   m_summary.stoppedBy = m_signals.signalName();
   m_summary.readerLeft = m_readers.hasAnybodyLeft();
@@ -92,6 +94,11 @@ void RunSession::openInput() {
     m_metrics.set(Metric::missingFrames, counts.missing);
     m_metrics.set(Metric::senderRestarts, counts.restarts);
     m_metrics.set(Metric::waitingMessages, counts.waiting);
+  };
+  options.messages.watchArrival = [this](const MqttArrival::Counts& counts) {
+    m_metrics.set(Metric::longMessages, counts.tooLong);
+    m_metrics.set(Metric::overrunMessages, counts.dropped);
+    m_metrics.set(Metric::queueBytes, counts.waitingBytes);
   };
   m_input = grouptracker::openInput(m_options.input, options);
   m_watch.emplace(m_input.imageSize);
@@ -231,10 +238,11 @@ void RunSession::measure(const InputFrame& frame) {
   m_metrics.set(Metric::frames, std::uint64_t{m_tracker->frame()});
   m_metrics.set(Metric::people, std::uint64_t(frame.actors.size()));
   m_metrics.set(Metric::events, m_summary.events);
-  if (frame.time) {
-    const std::chrono::duration<double> now = std::chrono::system_clock::now().time_since_epoch();
-    m_metrics.set(Metric::lateness, now.count() - *frame.time);
-  }
+  const std::chrono::duration<double> now = std::chrono::system_clock::now().time_since_epoch();
+  const double lateness = now.count() - frame.time.value_or(0.0);
+  // Times out of --rate, or since the beginning of a recording, tell nothing.
+  constexpr double day = 86400.0;  // seconds
+  m_metrics.set(Metric::lateness, std::abs(lateness) < day ? lateness : std::nan(""));
 }
 
 /// The dump in its usual place is nothing that a run goes on for.

@@ -33,6 +33,7 @@ namespace grouptracker {
 struct RunSummary {
   std::uint64_t frames = 0;
   std::uint64_t people = 0;             ///< different ones
+  bool countedAll = true;               ///< else there were more
   std::optional<std::uint64_t> groups;  ///< different ones; none when nobody wanted them
   std::uint64_t events = 0;             ///< that happened to the groups
   std::uint64_t skippedFrames = 0;
@@ -84,6 +85,7 @@ class RunSession {
   RunOptions m_options;
   StopSignals m_signals;
   RunParameters m_parameters;
+  RunMetrics m_metrics;  ///< before the input, whose threads count
   QSharedPointer<kelDataContext> m_context;
   OpenedInput m_input;
   std::optional<InputFrame> m_first;  ///< when it was read and not yet used
@@ -91,9 +93,8 @@ class RunSession {
   std::optional<InputWatch> m_watch;  ///< none before the input is opened
   PersonCount m_people;
   ImageLoader m_images;
-  FileDescriptor m_dump;    ///< of the mobiles, which the process writes: holds the lock
-  OutputReaders m_readers;  ///< of all that is written
-  RunMetrics m_metrics;
+  FileDescriptor m_dump;        ///< of the mobiles, which the process writes: holds the lock
+  OutputReaders m_readers;      ///< of all that is written
   std::uint64_t m_damaged = 0;  ///< messages that were passed over
   OnceInAWhile m_tellingDamage;
   std::optional<RunStatus> m_status;       ///< none before the outputs are opened

@@ -22,6 +22,9 @@ enum class Metric : std::uint8_t {
   missingFrames,
   senderRestarts,
   damagedMessages,
+  longMessages,
+  overrunMessages,
+  queueBytes,
   published,
   brokerConnected,
   spoolMessages,
@@ -29,15 +32,18 @@ enum class Metric : std::uint8_t {
   spoolDropped,
 };
 
-inline constexpr std::size_t metrics = 17;
+inline constexpr std::size_t metrics = 20;
 
 /// The numbers of a run for those who watch it; any thread may set and read them.
 class RunMetrics {
  public:
+  RunMetrics();
+
   void set(Metric metric, double value) { at(metric) = value; }
   void set(Metric metric, std::uint64_t value) { at(metric) = static_cast<double>(value); }
 
-  /// All of them in the text format of Prometheus.
+  /// All of them in the text format of Prometheus; those that are no number, since nobody knows
+  /// them, are left out.
   std::string text() const;
 
  private:

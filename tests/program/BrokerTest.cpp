@@ -3,6 +3,8 @@
 #include "tests/support/live/MqttPeer.h"
 #include "tests/support/program/Program.h"
 
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -58,6 +60,11 @@ class BrokerRun : public testing::Test {
                        "0.1"} +
            more;
   }
+  /// Whether it listens and can be heard.
+  bool isThere() const {
+    return broker.awaitSubscription("people") && peer.await("groups/status", 1);
+  }
+
   Broker broker;
   MqttPeer peer{broker.port(), "peer", "groups"};
   const TempFolder folder;
@@ -66,8 +73,7 @@ class BrokerRun : public testing::Test {
 
 TEST_F(BrokerRun, TurnsATopicOfPeopleIntoTopicsOfGroups) {
   program.start(arguments());
-  ASSERT_TRUE(peer.await("groups/status", 1));
-  std::this_thread::sleep_for(std::chrono::milliseconds(300));  // until it listens, too
+  ASSERT_TRUE(isThere());
   for (int frame = 1; frame <= 40; ++frame) {
     peer.send("people", frame == 20 ? "{\"people\": 1" : pairMessage(frame));
   }
@@ -94,8 +100,7 @@ TEST_F(BrokerRun, TurnsATopicOfPeopleIntoTopicsOfGroups) {
 
 TEST_F(BrokerRun, EndsWithADamagedMessageWhenItIsToBeStrict) {
   program.start(arguments({"--strict"}));
-  ASSERT_TRUE(peer.await("groups/status", 1));
-  std::this_thread::sleep_for(std::chrono::milliseconds(300));
+  ASSERT_TRUE(isThere());
   peer.send("people", pairMessage(1));
   peer.send("people", "{}");
   EXPECT_EQ(program.finish(), 2) << program.errors();
@@ -105,8 +110,7 @@ TEST_F(BrokerRun, EndsWithADamagedMessageWhenItIsToBeStrict) {
 
 TEST_F(BrokerRun, TracksTheLinesThatMessagesHold) {
   program.start(arguments());
-  ASSERT_TRUE(peer.await("groups/status", 1));
-  std::this_thread::sleep_for(std::chrono::milliseconds(300));
+  ASSERT_TRUE(isThere());
   for (int frame = 1; frame <= 30; ++frame) {
     peer.send("people", fmt::format("{0},4,1,2,3,8,1,{1},0.5,0\n{0},9,1,2,3,8,1,{1},1.1,0\n", frame,
                                     0.1 * frame));
@@ -116,6 +120,91 @@ TEST_F(BrokerRun, TracksTheLinesThatMessagesHold) {
   EXPECT_THAT(peer.messages("groups")[28],
               AllOf(StartsWith("{\"sequence\": 29, \"frame\": 29, \"time\": 2.9, "),
                     HasSubstr("\"members\": [4, 9]")));
+}
+
+TEST_F(BrokerRun, TakesABatchOfMessagesInOne) {
+  program.start(arguments());
+  ASSERT_TRUE(isThere());
+  peer.send("people", "nothing that anybody knows");
+  peer.send("people",
+            onOneLine(pairMessage(1)) + onOneLine(pairMessage(2)) + onOneLine(pairMessage(3)));
+  peer.send("people", pairMessage(4));
+  ASSERT_TRUE(peer.await("groups", 4)) << program.errors();
+  program.send(SIGTERM);
+  EXPECT_EQ(program.finish(), 128 + SIGTERM);
+  EXPECT_THAT(program.errors(), HasSubstr("is neither a people message nor"));
+}
+
+TEST_F(BrokerRun, WaitsForNobodyWhoReadsSlowly) {
+  QProcess reader;
+  reader.start("mosquitto_sub", {"-p", QString::number(broker.port()), "-q", "1", "-t", "groups"});
+  ASSERT_TRUE(broker.awaitSubscription("groups"));
+  ::kill(static_cast<pid_t>(reader.processId()), SIGSTOP);
+  QStringList piped = arguments({"--output", "groups.jsonl", "--spool", "groups.spool"});
+  piped[1] = "-";
+  program.start(piped);
+  ASSERT_TRUE(peer.await("groups/status", 1));
+  const auto feed = [&](int from) {
+    std::string all;
+    for (int frame = from; frame < from + 200; ++frame) {
+      all += onOneLine(pairMessage(frame, 4));
+    }
+    program.process().write(QByteArray::fromStdString(all));
+    program.process().waitForBytesWritten();
+    return program.waitUntil([&] {
+      return linesOf(textOf(folder.path() / "groups.jsonl")).size() >=
+             static_cast<std::size_t>(from) + 198;
+    });
+  };
+  EXPECT_TRUE(feed(1)) << "while a subscriber stands still";
+  broker.pause();
+  EXPECT_TRUE(feed(201)) << "while the broker does";
+  broker.resume();
+  EXPECT_EQ(program.finish(), 0) << program.errors();
+  ASSERT_TRUE(peer.await("groups", 400));
+  const auto heard = peer.messages("groups");
+  for (std::size_t i = 0; i < heard.size(); ++i) {
+    ASSERT_THAT(heard[i], StartsWith(fmt::format("{{\"sequence\": {}, ", i + 1)));
+  }
+  reader.kill();
+  reader.waitForFinished();
+}
+
+/// What a client sends next; empty when nothing comes.
+QByteArray nextFrom(QTcpSocket& client) {
+  client.waitForReadyRead(10000);
+  return client.readAll();
+}
+
+TEST(BrokerAccess, IsNoticedWhenItIsDenied) {
+  QTcpServer broker;  // that lets everybody in and lets nobody read, as some do by rules
+  ASSERT_TRUE(broker.listen(QHostAddress::LocalHost));
+  const TempFolder folder;
+  Program program(folder.path());
+  program.start({"run", QString("mqtt://127.0.0.1:%1/people").arg(broker.serverPort()),
+                 "--diagnostics", "none", "--mobile-dump", "none"});
+  QByteArray greeting;
+  for (int connection = 0; connection < 2; ++connection) {
+    ASSERT_TRUE(broker.waitForNewConnection(10000)) << program.errors();
+    const std::unique_ptr<QTcpSocket> client(broker.nextPendingConnection());
+    const QByteArray connect = nextFrom(*client);
+    EXPECT_TRUE(greeting.isEmpty() || connect == greeting) << "a name of its own, always the same";
+    greeting = connect;
+    if (connection == 1) {
+      client->write(QByteArray("\x20\x02\x00\x00", 4));
+      const QByteArray subscription = nextFrom(*client);
+      client->write(QByteArray("\x90\x03") + subscription.mid(2, 2) + "\x80");
+      client->waitForBytesWritten();
+      std::string errors;
+      EXPECT_TRUE(program.waitUntil([&] {
+        program.process().waitForReadyRead(10);
+        errors = program.errors();
+        return errors.find("does not let us read the topic") != std::string::npos;
+      })) << errors;
+    }
+  }
+  program.send(SIGTERM);
+  EXPECT_EQ(program.finish(), 128 + SIGTERM);
 }
 
 TEST_F(BrokerRun, IsToldOfByItsLastWillWhenItIsKilled) {

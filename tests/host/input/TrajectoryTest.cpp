@@ -42,6 +42,12 @@ TEST(PersonCount, CountsEverybodyOnceInAnyOrder) {
     count.see(id);
   }
   EXPECT_EQ(count.count(), 7U);
+  EXPECT_TRUE(count.isWhole());
+  for (std::uint32_t id = 10; id < 1'000'000; id += 2) {
+    count.see(id);
+  }
+  EXPECT_FALSE(count.isWhole()) << "memory has a bound";
+  EXPECT_NEAR(static_cast<double>(count.count()), PersonCount::mostRanges, 10.0);
 }
 
 /// The links of a mobile as (father id, reliability).
