@@ -1,13 +1,17 @@
 // How long it takes from the sending of a people message to the arrival of the line of groups that
-// it completes, over a broker on the loopback, at 25 messages a second and without look-ahead;
-// beside it what the broker alone needs to pass on the same bytes twice:
+// it completes, over a broker on the loopback, at 25 messages a second and without look-ahead, with
+// a spool on the disk, events and numbers to be watched as a service has them; beside it what the
+// broker alone needs to pass on the same bytes twice. The spool lies in the working folder. Fails
+// when the 99th percentile for 50 people is not below 5 ms:
 //
 //     live_latency PROGRAM [SECONDS]
 
 #include "tests/support/live/Broker.h"
 #include "tests/support/live/MqttPeer.h"
 
+#include <QDir>
 #include <QProcess>
+#include <QTemporaryDir>
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -26,16 +30,20 @@ using Clock = MqttPeer::Clock;
 using Milliseconds = std::chrono::duration<double, std::milli>;
 
 constexpr int rate = 25;          // messages per second
+constexpr double wanted = 5.0;    // ms at the 99th percentile
+constexpr int wantedFor = 50;     // people
 constexpr int warmUp = 2 * rate;  // messages until the order of messages is known
 
-/// Pairs that walk in circles.
+/// Pairs that walk in circles; every 20 s another pair takes the place of each, so that things
+/// happen.
 std::string messageOf(int frame, int people) {
   std::string all;
   for (int person = 0; person < people; ++person) {
+    const int round = (frame + 7 * rate * (person / 2)) / (20 * rate);
     const double angle = 0.1 * (person / 2) + 0.004 * frame;
     const double radius = 5.0 + 0.8 * (person / 2);
-    all += fmt::format("{}{{\"id\": \"guest-{}\", \"x\": {:.3f}, \"y\": {:.3f}}}",
-                       all.empty() ? "" : ", ", person, radius * std::cos(angle),
+    all += fmt::format("{}{{\"id\": \"guest-{}-{}\", \"x\": {:.3f}, \"y\": {:.3f}}}",
+                       all.empty() ? "" : ", ", person, round, radius * std::cos(angle),
                        radius * std::sin(angle) + 0.6 * (person % 2));
   }
   return fmt::format("{{\"time\": {:.3f}, \"frame\": {}, \"people\": [{}]}}",
@@ -84,17 +92,20 @@ std::vector<double> delays(const MqttPeer& peer, const std::string& topic,
   return all;
 }
 
-void measure(const QString& program, int people, int seconds) {
+/// The 99th percentile, in milliseconds.
+double measure(const QString& program, int people, int seconds) {
   Broker broker;
+  const QTemporaryDir folder(QDir::current().filePath("live_latency-XXXXXX"));
   MqttPeer peer(broker.port(), "measuring", "groups");
   QProcess tracker;
   tracker.setProcessChannelMode(QProcess::ForwardedChannels);
   tracker.start(program, {"run", QString::fromStdString(broker.address("people")), "--publish",
-                          QString::fromStdString(broker.address("groups")), "--look-ahead", "0",
+                          QString::fromStdString(broker.address("groups")), "--spool",
+                          folder.filePath("groups.spool"), "--metrics", "0", "--look-ahead", "0",
                           "--rate", QString::number(rate), "--diagnostics", "none", "--mobile-dump",
                           "none", "--quiet"});
   peer.await("groups/status", 1);
-  std::this_thread::sleep_for(std::chrono::seconds(1));
+  broker.awaitSubscription("people");
   const int frames = warmUp + seconds * rate;
   const auto sent =
       sendAll(peer, "people", frames, [&](int frame) { return messageOf(frame, people); });
@@ -114,7 +125,9 @@ void measure(const QString& program, int people, int seconds) {
   for (std::size_t i = 0; i < std::min(there.size(), back.size()); ++i) {
     there[i] += back[i];
   }
-  fmt::print("{:6} {}   {}\n", people, median99(delays(peer, "groups", sent)), median99(there));
+  const std::vector<double> taken = delays(peer, "groups", sent);
+  fmt::print("{:6} {}   {}\n", people, median99(taken), median99(there));
+  return part(taken, 0.99);
 }
 
 }  // namespace
@@ -126,8 +139,12 @@ int main(int argc, char** argv) {
   }
   const int seconds = argc > 2 ? std::atoi(argv[2]) : 60;
   fmt::print("people  message to line   broker alone, both ways   (ms: median, 99th percentile)\n");
+  bool isGood = true;
   for (const int people : {10, 50, 200}) {
-    measure(argv[1], people, seconds);
+    const double slowest = measure(argv[1], people, seconds);
+    isGood = isGood && (people != wantedFor || slowest < wanted);
   }
-  return EXIT_SUCCESS;
+  fmt::print("the 99th percentile for {} people is {}below {} ms\n", wantedFor,
+             isGood ? "" : "NOT ", wanted);
+  return isGood ? EXIT_SUCCESS : EXIT_FAILURE;
 }

@@ -3,7 +3,8 @@
 
 Tracks people in real time and publishes their groups by a broker of its own; kills the broker (kill -9)
 at random moments and keeps it away, kills the tracker now and then as well, and compares at the end what a
-listener got with what the tracker wrote into files: every line once, in order, without a gap in the counters.
+listener got with what the tracker wrote into files: every line and event once, in order, without a gap in the
+counters. Fails, too, when the tracker does not keep up with the rate.
 
     scripts/live-torture.py build/release/bin/grouptracker --kills 10 --away 30 --tracker-kills 3
 """
@@ -21,6 +22,9 @@ import sys
 import tempfile
 import threading
 import time
+
+
+MOST_LAG = 2.0  # seconds that the tracker may be behind at the end
 
 
 def free_port():
@@ -65,6 +69,7 @@ class Tracker:
         self.lives = 0
         self.lock = threading.Lock()
         self.is_ending = False
+        self.lag = 0.0  # seconds by which the latest message was late
         self.start()
         self.thread = threading.Thread(target=self.feed)
         self.thread.start()
@@ -75,6 +80,7 @@ class Tracker:
             [self.options.program, "run", "-", "--publish", f"mqtt://127.0.0.1:{self.port}/groups",
              "--spool", os.path.join(self.folder, "groups.spool"), "--rate", str(self.options.rate),
              "--look-ahead", "1", "--output", os.path.join(self.folder, f"groups{self.lives}.jsonl"),
+             "--events", os.path.join(self.folder, f"events{self.lives}.jsonl"),
              "--diagnostics", "none", "--mobile-dump", "none"], stdin=subprocess.PIPE)
 
     def kill(self):
@@ -87,8 +93,9 @@ class Tracker:
         people = []
         for person in range(self.options.people):
             pair, side = divmod(person, 2)
+            guest = int(self.frame / self.options.rate + 7 * pair) // 20  # another every 20 s
             angle = 0.1 * pair + 0.02 * self.frame / self.options.rate
-            people.append({"id": f"guest-{person}", "x": round((5 + pair) * math.cos(angle), 3),
+            people.append({"id": f"guest-{person}-{guest}", "x": round((5 + pair) * math.cos(angle), 3),
                            "y": round((5 + pair) * math.sin(angle) + 0.6 * side, 3)})
         text = {"time": round(due, 3), "frame": self.frame, "people": people}
         return (json.dumps(text) + "\n").encode()
@@ -102,6 +109,7 @@ class Tracker:
             with self.lock:
                 self.process.stdin.write(self.message(due))
                 self.process.stdin.flush()
+            self.lag = time.time() - due
 
     def end(self):
         self.is_ending = True
@@ -109,10 +117,10 @@ class Tracker:
         self.process.stdin.close()
         return self.process.wait(60)
 
-    def lines(self):
-        """All whole lines that any life has written."""
+    def lines(self, kind):
+        """All whole lines of that kind that any life has written."""
         for life in range(1, self.lives + 1):
-            with open(os.path.join(self.folder, f"groups{life}.jsonl")) as file:
+            with open(os.path.join(self.folder, f"{kind}{life}.jsonl")) as file:
                 yield from (line.strip() for line in file if line.endswith("}\n"))
 
 
@@ -144,30 +152,35 @@ def torment(options, broker, tracker):
     time.sleep(3.0)
 
 
-def heard(path):
+def heard(path, topic):
+    """All messages of a topic, in order."""
     with open(path) as file:
-        return [json.loads(line) for line in file if line.endswith("}\n")]
+        words = (line.split(" ", 1) for line in file if line.endswith("}\n"))
+        return [json.loads(payload) for where, payload in words if where == topic]
 
 
 def await_all(path, tracker):
     """Waits until the listener has the last line."""
-    last = json.loads(list(tracker.lines())[-1])["frame"]
-    for _ in range(600):
-        if any(line["frame"] == last for line in heard(path)[-2000:]):
+    last = json.loads(list(tracker.lines("groups"))[-1])["frame"]
+    for _ in range(120):
+        if any(line["frame"] == last for line in heard(path, "groups")[-2000:]):
+            time.sleep(1.0)  # for its events
             return
-        time.sleep(0.1)
+        time.sleep(0.5)
 
 
-def judge(messages, tracker):
+def judge(messages, tracker, kind):
     first = {}
     for message in messages:
+        if kind == "events":
+            del message["time"]  # which the file does not tell
         first.setdefault(message.pop("sequence"), message)
     counters = list(first)
     published = [json.dumps(message, sort_keys=True) for message in first.values()]
-    tracked = [json.dumps(json.loads(line), sort_keys=True) for line in tracker.lines()]
+    tracked = [json.dumps(json.loads(line), sort_keys=True) for line in tracker.lines(kind)]
     missing = set(tracked) - set(published)
     gaps = set(range(1, max(counters, default=0) + 1)) - set(counters)
-    print(f"{tracker.frame} frames sent, {len(tracked)} lines in files, {len(counters)} published, "
+    print(f"{kind}: {tracker.frame} frames sent, {len(tracked)} lines in files, {len(counters)} published, "
           f"{len(messages) - len(first)} of them repeated with the same counter; "
           f"{len(missing)} lines missing, {len(gaps)} gaps in the counters, "
           f"order {'kept' if counters == sorted(counters) else 'LOST'}")
@@ -182,7 +195,8 @@ def main():
         path = os.path.join(folder, "heard.jsonl")
         with open(path, "w") as file:
             listener = subprocess.Popen(["mosquitto_sub", "-h", "127.0.0.1", "-p", str(broker.port),
-                                         "-i", "listener", "-c", "-q", "1", "-t", "groups"],
+                                         "-i", "listener", "-c", "-q", "1", "-F", "%t %p", "-t",
+                                         "groups", "-t", "groups/events"],
                                         stdout=file, stderr=subprocess.DEVNULL)
         time.sleep(1.0)
         broker.process.send_signal(signal.SIGUSR1)  # has it write down who listens
@@ -197,7 +211,10 @@ def main():
             tracker.process.kill()
             listener.kill()
             broker.kill()
-        is_good = judge(heard(path), tracker) and status == 0
+        is_good = status == 0 and tracker.lag < MOST_LAG
+        print(f"the tracker ended with status {status}, {max(0.0, tracker.lag):.1f} s behind the rate")
+        for kind, topic in (("groups", "groups"), ("events", "groups/events")):
+            is_good = judge(heard(path, topic), tracker, kind) and is_good
     sys.exit(0 if is_good else 1)
 
 
