@@ -25,7 +25,7 @@ trap finish EXIT
 
 port=$(python3 -c 'import socket; s = socket.socket(); s.bind(("127.0.0.1", 0)); print(s.getsockname()[1])')
 broker=mqtt://127.0.0.1:$port
-printf 'listener %s 127.0.0.1\nallow_anonymous true\nlog_dest none\n' "$port" > "$work/broker.conf"
+printf 'listener %s 127.0.0.1\nallow_anonymous true\nset_tcp_nodelay true\nlog_dest none\n' "$port" > "$work/broker.conf"
 PATH=$PATH:/usr/sbin mosquitto -c "$work/broker.conf" &
 started+=($!)
 
