@@ -3,11 +3,16 @@
 #include "host/base/InputError.h"
 #include "host/base/OutputFile.h"
 #include "host/batch/ManifestReader.h"
+#include "host/batch/RecordingRules.h"
 #include "host/input/InputFormats.h"
+
+#include <QString>
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <array>
 #include <filesystem>
+#include <set>
 #include <string_view>
 #include <system_error>
 #include <vector>
@@ -18,13 +23,15 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// What the program itself writes, or what stands beside tracks.
+/// What the program itself writes, or what stands beside tracks: groups.txt, north.events.jsonl.
 bool isBesideTracks(const fs::path& file) {
-  constexpr std::array<std::string_view, 4> words{"groups", "truth", "actors", "events"};
+  constexpr std::array<std::string_view, 5> words{"groups", "true_groups", "truth", "actors",
+                                                  "events"};
   const std::string name = file.filename();
+  const std::string parts = "." + name + ".";
   return name.front() == '.' ||
-         std::any_of(words.begin(), words.end(), [&name](std::string_view word) {
-           return name.find(word) != std::string::npos;
+         std::any_of(words.begin(), words.end(), [&parts](std::string_view word) {
+           return parts.find("." + std::string(word) + ".") != std::string::npos;
          });
 }
 
@@ -65,15 +72,25 @@ class Scan {
 
  private:
   void add(const fs::path& input, const fs::path& folder, bool isAlone);
+  std::string nameOf(const fs::path& input, const fs::path& folder);
   std::string shown(const fs::path& path) const;
 
   fs::path m_root;
   fs::path m_seenFrom;
   std::string m_rows;
   std::size_t m_count = 0;
+  std::set<std::string> m_names;  ///< without regard to capitals
+  std::set<fs::path> m_lookedAt;  ///< folders, without links
 };
 
 void Scan::look(const fs::path& folder) {
+  std::error_code unknown;
+  const fs::path place = fs::weakly_canonical(folder, unknown);
+  const fs::path wayUp = fs::weakly_canonical(m_root, unknown).lexically_relative(place);
+  const bool isAbove = !wayUp.empty() && wayUp != "." && *wayUp.begin() != "..";
+  if (isAbove || !m_lookedAt.insert(place).second) {
+    return;  // by a link
+  }
   if (isInput(folder)) {
     add(folder, folder, true);
     return;
@@ -108,13 +125,32 @@ void Scan::add(const fs::path& input, const fs::path& folder, bool isAlone) {
     truths.insert(truths.end(), {"truth.jsonl", "groups.txt"});
     cameras.emplace_back("calibration.yml");
   }
+  m_rows += csvCell(nameOf(input, folder)) + "," + csvCell(shown(input)) + "," +
+            csvCell(firstOf(truths)) + "," + csvCell(firstOf(cameras)) + "\n";
+  ++m_count;
+}
+
+/// The way to it without the file's ending; with that, and a number, where another is called so.
+std::string Scan::nameOf(const fs::path& input, const fs::path& folder) {
   fs::path way = input.lexically_relative(m_root);
   way = way == "." ? fs::weakly_canonical(m_root).filename() : way;
+  const auto isFree = [this](std::string name) {
+    name = QString::fromStdString(name).toCaseFolded().toStdString();
+    return !problemOfName(name) && m_names.insert(name).second;
+  };
   std::string name = input == folder ? way : way.parent_path() / way.stem();
   std::replace(name.begin(), name.end(), '/', '-');
-  m_rows += csvCell(name) + "," + csvCell(shown(input)) + "," + csvCell(firstOf(truths)) + "," +
-            csvCell(firstOf(cameras)) + "\n";
-  ++m_count;
+  if (isFree(name)) {
+    return name;
+  }
+  name = way;
+  std::replace(name.begin(), name.end(), '/', '-');
+  constexpr std::size_t longest = 100;  // bytes, with room for a number
+  std::string numbered = name = name.substr(0, longest);
+  for (int number = 2; !isFree(numbered); ++number) {
+    numbered = fmt::format("{}-{}", name, number);
+  }
+  return numbered;
 }
 
 std::string Scan::shown(const fs::path& path) const {

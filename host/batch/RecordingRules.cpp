@@ -39,18 +39,6 @@ bool isAmong(const Names& names, const std::string& name) {
   return std::find(names.begin(), names.end(), name) != names.end();
 }
 
-/// Names become folders, which others see on systems of theirs.
-std::optional<std::string> problemOfName(const std::string& name) {
-  constexpr std::size_t longest = 120;  // bytes; file systems take 255, with machine and key
-  const auto isControl = [](char letter) { return static_cast<unsigned char>(letter) < ' '; };
-  if (name.size() > longest || name.front() == '.' || name.find('/') != std::string::npos ||
-      std::any_of(name.begin(), name.end(), isControl)) {
-    return fmt::format("name: {} cannot be the name of a folder", name);
-  }
-  return name == allName ? std::optional(fmt::format("name: {} is the summary's last row", name))
-                         : std::nullopt;
-}
-
 std::optional<std::string> problemOfOutput(const std::string& key, const std::string& file) {
   if (file.empty() || file.front() == '.' || file == "-" || file.find('/') != std::string::npos) {
     return fmt::format("{}: {} is no name of a file, which will be in the recording's folder", key,
@@ -67,6 +55,18 @@ bool isWithin(const fs::path& file, const fs::path& folder) {
 }
 
 }  // namespace
+
+/// Names become folders, which others see on systems of theirs.
+std::optional<std::string> problemOfName(const std::string& name) {
+  constexpr std::size_t longest = 120;  // bytes; file systems take 255, with machine and key
+  const auto isControl = [](char letter) { return static_cast<unsigned char>(letter) < ' '; };
+  if (name.size() > longest || name.front() == '.' || name.find('/') != std::string::npos ||
+      std::any_of(name.begin(), name.end(), isControl)) {
+    return fmt::format("name: {} cannot be the name of a folder", name);
+  }
+  return name == allName ? std::optional(fmt::format("name: {} is the summary's last row", name))
+                         : std::nullopt;
+}
 
 std::vector<std::string> Recording::filesRead() const {
   std::vector<std::string> files{input};

@@ -14,6 +14,9 @@
 
 namespace grouptracker {
 
+/// Why a recording cannot be called so; none when it can.
+std::optional<std::string> problemOfName(const std::string& name);
+
 /// Makes recordings of what a manifest says, and knows what it may say: "name", "input", "truth"
 /// and the options of `run` but those that are given by the batch itself.
 class RecordingRules {

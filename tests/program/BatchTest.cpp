@@ -198,12 +198,19 @@ TEST_F(Batch, FindsTheRecordingsOfAFolder) {
   m_folder.write("in/walk/H.txt", "1 0 0\n0 1 0\n0 0 1\n");
   m_folder.write("in/walk/groups.txt", "1 2\n");
   m_folder.write("in/c.groups.txt", "1 2\n");
+  m_folder.write("in/A.txt", walkers(5));
+  m_folder.write("in/all.csv", walkers(5));
+  m_folder.write("in/all-events-of-may.csv", walkers(5));
+  fs::create_symlink("..", m_folder.path() / "in/up");
   fs::remove(m_folder.path() / "in/m.csv");
   Program program(m_folder.path());
   ASSERT_EQ(program.run({"batch", "--scan", "in", "in/m.csv"}), 0) << program.errors();
   EXPECT_EQ(read("in/m.csv"),
             "name,input,truth,calibration\n"
-            "a,a.csv,,\n"
+            "A,A.txt,,\n"
+            "a.csv,a.csv,,\n"
+            "all-events-of-may,all-events-of-may.csv,,\n"
+            "all.csv,all.csv,,\n"
             "c,c.csv,c.groups.txt,\n"
             "walk,walk,walk/groups.txt,\n")
       << "without the one that no reader takes";
