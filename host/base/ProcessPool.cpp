@@ -64,7 +64,8 @@ void forgetSignals() {
   ::_exit(status);
 }
 
-Worker start(const ProcessPool::Task& task, std::size_t number) {
+/// None when the system has no room for one more at this moment.
+std::optional<Worker> start(const ProcessPool::Task& task, std::size_t number) {
   std::array<int, 2> ends{};
   if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
     throw std::system_error(errno, std::generic_category(), "cannot start a process");
@@ -77,6 +78,9 @@ Worker start(const ProcessPool::Task& task, std::size_t number) {
   worker.end.process = ::fork();
   if (worker.end.process == 0) {
     work(task, ends[1], parent);
+  }
+  if (worker.end.process < 0 && errno == EAGAIN) {
+    return std::nullopt;
   }
   if (worker.end.process < 0) {
     throw std::system_error(errno, std::generic_category(), "cannot start a process");
@@ -176,13 +180,18 @@ void ProcessPool::run(const Next& next, const Finished& finished) const {
   Workers workers;
   std::size_t started = 0;
   bool isMore = true;
+  Task task;
   while ((isMore || workers.count() > 0) && !stop_wish::isThere()) {
     while (isMore && workers.count() < m_processes) {
-      const Task task = next();
+      task = task ? task : next();
       isMore = static_cast<bool>(task);
-      if (isMore) {
-        workers.add(start(task, started++));
+      auto worker = isMore ? start(task, started) : std::nullopt;
+      if (!worker) {
+        break;  // at the end, or until one of the others has ended
       }
+      workers.add(*std::move(worker));
+      ++started;
+      task = {};
     }
     workers.endLate(m_patience);
     workers.wait(finished);

@@ -23,7 +23,7 @@ const char* const resultName = "result.json";
 /// Has what was written last a failing power supply.
 void sync(const std::string& path) {
   const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
-  if (file.isOpen() && ::fsync(file.get()) != 0 && errno != EINVAL) {
+  if (!file.isOpen() || (::fsync(file.get()) != 0 && errno != EINVAL)) {
     throw OutputError(path, systemProblem("cannot be written"));
   }
 }
