@@ -59,8 +59,10 @@ ProcessBeside::ProcessBeside(const RunParameters& parameters,
   options.calibration = calibration;
   options.printsDiagnostics = static_cast<bool>(m_hear);
   work([&] {
-    m_run = std::make_unique<TrackerRun>(std::make_unique<GroupTrackerProcessGroupTracker>());
-    m_run->configure(options);
+    // What cannot be configured ends in here, among its own statics.
+    auto run = std::make_unique<TrackerRun>(std::make_unique<GroupTrackerProcessGroupTracker>());
+    run->configure(options);
+    m_run = std::move(run);
   });
 }
 

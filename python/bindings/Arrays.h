@@ -44,15 +44,15 @@ inline std::vector<std::uint32_t> idsOf(const pybind11::object& names) {
     throw ValueProblem("ids: an array of N is expected");
   }
   PersonNames& program = PersonNames::ofProgram();
-  const bool areNumbers = std::string_view("OUS").find(array.dtype().kind()) == std::string::npos;
+  const bool areTimes = std::string_view("mM").find(array.dtype().kind()) != std::string::npos;
   std::vector<std::uint32_t> ids;
   ids.reserve(static_cast<std::size_t>(array.size()));
   for (const pybind11::handle name : array.attr("tolist")()) {
-    if (!areNumbers && pybind11::isinstance<pybind11::str>(name)) {
+    if (pybind11::isinstance<pybind11::str>(name)) {
       ids.push_back(program.numberOf(name.cast<std::string>()));
       continue;
     }
-    const bool isNumber = areNumbers || pybind11::isinstance<pybind11::int_>(name);
+    const bool isNumber = !areTimes && (PyIndex_Check(name.ptr()) || PyFloat_Check(name.ptr()));
     const double id = isNumber ? name.cast<double>() : -1.0;
     if (!(id >= 0.0 && id <= largest) || std::trunc(id) != id) {
       throw ValueProblem("ids: a whole number from 0 to 4294967295 is expected, or a text");

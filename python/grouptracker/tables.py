@@ -35,7 +35,7 @@ def columns_of(table: Table) -> dict[str, Any]:
         raise ValueError("table: the columns id and frame or time are expected")
     columns = {name: column(name) for name in ("frame", "time") if name in names}
     ids = column(person, None)
-    columns["id"] = column(person) if ids.dtype.kind not in "OUS" else numpy.array(_native.numbers_of(ids), dtype=float)
+    columns["id"] = column(person) if ids.dtype.kind in "biuf" else numpy.array(_native.numbers_of(ids), dtype=float)
     if {"x", "y"} <= names:
         columns["positions"] = numpy.column_stack([column("x"), column("y")])
     if set(_sizes) <= names:

@@ -117,6 +117,8 @@ class Frames(unittest.TestCase):
         turned = ((numpy.array(ids[::-1], dtype=numpy.float32), numpy.array(positions)[::-1])
                   for ids, positions in walkers())
         self.assertEqual(run(grouptracker.Tracker(rate=2.5), turned)[0], expected)
+        objects = ((numpy.array([*map(numpy.int64, ids)], dtype=object), positions) for ids, positions in walkers())
+        self.assertEqual(run(grouptracker.Tracker(rate=2.5), objects)[0], expected)
 
     def test_give_back_texts_as_ids(self):
         names = numpy.array(["nobody", "ann", "bob", "eve"])
@@ -237,6 +239,9 @@ class WhatIsWrong(InFolder):
             (dict(ids=[1], positions=[0, 0]), "positions: an array of N x 2 is expected"),
             (dict(ids=[-1], positions=[[0, 0]]), "ids: a whole number from 0 to 4294967295 is expected, or a text"),
             (dict(ids=[1.5], positions=[[0, 0]]), "ids: a whole number from 0 to 4294967295 is expected, or a text"),
+            (dict(ids=[1j], positions=[[0, 0]]), "ids: a whole number from 0 to 4294967295 is expected, or a text"),
+            (dict(ids=numpy.array(["2024-01-01"], "datetime64[D]"), positions=[[0, 0]]),
+             "ids: a whole number from 0 to 4294967295 is expected, or a text"),
             (dict(ids=["a", "a"], positions=[[0, 0], [1, 1]]), "frame 21: person a is there twice"),
             (dict(ids=[1], positions=[[numpy.inf, 0]]),
              "frame 21: person 1 lies too far away to be metres, or is no number"),
