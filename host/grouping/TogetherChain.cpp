@@ -13,7 +13,7 @@ constexpr double evidenceTime = 0.5;    // seconds for which evidence counts onc
 constexpr double longestStep = 1.0;     // seconds for which it counts after a gap
 constexpr double largestBelief = 12.0;  // log-odds; more could not be revised in time
 constexpr double apartBefore = 3.0;     // log-odds
-constexpr double trust = 0.4;           // of beliefs, see `certaintyOf()`
+constexpr double trust = 0.3;           // of beliefs, see `certaintyOf()`
 
 }  // namespace
 
