@@ -49,9 +49,9 @@ void PointTable::append(const double* point) {
 }
 
 void PointTable::replace(std::size_t i, const double* point) {
-  float* const lane = m_tiles.data() + i / tileSize * tileSize * m_rows + i % tileSize;
+  const std::size_t lane = i / tileSize * tileSize * m_rows + i % tileSize;
   for (std::size_t r = 0; r < m_rows; ++r) {
-    lane[r * tileSize] = static_cast<float>(point[r]);
+    m_tiles[lane + r * tileSize] = static_cast<float>(point[r]);
   }
 }
 

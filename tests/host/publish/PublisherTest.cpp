@@ -60,7 +60,7 @@ class Publishing : public testing::Test {
   }
   std::string spoolFile() const { return folder.path() / "spool"; }
 
-  const TempFolder folder;
+  TempFolder folder;
   Broker broker;
   std::vector<std::string> warnings;
 };
