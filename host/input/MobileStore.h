@@ -5,6 +5,7 @@
 
 #include <kel/BoundingBox3D.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <memory>
@@ -27,6 +28,8 @@ struct ArchivedMobile {
 /// it is made when the first mobile is stored. What goes wrong is an `OutputError`.
 class MobileArchive {
  public:
+  /// From now on remembers at least so many of the latest mobiles, and at most twice as many.
+  void keepLatest(std::size_t mobiles) { m_most = mobiles; }
   /// Remembers a mobile; an older one of the same id is replaced.
   void store(std::uint32_t id, const ArchivedMobile& mobile);
   /// The mobile of that id; none when nothing was ever stored under it.
@@ -39,7 +42,13 @@ class MobileArchive {
     Statement query;
   };
 
-  std::optional<Table> m_table;  ///< none as long as nothing is stored
+  static std::unique_ptr<Table> makeTable();
+  static std::optional<ArchivedMobile> loadFrom(Table* table, std::uint32_t id);
+
+  std::unique_ptr<Table> m_table;  ///< null as long as nothing is stored
+  std::unique_ptr<Table> m_older;  ///< the one before, when there may be so many only
+  std::optional<std::size_t> m_most;
+  std::size_t m_stored = 0;  ///< in the table
 };
 
 /// Finds mobiles by id for an input whose later frames may name any mobile of earlier ones. An id
@@ -52,6 +61,8 @@ class MobileStore {
 
   explicit MobileStore(std::size_t window = defaultWindow) : m_window(window) {}
 
+  /// Of an input without end: of what is older than the window only so many are remembered.
+  void keepLatest(std::size_t mobiles) { m_archive.keepLatest(mobiles); }
   /// Begins the next frame and archives what has grown too old.
   void beginFrame();
   /// Makes the id name this observation; false when the frame has declared it already.

@@ -43,6 +43,12 @@ SceneReader::SceneReader(const std::string& path, Calibration calibration)
                                 : std::filesystem::path(path).parent_path()),
       m_calibration(std::move(calibration)) {}
 
+void SceneReader::surviveLosses() {
+  constexpr std::size_t rememberedMobiles = 1'000'000;  // some 100 MB; fifty people for minutes
+  m_survivesLosses = true;
+  m_mobiles.keepLatest(rememberedMobiles);
+}
+
 bool SceneReader::next(InputFrame& frame) {
   frame = InputFrame();
   if (!m_lines.nextFilled()) {

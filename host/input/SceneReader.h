@@ -38,8 +38,9 @@ class SceneReader : public FrameSource {
 
   /// For a stream of which lines may be lost, that may have begun long ago and whose sender may
   /// start anew: what names a mobile that was not declared is left out, and several lines in a row
-  /// with earlier numbers or times are a new beginning. To be said before the first frame.
-  void surviveLosses() { m_survivesLosses = true; }
+  /// with earlier numbers or times are a new beginning. Since it has no end, mobiles of long ago
+  /// are forgotten. To be said before the first frame.
+  void surviveLosses();
   /// A line with more actors is wrong.
   void limitPeople(std::size_t most) { m_mostPeople = most; }
 

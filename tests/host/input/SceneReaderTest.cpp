@@ -172,6 +172,13 @@ TEST(MobileArchive, KeepsEveryIdApart) {
   EXPECT_EQ(archive.load(1)->type, std::string(1000, 'x'));
   EXPECT_EQ(archive.load(2)->type, std::string(29, 'y'));
   EXPECT_FALSE(archive.load(3));
+  archive.keepLatest(2);
+  archive.store(8, {"", {}});
+  archive.store(9, {"", {}});
+  EXPECT_TRUE(archive.load(1)) << "among the latest four";
+  archive.store(10, {"", {}});
+  EXPECT_TRUE(archive.load(8) && archive.load(9) && archive.load(10));
+  EXPECT_FALSE(archive.load(1));
   EXPECT_FALSE(archive.load(4294967294U));
 }
 
