@@ -149,7 +149,7 @@ def torment(options, broker, tracker):
         if kill in doomed and kill % 2 == 1:
             time.sleep(random.uniform(0.0, 2.0))
             tracker.kill()
-    time.sleep(3.0)
+    time.sleep(7.0)  # longer than the tracker waits between attempts
 
 
 def heard(path, topic):
