@@ -105,8 +105,10 @@ TEST_F(Publishing, KeepsInOrderWhatABrokerThatCrashesMisses) {
   };
   publishSome();
   for (int crash = 0; crash < 3; ++crash) {
-    // What the broker has said to have is its own affair, so the listener has to be there.
+    // What the broker has said to have is its own affair, so the listener has to have it and the
+    // broker says no more.
     ASSERT_TRUE(listener.await("hall", static_cast<std::size_t>(number)));
+    broker.pause();
     publishSome();
     broker.kill();
     publishSome();
