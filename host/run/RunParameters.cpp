@@ -33,7 +33,7 @@ ParameterFile builtIn(double rate) {
 /// Whether the file holds the text now.
 bool isWritten(const QString& path, const std::string& text) {
   QSaveFile file(path);
-  return file.open(QIODevice::WriteOnly) &&
+  return file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) &&
          file.write(text.data(), static_cast<qint64>(text.size())) ==
              static_cast<qint64>(text.size()) &&
          file.commit();
