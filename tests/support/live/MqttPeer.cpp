@@ -48,6 +48,8 @@ MqttPeer::MqttPeer(int port, const std::string& name, const std::string& topic) 
   mosquitto_subscribe_callback_set(m_client.get(), Callbacks::subscribed);
   mosquitto_message_callback_set(m_client.get(), Callbacks::message);
   mosquitto_reconnect_delay_set(m_client.get(), 1, 1, false);
+  // What it sends would wait until what it has acknowledged before is acknowledged itself.
+  mosquitto_int_option(m_client.get(), MOSQ_OPT_TCP_NODELAY, 1);
   mosquitto_connect(m_client.get(), "127.0.0.1", port, keepAliveSeconds);
   mosquitto_loop_start(m_client.get());
   if (!until([this] { return m_isSubscribed; })) {
