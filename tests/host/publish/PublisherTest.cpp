@@ -60,7 +60,7 @@ class Publishing : public testing::Test {
   }
   std::string spoolFile() const { return folder.path() / "spool"; }
 
-  TempFolder folder;
+  const TempFolder folder;
   Broker broker;
   std::vector<std::string> warnings;
 };

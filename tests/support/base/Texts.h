@@ -10,13 +10,14 @@
 /// A folder of its own for the length of a scope.
 class TempFolder {
  public:
+  TempFolder() : m_path(m_folder.path().toStdString()) {}
   const std::filesystem::path& path() const { return m_path; }
   /// Writes a file into the folder; returns its full name.
   std::string write(const std::string& name, const std::string& text) const;
 
  private:
   QTemporaryDir m_folder;
-  std::filesystem::path m_path = m_folder.path().toStdString();
+  std::filesystem::path m_path;
 };
 
 /// All of a file as text; empty when it cannot be read.
