@@ -11,15 +11,23 @@ export SLURM_CONF=$work/slurm.conf
 PATH=$PATH:/usr/sbin:/sbin
 left=left$$ right=right$$
 
-# Everything that was started here, by the numbers that it wrote itself.
+# The processes that know the configuration of this run.
+startedHere() {
+  grep -lsz "^SLURM_CONF=$SLURM_CONF\$" /proc/[0-9]*/environ | cut -d/ -f3
+}
+
+# Everything that was started here: by the numbers that it wrote itself, then by its environment.
 endSlurm() {
-  local file
+  local file process
   for file in "$work"/*.pid; do
     [ ! -e "$file" ] || kill "$(cat "$file")" 2> /dev/null || true
   done
   for ((i = 0; i < 50; ++i)); do
     ls "$work"/*.pid > /dev/null 2>&1 || break
     sleep 0.1
+  done
+  for process in $(startedHere); do
+    kill -9 "$process" 2> /dev/null || true
   done
   rm -rf "$work"
 }
@@ -89,7 +97,8 @@ processesOf() {
 killNode() {
   local process parents=()
   for process in $(processesOf "$1"); do
-    parents+=("$(awk '/^PPid/ { print $2 }' "/proc/$process/status")")
+    # It may be gone by now.
+    parents+=("$(awk '/^PPid/ { print $2 }' "/proc/$process/status" 2> /dev/null || echo none)")
   done
   kill -9 "$(cat "$work/$1.pid")"
   rm "$work/$1.pid"
