@@ -11,7 +11,8 @@ set(CPACK_STRIP_FILES ON)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
   OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 # What is installed into the system's own places needs no search path of its own.
-set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/packaging/RemoveRunPath.cmake)
+set(CPACK_PRE_BUILD_SCRIPTS
+  ${PROJECT_SOURCE_DIR}/packaging/RemoveRunPath.cmake ${PROJECT_SOURCE_DIR}/packaging/ConfigurationFiles.cmake)
 set(CPACK_POST_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/packaging/UseTriggers.cmake)
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
@@ -78,8 +79,9 @@ grouptracker_package(python python3-grouptracker python DEPENDS libmox0 libkel0
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_RECOMMENDS libmosquitto1)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS "qtbase5-dev, libopencv-dev")
 set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS "python3-pandas")
-# What services kept goes when the package is purged.
-set(CPACK_DEBIAN_PROGRAM_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/packaging/program/postrm)
+# What services kept goes when the package is purged; what was changed in /etc stays when it is renewed.
+set(CPACK_DEBIAN_PROGRAM_PACKAGE_CONTROL_EXTRA
+  ${PROJECT_SOURCE_DIR}/packaging/program/postrm ${PROJECT_SOURCE_DIR}/packaging/program/conffiles)
 # What the interpreter compiles goes with the package.
 set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA
   ${PROJECT_SOURCE_DIR}/packaging/python/postinst ${PROJECT_SOURCE_DIR}/packaging/python/prerm)

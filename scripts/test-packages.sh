@@ -51,6 +51,7 @@ tryProgram() {
       --output again.jsonl --video film.mp4 --top-view --diagnostics none --quiet --mobile-dump none
     test -s film.mp4
     test -e /usr/share/man/man1/grouptracker-run.1.gz
+    grouptracker run --config /etc/grouptracker/example.toml --print-config | grep -q "^publish="
     bash -c "source /usr/share/bash-completion/completions/grouptracker; complete -p grouptracker"'
 }
 
@@ -92,8 +93,9 @@ removeAll() {
   local names
   mapfile -t names < <(for file in "$packages"/*.deb; do dpkg-deb --field "$file" Package; done)
   inRoot dpkg --listfiles "${names[@]}" | sort -u > build/clean-files.txt
-  mkdir -p "$root/var/lib/private/grouptracker/hall" "$root/etc/grouptracker"  # as services have them
+  mkdir -p "$root/var/lib/private/grouptracker/hall"  # as services have them
   ln -s private/grouptracker "$root/var/lib/grouptracker"
+  cp "$root/etc/grouptracker/example.toml" "$root/etc/grouptracker/hall.toml"
   inRoot dpkg --remove "${names[@]}" > build/clean-remove.txt
   inRoot dpkg --purge "${names[@]}" >> build/clean-remove.txt 2>&1
   local left
