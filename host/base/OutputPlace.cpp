@@ -99,6 +99,14 @@ FileDescriptor openRegularOutput(const std::string& path, OldContent old) {
   return openOutput(path, old);
 }
 
+void makeFolder(const std::string& path) {
+  std::error_code problem;
+  std::filesystem::create_directories(path, problem);
+  if (problem) {
+    throw OutputError(path, "cannot be made: " + problem.message());
+  }
+}
+
 FileDescriptor lockFolder(const std::string& path) {
   FileDescriptor folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (!folder.isOpen()) {

@@ -28,6 +28,10 @@ FileDescriptor openOutput(const std::string& path, OldContent old = OldContent::
 /// The same for a place that must be a regular file or nothing yet, such as a database.
 FileDescriptor openRegularOutput(const std::string& path, OldContent old = OldContent::replaced);
 
+/// Makes a folder with those above it, as far as they are missing. What cannot be made is an
+/// `OutputError`.
+void makeFolder(const std::string& path);
+
 /// Locks a folder, into which files are written, in the same way.
 FileDescriptor lockFolder(const std::string& path);
 

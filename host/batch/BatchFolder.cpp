@@ -34,14 +34,6 @@ void syncAll(const std::string& folder) {
   }
 }
 
-void makeFolder(const fs::path& path) {
-  std::error_code problem;
-  fs::create_directories(path, problem);
-  if (problem) {
-    throw OutputError(path, "cannot be made: " + problem.message());
-  }
-}
-
 FileMarks marksIn(const std::string& work) {
   FileMarks marks;
   for (const fs::directory_entry& item : fs::directory_iterator(work)) {
@@ -140,10 +132,13 @@ void BatchFolder::finish(const std::string& name, const std::string& work,
   result.outputs = marksIn(work);
   removeOthers(earlier ? earlier->outputs : FileMarks(), result.outputs, place);
   for (const FileMark& mark : result.outputs) {
-    if (fs::is_directory(place / mark.path)) {
-      fs::remove_all(place / mark.path);
+    const fs::path made = fs::path(work) / mark.path;
+    const fs::path earlierOne = place / mark.path;
+    // Only a file gives way by itself, and to a file only.
+    if (fs::is_directory(earlierOne) || fs::is_directory(made)) {
+      fs::remove_all(earlierOne);
     }
-    fs::rename(fs::path(work) / mark.path, place / mark.path);
+    fs::rename(made, earlierOne);
   }
   sync(place);
   result.write(place / resultName);

@@ -2,10 +2,8 @@
 
 #include "host/base/OutputPlace.h"
 
-#include <QFile>
 #include <QSysInfo>
 #include <QUuid>
-#include <fmt/format.h>
 
 #include <algorithm>
 #include <chrono>
@@ -13,6 +11,7 @@
 #include <filesystem>
 #include <sys/file.h>
 #include <system_error>
+#include <utility>
 
 namespace grouptracker {
 
@@ -31,12 +30,14 @@ std::string markOfMachine() {
   return "@" + QSysInfo::machineHostName().toStdString() + ".";
 }
 
-/// Whether the maker on this machine has died. Other containers may have its name and processes of
-/// their own, but the lock is the system's.
-bool isDead(const std::string& path) {
-  const FileDescriptor lock(::open(lockOf(path).c_str(), O_RDWR | O_CLOEXEC));
-  return fs::path(path).filename().string().find(markOfMachine()) != std::string::npos &&
-         lock.isOpen() && ::flock(lock.get(), LOCK_EX | LOCK_NB) == 0;
+/// The lock of a folder whose maker on this machine has died; not open while he lives. Other
+/// containers may have the machine's name and processes of their own, but the lock is the system's.
+FileDescriptor lockOfDead(const std::string& path) {
+  FileDescriptor lock(::open(lockOf(path).c_str(), O_RDWR | O_CLOEXEC));
+  const bool isDead =
+      fs::path(path).filename().string().find(markOfMachine()) != std::string::npos &&
+      lock.isOpen() && ::flock(lock.get(), LOCK_EX | LOCK_NB) == 0;
+  return isDead ? std::move(lock) : FileDescriptor();
 }
 
 bool isOld(const std::string& path) {
@@ -65,7 +66,8 @@ void WorkFolder::removeLeft(const std::string& parent) {
     if (path.ends_with(lockEnding)) {
       path.erase(path.size() - std::string(lockEnding).size());
     }
-    if (isDead(path) || isOld(fs::exists(path, gone) ? path : item->path().string())) {
+    const FileDescriptor held = lockOfDead(path);
+    if (held.isOpen() || isOld(fs::exists(path, gone) ? path : item->path().string())) {
       remove(path);
     }
   }
@@ -78,15 +80,11 @@ void WorkFolder::remove(const std::string& path) {
 }
 
 WorkFolder::WorkFolder(const std::string& path) {
-  std::error_code problem;
-  fs::create_directories(fs::path(path).parent_path(), problem);
+  makeFolder(fs::path(path).parent_path());
   // Where it cannot be locked, only its age tells that it was left.
   m_lock = FileDescriptor(::open(lockOf(path).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666));
   ::flock(m_lock.get(), LOCK_EX);
-  fs::create_directories(path, problem);
-  if (problem) {
-    throw OutputError(path, "cannot be made: " + problem.message());
-  }
+  makeFolder(path);
 }
 
 }  // namespace grouptracker

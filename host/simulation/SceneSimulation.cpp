@@ -25,14 +25,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-void makeFolder(const fs::path& folder) {
-  std::error_code error;
-  fs::create_directories(folder, error);
-  if (error) {
-    throw OutputError(folder, "cannot be made: " + error.message());
-  }
-}
-
 void writeContext(const fs::path& path) {
   OutputFile file(path);
   file.writeLines(R"({"elements": [{"kind": "zone", "shape": "polygon",)"
