@@ -2,43 +2,17 @@
 
 #include "host/base/InputFile.h"
 #include "host/base/LineReader.h"
+#include "host/input/FieldSplitter.h"
+
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <cstddef>
-#include <optional>
 #include <utility>
 
 namespace grouptracker {
 
 namespace {
-
-constexpr char quote = '"';
-
-std::string trimmed(const std::string& text) {
-  const auto begin = text.find_first_not_of(" \t");
-  return begin == std::string::npos ? std::string()
-                                    : text.substr(begin, text.find_last_not_of(" \t") + 1 - begin);
-}
-
-/// The cells of a line; in quotes a comma is one and two quotes are one. None when a quote has no
-/// end in the line.
-std::optional<std::vector<std::string>> cellsOf(const std::string& line) {
-  std::vector<std::string> cells(1);
-  bool isQuoted = false;
-  for (std::size_t i = 0; i < line.size(); ++i) {
-    const bool isPair = isQuoted && line[i] == quote && line.substr(i + 1, 1) == "\"";
-    if (line[i] == quote && !isPair) {
-      isQuoted = !isQuoted;
-    } else if (line[i] == ',' && !isQuoted) {
-      cells.emplace_back();
-    } else {
-      cells.back() += line[i];
-      i += isPair ? 1 : 0;
-    }
-  }
-  std::transform(cells.begin(), cells.end(), cells.begin(), trimmed);
-  return isQuoted ? std::nullopt : std::optional(std::move(cells));
-}
 
 /// Calls `take` with each part of a text between semicolons.
 template <typename Take>
@@ -57,11 +31,14 @@ class CsvManifest : public ManifestReader {
  public:
   CsvManifest(const std::string& path, ProblemHandler onProblem)
       : m_file(path), m_lines(m_file.stream(), path), m_onProblem(std::move(onProblem)) {
-    const auto columns = m_lines.nextFilled() ? cellsOf(m_lines.line()) : std::nullopt;
-    if (!columns) {
+    if (!m_lines.nextFilled()) {
       throw m_lines.error("a first line that names the columns is expected, such as name,input");
     }
-    m_columns = *columns;
+    try {
+      m_cells.split(m_lines.line(), m_columns);
+    } catch (const ValueProblem& problem) {
+      throw m_lines.error(problem.what());
+    }
     m_headerLine = m_lines.number();
   }
 
@@ -72,24 +49,28 @@ class CsvManifest : public ManifestReader {
 
   InputFile m_file;
   LineReader m_lines;
+  FieldSplitter m_cells{","};
   ProblemHandler m_onProblem;
   std::vector<std::string> m_columns;
   std::uint64_t m_headerLine = 0;
 };
 
 bool CsvManifest::next(ManifestEntry& entry) {
+  std::vector<std::string> cells;
   while (m_lines.nextFilled()) {
-    const auto cells = cellsOf(m_lines.line());
-    if (!cells) {
-      m_onProblem(m_lines.error("a quote without its end"));
-    } else if (cells->size() != m_columns.size()) {
-      m_onProblem(m_lines.error(std::to_string(cells->size()) + " cells where the first line has " +
-                                std::to_string(m_columns.size())));
-    } else {
+    try {
+      m_cells.split(m_lines.line(), cells);
+    } catch (const ValueProblem& problem) {
+      m_onProblem(m_lines.error(problem.what()));
+      continue;
+    }
+    if (cells.size() == m_columns.size()) {
       entry.place = m_lines.place();
-      addSettings(*cells, entry);
+      addSettings(cells, entry);
       return true;
     }
+    m_onProblem(m_lines.error(
+        fmt::format("{} cells where the first line has {}", cells.size(), m_columns.size())));
   }
   return false;
 }
@@ -116,16 +97,18 @@ std::unique_ptr<ManifestReader> ManifestReader::open(const std::string& path,
 }
 
 std::string csvCell(const std::string& text) {
-  if (text.find_first_of("\",\n\r") == std::string::npos && trimmed(text) == text) {
+  const auto isBlank = [](char letter) { return letter == ' ' || letter == '\t'; };
+  const bool isPlain = text.find_first_of("\",\n\r") == std::string::npos;
+  if (text.empty() || (isPlain && !isBlank(text.front()) && !isBlank(text.back()))) {
     return text;
   }
-  std::string cell(1, quote);
+  std::string cell = "\"";
   for (const char letter : text) {
     const bool breaksLine = letter == '\n' || letter == '\r';
     cell += breaksLine ? ' ' : letter;
-    cell += letter == quote ? "\"" : "";
+    cell += letter == '"' ? "\"" : "";
   }
-  return cell + quote;
+  return cell + '"';
 }
 
 }  // namespace grouptracker

@@ -27,7 +27,7 @@ struct ManifestEntry {
 /// are, empty cells say nothing, and what can be given several times is divided by semicolons:
 ///
 ///     name,input,rate,set
-///     north,north/tracks.csv,25,maxFrames=40;speedWeight=2
+///     north,north/tracks.csv,25,temporalWinForRemoval=40;coherenceThreshold=4
 ///
 /// A file *.toml has a table for each recording and one for what holds for all that say nothing
 /// else; it is in memory as a whole, while of a CSV there is a line at a time:
@@ -37,7 +37,7 @@ struct ManifestEntry {
 ///     [[recording]]
 ///     name = "north"
 ///     input = "north/tracks.csv"
-///     set = ["maxFrames=40", "speedWeight=2"]
+///     set = ["temporalWinForRemoval=40", "coherenceThreshold=4"]
 class ManifestReader {
  public:
   /// A file that cannot be opened, or is no TOML, is an `InputError`. What else is wrong goes to

@@ -2,6 +2,7 @@
 
 #include "host/base/InputError.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -37,5 +38,8 @@ struct Recording {
   /// The options of `run`, as the command line has them; files are written to `folder`.
   std::vector<std::string> options(const std::string& folder) const;
 };
+
+/// Why a recording cannot be called so; none when it can.
+std::optional<std::string> problemOfName(const std::string& name);
 
 }  // namespace grouptracker

@@ -25,11 +25,12 @@ const char* const nameKey = "name";
 const char* const inputKey = "input";
 const char* const truthKey = "truth";
 const char* const repeatableKey = "set";
-constexpr std::string_view allName = "all";  // of the summary's last row
 
-/// What the batch itself says to `run`, or what nobody sees who has a thousand recordings.
-constexpr std::array<std::string_view, 5> ownOptions{"output", "status", "quiet", "show",
-                                                     "print-parameters"};
+/// What the batch itself says to `run`.
+constexpr std::array<std::string_view, 3> ownOptions{"output", "status", "quiet"};
+/// What is for somebody who watches one run, or for people who arrive from elsewhere.
+constexpr std::array<std::string_view, 4> idleOptions{"show", "print-parameters", "strict",
+                                                      "log-format"};
 /// What the batch itself writes into a recording's folder.
 constexpr std::array<std::string_view, 5> ownFiles{"groups.jsonl", "report.html", "scores.json",
                                                    "log.txt", "result.json"};
@@ -56,43 +57,6 @@ bool isWithin(const fs::path& file, const fs::path& folder) {
 
 }  // namespace
 
-/// Names become folders, which others see on systems of theirs.
-std::optional<std::string> problemOfName(const std::string& name) {
-  constexpr std::size_t longest = 120;  // bytes; file systems take 255, with machine and key
-  const auto isControl = [](char letter) { return static_cast<unsigned char>(letter) < ' '; };
-  if (name.size() > longest || name.front() == '.' || name.find('/') != std::string::npos ||
-      std::any_of(name.begin(), name.end(), isControl)) {
-    return fmt::format("name: {} cannot be the name of a folder", name);
-  }
-  return name == allName ? std::optional(fmt::format("name: {} is the summary's last row", name))
-                         : std::nullopt;
-}
-
-std::vector<std::string> Recording::filesRead() const {
-  std::vector<std::string> files{input};
-  if (!truth.empty()) {
-    files.push_back(truth);
-  }
-  for (const Setting& setting : settings) {
-    if (setting.kind.reads && setting.isFile()) {
-      files.push_back(setting.value);
-    }
-  }
-  return files;
-}
-
-std::vector<std::string> Recording::options(const std::string& folder) const {
-  std::vector<std::string> options;
-  for (const Setting& setting : settings) {
-    const bool isPlaced = setting.kind.writes && setting.isFile();
-    options.push_back("--" + setting.kind.name);
-    if (!setting.kind.isFlag) {
-      options.back() += "=" + (isPlaced ? folder + "/" + setting.value : setting.value);
-    }
-  }
-  return options;
-}
-
 RecordingRules::RecordingRules(const std::vector<OptionKind>& options, Check check,
                                const std::string& manifest, const std::string& results)
     : m_check(std::move(check)),
@@ -114,6 +78,9 @@ std::optional<std::string> RecordingRules::problemOfKey(const std::string& key) 
   }
   if (isAmong(ownOptions, key)) {
     return key + " is given by the batch itself";
+  }
+  if (isAmong(idleOptions, key)) {
+    return key + " has no sense in a batch";
   }
   if (m_options.contains(key)) {
     return std::nullopt;

@@ -14,11 +14,8 @@
 
 namespace grouptracker {
 
-/// Why a recording cannot be called so; none when it can.
-std::optional<std::string> problemOfName(const std::string& name);
-
 /// Makes recordings of what a manifest says, and knows what it may say: "name", "input", "truth"
-/// and the options of `run` but those that are given by the batch itself.
+/// and the options of `run` but those that the batch gives itself or that have no sense in it.
 class RecordingRules {
  public:
   /// Tells what is wrong with an option of a command line, `--rate=x`; none when it is good.

@@ -92,11 +92,7 @@ int longer(int pause) {
 
 SlurmArray::SlurmArray(const std::string& folder, const std::vector<std::string>& siteOptions)
     : m_folder(folder), m_siteOptions(siteOptions) {
-  std::error_code problem;
-  fs::create_directories(folder, problem);
-  if (problem) {
-    throw OutputError(folder, "cannot be made: " + problem.message());
-  }
+  makeFolder(folder);
 }
 
 /// The site's options as arguments; when names are given, those only.
@@ -143,7 +139,7 @@ std::string SlurmArray::checkPlaces(std::vector<std::string> places) const {
                         "--ntasks=1", "--immediate=20",     "--chdir=/"};
   const Answer probe =
       ask("srun", siteOptions() + way +
-                      QStringList{"sh", "-c", QString::fromStdString(lines) + "echo asked"});
+                      QStringList{"sh", "-c", QFile::decodeName((lines + "echo asked").c_str())});
   const QStringList said = probe.text.split('\n', Qt::SkipEmptyParts);
   if (said.isEmpty() || said.last() != "asked") {
     return fmt::format("node {} has no time to say whether it sees {}: {}", node.toStdString(),
@@ -170,15 +166,15 @@ std::size_t SlurmArray::itemsOfTask(std::size_t items) const {
 void SlurmArray::submit(const std::string& name, const std::string& lines, std::size_t tasks) {
   const std::string script = m_folder + "/task.sh";
   WholeFile(script).write("#!/bin/sh\n" + lines);
-  const QString folder = QString::fromStdString(m_folder);
+  const QString folder = QFile::decodeName(m_folder.c_str());
   QStringList arguments{"--parsable",
                         "--requeue",
                         "--open-mode=append",
                         QString("--array=0-%1").arg(tasks - 1),
                         "--job-name=" + QString::fromStdString(name),
-                        "--chdir=" + QString::fromStdString(fs::current_path()),
+                        "--chdir=" + QFile::decodeName(fs::current_path().c_str()),
                         "--output=" + folder + "/%A_%a.txt"};
-  arguments << siteOptions() << QString::fromStdString(script);
+  arguments << siteOptions() << QFile::decodeName(script.c_str());
   const QString job = told("sbatch", arguments).trimmed();
   takeJob(job);
   WholeFile(m_folder + jobFile).write(job.toStdString() + "\n");
@@ -192,7 +188,7 @@ void SlurmArray::takeJob(const QString& text) {
 
 /// False when no submission has left a job in the folder.
 bool SlurmArray::readJob() {
-  QFile file(QString::fromStdString(m_folder + jobFile));
+  QFile file(QFile::decodeName((m_folder + jobFile).c_str()));
   const bool isThere = file.open(QIODevice::ReadOnly);
   takeJob(isThere ? QString(file.readAll()).trimmed() : QString());
   return !m_job.isEmpty();

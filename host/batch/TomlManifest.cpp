@@ -36,18 +36,6 @@ std::vector<std::pair<std::string, toml::value>> inOrder(const toml::table& tabl
   return sorted;
 }
 
-void addSettings(const toml::table& table, ManifestEntry& entry) {
-  for (const auto& [key, value] : inOrder(table)) {
-    if (!value.is_array()) {
-      entry.settings.push_back({key, textOf(value), lineOf(value), lineOf(value)});
-      continue;
-    }
-    for (const toml::value& item : value.as_array()) {
-      entry.settings.push_back({key, textOf(item), lineOf(value), lineOf(item)});
-    }
-  }
-}
-
 /// What the parser says is a drawing of several lines; its first line says what is wrong.
 InputError errorOf(const toml::exception& error, const std::string& path) {
   std::string problem = error.what();
@@ -57,6 +45,14 @@ InputError errorOf(const toml::exception& error, const std::string& path) {
   return {path, error.location().line(), problem};
 }
 
+toml::value parsed(std::istream& text, const std::string& path) {
+  try {
+    return toml::parse(text, path);
+  } catch (const toml::exception& error) {
+    throw errorOf(error, path);
+  }
+}
+
 class TomlManifest : public ManifestReader {
  public:
   TomlManifest(const std::string& path, ProblemHandler onProblem)
@@ -64,12 +60,7 @@ class TomlManifest : public ManifestReader {
     InputFile file(path);
     std::stringstream text;  // the parser goes back and forth in it
     text << file.stream().rdbuf();
-    try {
-      m_document = toml::parse(text, path);
-    } catch (const toml::exception& error) {
-      throw errorOf(error, path);
-    }
-    for (const auto& [key, value] : inOrder(m_document.as_table())) {
+    for (const auto& [key, value] : inOrder(parsed(text, path).as_table())) {
       if (key == recordingKey && value.is_array()) {
         m_recordings = value.as_array();
       } else if (key == defaultsKey && value.is_table()) {
@@ -102,9 +93,29 @@ class TomlManifest : public ManifestReader {
   }
 
  private:
+  void addSettings(const toml::table& table, ManifestEntry& entry) const {
+    for (const auto& [key, value] : inOrder(table)) {
+      if (!value.is_array()) {
+        addSetting(key, value, lineOf(value), entry);
+        continue;
+      }
+      for (const toml::value& item : value.as_array()) {
+        addSetting(key, item, lineOf(value), entry);
+      }
+    }
+  }
+
+  void addSetting(const std::string& key, const toml::value& value, std::uint64_t keyLine,
+                  ManifestEntry& entry) const {
+    if (value.is_table() || value.is_array()) {
+      m_onProblem({m_path, lineOf(value), key + ": a value, or a list of values, is expected"});
+      return;
+    }
+    entry.settings.push_back({key, textOf(value), keyLine, lineOf(value)});
+  }
+
   std::string m_path;
   ProblemHandler m_onProblem;
-  toml::value m_document;
   toml::array m_recordings;
   toml::table m_defaults;
   std::size_t m_next = 0;

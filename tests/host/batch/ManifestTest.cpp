@@ -109,12 +109,18 @@ TEST_F(Manifest, GetsAllItsProblemsWithTheirLines) {
                   "m.csv:4: out/old.csv lies in the folder of the results",
                   "m.csv:4: events: groups.jsonl is written for every recording",
                   "m.csv:5: name is missing", "m.csv:6: name: ../up cannot be the name of a folder",
-                  "m.csv:7: 2 cells where the first line has 8", "m.csv:8: a quote without its end",
+                  "m.csv:7: 2 cells where the first line has 8",
+                  "m.csv:8: a quote is not closed on its line",
                   "m.csv:4: the name is that of line 3, or differs in capitals only"));
   EXPECT_THAT(read("m.toml", "x = 1\n[[recording]]\nname = \"one\"\nrate = \"fast\"\nspeed = 1\n"),
               ElementsAre("m.toml:1: x: only [defaults] and [[recording]] are known",
                           "m.toml:4: --rate: a number is expected",
                           "m.toml:5: speed is no option of run", "m.toml:2: input is missing"));
+  EXPECT_THAT(read("m.toml",
+                   "[[recording]]\nname = \"one\"\ninput = \"a.csv\"\nstrict = true\n"
+                   "[recording.set]\ndelay = 4\n"),
+              ElementsAre("m.toml:5: set: a value, or a list of values, is expected",
+                          "m.toml:4: strict has no sense in a batch"));
   EXPECT_THAT(read("m.csv",
                    "name,input,events,mobile-dump\n"
                    "one,a.csv,x,x\n"
