@@ -63,13 +63,16 @@ void readLines(const std::string& path, const Read& read) {
 TrialTaskFiles TrialTaskFiles::open(const std::string& path) {
   InputFile file(path);
   LineReader lines(file.stream(), path);
-  const bool isThere = lines.nextFilled() && lines.line().starts_with(chunkWord);
-  const std::size_t chunk =
-      isThere ? countIn(lines.line().substr(std::string(chunkWord).size())) : 0;
-  if (chunk == 0) {
-    throw InputError(path, 1, "tasks of a search are expected");
+  try {
+    const bool isThere = lines.nextFilled() && lines.line().starts_with(chunkWord);
+    const std::size_t chunk =
+        isThere ? countIn(lines.line().substr(std::string(chunkWord).size())) : 0;
+    if (chunk > 0) {
+      return {path, chunk};
+    }
+  } catch (const ValueProblem&) {  // no count
   }
-  return {path, chunk};
+  throw InputError(path, 1, "tasks of a search are expected");
 }
 
 std::string TrialTaskFiles::partFile(std::size_t part) const {
