@@ -11,8 +11,7 @@
 #include "host/run/RunParameters.h"
 #include "library/OwnNames.h"
 #include "library/ProcessBeside.h"
-#include "library/StepValues.h"
-#include "library/TrackerSetup.h"
+#include "library/TrackerValues.h"
 
 #include <fmt/format.h>
 

@@ -4,7 +4,7 @@
 #include "host/evaluation/EvaluationReport.h"
 #include "host/evaluation/TruthReader.h"
 #include "host/evaluation/learning/EvidenceLearning.h"
-#include "library/StepValues.h"
+#include "library/TrackerValues.h"
 #include "python/bindings/Module.h"
 
 #include <algorithm>

@@ -10,8 +10,7 @@
 #include "host/run/GroupRun.h"
 #include "host/run/RunParameters.h"
 #include "library/OwnNames.h"
-#include "library/StepValues.h"
-#include "library/TrackerSetup.h"
+#include "library/TrackerValues.h"
 
 #include <fmt/format.h>
 

@@ -1,6 +1,6 @@
 #include "host/output/RunFile.h"
 #include "host/run/EventDetector.h"
-#include "library/StepValues.h"
+#include "library/TrackerValues.h"
 #include "library/Tracker.h"
 #include "python/bindings/Arrays.h"
 #include "python/bindings/Module.h"

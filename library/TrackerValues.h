@@ -1,8 +1,10 @@
 #pragma once
 
+#include "host/grouping/FrameGroups.h"
 #include "host/input/OpenedInput.h"
 #include "host/run/GroupRun.h"
 #include "host/run/RunParameters.h"
+#include "host/run/RunStep.h"
 #include "library/Tracker.h"
 
 #include <kel/kelAbstractDataCalibration.h>
@@ -10,6 +12,8 @@
 #include <QSharedPointer>
 
 namespace grouptracker {
+
+// What those who use the library hand over and get, as the project's own parts have it.
 
 /// What the settings of a tracker mean for its parts. What is wrong with them is an `InputError`.
 
@@ -21,5 +25,11 @@ QSharedPointer<kelAbstractDataCalibration> cameraOf(const TrackerSettings& setti
 
 /// How groups are found beside a process with these parameters.
 GroupRunOptions groupOptions(const TrackerSettings& settings, const RunParameters& parameters);
+
+/// A step of the evidence, with its events, as those see it who use the library.
+TrackerStep toTrackerStep(const RunStep& step);
+
+/// The same without events as the project's own code takes it.
+FrameGroups toFrameGroups(const TrackerStep& step);
 
 }  // namespace grouptracker
