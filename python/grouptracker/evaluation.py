@@ -11,8 +11,10 @@ from ._native import Model, Step, Truth
 from .tables import Table, columns_of, read_groups
 from .tracker import Path, Person
 
+#: The groups of one frame, as lists of ids or by their numbers.
+FrameTruth = Union[Iterable[Sequence[Person]], Mapping[int, Sequence[Person]]]
 #: A `Truth`, a file, the groups of the whole sequence as lists of ids, or those of each frame.
-AnyTruth = Union[Truth, Path, Iterable[Sequence[Person]], Mapping[int, Iterable[Sequence[Person]]]]
+AnyTruth = Union[Truth, Path, Iterable[Sequence[Person]], Mapping[int, FrameTruth]]
 
 
 def read_truth(path: Path) -> Truth:
@@ -27,8 +29,14 @@ def truth_of(truth: AnyTruth) -> Truth:
     if isinstance(truth, (str, os.PathLike)):
         return read_truth(truth)
     if isinstance(truth, Mapping):
-        return Truth.per_frame({frame: dict(enumerate(map(_numbers, groups), 1)) for frame, groups in truth.items()})
+        return Truth.per_frame({frame: _numbered(groups) for frame, groups in truth.items()})
     return Truth.always([_numbers(group) for group in truth])
+
+
+def _numbered(groups: FrameTruth) -> dict[int, list[int]]:
+    if isinstance(groups, Mapping):
+        return {number: _numbers(group) for number, group in groups.items()}
+    return dict(enumerate(map(_numbers, groups), 1))
 
 
 def _numbers(group: Sequence[Person]) -> list[int]:

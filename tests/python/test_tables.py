@@ -105,6 +105,8 @@ class Scores(InFolder):
         steps = grouptracker.track_steps(walking_table())
         self.assertEqual(grouptracker.evaluate(steps, [[1, 2]])["windowedMitre"]["f1"],
                          grouptracker.evaluate(steps, {n: [[1, 2]] for n in range(1, 41)})["windowedMitre"]["f1"])
+        self.assertEqual(grouptracker.evaluate(steps, {n: [[1, 2]] for n in range(1, 41)}),
+                         grouptracker.evaluate(steps, {n: {1: [1, 2]} for n in range(1, 41)}))
         with self.assertRaisesRegex(ValueError, "truth: no group has two members in view together"):
             grouptracker.evaluate(steps, [[8, 9]])
         (self.folder / "wrong.txt").write_text("1 2\n3 four\n")
