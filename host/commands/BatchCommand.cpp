@@ -24,7 +24,7 @@ class BatchCommand : public Command {
 
  private:
   void declareMaking(Options& command);
-  void declareSlurm(Options& command);
+  void checkOptions() const;
   int scan() const;
 
   BatchOptions m_options;
@@ -61,13 +61,14 @@ Options BatchCommand::declare(CommandLine& program) {
            "below a folder")
       .typeName("FOLDER");
   declareMaking(command);
-  declareSlurm(command);
+  declareSlurm(command, m_options.slurm, "who runs them", "recordings");
   return command;
 }
 
 void BatchCommand::declareMaking(Options& command) {
   m_options.jobs = std::max(1U, std::thread::hardware_concurrency());
-  command.add("--jobs", m_options.jobs, "recordings at a time; changes no result")
+  command
+      .add("--jobs", m_options.jobs, "recordings at a time, for --engine here; changes no result")
       .positive()
       .showDefault();
   command.add("--patience", m_options.patience, "seconds after which a recording is given up")
@@ -86,21 +87,20 @@ void BatchCommand::declareMaking(Options& command) {
   command.addFlag("--quiet", m_options.quiet, "no progress and no last line");
 }
 
-void BatchCommand::declareSlurm(Options& command) {
-  command.add("--engine", m_options.engine, "who runs them").oneOf({"here", "slurm"}).showDefault();
-  command
-      .add("--slurm-option", m_options.slurmOptions,
-           "an option of sbatch, such as partition=long; can be given several times")
-      .repeatable()
-      .typeName("NAME=VALUE");
-  command
-      .add("--chunk", m_options.chunk,
-           "recordings of a task of Slurm (default: as many as make a thousand tasks at most)")
-      .positive()
-      .typeName("N");
+/// What would change nothing is told, rather than passed over.
+void BatchCommand::checkOptions() const {
+  m_options.slurm.check();
+  const bool isScan = !m_options.scanned.empty();
+  if (!m_options.only.empty() && (isScan || m_options.summarizes)) {
+    throw InputError("--only", isScan ? "has no sense with --scan" : "has no sense with --summary");
+  }
+  if (isScan && !m_options.folder.empty()) {
+    throw InputError("--output", "has no sense with --scan");
+  }
 }
 
 int BatchCommand::run() {
+  checkOptions();
   if (!m_options.scanned.empty()) {
     return scan();
   }

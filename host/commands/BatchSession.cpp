@@ -3,12 +3,11 @@
 #include "host/base/ExitStatus.h"
 #include "host/base/InputError.h"
 #include "host/base/InputFile.h"
-#include "host/base/Interruption.h"
 #include "host/base/LineReader.h"
 #include "host/base/OutputFile.h"
+#include "host/base/OutputPlace.h"
 #include "host/run/PluginLoader.h"
 
-#include <QCoreApplication>
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -89,10 +88,12 @@ int BatchSession::run() {
     forOpen([](const Recording& recording) { fmt::print("{}\n", recording.name); });
     return finished;
   }
+  refuseOverwriting({m_folder.path() + "/summary.csv", m_folder.path() + "/index.html"},
+                    {m_options.manifest});
   m_folder.prepare();
   if (!m_options.summarizes) {
     findOpen();
-    m_options.engine == "slurm" ? makeBySlurm() : makeHere();
+    m_options.slurm.isWanted() ? makeBySlurm() : makeHere();
   }
   if (m_signals.stopRequested()) {
     return finished;  // the program tells of the signal
@@ -150,7 +151,7 @@ void BatchSession::findOpen() {
 void BatchSession::forOpen(const std::function<void(const Recording&)>& take) const {
   RecordingReader reader(m_options.manifest, m_rules);
   while (const auto recording = reader.next()) {
-    if (reader.index() < m_isOpen.size() && m_isOpen[reader.index()]) {
+    if (isOpen(reader.index())) {
       take(*recording);
     }
   }
@@ -178,7 +179,7 @@ void BatchSession::makeHere() {
 
 ProcessPool::Task BatchSession::nextTask() {
   while (auto recording = m_reader->next()) {
-    if (m_reader->index() < m_isOpen.size() && m_isOpen[m_reader->index()]) {
+    if (isOpen(m_reader->index())) {
       const std::string work = m_folder.newWork(recording->name);
       const auto [made, isNew] = m_made.emplace(m_started++, Making{*std::move(recording), work});
       return [this, &making = made->second] {
@@ -231,7 +232,7 @@ void BatchSession::say(const std::string& line) {
 /// What is open becomes an array, unless one of an earlier command is still at work: what that one
 /// leaves open has failed, or is the next command's.
 void BatchSession::makeBySlurm() {
-  SlurmArray array(m_folder.path() + "/.slurm", m_options.slurmOptions);
+  SlurmArray array(m_folder.path() + "/.slurm", m_options.slurm.siteOptions);
   if (array.takeUp()) {
     say(fmt::format("job {} of an earlier command is still at work", array.job()));
     followSlurm(array, 1);
@@ -240,10 +241,9 @@ void BatchSession::makeBySlurm() {
   if (m_open == 0 || m_signals.stopRequested()) {
     return;
   }
-  const std::string doubt = array.checkPlaces(
-      {QCoreApplication::applicationFilePath().toStdString(), fs::absolute(m_options.manifest)});
+  const std::string doubt = array.checkPlaces({ownProgram(), fs::absolute(m_options.manifest)});
   doubt.empty() ? void() : say(doubt);
-  const std::size_t chunk = m_options.chunk > 0 ? m_options.chunk : array.itemsOfTask(m_open);
+  const std::size_t chunk = m_options.slurm.chunkOf(array, m_open);
   const std::string list = m_folder.path() + "/.slurm/open.txt";
   writeOpen(list);
   array.submit("grouptracker", taskLines(list, chunk), (m_open + chunk - 1) / chunk);
@@ -261,8 +261,7 @@ std::string BatchSession::taskLines(const std::string& list, std::size_t chunk) 
       "sed -n \"$first,$((first + {0} - 1))p\" {1} |\n"
       "  {2} batch {3} --output {4} --only - --jobs \"${{SLURM_CPUS_PER_TASK:-1}}\" "
       "--patience {5} --quiet{6}\n",
-      chunk, SlurmArray::quoted(list),
-      SlurmArray::quoted(QCoreApplication::applicationFilePath().toStdString()),
+      chunk, SlurmArray::quoted(list), SlurmArray::quoted(ownProgram()),
       SlurmArray::quoted(m_options.manifest), SlurmArray::quoted(m_folder.path()),
       m_options.patience, m_options.leavesReports ? " --no-report" : "");
 }

@@ -5,9 +5,9 @@
 #include "host/batch/BatchSummary.h"
 #include "host/batch/RecordingReader.h"
 #include "host/batch/RecordingRules.h"
-#include "host/batch/SlurmArray.h"
 #include "host/commands/Progress.h"
 #include "host/commands/RecordingRun.h"
+#include "host/commands/SlurmChoice.h"
 #include "host/commands/StopSignals.h"
 
 #include <cstddef>
@@ -27,10 +27,8 @@ struct BatchOptions {
   std::string folder;             ///< of all results
   std::string scanned;            ///< a folder to make a manifest of
   std::vector<std::string> only;  ///< names of recordings; "-" takes them from standard input
-  std::vector<std::string> slurmOptions;
-  std::string engine = "here";
+  SlurmChoice slurm;
   std::size_t jobs = 1;
-  std::size_t chunk = 0;  ///< recordings of a task of Slurm; 0 for as many as make sense
   int patience = 86'400;  ///< seconds for a recording
   bool lists = false;
   bool summarizes = false;
@@ -58,6 +56,7 @@ class BatchSession {
   bool isManifestGood();
   void takeNames();
   void findOpen();
+  bool isOpen(std::size_t index) const { return index < m_isOpen.size() && m_isOpen[index]; }
   void forOpen(const std::function<void(const Recording&)>& take) const;
   void startProgress();
   void makeHere();

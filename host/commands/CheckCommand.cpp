@@ -1,6 +1,7 @@
 #include "host/base/InputError.h"
 #include "host/commands/Command.h"
 #include "host/commands/InputChoice.h"
+#include "host/commands/RunOptions.h"
 #include "host/commands/StepOptions.h"
 #include "host/commands/check/CheckReport.h"
 #include "host/commands/check/FrameCheck.h"
@@ -113,12 +114,7 @@ Options CheckCommand::declare(CommandLine& program) {
   Options command = program.addCommand(
       "check", "Looks through an input and its files without running", checkExample);
   declareInput(command, m_choice);
-  command.add("--parameters", m_parameterFile, "the tracker's 47 parameters").reads("FILE");
-  command
-      .add("--set", m_parameterChanges,
-           "gives one parameter another value; can be given several times")
-      .repeatable()
-      .typeName("LABEL=VALUE");
+  declareParameters(command, m_parameterFile, m_parameterChanges);
   command.add("--context", m_contextFile, "description of the scene, JSON").reads("FILE");
   command.add("--truth", m_truthFile, "annotated groups, which should be about the same people")
       .reads("FILE");

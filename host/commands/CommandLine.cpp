@@ -186,45 +186,45 @@ Option& Option::typeName(const char* name) {
 
 namespace {
 
-/// What the user gave to an option, without the word that stands for nothing.
-std::vector<std::string> namesIn(const CLI::Option& option) {
-  const std::string type = option.get_type_name();
-  std::vector<std::string> names = option.results();
-  std::erase_if(
-      names, [&](const std::string& name) { return name.empty() || type.ends_with("|" + name); });
-  return names;
-}
-
-void addNames(const CLI::Option& option, std::vector<std::string>& names) {
-  const std::vector<std::string>& own = option.get_lnames();
-  names.insert(names.end(), own.begin(), own.end());
-}
-
 /// What stands behind the last bar of "FILE|none"; empty without one.
 std::string lastChoice(const std::string& typeName) {
   const auto bar = typeName.rfind('|');
   return bar == std::string::npos ? std::string() : typeName.substr(bar + 1);
 }
 
-std::vector<std::string> allOf(const std::vector<CommandFiles::Names>& options) {
+/// What the user gave to an option, without the word that stands for nothing.
+std::vector<std::string> namesIn(const CLI::Option& option) {
+  const std::string nothing = lastChoice(option.get_type_name());
+  std::vector<std::string> names = option.results();
+  std::erase_if(names, [&](const std::string& name) { return name.empty() || name == nothing; });
+  return names;
+}
+
+std::vector<std::string> allOf(const std::vector<CommandFiles::Named>& options) {
   std::vector<std::string> all;
-  for (const auto& names : options) {
-    const std::vector<std::string> some = names();
+  for (const auto& option : options) {
+    const std::vector<std::string> some = option.files();
     all.insert(all.end(), some.begin(), some.end());
   }
   return all;
 }
 
+bool isAmong(const std::vector<CommandFiles::Named>& options, const std::string& name) {
+  return std::any_of(options.begin(), options.end(), [&name](const auto& option) {
+    return std::find(option.options.begin(), option.options.end(), name) != option.options.end();
+  });
+}
+
 }  // namespace
 
 Option& Option::reads(const char* name) {
-  m_files->read.emplace_back([option = m_option] { return namesIn(*option); });
-  addNames(*m_option, m_files->optionsRead);
+  m_files->read.push_back(
+      {m_option->get_lnames(), [option = m_option] { return namesIn(*option); }});
   return typeName(name);
 }
 
 Option& Option::readsBoth(const char* name) {
-  m_files->read.emplace_back([option = m_option] {
+  const auto files = [option = m_option] {
     std::vector<std::string> both;
     for (const std::string& names : namesIn(*option)) {
       const auto colon = std::min(names.rfind(':'), names.size());
@@ -232,19 +232,15 @@ Option& Option::readsBoth(const char* name) {
       both.push_back(names.substr(std::min(colon + 1, names.size())));
     }
     return both;
-  });
+  };
+  m_files->read.push_back({{}, files});
   return typeName(name);
 }
 
 Option& Option::writes(const char* name) {
-  m_files->written.emplace_back([option = m_option] { return namesIn(*option); });
-  addNames(*m_option, m_files->optionsWritten);
+  m_files->written.push_back(
+      {m_option->get_lnames(), [option = m_option] { return namesIn(*option); }});
   return typeName(name);
-}
-
-Option& Option::heading(const char* text) {
-  m_option->group(text);
-  return *this;
 }
 
 Option& Option::showDefault() {
@@ -308,7 +304,7 @@ Option Options::add(const std::string& name, Value& value, const std::string& he
   } else if constexpr (std::is_integral_v<typename Single<Value>::Type>) {
     option->check(wholeCheck<typename Single<Value>::Type>());
   }
-  return {option, *m_files};
+  return listed(option);
 }
 
 template Option Options::add(const std::string&, std::string&, const std::string&);
@@ -322,7 +318,7 @@ template Option Options::add(const std::string&, double&, const std::string&);
 template Option Options::add(const std::string&, std::optional<double>&, const std::string&);
 
 Option Options::addFlag(const std::string& name, bool& flag, const std::string& help) {
-  return {m_command->add_flag(name, flag, help), *m_files};
+  return listed(m_command->add_flag(name, flag, help));
 }
 
 Option Options::addParsed(const std::string& name, std::function<bool(const std::string&)> take,
@@ -332,13 +328,26 @@ Option Options::addParsed(const std::string& name, std::function<bool(const std:
       throw CLI::ValidationError(name, expected);
     }
   };
-  return {m_command->add_option_function<std::string>(name, parse, help), *m_files};
+  return listed(m_command->add_option_function<std::string>(name, parse, help));
 }
 
 Options Options::addChoice(const std::string& name, std::size_t least, std::size_t most) {
   CLI::App* const choice = m_command->add_option_group(name);
   choice->require_option(least, most);
   return {choice, m_files};
+}
+
+Options Options::under(const char* heading) const {
+  Options options = *this;
+  options.m_heading = heading;
+  return options;
+}
+
+Option Options::listed(CLI::Option* option) {
+  if (m_heading != nullptr) {
+    option->group(m_heading);
+  }
+  return {option, *m_files};
 }
 
 bool Options::wereChosen() const {
@@ -354,16 +363,13 @@ std::vector<std::string> Options::filesWritten() const {
 }
 
 std::vector<OptionKind> Options::kinds() const {
-  const auto isAmong = [](const std::vector<std::string>& names, const std::string& name) {
-    return std::find(names.begin(), names.end(), name) != names.end();
-  };
   std::vector<OptionKind> kinds;
   for (const CLI::Option* const option : m_command->get_options()) {
     const bool isFlag = option->get_items_expected_max() == 0;
     const std::string type = option->get_type_name();
     for (const std::string& name : option->get_lnames()) {
-      const bool reads = isAmong(m_files->optionsRead, name);
-      const bool writes = isAmong(m_files->optionsWritten, name);
+      const bool reads = isAmong(m_files->read, name);
+      const bool writes = isAmong(m_files->written, name);
       kinds.push_back({name, isFlag, reads, writes, reads || writes ? lastChoice(type) : ""});
     }
   }
@@ -394,7 +400,9 @@ std::function<std::string()> CommandLine::addConfig(const Options& command) {
   const std::string name = command.parser().get_name();
   CLI::App* const options = m_program->get_subcommand(name);
   m_program->config_formatter(std::make_shared<CommandConfig>(name));
-  m_program->set_config("--config", "", "for " + name + ": a file with its options (TOML)");
+  CLI::Option* const config =
+      m_program->set_config("--config", "", "for " + name + ": a file with its options (TOML)");
+  Option(config, *command.m_files).reads("FILE");
   m_program->allow_config_extras(CLI::config_extras_mode::error);
   options->fallthrough();
   return [options] { return shownConfig(*options); };

@@ -20,12 +20,13 @@ struct OptionKind;
 
 /// The files and folders that a command reads and writes, as its options name them.
 struct CommandFiles {
-  using Names = std::function<std::vector<std::string>()>;
+  struct Named {
+    std::vector<std::string> options;                 ///< without dashes
+    std::function<std::vector<std::string>()> files;  ///< as soon as the command line is parsed
+  };
 
-  std::vector<Names> read;  ///< to be called when the command line is parsed
-  std::vector<Names> written;
-  std::vector<std::string> optionsRead;  ///< the names of the options, without dashes
-  std::vector<std::string> optionsWritten;
+  std::vector<Named> read;
+  std::vector<Named> written;
 };
 
 /// One option of a command, about which more can be said. The parser that stands behind it is known
@@ -44,8 +45,6 @@ class Option {
   Option& readsBoth(const char* name);
   /// Says that the command writes what the option names.
   Option& writes(const char* name);
-  /// The heading under which the help lists the option.
-  Option& heading(const char* text);
   /// Lets the help say the value that holds without the option.
   Option& showDefault();
   Option& within(double lowest, double highest);
@@ -86,6 +85,8 @@ class Options {
                    const std::string& expected, const std::string& help);
   /// Options of which the user gives at least and at most so many.
   Options addChoice(const std::string& name, std::size_t least, std::size_t most);
+  /// The same options, of which the help lists those that are added from here under a heading.
+  Options under(const char* heading) const;
 
   /// Whether the user chose this command.
   bool wereChosen() const;
@@ -98,8 +99,12 @@ class Options {
   std::vector<OptionKind> kinds() const;
 
  private:
+  friend class CommandLine;
+  Option listed(CLI::Option* option);
+
   CLI::App* m_command;
   std::shared_ptr<CommandFiles> m_files;
+  const char* m_heading = nullptr;
 };
 
 /// The program's command line.

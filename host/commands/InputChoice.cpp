@@ -20,7 +20,6 @@ namespace grouptracker {
 
 namespace {
 
-const char* const heading = "How the input is read";
 const char* const columnFirst = "colrow";
 const char* const rowFirst = "rowcol";
 
@@ -76,8 +75,7 @@ void declareFrames(Options& command, InputChoice& choice) {
   command
       .addParsed("--frames", take, "A:B, A: or :B is expected, with A <= B",
                  "only the frames from A to B, by the input's own numbers")
-      .typeName("A:B")
-      .heading(heading);
+      .typeName("A:B");
 }
 
 void declareRate(Options& command, InputChoice& choice) {
@@ -88,8 +86,7 @@ void declareRate(Options& command, InputChoice& choice) {
   command
       .addParsed("--rate", take, "a number above 0 is expected",
                  "frame numbers a second, where the input has no times or wrong ones")
-      .typeName("N")
-      .heading(heading);
+      .typeName("N");
 }
 
 void declareTable(Options& command, InputChoice& choice) {
@@ -101,8 +98,7 @@ void declareTable(Options& command, InputChoice& choice) {
                  "names such as frame=t,id=ped are expected, or without names in the file what all "
                  "columns hold, such as frame,id,x,y",
                  "which columns of a table are frame (or time, in seconds), id, x and y")
-      .typeName("frame=NAME,...")
-      .heading(heading);
+      .typeName("frame=NAME,...");
   const auto takeUnit = [&choice](const std::string& text) {
     constexpr double centimetre = 0.01;
     choice.table.unit = text == "cm" ? centimetre : 1.0;
@@ -111,8 +107,7 @@ void declareTable(Options& command, InputChoice& choice) {
   command
       .addParsed("--unit", takeUnit, "m or cm is expected",
                  "what places in a table are in (default m, or what its header says)")
-      .typeName("m|cm")
-      .heading(heading);
+      .typeName("m|cm");
 }
 
 void declareMessages(Options& command, InputChoice& choice) {
@@ -121,23 +116,20 @@ void declareMessages(Options& command, InputChoice& choice) {
   command
       .add("--message-map", choice.messageMapFile,
            "where people messages keep time, people, ids and places, as JSON pointers")
-      .reads("FILE")
-      .heading(heading);
+      .reads("FILE");
   command
       .add(
           "--max-people", choice.mostPeople,
           "a people message, or frame of MOTChallenge lines that arrive, with more people is wrong")
       .within(1, largestCrowd)
       .typeName("N")
-      .showDefault()
-      .heading(heading);
+      .showDefault();
   command
       .add("--max-lateness", choice.maxLateness,
            "seconds that a people message may come after those that follow it")
       .within(0.0, latest)
       .typeName("SECONDS")
-      .showDefault()
-      .heading(heading);
+      .showDefault();
 }
 
 void declareCamera(Options& command, InputChoice& choice) {
@@ -145,14 +137,12 @@ void declareCamera(Options& command, InputChoice& choice) {
       .add("--calibration", choice.calibrationFile,
            "camera: OpenCV yml, xml or json; Tsai's model as XML; or a text of 3 x 3 numbers, "
            "the homography from the image to the ground")
-      .reads("FILE")
-      .heading(heading);
+      .reads("FILE");
   command
       .add("--homography-order", choice.homographyOrder,
            "what a homography in a text takes: column before row, or row before column "
            "(default colrow)")
-      .oneOf({rowFirst, columnFirst})
-      .heading(heading);
+      .oneOf({rowFirst, columnFirst});
   const auto takeSize = [&choice](const std::string& text) {
     choice.imageSize = parseSize(text);
     return choice.imageSize.has_value();
@@ -161,8 +151,7 @@ void declareCamera(Options& command, InputChoice& choice) {
       .addParsed("--image-size", takeSize, "WxH is expected, such as 768x576",
                  "width and height of the video's images in pixels, where the input does not say "
                  "them")
-      .typeName("WxH")
-      .heading(heading);
+      .typeName("WxH");
 }
 
 void declareLinks(Options& command, InputChoice& choice) {
@@ -173,8 +162,7 @@ void declareLinks(Options& command, InputChoice& choice) {
               .add(argument.name, choice.links.*member,
                    std::string("for inputs without links: ") + argument.meaning)
               .notNegative()
-              .showDefault()
-              .heading(heading);
+              .showDefault();
         },
         argument.member);
   }
@@ -216,42 +204,36 @@ void declareOptionalInput(Options& command, InputChoice& choice) {
 }
 
 void declareReading(Options& command, InputChoice& choice) {
-  command
+  Options reading = command.under("How the input is read");
+  reading
       .add("--format", choice.format,
            "the format of INPUT, if it is not to be recognised by its content")
-      .oneOf(inputFormats())
-      .heading(heading);
-  command
-      .add("--min-confidence", choice.minConfidence,
-           "for MOTChallenge files: boxes of a lower confidence are passed over")
-      .heading(heading);
-  declareFrames(command, choice);
-  declareRate(command, choice);
-  declareTable(command, choice);
-  declareMessages(command, choice);
-  declareCamera(command, choice);
-  command
+      .oneOf(inputFormats());
+  reading.add("--min-confidence", choice.minConfidence,
+              "for MOTChallenge files: boxes of a lower confidence are passed over");
+  declareFrames(reading, choice);
+  declareRate(reading, choice);
+  declareTable(reading, choice);
+  declareMessages(reading, choice);
+  declareCamera(reading, choice);
+  reading
       .add("--images", choice.images,
            "folder with images by sorted name, or a video file, for inputs that name none; none "
            "leaves all images out")
-      .reads("FOLDER|VIDEO|none")
-      .heading(heading);
-  command
-      .addFlag("--allow-outside-images", choice.allowsOutsideImages,
-               "lets the input name images that lie outside its folder")
-      .heading(heading);
+      .reads("FOLDER|VIDEO|none");
+  reading.addFlag("--allow-outside-images", choice.allowsOutsideImages,
+                  "lets the input name images that lie outside its folder");
   const auto takePixels = [&choice](const std::string& text) {
     const auto pixels = parsePixels(text);
     choice.maxPixels = pixels.value_or(choice.maxPixels);
     return pixels.has_value();
   };
-  command
+  reading
       .addParsed("--max-pixels", takePixels, "such as 50000000, 50M or 8000x6000 is expected",
                  "images and videos of more pixels are refused before they are decoded (default "
                  "100M)")
-      .typeName("N")
-      .heading(heading);
-  declareLinks(command, choice);
+      .typeName("N");
+  declareLinks(reading, choice);
 }
 
 InputOptions inputOptions(const InputChoice& choice) {

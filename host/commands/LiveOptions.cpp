@@ -1,10 +1,9 @@
-#include "host/commands/LiveOptions.h"
+#include "host/commands/RunOptions.h"
 
 namespace grouptracker {
 
 namespace {
 
-const char* const liveHeading = "Live";
 constexpr std::size_t bytesOfMegabyte = std::size_t{1024} * 1024;
 constexpr int largestSpool = 1024 * 1024;  // megabytes
 
@@ -13,21 +12,18 @@ void declarePublishing(Options& command, LiveOptions& options) {
       .add("--publish", options.publishAddress,
            "publishes groups under a topic, events under TOPIC/events, what holds now under "
            "TOPIC/now and whether the run is there under TOPIC/status")
-      .typeName("mqtt://HOST:PORT/TOPIC")
-      .heading(liveHeading);
+      .typeName("mqtt://HOST:PORT/TOPIC");
   command
       .add("--spool", options.spoolFile,
            "keeps what the broker does not have yet, also when the program ends; in memory "
            "without it")
-      .writes("FILE")
-      .heading(liveHeading);
+      .writes("FILE");
   command
       .add("--spool-size", options.spoolMegabytes,
            "of more than so much that waits for the broker the oldest is dropped")
       .within(1, largestSpool)
       .typeName("MEGABYTES")
-      .showDefault()
-      .heading(liveHeading);
+      .showDefault();
 }
 
 void declareAccess(Options& command, BrokerAccess& access) {
@@ -35,19 +31,14 @@ void declareAccess(Options& command, BrokerAccess& access) {
       .add("--mqtt-login", access.loginFile,
            "user on the first line and password on the second, in place of the environment "
            "variables GROUPTRACKER_MQTT_USER and GROUPTRACKER_MQTT_PASSWORD")
-      .reads("FILE")
-      .heading(liveHeading);
+      .reads("FILE");
   command
       .add("--mqtt-ca", access.caFile,
            "for mqtts://: the certificates to be trusted, in place of the system's")
-      .reads("FILE")
-      .heading(liveHeading);
+      .reads("FILE");
   command.add("--mqtt-certificate", access.certificateFile, "for mqtts://: the client's own")
-      .reads("FILE")
-      .heading(liveHeading);
-  command.add("--mqtt-key", access.keyFile, "the key to that certificate")
-      .reads("FILE")
-      .heading(liveHeading);
+      .reads("FILE");
+  command.add("--mqtt-key", access.keyFile, "the key to that certificate").reads("FILE");
 }
 
 }  // namespace
@@ -62,26 +53,21 @@ PublishOptions LiveOptions::publishing() const {
 }
 
 void declareLiveOptions(Options& command, LiveOptions& options) {
-  declarePublishing(command, options);
-  declareAccess(command, options.access);
-  command
-      .addFlag("--strict", options.isStrict,
-               "ends with a message of a topic that is wrong, instead of passing it over")
-      .heading(liveHeading);
-  command
-      .add("--metrics", options.metricsAddress,
+  Options live = command.under("Live");
+  declarePublishing(live, options);
+  declareAccess(live, options.access);
+  live.addFlag("--strict", options.isStrict,
+               "ends with a message of a topic that is wrong, instead of passing it over");
+  live.add("--metrics", options.metricsAddress,
            "serves the numbers of the run for Prometheus; a port alone is the loopback's")
-      .typeName("HOST:PORT")
-      .heading(liveHeading);
+      .typeName("HOST:PORT");
   const auto takeFormat = [&options](const std::string& format) {
     options.logsJson = format == "json";
     return true;
   };
-  command
-      .addParsed("--log-format", takeFormat, "",
+  live.addParsed("--log-format", takeFormat, "",
                  "how the program's own lines look on standard error (default text)")
-      .oneOf({"text", "json"})
-      .heading(liveHeading);
+      .oneOf({"text", "json"});
 }
 
 }  // namespace grouptracker

@@ -59,10 +59,10 @@ void Progress::draw(std::uint64_t frame) const {
                perSecond * m_unit.seconds, m_unit.pace);
     return;
   }
-  const double left =
-      (static_cast<double>(*m_totalFrames) - static_cast<double>(frame)) / perSecond;
-  fmt::print(stderr, "{}{} {} of {}, {:.0f} {}, {} left", eraseLine, m_unit.one, frame,
-             *m_totalFrames, perSecond * m_unit.seconds, m_unit.pace, duration(left));
+  const double left = static_cast<double>(*m_totalFrames) - static_cast<double>(frame);
+  fmt::print(stderr, "{}{} {} of {}, {:.0f} {}{}", eraseLine, m_unit.one, frame, *m_totalFrames,
+             perSecond * m_unit.seconds, m_unit.pace,
+             frame == 0 ? "" : ", " + duration(left / perSecond) + " left");
 }
 
 }  // namespace grouptracker

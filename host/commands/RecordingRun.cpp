@@ -10,6 +10,7 @@
 #include "host/evaluation/EvaluationReport.h"
 #include "host/evaluation/ScoredSteps.h"
 #include "host/evaluation/TruthReader.h"
+#include "host/run/RunParameters.h"
 
 #include <fmt/format.h>
 
@@ -20,6 +21,7 @@
 #include <exception>
 #include <fcntl.h>
 #include <filesystem>
+#include <fstream>
 #include <sys/resource.h>
 #include <system_error>
 #include <unistd.h>
@@ -73,7 +75,8 @@ std::string RecordingRun::make() {
   } catch (const Interruption&) {
     throw;
   } catch (const std::exception& failure) {
-    fmt::print(stderr, "{}\n", failure.what());  // which the log has then
+    // For who looks for last words; the log that was may be in its place already.
+    std::ofstream(made(logFile), std::ios::app) << failure.what() << '\n';
     throw;
   }
 }
@@ -127,6 +130,9 @@ void RecordingRun::run() {
   options.outputFile = made(groupsFile);
   options.diagnostics = options.diagnostics.empty() ? noOutput : options.diagnostics;
   options.mobileDump = options.mobileDump.empty() ? noOutput : options.mobileDump;
+  if (const auto doubt = options.steps.doubt()) {
+    fmt::print(stderr, "warning: {}\n", *doubt);
+  }
   RunSession session(options);
   const RunSummary summary = session.run();
   if (!summary.stoppedBy.empty()) {
@@ -192,7 +198,15 @@ const std::vector<OptionKind>& RunOptionCheck::kinds() const {
 }
 
 std::optional<std::string> RunOptionCheck::problemIn(const std::string& option) {
-  return m_parser->line.problemIn({"run", "input", option});
+  auto problem = m_parser->line.problemIn({"run", "input", option});
+  if (!problem && option.starts_with("--set=")) {
+    try {
+      RunParameters("", m_parser->options.parameterChanges);
+    } catch (const InputError& error) {
+      problem = error.what();
+    }
+  }
+  return problem;
 }
 
 }  // namespace grouptracker

@@ -50,26 +50,14 @@ constexpr double longestLookAhead = 60.0;  // seconds; all that comes in it is k
 const std::string skip = "skip";
 const std::string stop = "stop";
 
-void declareParameters(Options& command, RunOptions& options) {
-  command
-      .add("--parameters", options.parameterFile,
-           "the tracker's 47 parameters, in place of a built-in set that suits the rate")
-      .reads("FILE");
-  command
-      .add("--set", options.parameterChanges,
-           "gives one parameter another value; can be given several times")
-      .repeatable()
-      .typeName("LABEL=VALUE");
+void declareFiles(Options& command, RunOptions& options) {
+  declareOptionalInput(command, options);
+  declareParameters(command, options.parameterFile, options.parameterChanges);
   command
       .addFlag("--print-parameters", options.printsParameters,
                "instead of running, writes the parameters that the run would take, each with its "
                "meaning; without INPUT those for --rate frames a second")
       .onCommandLineOnly();
-}
-
-void declareFiles(Options& command, RunOptions& options) {
-  declareOptionalInput(command, options);
-  declareParameters(command, options);
   command
       .add("--output", options.outputFile,
            "the groups of every frame, JSON Lines; when no output is asked for, NAME.groups.jsonl "
@@ -162,6 +150,16 @@ void printSummary(const RunSummary& summary, const std::string& groupsFile) {
 }
 
 }  // namespace
+
+void declareParameters(Options& command, std::string& file, std::vector<std::string>& changes) {
+  command
+      .add("--parameters", file,
+           "the tracker's 47 parameters, in place of a built-in set that suits the rate")
+      .reads("FILE");
+  command.add("--set", changes, "gives one parameter another value; can be given several times")
+      .repeatable()
+      .typeName("LABEL=VALUE");
+}
 
 Options declareRun(CommandLine& program, RunOptions& options) {
   Options command =

@@ -2,10 +2,11 @@
 
 #include "host/commands/CommandLine.h"
 #include "host/commands/InputChoice.h"
-#include "host/commands/LiveOptions.h"
 #include "host/commands/StepOptions.h"
+#include "host/publish/Publisher.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -14,6 +15,24 @@ namespace grouptracker {
 
 /// What stands for standard output where a file name could stand.
 inline constexpr const char* standardOutputName = "-";
+
+/// What the user asks of a run that goes on while people are seen. Texts are empty when the option
+/// was not given.
+struct LiveOptions {
+  std::string publishAddress;
+  std::string spoolFile;
+  std::size_t spoolMegabytes = 256;
+  std::string metricsAddress;
+  bool isStrict = false;  ///< ends with a message that is wrong, instead of passing it over
+  bool logsJson = false;  ///< the program's own lines on standard error
+  BrokerAccess access;    ///< to the broker of the input and to that of the output
+
+  /// What a publisher needs to know.
+  PublishOptions publishing() const;
+};
+
+/// Adds the options to a command; they outlive the parsing.
+void declareLiveOptions(Options& command, LiveOptions& options);
 
 /// What the user asks of `grouptracker run`. Texts are empty when the option was not given.
 struct RunOptions : InputChoice {
@@ -52,6 +71,9 @@ struct RunOptions : InputChoice {
 
 /// Adds `run` with all its options, which write what they are given to `options`.
 Options declareRun(CommandLine& program, RunOptions& options);
+
+/// Adds the options that say which parameters the tracker takes.
+void declareParameters(Options& command, std::string& file, std::vector<std::string>& changes);
 
 /// The word that turns an output off where a file name could stand.
 inline constexpr const char* noOutput = "none";

@@ -35,26 +35,21 @@ const std::array<Export, 6> exports{{
     {"--sqlite", "frames, groups, members and events as a database", open<SqliteExport>},
 }};
 
-const char* const heading = "Results in other forms";
+const char* const formsHeading = "Results in other forms";
 constexpr double slowest = 0.1;  // pictures per second
 constexpr double fastest = 240.0;
 
 void declareExport(Options& command, const Export& row, StepOptions& options) {
-  command.add(row.option, options.exportFiles[row.option], row.help)
-      .writes("FILE")
-      .heading(heading);
+  command.add(row.option, options.exportFiles[row.option], row.help).writes("FILE");
 }
 
 void declarePictures(Options& command, PictureOptions& pictures) {
   command
       .add("--video", pictures.path,
            "draws every reported frame into a film (.mp4, .mkv, .avi) or a folder of images")
-      .writes("FILE|FOLDER")
-      .heading(heading);
-  command
-      .addFlag("--top-view", pictures.showsTopView,
-               "draws the ground from above beside the images; without images it stands alone")
-      .heading(heading);
+      .writes("FILE|FOLDER");
+  command.addFlag("--top-view", pictures.showsTopView,
+                  "draws the ground from above beside the images; without images it stands alone");
 }
 
 }  // namespace
@@ -93,38 +88,37 @@ std::optional<std::string> StepOptions::doubt() const {
 }
 
 void declareStepOptions(Options& command, StepOptions& options) {
+  Options forms = command.under(formsHeading);
   for (const Export& row : exports) {
-    declareExport(command, row, options);
+    declareExport(forms, row, options);
   }
   declarePictureOptions(command, options);
 }
 
 void declarePictureOptions(Options& command, StepOptions& options) {
-  declarePictures(command, options.pictures);
-  command
-      .addFlag("--show", options.showsWindow,
-               "shows the same pictures in a window while running: space pauses, the arrow keys "
-               "step, Escape closes it")
-      .heading(heading);
-  command
+  Options forms = command.under(formsHeading);
+  declarePictures(forms, options.pictures);
+  forms.addFlag("--show", options.showsWindow,
+                "shows the same pictures in a window while running: space pauses, the arrow keys "
+                "step, Escape closes it");
+  forms
       .add("--video-rate", options.pictures.rate,
            "pictures per second of the film, and at most in the window")
       .within(slowest, fastest)
-      .showDefault()
-      .heading(heading);
+      .showDefault();
 }
 
 void declareReplayOptions(Options& command, StepOptions& options) {
+  Options forms = command.under(formsHeading);
   for (const Export& row : exports) {
     if (row.option != eventsOption) {
-      declareExport(command, row, options);
+      declareExport(forms, row, options);
     }
   }
-  declarePictures(command, options.pictures);
-  command.add("--video-rate", options.pictures.rate, "pictures per second of the film")
+  declarePictures(forms, options.pictures);
+  forms.add("--video-rate", options.pictures.rate, "pictures per second of the film")
       .within(slowest, fastest)
-      .showDefault()
-      .heading(heading);
+      .showDefault();
 }
 
 }  // namespace grouptracker

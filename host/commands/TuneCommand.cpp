@@ -1,3 +1,4 @@
+#include "host/base/InputError.h"
 #include "host/commands/Command.h"
 #include "host/commands/TuneSession.h"
 
@@ -67,31 +68,15 @@ void declareSearch(Options& command, TuneOptions& options) {
   command.addFlag("--quiet", options.quiet, "no progress");
 }
 
-void declareSlurm(Options& command, TuneOptions& options) {
-  const char* const heading = "On many machines";
-  command.add("--engine", options.engine, "who computes the trials; changes no result")
-      .oneOf({"here", "slurm"})
-      .showDefault()
-      .heading(heading);
-  command
-      .add("--slurm-option", options.slurmOptions,
-           "an option of sbatch, such as partition=long; can be given several times")
-      .repeatable()
-      .typeName("NAME=VALUE")
-      .heading(heading);
-  command
-      .add("--chunk", options.chunk,
-           "runs of a task of Slurm (default: as many as make a thousand tasks at most)")
-      .positive()
-      .typeName("N")
-      .heading(heading);
-  command
+void declareMachines(Options& command, TuneOptions& options) {
+  Options machines = command.under("On many machines");
+  declareSlurm(machines, options.slurm, "who computes the trials; changes no result", "runs");
+  machines
       .add("--tasks", options.tasksFile,
            "instead of searching, computes a part of the runs that a search wants: what a task of "
            "Slurm calls, with the options of the search")
-      .reads("FILE")
-      .heading(heading);
-  command.add("--part", options.part, "which part, from 0").heading(heading);
+      .reads("FILE");
+  machines.add("--part", options.part, "which part, from 0");
 }
 
 }  // namespace
@@ -104,12 +89,16 @@ Options TuneCommand::declare(CommandLine& program) {
                                        tuneExample);
   declareFiles(command, m_options);
   declareSearch(command, m_options);
-  declareSlurm(command, m_options);
+  declareMachines(command, m_options);
   declareReading(command, m_options.reading);
   return command;
 }
 
 int TuneCommand::run() {
+  m_options.slurm.check();
+  if (m_options.part && m_options.tasksFile.empty()) {
+    throw InputError("--part", "has no sense without --tasks");
+  }
   TuneSession session(m_options);
   m_options.tasksFile.empty() ? session.run() : session.runTasks();
   return finished;

@@ -10,7 +10,6 @@
 #include "host/input/InputFormats.h"
 #include "host/run/PluginLoader.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QTemporaryDir>
 #include <fmt/format.h>
@@ -109,9 +108,10 @@ std::string scoresOf(const Trial& trial, const std::vector<const TunedSequence*>
 
 /// The tasks get this very command line, so that they read the same sequences in the same way.
 std::string taskLineFor(const TrialTaskFiles& files) {
-  std::string line = SlurmArray::quoted(QCoreApplication::applicationFilePath().toStdString());
-  for (const QString& word : QCoreApplication::arguments().mid(1)) {
-    line += " " + SlurmArray::quoted(word.toStdString());
+  const std::vector<std::string> words = ownArguments();
+  std::string line = SlurmArray::quoted(ownProgram());
+  for (auto word = words.begin() + 1; word != words.end(); ++word) {
+    line += " " + SlurmArray::quoted(*word);
   }
   return line + fmt::format(" --tasks {} --part \"$SLURM_ARRAY_TASK_ID\"\n",
                             SlurmArray::quoted(files.path()));
@@ -221,8 +221,8 @@ void TuneSession::compute(std::vector<Trial>& trials, const std::vector<std::siz
       }
     }
   };
-  m_options.engine == "slurm" ? computeBySlurm(tasks, finished)
-                              : computeHere(tasks, m_options.jobs, finished);
+  m_options.slurm.isWanted() ? computeBySlurm(tasks, finished)
+                             : computeHere(tasks, m_options.jobs, finished);
 }
 
 void TuneSession::computeHere(const TrialTasks& tasks, std::size_t jobs,
@@ -244,14 +244,13 @@ void TuneSession::computeBySlurm(const TrialTasks& tasks, const WorkerPool::Fini
   }
   const StopSignals caught;
   const std::string folder = std::filesystem::absolute(m_options.outputFile).string() + ".slurm";
-  SlurmArray array(folder, m_options.slurmOptions);
+  SlurmArray array(folder, m_options.slurm.siteOptions);
   if (!std::exchange(m_isSlurmReady, true)) {
     array.cancelEarlier();
-    const std::string doubt = array.checkPlaces(
-        {QCoreApplication::applicationFilePath().toStdString(), std::filesystem::current_path()});
+    const std::string doubt = array.checkPlaces({ownProgram(), std::filesystem::current_path()});
     fmt::print(stderr, "{}", doubt.empty() ? "" : doubt + "\n");
   }
-  const std::size_t chunk = m_options.chunk > 0 ? m_options.chunk : array.itemsOfTask(tasks.size());
+  const std::size_t chunk = m_options.slurm.chunkOf(array, tasks.size());
   const std::vector<std::size_t> lost = computeArray(array, tasks, chunk, finished);
   lost.empty() ? void() : computeAgain(array, tasks, lost, finished);
   std::error_code late;  // tasks may still be about to end
@@ -305,13 +304,14 @@ std::vector<std::size_t> TuneSession::computeArray(SlurmArray& array, const Tria
 void TuneSession::runTasks() {
   preloadGroupTracker("");
   const TrialTaskFiles files = TrialTaskFiles::open(m_options.tasksFile);
-  const TrialTasks tasks = files.readTasks(m_options.part);
+  const std::size_t part = m_options.part.value_or(0);
+  const TrialTasks tasks = files.readTasks(part);
   const int granted = qEnvironmentVariableIntValue("SLURM_CPUS_PER_TASK");
   std::vector<std::optional<double>> results(tasks.size());
   computeHere(
       tasks, static_cast<std::size_t>(std::max(1, granted)),
       [&results](std::size_t task, std::optional<double> result) { results[task] = result; });
-  files.writeResults(m_options.part, results);
+  files.writeResults(part, results);
 }
 
 Trial TuneSession::evaluated(const Candidate& candidate, const Sequences& sequences,

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "host/batch/SlurmArray.h"
 #include "host/commands/InputChoice.h"
+#include "host/commands/SlurmChoice.h"
 #include "host/evaluation/search/TrialRunner.h"
 #include "host/evaluation/search/TrialTasks.h"
 #include "host/evaluation/search/TuningSearch.h"
@@ -9,6 +9,7 @@
 #include "host/run/ParameterFile.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -30,11 +31,9 @@ struct TuneOptions {
   bool resume = false;
   bool leaveOneOut = false;
   bool quiet = false;
-  std::string engine = "here";
-  std::vector<std::string> slurmOptions;
-  std::size_t chunk = 0;  ///< runs of a task of Slurm; 0 for as many as make sense
+  SlurmChoice slurm;
   std::string tasksFile;  ///< of a search elsewhere, of which one part is computed
-  std::size_t part = 0;
+  std::optional<std::size_t> part;
 };
 
 /// One search over all sequences, and one without each of them when that is asked for. Of the base

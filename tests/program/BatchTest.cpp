@@ -178,18 +178,43 @@ TEST_F(Batch, LetsOtherEnginesDoIt) {
 
 TEST_F(Batch, TellsAllProblemsBeforeAnythingRuns) {
   m_folder.write("in/m.csv",
-                 "name,input,rate,colums\n"
-                 "a,a.csv,0,\n"
-                 "a,missing.csv,25,\n");
+                 "name,input,rate,set,colums\n"
+                 "a,a.csv,0,coherenceThreshold=4;maxFrames=40,\n"
+                 "a,missing.csv,25,,\n");
   ASSERT_EQ(batch({}), 2);
   EXPECT_THAT(linesOf(m_errors),
               ElementsAre("in/m.csv:2: --rate: a number above 0 is expected",
+                          StartsWith("in/m.csv:2: --set: maxFrames is no parameter"),
                           "in/m.csv:3: missing.csv: cannot be read: No such file or directory",
                           "in/m.csv:3: the name is that of line 2, or differs in capitals only"));
   EXPECT_FALSE(fs::exists(m_folder.path() / "out"));
   m_folder.write("in/m.csv", "name,input,colums\na,a.csv,x=1\n");
   ASSERT_EQ(batch({}), 2);
   EXPECT_EQ(m_errors, "in/m.csv:1: colums is no option of run; did you mean columns?\n");
+}
+
+TEST_F(Batch, RefusesWhatWouldChangeNothingAndWhatItWouldDestroy) {
+  EXPECT_EQ(batch({"--summary", "--only", "a"}), 2);
+  EXPECT_EQ(m_errors, "--only: has no sense with --summary\n");
+  EXPECT_EQ(batch({"--scan", "in"}), 2);
+  EXPECT_EQ(batch({"--chunk", "3"}), 2);
+  EXPECT_EQ(m_errors, "--chunk: has no sense without --engine slurm\n");
+  const std::string manifest = "name,input\na,../in/a.csv\n";
+  fs::create_directory(m_folder.path() / "out");
+  m_folder.write("out/summary.csv", manifest);
+  Program program(m_folder.path());
+  EXPECT_EQ(program.run({"batch", "out/summary.csv", "--output", "out"}), 4);
+  EXPECT_THAT(program.errors(), HasSubstr("would overwrite out/summary.csv"));
+  EXPECT_EQ(read("out/summary.csv"), manifest);
+}
+
+TEST_F(Batch, PutsAFolderWhereAFileWasAndTheOtherWayRound) {
+  for (const char* const option : {"events", "video", "events"}) {
+    m_folder.write("in/m.csv", std::string("name,input,") + option + "\na,a.csv,v\n");
+    ASSERT_EQ(batch({"--no-report"}), 0) << m_errors;
+    EXPECT_EQ(fs::is_directory(m_folder.path() / "out/recordings/a/v"),
+              std::string(option) == "video");
+  }
 }
 
 TEST_F(Batch, FindsTheRecordingsOfAFolder) {

@@ -75,7 +75,12 @@ class OutputPlaces : public testing::Test {
 };
 
 TEST_F(OutputPlaces, AreNeverWhatTheCommandReads) {
+  folder.write("c.toml", "quiet = true\n");
+  const auto inputs = [this] {
+    return text("truth.txt") + text("p.txt") + text("scene.jsonl") + text("c.toml");
+  };
   const std::vector<QStringList> commands{
+      {"run", "scene.jsonl", "--config", "c.toml", "--output", "c.toml"},
       {"report", "scene.jsonl", "g.jsonl", "--truth", "truth.txt", "--output", "truth.txt"},
       {"report", "scene.jsonl", "g.jsonl", "--parameters", "p.txt", "--output", "./p.txt"},
       {"evaluate", "g.jsonl", "--truth", "truth.txt", "--input", "scene.jsonl", "--baselines",
@@ -87,11 +92,11 @@ TEST_F(OutputPlaces, AreNeverWhatTheCommandReads) {
       {"events", "g.jsonl", "--input", "scene.jsonl", "--csv", "scene.jsonl"},
       {"calibrate", "scene.jsonl", "--output", "scene.jsonl"}};
   for (const QStringList& command : commands) {
-    const auto before = text("truth.txt") + text("p.txt") + text("scene.jsonl");
+    const std::string before = inputs();
     Program program(folder.path());
     EXPECT_EQ(program.run(command), 4) << command.join(' ').toStdString();
     EXPECT_THAT(program.errors(), HasSubstr(": would overwrite "));
-    EXPECT_TRUE(text("truth.txt") + text("p.txt") + text("scene.jsonl") == before);
+    EXPECT_TRUE(inputs() == before);
   }
 }
 
