@@ -29,7 +29,7 @@ if(TARGET python_module)
   list(APPEND CPACK_COMPONENTS_ALL python)
 endif()
 
-# grouptracker_package(COMPONENT NAME SECTION [DEPENDS PACKAGE ...] SUMMARY ... TEXT ...)
+# grouptracker_package(COMPONENT NAME SECTION [DEPENDS PACKAGE ...] [NEEDS PACKAGES] SUMMARY ... TEXT ...)
 function(grouptracker_package component name section)
   cmake_parse_arguments(arg "" "SUMMARY;TEXT;NEEDS" "DEPENDS" ${ARGN})
   string(TOUPPER ${component} upper)
@@ -101,8 +101,7 @@ install(FILES ${PROJECT_BINARY_DIR}/manual/grouptracker.bash RENAME grouptracker
 install(FILES ${PROJECT_BINARY_DIR}/manual/_grouptracker
   DESTINATION share/zsh/vendor-completions COMPONENT program OPTIONAL)
 install(FILES README.md DESTINATION share/doc/grouptracker COMPONENT program)
-install(DIRECTORY docs DESTINATION share/doc/grouptracker COMPONENT program
-  PATTERN "*.pyc" EXCLUDE)
+install(DIRECTORY docs DESTINATION share/doc/grouptracker COMPONENT program)
 install(DIRECTORY examples/embed DESTINATION share/doc/libgrouptracker-dev/examples
   COMPONENT development)
 

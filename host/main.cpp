@@ -42,7 +42,10 @@ Tracks that it takes, told apart by their content:
   obsmat.txt, or its folder        grouptracker check seq_eth
   MOTChallenge file or folder      grouptracker check MOT16-02
   XML with boxes                   grouptracker check boxes.xml
-  scene with links                 grouptracker check scene.jsonl)";
+  scene with links                 grouptracker check scene.jsonl
+  people messages, line by line    grouptracker check people.jsonl
+  what arrives, of all the lines   sender | grouptracker run -
+  topics of an MQTT broker         grouptracker run mqtt://broker/people)";
 
 /// Every command of the program; a new one is one more row.
 std::vector<std::unique_ptr<Command>> allCommands() {

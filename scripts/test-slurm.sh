@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Tries `--engine slurm` with a real Slurm: scripts/test-slurm.sh [PROGRAM]. Starts a controller and two
-# nodes on this machine, without systemd and without munge, in a folder of their own; makes 40 recordings
-# while one of the nodes is killed, and searches for parameters; compares everything byte for byte with
-# `--jobs 2`. Takes half a minute. Needs the packages slurmctld, slurmd and slurm-client.
+# Tries `--engine slurm` with a real Slurm: scripts/test-slurm.sh [PROGRAM [--batch]]. Starts a
+# controller and two nodes on this machine, without systemd and without munge, in a folder of their own; makes
+# 40 recordings while one of the nodes is killed, and without --batch searches for parameters, too; compares
+# everything byte for byte with `--jobs 2`. Takes half a minute. Needs the packages slurmctld, slurmd and slurm-client.
 set -euo pipefail
 program=$(realpath "${1:-$(dirname "$0")/../build/release/bin/grouptracker}")
 parameters=$(realpath "$(dirname "$0")/../samples/parameters/walking.txt")
