@@ -142,6 +142,9 @@ void TrackAssembler::seeCompanions(const std::vector<MobilePointer>& mobiles) {
 
 void TrackAssembler::linkOthers(std::uint32_t person, const MobilePointer& mobile,
                                 InputFrame& frame) const {
+  if (m_options.neighbourLinks == 0) {
+    return;
+  }
   std::vector<Link> links =
       m_companions ? linksToCompanions(person) : linksToNeighbours(person, mobile);
   const std::size_t count = std::min(links.size(), m_options.neighbourLinks);
