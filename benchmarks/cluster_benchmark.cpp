@@ -90,9 +90,7 @@ void timeFrames(benchmark::State& state, int people) {
   state.counters["frame_ratio"] = best.frame / best.meanShift;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+bool addCrowds() {
   for (const int people : {20, 100, 500, 2000}) {
     benchmark::RegisterBenchmark(fmt::format("clusterGroups/{}", people).c_str(),
                                  [=](auto& state) { timeFrames(state, people); })
@@ -100,10 +98,11 @@ int main(int argc, char** argv) {
         ->Iterations(people >= 500 ? 5 : 50)
         ->Unit(benchmark::kMillisecond);
   }
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
-    return 1;
-  }
-  benchmark::RunSpecifiedBenchmarks();
-  return 0;
+  return true;
 }
+
+const bool areAdded = addCrowds();
+
+}  // namespace
+
+BENCHMARK_MAIN();

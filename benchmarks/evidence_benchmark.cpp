@@ -110,9 +110,7 @@ void timeEvidence(benchmark::State& state, double rate, bool diagnostics) {
   state.counters["share"] = ofEvidence / ofProcess;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+bool addRates() {
   for (const double rate : {2.5, 10.0, 25.0}) {
     for (const bool diagnostics : {true, false}) {
       const std::string name =
@@ -125,10 +123,11 @@ int main(int argc, char** argv) {
           ->Unit(benchmark::kMillisecond);
     }
   }
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
-    return 1;
-  }
-  benchmark::RunSpecifiedBenchmarks();
-  return 0;
+  return true;
 }
+
+const bool areAdded = addRates();
+
+}  // namespace
+
+BENCHMARK_MAIN();

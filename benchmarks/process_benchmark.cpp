@@ -100,15 +100,14 @@ void addWindows() {
   addProcess("60/one dense group", {{60, SteadyScene::Grouping::dense}});
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+bool addAll() {
   addSizes();
   addWindows();
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
-    return 1;
-  }
-  benchmark::RunSpecifiedBenchmarks();
-  return 0;
+  return true;
 }
+
+const bool areAdded = addAll();
+
+}  // namespace
+
+BENCHMARK_MAIN();
