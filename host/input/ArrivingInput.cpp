@@ -116,9 +116,11 @@ class ArrivingFrames : public FrameSource {
     const ArrivalOptions options{m_options.messages.maxLateness, m_options.messages.isLive,
                                  m_options.onProblem, m_options.onWarning,
                                  m_options.messages.watch};
+    const auto rate =
+        m_options.rate ? std::optional(FrameRate{*m_options.rate, false}) : std::nullopt;
     return std::make_unique<TrackAssembler>(
         std::make_unique<ArrivingPeople>(m_text, std::move(reader), options), m_camera,
-        m_options.links);
+        m_options.links, rate);
   }
 
   std::shared_ptr<ArrivingText> m_text;

@@ -124,8 +124,8 @@ OpenedInput openTrajectory(const std::string& path, const InputOptions& options)
     input.calibration =
         cameraOf(*homography, input.imageSize, farthestSeen(*observations, *homography));
   }
-  input.frames =
-      std::make_unique<TrackAssembler>(std::move(observations), input.calibration, options.links);
+  input.frames = std::make_unique<TrackAssembler>(std::move(observations), input.calibration,
+                                                  options.links, rateOf(options.rate, input));
   return input;
 }
 

@@ -95,29 +95,24 @@ View viewOf(ObservationTable& observations) {
   return view;
 }
 
-/// The frames of an input with the times that a rate gives them: all of them when the user says the
-/// rate, else those that have none.
+/// The frames of an input with the times that a rate gives them.
 class FramesAtRate : public FrameSource {
  public:
-  /// `rate`: frame numbers a second.
-  FramesAtRate(std::unique_ptr<FrameSource> source, double rate, bool replacesTimes)
-      : m_source(std::move(source)), m_rate(rate), m_replacesTimes(replacesTimes) {}
+  FramesAtRate(std::unique_ptr<FrameSource> source, const FrameRate& rate)
+      : m_source(std::move(source)), m_rate(rate) {}
 
   bool next(InputFrame& frame) override {
     if (!m_source->next(frame)) {
       return false;
     }
-    if (m_replacesTimes || !frame.time) {
-      frame.time = static_cast<double>(frame.number) / m_rate;
-    }
+    frame.time = m_rate.timeOf(frame.number, frame.time);
     return true;
   }
   std::optional<std::uint64_t> totalFrames() override { return m_source->totalFrames(); }
 
  private:
   std::unique_ptr<FrameSource> m_source;
-  double m_rate;
-  bool m_replacesTimes;
+  FrameRate m_rate;
 };
 
 }  // namespace
@@ -152,16 +147,20 @@ void assembleInput(std::unique_ptr<ObservationTable> observations, const InputOp
       estimateCamera(peopleBoxes(*observations), input);
     }
   }
-  input.frames =
-      std::make_unique<TrackAssembler>(std::move(observations), input.calibration, options.links);
+  input.frames = std::make_unique<TrackAssembler>(std::move(observations), input.calibration,
+                                                  options.links, rateOf(options.rate, input));
 }
 
 void giveTimes(const std::optional<double>& wishedRate, OpenedInput& input) {
-  input.rate = wishedRate ? wishedRate : input.rate;
-  if (input.rate) {
-    input.frames = std::make_unique<FramesAtRate>(std::move(input.frames), *input.rate,
-                                                  wishedRate.has_value() && !input.keepsTimes);
+  if (const auto rate = rateOf(wishedRate, input)) {
+    input.rate = rate->perSecond;
+    input.frames = std::make_unique<FramesAtRate>(std::move(input.frames), *rate);
   }
+}
+
+std::optional<FrameRate> rateOf(const std::optional<double>& wished, const OpenedInput& input) {
+  const std::optional<double> rate = wished ? wished : input.rate;
+  return rate ? std::optional(FrameRate{*rate, wished && !input.keepsTimes}) : std::nullopt;
 }
 
 void openRecording(TrackRecording recording, const InputOptions& options, OpenedInput& input) {

@@ -75,7 +75,7 @@ struct OpenedInput {
 /// Completes an input that consists of observations: chooses its camera and assembles its frames.
 /// The camera is the given one; else that of the given homography, with the camera's position
 /// estimated; else, when people have image boxes only, the one that the boxes show.
-/// `input` holds the files and, when known, the image size.
+/// `input` holds the files and, when known, the image size and the rate.
 void assembleInput(std::unique_ptr<ObservationTable> observations, const InputOptions& options,
                    OpenedInput& input);
 
@@ -85,6 +85,9 @@ void openRecording(TrackRecording recording, const InputOptions& options, Opened
 /// Gives the frames their times: all of them when the user wishes a rate (frame numbers a second),
 /// else those without, when the input itself says how fast they follow.
 void giveTimes(const std::optional<double>& wishedRate, OpenedInput& input);
+
+/// The rate by which frames get their times, where the user wishes one or the input says it.
+std::optional<FrameRate> rateOf(const std::optional<double>& wished, const OpenedInput& input);
 
 /// The camera behind a homography; `farthest` is the largest column and row at which anything is
 /// seen, which gives the image size when nobody knows it.

@@ -33,6 +33,17 @@ struct InputFrame {
   std::vector<MobilePointer> fathers;
 };
 
+/// How fast frames follow each other, for those who have no times of their own.
+struct FrameRate {
+  double perSecond = 0.0;      ///< frame numbers, above 0
+  bool replacesTimes = false;  ///< holds for frames with times of their own, too
+
+  /// Seconds; `own` is the time that the input gives to the frame.
+  double timeOf(std::int64_t frame, const std::optional<double>& own) const {
+    return own && !replacesTimes ? *own : static_cast<double>(frame) / perSecond;
+  }
+};
+
 /// An input that yields one frame after the other, whatever its format. Bad input is an
 /// `InputError` out of `next()`; all frames before it have been handed out by then.
 class FrameSource {

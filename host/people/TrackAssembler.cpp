@@ -49,8 +49,11 @@ double Companions::certainty(std::uint32_t a, std::uint32_t b) const {
 }
 
 TrackAssembler::TrackAssembler(std::unique_ptr<ObservationSource> source, Calibration calibration,
-                               const LinkOptions& options)
-    : m_source(std::move(source)), m_calibration(std::move(calibration)), m_options(options) {
+                               const LinkOptions& options, const std::optional<FrameRate>& rate)
+    : m_source(std::move(source)),
+      m_calibration(std::move(calibration)),
+      m_options(options),
+      m_rate(rate) {
   if (m_options.evidenceStrength > 0.0) {
     m_companions.emplace();
   }
@@ -150,6 +153,9 @@ void TrackAssembler::seeCompanions(const std::vector<MobilePointer>& mobiles) {
     return;
   }
   PeopleFrame people{m_observed.frame, m_observed.time, {}};
+  if (m_rate) {
+    people.time = m_rate->timeOf(m_observed.frame, m_observed.time);
+  }
   for (std::size_t i = 0; i < mobiles.size(); ++i) {
     const cv::Point2d place = placeOf(*mobiles[i]);
     if (std::isfinite(place.x) && std::isfinite(place.y)) {

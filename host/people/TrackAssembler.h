@@ -53,9 +53,11 @@ class TrackAssembler : public FrameSource {
  public:
   using Calibration = QSharedPointer<kelAbstractDataCalibration>;
 
-  /// The calibration may be null: image boxes are then empty, and observations need positions.
+  /// The calibration may be null: image boxes are then empty, and observations need positions. With
+  /// a rate, how far people walk in a second is known of steps without times, too; frames keep the
+  /// times of their steps.
   TrackAssembler(std::unique_ptr<ObservationSource> source, Calibration calibration,
-                 const LinkOptions& options);
+                 const LinkOptions& options, const std::optional<FrameRate>& rate = std::nullopt);
 
   bool next(InputFrame& frame) override;
   std::optional<std::uint64_t> totalFrames() override { return m_source->totalSteps(); }
@@ -93,6 +95,7 @@ class TrackAssembler : public FrameSource {
   std::unique_ptr<ObservationSource> m_source;
   Calibration m_calibration;
   LinkOptions m_options;
+  std::optional<FrameRate> m_rate;
   ObservationStep m_observed;  ///< the current step, kept for its buffers
   std::uint64_t m_step = 0;
   std::uint32_t m_lastId = 0;

@@ -1,8 +1,10 @@
+#include "host/input/InputFormats.h"
 #include "host/input/ObsmatReader.h"
 #include "host/people/PersonCount.h"
 #include "host/people/TrackAssembler.h"
 #include "tests/support/base/Texts.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -199,6 +201,49 @@ TEST(TrackAssembler, LinksCompanionsWhoStandAndNoPasserByWhenTheEvidenceDecides)
   const auto links = linksOf(assemble(text, options)[30].observed[0]);
   EXPECT_GT(links[1].second, 0.4);
   EXPECT_LE(links[1].second, 0.5);
+}
+
+/// Whom the person 1 of an input is linked to in the end, and how surely.
+std::vector<std::pair<unsigned, double>> finalLinks(const std::string& file,
+                                                    const std::optional<double>& rate) {
+  InputOptions options;
+  options.rate = rate;
+  options.links.evidenceStrength = 1.0;
+  const OpenedInput input = openInput(file, options);
+  std::vector<std::pair<unsigned, double>> links;
+  for (InputFrame frame; input.frames->next(frame);) {
+    links = linksOf(frame.observed.front());
+    for (auto& [mobile, reliability] : links) {
+      mobile = (mobile - 1) % 2 + 1;
+    }
+  }
+  return links;
+}
+
+TEST(TrackAssembler, LinksCompanionsAlikeAtAnyRateWhoeverTellsIt) {
+  const auto walk = [](int rate, bool hasTimes) {
+    std::string text;
+    for (int frame = 0; frame < 12 * rate; ++frame) {
+      const double time = static_cast<double>(frame) / rate;
+      for (int person = 1; person <= 2; ++person) {
+        text += fmt::format("{},{},{},{}", frame, person, 1.3 * time, person);
+        text += (hasTimes ? fmt::format(",{}", time) : "") + "\n";
+      }
+    }
+    return text;
+  };
+  const TempFolder folder;
+  const std::string head = "frame,id,x,y";
+  const auto expected =
+      finalLinks(folder.write("slow.csv", head + ",time\n" + walk(10, true)), std::nullopt);
+  ASSERT_EQ(expected.size(), 2U) << "to its own last observation and to the companion's";
+  const std::string silent = folder.write("fast.csv", head + "\n" + walk(50, false));
+  const std::string telling = folder.write("told.csv", head + ",time\n" + walk(50, true));
+  for (const auto& links : {finalLinks(silent, 50.0), finalLinks(telling, std::nullopt)}) {
+    ASSERT_EQ(links.size(), 2U);
+    EXPECT_EQ(links[1].first, 2U);
+    EXPECT_NEAR(links[1].second, expected[1].second, 0.01);
+  }
 }
 
 TEST(TrackAssembler, ListsTheLastObservationsAndForgetsThoseLongGone) {
