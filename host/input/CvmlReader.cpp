@@ -6,8 +6,6 @@
 #include "host/base/XmlElements.h"
 #include "host/people/ObservationSource.h"
 
-#include <algorithm>
-#include <cmath>
 #include <cstdint>
 #include <optional>
 #include <stdexcept>
@@ -27,15 +25,10 @@ struct Place {
 cv::Rect2d boxOf(const XmlElements& xml) {
   const double width = xml.number("w");
   const double height = xml.number("h");
-  const double centreX = xml.number("xc");
-  const double centreY = xml.number("yc");
-  if (width < 0.0 || height < 0.0) {
-    throw ValueProblem("the box has a negative width or height");
-  }
-  if (std::max({width, height, std::abs(centreX), std::abs(centreY)}) > farthestBox) {
-    throw ValueProblem("the box lies too far away to be pixels");
-  }
-  return {centreX - width / 2.0, centreY - height / 2.0, width, height};
+  const cv::Rect2d box{xml.number("xc") - width / 2.0, xml.number("yc") - height / 2.0, width,
+                       height};
+  expectPixels(box);
+  return box;
 }
 
 void takeStart(const XmlElements& xml, Place& place, ObservationTable& table) {

@@ -6,8 +6,6 @@
 #include "host/base/TextNumbers.h"
 #include "host/people/ObservationSource.h"
 
-#include <algorithm>
-#include <cmath>
 #include <cstdint>
 #include <optional>
 #include <stdexcept>
@@ -51,12 +49,7 @@ bool counts(const std::vector<double>& row, const MotChoice& choice) {
 
 cv::Rect2d boxOf(const std::vector<double>& row) {
   const cv::Rect2d box(row[leftColumn], row[topColumn], row[widthColumn], row[heightColumn]);
-  if (box.width < 0.0 || box.height < 0.0) {
-    throw ValueProblem("the box has a negative width or height");
-  }
-  if (std::max({std::abs(box.x), std::abs(box.y), box.width, box.height}) > farthestBox) {
-    throw ValueProblem("the box lies too far away to be pixels");
-  }
+  expectPixels(box);
   return box;
 }
 
@@ -68,9 +61,7 @@ std::optional<cv::Point2d> positionOf(const std::vector<double>& row) {
     return std::nullopt;
   }
   const cv::Point2d position(row[xColumn], row[yColumn]);
-  if (std::max(std::abs(position.x), std::abs(position.y)) > farthestPosition) {
-    throw ValueProblem("the position lies too far away to be metres");
-  }
+  expectMetres(position);
   return position;
 }
 

@@ -10,7 +10,6 @@
 #include "host/people/TrackAssembler.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdint>
 #include <filesystem>
 #include <stdexcept>
@@ -37,9 +36,7 @@ void addRow(const std::vector<double>& row, std::uint64_t line, ObservationTable
   const std::int64_t frame = wholeNumber(row[ObsmatColumn::frame], largestFrame, "frame");
   const std::int64_t person = wholeNumber(row[ObsmatColumn::person], largestPerson, "person");
   const cv::Point2d position(row[ObsmatColumn::x], row[ObsmatColumn::y]);
-  if (std::abs(position.x) > farthestPosition || std::abs(position.y) > farthestPosition) {
-    throw ValueProblem("the position lies too far away to be metres");
-  }
+  expectMetres(position);
   table.add(frame, {static_cast<std::uint32_t>(person), position, std::nullopt}, line);
 }
 

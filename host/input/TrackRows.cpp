@@ -5,7 +5,6 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <cmath>
 
 namespace grouptracker {
@@ -51,9 +50,7 @@ void TrackRows::add(const Row& row, std::uint64_t line) {
   const std::int64_t person = wholeNumber(valueOf(row, TrackQuantity::person), largestPerson, "id");
   const cv::Point2d place(valueOf(row, TrackQuantity::x) * m_columns.unit,
                           valueOf(row, TrackQuantity::y) * m_columns.unit);
-  if (std::max(std::abs(place.x), std::abs(place.y)) > farthestPosition) {
-    throw ValueProblem("the position lies too far away to be metres");
-  }
+  expectMetres(place);
   if (hasFrames && m_columns.at(TrackQuantity::time)) {
     noteMoment(row);
   }

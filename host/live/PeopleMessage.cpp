@@ -79,37 +79,30 @@ std::optional<cv::Point2d> positionIn(Value person, const MessageMap& map) {
     throw ValueProblem("x and y belong together");
   }
   const cv::Point2d position(json::as<double>(*x, "x"), json::as<double>(*y, "y"));
-  if (std::max(std::abs(position.x), std::abs(position.y)) > farthestPosition) {
-    throw ValueProblem("the position lies too far away to be metres");
-  }
+  expectMetres(position);
   return position;
 }
 
 std::optional<cv::Rect2d> boxIn(Value person, const MessageMap& map) {
-  std::array<double, 4> box{};
+  std::array<double, 4> numbers{};
   if (map.box.size() == 1) {
     const auto all = at(person, map.box.front());
     if (!all) {
       return std::nullopt;
     }
-    box = json::asNumbers<double, 4>(*all, "box");
+    numbers = json::asNumbers<double, 4>(*all, "box");
   } else {
-    for (std::size_t i = 0; i < box.size(); ++i) {
+    for (std::size_t i = 0; i < numbers.size(); ++i) {
       const auto number = at(person, map.box[i]);
       if (!number) {
         return std::nullopt;
       }
-      box[i] = json::as<double>(*number, "box");
+      numbers[i] = json::as<double>(*number, "box");
     }
   }
-  const auto [left, top, width, height] = box;
-  if (width < 0.0 || height < 0.0) {
-    throw ValueProblem("the box has a negative width or height");
-  }
-  if (std::max({std::abs(left), std::abs(top), width, height}) > farthestBox) {
-    throw ValueProblem("the box lies too far away to be pixels");
-  }
-  return cv::Rect2d(left, top, width, height);
+  const cv::Rect2d box(numbers[0], numbers[1], numbers[2], numbers[3]);
+  expectPixels(box);
+  return box;
 }
 
 /// The id within the limit of its length.

@@ -56,4 +56,9 @@ constexpr double farthestPosition = 1e9;       // m
 constexpr double farthestBox = 1e6;            // pixels
 constexpr std::size_t longestRow = 64 * 1024;  // bytes of a line of numbers
 
+/// Throws `ValueProblem` when a position on the ground lies too far away to be metres.
+void expectMetres(const cv::Point2d& position);
+/// The same when a box has a negative size or lies too far away to be pixels.
+void expectPixels(const cv::Rect2d& box);
+
 }  // namespace grouptracker
