@@ -67,13 +67,15 @@ GroupIdentity::GroupsOfPeople GroupIdentity::groupsOf(const std::vector<PersonAt
   return groupOf;
 }
 
-/// Only groups that have lived for a while can meet.
+/// Whether a group has lived for long enough to meet another, to merge or to split.
+bool GroupIdentity::isReal(GroupId id) const {
+  return m_time - m_groups.at(id).born >= realLife - ticks::tolerance;
+}
+
 void GroupIdentity::watchMeetings(const TickBeliefs& tick, GroupsOfPeople groupOf,
                                   const LatestOf& latestOf) {
   for (GroupId& group : groupOf) {
-    const bool isReal =
-        group != 0 && m_time - m_groups.at(group).born >= realLife - ticks::tolerance;
-    group = isReal ? group : 0;
+    group = group != 0 && isReal(group) ? group : 0;
   }
   m_meetings.watch(tick, groupOf, latestOf);
 }
@@ -314,9 +316,6 @@ void GroupIdentity::explain(const Gatherings& gatherings, std::vector<TickGroup>
 /// A new group splits off one that goes on; an old one merges with those that are gone.
 std::vector<GroupId> GroupIdentity::originOf(const Gathering& gathering,
                                              const std::set<GroupId>& present) const {
-  const auto isReal = [this](GroupId id) {
-    return m_time - m_groups.at(id).born >= realLife - ticks::tolerance;
-  };
   const bool isNew = m_groups.at(*gathering.id).isNew;
   std::vector<GroupId> origin;
   for (const auto& [group, members] : gathering.before) {

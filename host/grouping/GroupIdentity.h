@@ -60,6 +60,7 @@ class GroupIdentity {
   using GroupsOfPeople = GroupMeetings::GroupsOfPeople;
 
   GroupsOfPeople groupsOf(const std::vector<PersonAt>& people) const;
+  bool isReal(GroupId id) const;
   void watchMeetings(const TickBeliefs& tick, GroupsOfPeople groupOf, const LatestOf& latestOf);
   Gatherings gather(const TickBeliefs& tick, const GroupsOfPeople& groupOf) const;
   Gathering describe(const Cluster& cluster, const PairScores& beliefs,
