@@ -6,7 +6,6 @@
 
 #include <fmt/format.h>
 
-#include <cmath>
 #include <utility>
 #include <vector>
 
@@ -23,10 +22,8 @@ std::string withoutEnd(std::string line) {
 
 /// An event with the time of its frame.
 std::string objectOf(const TrackedEvent& event, const std::optional<double>& time) {
-  constexpr double perSecond = 1e6;
   const std::string text = withoutEnd(toJsonLine(event));
-  const std::string seconds =
-      time ? jsonNumber(std::round(*time * perSecond) / perSecond) : std::string("null");
+  const std::string seconds = time ? jsonNumber(*time) : std::string("null");
   return fmt::format("{{\"time\": {}, {}", seconds, text.substr(1));
 }
 
