@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <array>
 #include <cmath>
 
 namespace grouptracker {
@@ -13,7 +14,7 @@ struct Description {
   const char* help;
 };
 
-const std::array<Description, metrics> descriptions{{
+constexpr auto descriptions = std::to_array<Description>({
     {"frames_total", "frames tracked"},
     {"people", "people in view at the latest frame"},
     {"groups", "groups at the latest frame that is decided"},
@@ -36,7 +37,8 @@ const std::array<Description, metrics> descriptions{{
     {"spool_messages", "messages that wait for the broker"},
     {"spool_bytes", "bytes of these"},
     {"spool_dropped_total", "messages dropped because the spool was full or they cannot be sent"},
-}};
+});
+static_assert(descriptions.size() == metrics, "each has a name and a meaning");
 
 }  // namespace
 

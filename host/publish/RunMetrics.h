@@ -32,7 +32,7 @@ enum class Metric : std::uint8_t {
   spoolDropped,
 };
 
-inline constexpr std::size_t metrics = 20;
+inline constexpr std::size_t metrics = static_cast<std::size_t>(Metric::spoolDropped) + 1;
 
 /// The numbers of a run for those who watch it; any thread may set and read them.
 class RunMetrics {
