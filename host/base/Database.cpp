@@ -87,13 +87,19 @@ void Statement::bind(int place, const char* text) {
   sqlite3_bind_text(m_statement.get(), place, text, -1, SQLITE_STATIC);
 }
 
+// Whatever characters it holds, zeros included: these tell texts apart, too.
+void Statement::bind(int place, const std::string& text) {
+  sqlite3_bind_text64(m_statement.get(), place, text.data(), text.size(), SQLITE_STATIC,
+                      SQLITE_UTF8);
+}
+
 void Statement::bind(int place, Bytes bytes) {
   sqlite3_bind_blob64(m_statement.get(), place, bytes.data(), bytes.size(), SQLITE_STATIC);
 }
 
 void Statement::bind(int place, const std::variant<std::int64_t, std::string>& value) {
   const auto* const text = std::get_if<std::string>(&value);
-  text != nullptr ? bind(place, text->c_str()) : bind(place, std::get<std::int64_t>(value));
+  text != nullptr ? bind(place, *text) : bind(place, std::get<std::int64_t>(value));
 }
 
 void Statement::bindNull(int place) {

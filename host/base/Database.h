@@ -91,6 +91,7 @@ class Statement {
   void bind(int place, std::int64_t value);
   void bind(int place, double value);
   void bind(int place, const char* text);
+  void bind(int place, const std::string& text);
   void bind(int place, Bytes bytes);
   void bind(int place, const std::variant<std::int64_t, std::string>& value);
   template <typename Value>

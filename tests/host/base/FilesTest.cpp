@@ -1,3 +1,4 @@
+#include "host/base/Database.h"
 #include "host/base/LineReader.h"
 #include "host/base/OutputFile.h"
 #include "host/base/OutputPlace.h"
@@ -109,6 +110,23 @@ TEST(OutputFile, TakesBackALineThatIsCutByTheLimit) {
               path + ": cannot be written: File too large");
   }
   EXPECT_EQ(textOf(path), line);
+}
+
+TEST(Database, TellsTextsApartThatHoldZeros) {
+  const auto database = Database::inMemory();
+  database->execute("CREATE TABLE persons (person UNIQUE)");
+  const std::vector<std::string> names{{'a', '\0', 'b'}, {'a', '\0', 'c'}};
+  Statement insertion(*database, "INSERT INTO persons VALUES (?)");
+  for (const std::string& name : names) {
+    insertion.row(std::variant<std::int64_t, std::string>(name));
+  }
+  Statement query(*database, "SELECT person FROM persons ORDER BY person");
+  query.start();
+  for (const std::string& name : names) {
+    ASSERT_TRUE(query.next());
+    const auto bytes = query.bytes(0);
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(bytes.data()), bytes.size()), name);
+  }
 }
 
 TEST(FileIdentity, RecognisesAnInputUnderAnotherName) {
