@@ -40,12 +40,14 @@ std::optional<Value> at(Value root, const std::string& pointer) {
 }
 
 double isoTime(const std::string& text) {
+  constexpr int lengthOfDate = 10;  // characters, which hold '-' themselves
   QString moment = QString::fromStdString(text);
-  const bool saysZone = moment.endsWith('Z') || moment.lastIndexOf('+') > 0 ||
-                        moment.lastIndexOf('-') > moment.indexOf('T');
+  const QString clock = moment.mid(lengthOfDate);
+  const bool saysZone =
+      clock.endsWith('Z', Qt::CaseInsensitive) || clock.contains('+') || clock.contains('-');
   moment += saysZone ? "" : "Z";
   const QDateTime time = QDateTime::fromString(moment, Qt::ISODateWithMs);
-  if (!time.isValid()) {
+  if (clock.isEmpty() || !time.isValid()) {
     throw ValueProblem("time is no moment in ISO 8601");
   }
   constexpr double perSecond = 1000.0;
