@@ -255,7 +255,7 @@ void ReorderBuffer::fillGap(double key, const PeopleMessage& next) {
 void ReorderBuffer::put(std::optional<double> key, PeopleMessage message) {
   ObservationStep step;
   ++m_steps;
-  step.frame = message.frame.value_or(m_steps);
+  step.frame = hasNumbers() && message.frame ? *message.frame : m_steps;
   step.time = message.time;
   step.place = std::move(message.place);
   step.observations = std::move(message.people);

@@ -24,7 +24,7 @@ namespace grouptracker {
 /// becomes steps without people, unless it is so long that it is a pause. When several messages in
 /// a row have smaller numbers at a later time, times that are earlier by many seconds, or nothing
 /// that gives the order, the sender has started anew or its clock was set back: they begin a new
-/// order.
+/// order. Steps have the numbers of the messages where these give the order, and else are counted.
 class ReorderBuffer {
  public:
   using Clock = std::chrono::steady_clock;
@@ -98,7 +98,7 @@ class ReorderBuffer {
   std::optional<double> m_lastTime;  ///< seconds; its own
   std::deque<double> m_distances;    ///< of the latest neighbours, by key
   std::deque<Likeness> m_recent;     ///< the latest that came out
-  std::int64_t m_steps = 0;          ///< that came out, where messages have no numbers
+  std::int64_t m_steps = 0;          ///< that came out
   Counts m_counts;
 };
 

@@ -200,6 +200,20 @@ TEST_F(Reordering, DropsWhatLacksTheNumberOfTheOthersUntilNobodyHasOne) {
   EXPECT_EQ(counts().duplicates, 1U);
 }
 
+TEST_F(Reordering, CountsWhatIsOrderedByTimesWhateverNumbersSomeHave) {
+  for (int i = 0; i < 6; ++i) {
+    PeopleMessage message = timed(100.0 + 0.25 * i);
+    message.frame = i % 3 == 0 ? std::nullopt : std::optional<std::int64_t>(100 + i);
+    buffer.add(message, now);
+  }
+  buffer.finish();
+  std::int64_t count = 0;
+  for (ObservationStep step; buffer.next(step);) {
+    EXPECT_EQ(step.frame, ++count);
+  }
+  EXPECT_EQ(count, 6);
+}
+
 TEST_F(Reordering, NumbersWhatHasNeitherNumberNorTime) {
   PeopleMessage plain;
   plain.people = {{1, cv::Point2d(), {}}};
