@@ -10,7 +10,6 @@
 #include "host/input/InputImages.h"
 #include "host/input/InputWatch.h"
 #include "host/input/OpenedInput.h"
-#include "host/live/OnceInAWhile.h"
 #include "host/output/OutputReaders.h"
 #include "host/output/RunFile.h"
 #include "host/people/PersonCount.h"

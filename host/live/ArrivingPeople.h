@@ -2,8 +2,8 @@
 
 #include "host/base/InputError.h"
 #include "host/base/LineReader.h"
+#include "host/base/Log.h"
 #include "host/live/ArrivingText.h"
-#include "host/live/OnceInAWhile.h"
 #include "host/live/PeopleMessage.h"
 #include "host/live/ReorderBuffer.h"
 #include "host/people/ObservationSource.h"

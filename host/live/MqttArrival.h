@@ -1,9 +1,9 @@
 #pragma once
 
 #include "host/base/FileDescriptor.h"
+#include "host/base/Log.h"
 #include "host/live/ArrivingText.h"
 #include "host/live/MqttClient.h"
-#include "host/live/OnceInAWhile.h"
 
 #include <cstddef>
 #include <cstdint>

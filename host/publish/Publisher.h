@@ -1,7 +1,7 @@
 #pragma once
 
+#include "host/base/Log.h"
 #include "host/live/MqttClient.h"
-#include "host/live/OnceInAWhile.h"
 #include "host/publish/Spool.h"
 
 #include <chrono>
