@@ -3,8 +3,8 @@
 #include "host/base/FileDescriptor.h"
 #include "host/base/Interruption.h"
 #include "host/base/OutputPlace.h"
-#include "host/base/ReopenWish.h"
 
+#include <atomic>
 #include <cerrno>
 #include <fcntl.h>
 #include <poll.h>
@@ -12,6 +12,21 @@
 #include <unistd.h>
 
 namespace grouptracker {
+
+namespace {
+
+std::atomic<unsigned> reopenWishes = 0;
+static_assert(std::atomic<unsigned>::is_always_lock_free, "a signal's handler notes it");
+
+}  // namespace
+
+void reopen_wish::note() {
+  ++reopenWishes;
+}
+
+unsigned reopen_wish::count() {
+  return reopenWishes;
+}
 
 OutputFile::OutputFile(const std::string& path, const std::string& header, WhenMoved whenMoved)
     : m_path(path),

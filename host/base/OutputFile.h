@@ -9,6 +9,17 @@
 
 namespace grouptracker {
 
+/// The wish of somebody outside that files which were moved away are begun anew under their names,
+/// so that logs can be rotated. There is one for the program; files see it when they are written.
+namespace reopen_wish {
+
+/// May be called by the handler of a signal.
+void note();
+/// How often it was wished so far.
+unsigned count();
+
+}  // namespace reopen_wish
+
 /// What becomes of a file that somebody moves away while it is written, once it is wished that such
 /// files are begun anew (`reopen_wish`).
 enum class WhenMoved { begunAnew, followed };

@@ -1,7 +1,7 @@
 #include "host/commands/StopSignals.h"
 
 #include "host/base/Interruption.h"
-#include "host/base/ReopenWish.h"
+#include "host/base/OutputFile.h"
 
 #include <array>
 #include <cerrno>
