@@ -4,12 +4,14 @@
 #include <cerrno>
 #include <poll.h>
 #include <system_error>
+#include <utility>
 
 namespace grouptracker {
 
 namespace {
 
 int wakeDescriptor = -1;
+thread_local LongWork* workOfThread = nullptr;
 
 }  // namespace
 
@@ -36,6 +38,24 @@ bool stop_wish::waitFor(int file, short events, int milliseconds) {
     throw std::system_error(errno, std::generic_category());
   }
   return result > 0 && (waits[1].revents & POLLIN) == 0;
+}
+
+LongWork::LongWork(std::function<void()> look) : m_look(std::move(look)) {
+  workOfThread = this;
+}
+
+LongWork::~LongWork() {
+  workOfThread = nullptr;
+}
+
+void LongWork::step() {
+  constexpr std::chrono::milliseconds pause(50);
+  LongWork* const work = workOfThread;
+  if (work == nullptr || Clock::now() < work->m_latest + pause) {
+    return;
+  }
+  work->m_latest = Clock::now();
+  work->m_look();
 }
 
 }  // namespace grouptracker

@@ -1,6 +1,6 @@
 #include "host/base/LineReader.h"
 
-#include "host/base/LongWork.h"
+#include "host/base/Interruption.h"
 
 #include <algorithm>
 #include <array>

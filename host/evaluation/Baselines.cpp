@@ -1,6 +1,6 @@
 #include "host/evaluation/Baselines.h"
 
-#include "host/base/LongWork.h"
+#include "host/base/Interruption.h"
 #include "host/run/RunStep.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "host/evaluation/FrameScores.h"
 
+#include "host/base/Interruption.h"
 #include "host/base/JsonLine.h"
-#include "host/base/LongWork.h"
 #include "host/base/OutputFile.h"
 
 #include <fmt/format.h>

@@ -1,6 +1,6 @@
 #include "host/evaluation/WindowScores.h"
 
-#include "host/base/LongWork.h"
+#include "host/base/Interruption.h"
 #include "host/evaluation/Togetherness.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "host/simulation/SceneSimulation.h"
 
-#include "host/base/LongWork.h"
+#include "host/base/Interruption.h"
 #include "host/base/OutputFile.h"
 #include "host/base/OutputPlace.h"
 #include "host/output/SceneWriter.h"

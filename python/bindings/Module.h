@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/base/LongWork.h"
+#include "host/base/Interruption.h"
 #include "python/bindings/TableRun.h"
 
 #include <pybind11/pybind11.h>

@@ -1,7 +1,7 @@
 #include "python/bindings/TableRun.h"
 
 #include "host/base/InputError.h"
-#include "host/base/LongWork.h"
+#include "host/base/Interruption.h"
 #include "host/base/TextNumbers.h"
 #include "host/evaluation/Baselines.h"
 #include "host/input/OpenedInput.h"

@@ -1,6 +1,6 @@
 #include "host/evaluation/learning/LearnedSequence.h"
 
-#include "host/base/LongWork.h"
+#include "host/base/Interruption.h"
 #include "host/evaluation/FrameScores.h"
 #include "host/evaluation/WindowScores.h"
 #include "host/grouping/GroupFinder.h"

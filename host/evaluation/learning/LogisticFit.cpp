@@ -1,6 +1,6 @@
 #include "host/evaluation/learning/LogisticFit.h"
 
-#include "host/base/LongWork.h"
+#include "host/base/Interruption.h"
 #include "host/grouping/TogetherChain.h"
 
 #include <opencv2/core.hpp>
