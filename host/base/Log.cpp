@@ -16,6 +16,12 @@ program_log::Format chosenFormat = program_log::Format::text;
 
 const std::array<const char*, 3> levelNames{"info", "warning", "error"};
 
+std::string objectOf(program_log::Level level, const std::string& text) {
+  const std::string now = QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs).toStdString();
+  return fmt::format(R"({{"time": "{}", "level": "{}", "message": {}}})", now,
+                     levelNames.at(static_cast<std::size_t>(level)), jsonText(text));
+}
+
 }  // namespace
 
 void program_log::setFormat(Format format) {
@@ -23,13 +29,8 @@ void program_log::setFormat(Format format) {
 }
 
 void program_log::write(Level level, const std::string& text) {
-  if (chosenFormat == Format::text) {
-    fmt::print(stderr, "{}\n", text);
-    return;
-  }
-  const std::string now = QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs).toStdString();
-  fmt::print(stderr, "{{\"time\": \"{}\", \"level\": \"{}\", \"message\": {}}}\n", now,
-             levelNames.at(static_cast<std::size_t>(level)), jsonText(text));
+  const std::string line = (chosenFormat == Format::text ? text : objectOf(level, text)) + '\n';
+  std::fwrite(line.data(), 1, line.size(), stderr);
 }
 
 }  // namespace grouptracker

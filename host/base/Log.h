@@ -20,6 +20,7 @@ enum class Level : std::uint8_t { info, warning, error };
 
 /// To be said before there are threads.
 void setFormat(Format format);
+/// Goes on when nobody takes the line: work is not lost because its words are.
 void write(Level level, const std::string& text);
 
 }  // namespace program_log

@@ -1,4 +1,5 @@
 #include "host/base/InputError.h"
+#include "host/base/Log.h"
 #include "host/base/OutputPlace.h"
 #include "host/batch/ManifestScan.h"
 #include "host/commands/BatchSession.h"
@@ -123,7 +124,7 @@ int BatchCommand::scan() const {
   }
   const std::size_t count = writeManifestOf(m_options.scanned, manifest);
   if (!m_options.quiet) {
-    fmt::print(stderr, "{} recordings\n", count);
+    program_log::write(program_log::Level::info, fmt::format("{} recordings", count));
   }
   return finished;
 }

@@ -4,6 +4,7 @@
 #include "host/base/InputError.h"
 #include "host/base/InputFile.h"
 #include "host/base/LineReader.h"
+#include "host/base/Log.h"
 #include "host/base/OutputFile.h"
 #include "host/base/OutputPlace.h"
 #include "host/run/PluginLoader.h"
@@ -12,7 +13,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstdio>
 #include <exception>
 #include <filesystem>
 #include <fstream>
@@ -107,7 +107,7 @@ bool BatchSession::isManifestGood() {
   std::size_t problems = 0;
   const auto tell = [&problems](const InputError& problem) {
     ++problems;
-    fmt::print(stderr, "{}\n", problem.what());
+    program_log::write(program_log::Level::error, problem.what());
   };
   const auto manifest = ManifestReader::open(m_options.manifest, tell);
   std::set<std::string> missing = m_only;
@@ -226,7 +226,7 @@ void BatchSession::say(const std::string& line) {
   if (m_progress) {
     m_progress->clear();
   }
-  fmt::print(stderr, "{}\n", line);
+  program_log::write(program_log::Level::info, line);
 }
 
 /// What is open becomes an array, unless one of an earlier command is still at work: what that one
@@ -299,8 +299,9 @@ int BatchSession::summarize() {
         m_ended == 0 ? ""
                      : fmt::format(" ({} made now, {:.1f} a minute)", m_ended,
                                    static_cast<double>(m_ended) / std::max(minutes, 1e-6));
-    fmt::print(stderr, "{} recordings: {}{}; see {}/index.html\n", totals.count(), totals.text(),
-               pace, m_options.folder);
+    program_log::write(program_log::Level::info,
+                       fmt::format("{} recordings: {}{}; see {}/index.html", totals.count(),
+                                   totals.text(), pace, m_options.folder));
   }
   return totals.failed + totals.open > 0 ? someFailed : finished;
 }

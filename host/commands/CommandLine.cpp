@@ -1,6 +1,7 @@
 #include "host/commands/CommandLine.h"
 
 #include "host/base/ExitStatus.h"
+#include "host/base/Log.h"
 #include "host/base/Suggestion.h"
 #include "host/batch/Recording.h"
 
@@ -419,8 +420,8 @@ std::optional<int> CommandLine::parse(int argc, char** argv) {
     slip = slip ? slip : slipInConfig(*m_program, failure);
     const auto chosen = m_program->get_subcommands();
     const std::string command = chosen.empty() ? "" : " " + chosen.front()->get_name();
-    fmt::print(
-        stderr, "{}\n",
+    program_log::write(
+        program_log::Level::error,
         slip.value_or(fmt::format("{}; see grouptracker{} --help", failure.what(), command)));
     return wrongInput;
   }

@@ -1,3 +1,4 @@
+#include "host/base/Log.h"
 #include "host/base/OutputPlace.h"
 #include "host/camera/HostCalibration.h"
 #include "host/commands/Command.h"
@@ -9,7 +10,6 @@
 #include <fmt/format.h>
 
 #include <cstdint>
-#include <cstdio>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -82,7 +82,7 @@ Options ConvertCommand::declare(CommandLine& program) {
 int ConvertCommand::run() {
   OpenedInput input = openInput(m_choice.input, inputOptions(m_choice));
   for (const std::string& note : input.notes) {
-    fmt::print(stderr, "{}\n", note);
+    program_log::write(program_log::Level::info, note);
   }
   refuseOverwriting({m_outputFile}, input.files);
   SceneWriter scene(m_outputFile);
@@ -97,7 +97,7 @@ int ConvertCommand::run() {
     images.settle(frame);
     scene.write(frame);
   }
-  fmt::print(stderr, "{} frames\n", frames);
+  program_log::write(program_log::Level::info, fmt::format("{} frames", frames));
   return finished;
 }
 

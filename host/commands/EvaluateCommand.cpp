@@ -1,4 +1,5 @@
 #include "host/base/InputError.h"
+#include "host/base/Log.h"
 #include "host/base/OutputFile.h"
 #include "host/base/OutputPlace.h"
 #include "host/commands/Command.h"
@@ -119,7 +120,8 @@ GroupedFrames EvaluateCommand::readRun(const std::string& path, const GroupTruth
     throw InputError(m_truthFile, 1, *problem + path);
   }
   if (const auto doubt = doubtAboutPeople(truth, run)) {
-    fmt::print(stderr, "{}: warning: {}\n", m_truthFile, *doubt);
+    program_log::write(program_log::Level::warning,
+                       fmt::format("{}: warning: {}", m_truthFile, *doubt));
   }
   return run;
 }

@@ -1,6 +1,7 @@
 #include "host/base/FileDescriptor.h"
 #include "host/base/InputFile.h"
 #include "host/base/Interruption.h"
+#include "host/base/Log.h"
 #include "host/base/OutputPlace.h"
 #include "host/commands/Command.h"
 #include "host/commands/InputChoice.h"
@@ -119,7 +120,7 @@ int EventsCommand::run() {
   StepOutputs sinks(m_steps, std::move(own), readers);
   replay(run, sinks, readers);
   for (const std::string& warning : readers.warnings()) {
-    fmt::print(stderr, "{}\n", warning);
+    program_log::write(program_log::Level::warning, warning);
   }
   return readers.hasAnybodyLeft() ? readerLeft : finished;
 }

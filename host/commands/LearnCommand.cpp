@@ -1,4 +1,5 @@
 #include "host/base/InputError.h"
+#include "host/base/Log.h"
 #include "host/base/OutputFile.h"
 #include "host/base/OutputPlace.h"
 #include "host/commands/Command.h"
@@ -10,7 +11,6 @@
 
 #include <fmt/format.h>
 
-#include <cstdio>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -158,7 +158,7 @@ int LearnCommand::run() {
 
 void LearnCommand::say(const std::string& what) const {
   if (!m_quiet) {
-    fmt::print(stderr, "{}\n", what);
+    program_log::write(program_log::Level::info, what);
   }
 }
 

@@ -14,6 +14,11 @@ namespace {
 constexpr auto redrawAfter = std::chrono::milliseconds(200);
 const char* const eraseLine = "\r\033[K";
 
+/// Goes on when nobody sees it.
+void show(const std::string& text) {
+  std::fwrite(text.data(), 1, text.size(), stderr);
+}
+
 std::string duration(double seconds) {
   const auto whole = static_cast<std::uint64_t>(std::max(0.0, seconds));
   constexpr std::uint64_t minute = 60;
@@ -43,7 +48,7 @@ void Progress::update(std::uint64_t frame) {
 
 void Progress::clear() {
   if (m_isDrawn) {
-    fmt::print(stderr, "{}", eraseLine);
+    show(eraseLine);
     m_isDrawn = false;
   }
 }
@@ -55,14 +60,14 @@ double Progress::seconds() const {
 void Progress::draw(std::uint64_t frame) const {
   const double perSecond = static_cast<double>(frame) / std::max(seconds(), 1e-3);
   if (!m_totalFrames) {
-    fmt::print(stderr, "{}{} {}, {:.0f} {}", eraseLine, m_unit.one, frame,
-               perSecond * m_unit.seconds, m_unit.pace);
+    show(fmt::format("{}{} {}, {:.0f} {}", eraseLine, m_unit.one, frame, perSecond * m_unit.seconds,
+                     m_unit.pace));
     return;
   }
   const double left = static_cast<double>(*m_totalFrames) - static_cast<double>(frame);
-  fmt::print(stderr, "{}{} {} of {}, {:.0f} {}{}", eraseLine, m_unit.one, frame, *m_totalFrames,
-             perSecond * m_unit.seconds, m_unit.pace,
-             frame == 0 ? "" : ", " + duration(left / perSecond) + " left");
+  show(fmt::format("{}{} {} of {}, {:.0f} {}{}", eraseLine, m_unit.one, frame, *m_totalFrames,
+                   perSecond * m_unit.seconds, m_unit.pace,
+                   frame == 0 ? "" : ", " + duration(left / perSecond) + " left"));
 }
 
 }  // namespace grouptracker

@@ -2,6 +2,7 @@
 
 #include "host/base/InputError.h"
 #include "host/base/Interruption.h"
+#include "host/base/Log.h"
 #include "host/base/OutputFile.h"
 #include "host/batch/WorkFolder.h"
 #include "host/commands/Command.h"
@@ -131,7 +132,7 @@ void RecordingRun::run() {
   options.diagnostics = options.diagnostics.empty() ? noOutput : options.diagnostics;
   options.mobileDump = options.mobileDump.empty() ? noOutput : options.mobileDump;
   if (const auto doubt = options.steps.doubt()) {
-    fmt::print(stderr, "warning: {}\n", *doubt);
+    program_log::write(program_log::Level::warning, "warning: " + *doubt);
   }
   RunSession session(options);
   const RunSummary summary = session.run();
@@ -151,7 +152,8 @@ void RecordingRun::score() {
     throw InputError(m_recording.truth, 1, *problem + m_recording.input);
   }
   if (const auto doubt = doubtAboutPeople(truth, groups)) {
-    fmt::print(stderr, "{}: warning: {}\n", m_recording.truth, *doubt);
+    program_log::write(program_log::Level::warning,
+                       fmt::format("{}: warning: {}", m_recording.truth, *doubt));
   }
   const EvaluationReport report = evaluate(groups, truth, {});
   OutputFile(made("scores.json")).writeLines(jsonOf(report));

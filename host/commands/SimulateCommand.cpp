@@ -1,4 +1,5 @@
 #include "host/base/InputError.h"
+#include "host/base/Log.h"
 #include "host/commands/Command.h"
 #include "host/simulation/SceneSimulation.h"
 #include "host/simulation/SimulationOptions.h"
@@ -6,7 +7,6 @@
 #include <fmt/format.h>
 
 #include <cstdint>
-#include <cstdio>
 #include <memory>
 #include <numeric>
 #include <optional>
@@ -163,8 +163,9 @@ int SimulateCommand::run() {
   m_options.frames = m_frames.value_or(m_options.frames);
   const SimulationSummary summary = simulateScene(m_options);
   if (!m_isQuiet) {
-    fmt::print(stderr, "{} frames, {} persons, {} groups in {}\n", summary.frames, summary.persons,
-               summary.groups, m_options.outputFolder);
+    program_log::write(program_log::Level::info,
+                       fmt::format("{} frames, {} persons, {} groups in {}", summary.frames,
+                                   summary.persons, summary.groups, m_options.outputFolder));
   }
   return finished;
 }

@@ -3,6 +3,7 @@
 #include "host/base/InputError.h"
 #include "host/base/InputFile.h"
 #include "host/base/Interruption.h"
+#include "host/base/Log.h"
 #include "host/base/OutputFile.h"
 #include "host/base/OutputPlace.h"
 #include "host/commands/StopSignals.h"
@@ -172,8 +173,9 @@ Trial TuneSession::search(const Sequences& sequences, const std::string& logFile
     throw InputError(m_options.baseFile, "all trials died");
   }
   if (!m_options.quiet) {
-    fmt::print(stderr, "{}: the middle, trial {}: {}\n", purpose, found.number,
-               scoresOf(found, sequences));
+    program_log::write(program_log::Level::info,
+                       fmt::format("{}: the middle, trial {}: {}", purpose, found.number,
+                                   scoresOf(found, sequences)));
   }
   return found;
 }
@@ -192,8 +194,9 @@ void TuneSession::evaluate(std::vector<Trial>& trials, const Sequences& sequence
     if (search.worth(trial) > m_bestWorth) {
       m_bestWorth = search.worth(trial);
       if (!m_options.quiet) {
-        fmt::print(stderr, "{}: trial {} of {}, best so far {}\n", purpose, trial.number,
-                   m_options.search.trials, scoresOf(trial, sequences));
+        program_log::write(program_log::Level::info,
+                           fmt::format("{}: trial {} of {}, best so far {}", purpose, trial.number,
+                                       m_options.search.trials, scoresOf(trial, sequences)));
       }
     }
   }
@@ -217,7 +220,8 @@ void TuneSession::compute(std::vector<Trial>& trials, const std::vector<std::siz
     if (++ended == sequences.size()) {
       log.write(trial);
       if (!m_options.quiet && !result) {
-        fmt::print(stderr, "{}: trial {} died\n", purpose, trial.number);
+        program_log::write(program_log::Level::warning,
+                           fmt::format("{}: trial {} died", purpose, trial.number));
       }
     }
   };
@@ -248,7 +252,7 @@ void TuneSession::computeBySlurm(const TrialTasks& tasks, const WorkerPool::Fini
   if (!std::exchange(m_isSlurmReady, true)) {
     array.cancelEarlier();
     const std::string doubt = array.checkPlaces({ownProgram(), std::filesystem::current_path()});
-    fmt::print(stderr, "{}", doubt.empty() ? "" : doubt + "\n");
+    doubt.empty() ? void() : program_log::write(program_log::Level::warning, doubt);
   }
   const std::size_t chunk = m_options.slurm.chunkOf(array, tasks.size());
   const std::vector<std::size_t> lost = computeArray(array, tasks, chunk, finished);

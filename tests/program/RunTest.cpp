@@ -162,6 +162,15 @@ TEST_F(Run, ReportsAFullDisk) {
   EXPECT_EQ(chatty.errors(), "standard output: cannot be written: No space left on device\n");
 }
 
+TEST_F(Run, NeedsNobodyWhoHearsItsWords) {
+  program.process().setStandardErrorFile("/dev/full");
+  EXPECT_EQ(program.run(arguments("scene.jsonl")), 0);
+  EXPECT_EQ(groups().size(), std::size_t{sceneLength});
+  Program wrong(inFolder(""));
+  wrong.process().setStandardErrorFile("/dev/full");
+  EXPECT_EQ(wrong.run(arguments("none.jsonl")), 2);
+}
+
 TEST_F(Run, SaysBesideItsOutputsWhetherTheyAreComplete) {
   EXPECT_EQ(program.run(arguments("scene.jsonl", {"--status", "status.json"})), 0);
   EXPECT_EQ(text("status.json"), "{\"complete\": true, \"frames\": 12}\n");

@@ -1,12 +1,11 @@
 #include "host/pictures/window/RunBesideWindow.h"
 
 #include "host/base/ExitStatus.h"
+#include "host/base/Log.h"
 #include "host/pictures/window/ShowWindow.h"
 
 #include <QApplication>
-#include <fmt/format.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <future>
 
@@ -17,8 +16,8 @@ namespace {
 /// What Qt says while it looks for a screen: hints that help nobody, and then that it gives up.
 void endWithoutScreen(QtMsgType type, const QMessageLogContext&, const QString&) {
   if (type == QtFatalMsg) {
-    fmt::print(stderr, "the screen: cannot be opened, so --show has no place for its window\n");
-    std::fflush(stderr);
+    program_log::write(program_log::Level::error,
+                       "the screen: cannot be opened, so --show has no place for its window");
     std::_Exit(outputFailed);
   }
 }
