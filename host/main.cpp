@@ -21,9 +21,11 @@
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <fcntl.h>
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -69,6 +71,16 @@ std::vector<std::unique_ptr<Command>> allCommands() {
 void silenceOpenCv() {
   cv::redirectError([](int, const char*, const char*, const char*, int, void*) { return 0; });
   cv::utils::logging::setLogLevel(cv::utils::logging::LOG_LEVEL_SILENT);
+}
+
+/// Closed standard streams stay closed to whoever uses them, but their places are taken: a file
+/// that is opened later must not get what is meant for them.
+void takePlacesOfClosedStreams() {
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (::fcntl(stream, F_GETFD) < 0) {
+      ::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+    }
+  }
 }
 
 int report(const std::exception& failure, ExitStatus status) {
@@ -134,6 +146,7 @@ int runWithin(Command& command, const Options& options, int& argc, char** argv) 
 }  // namespace
 
 int main(int argc, char** argv) {
+  takePlacesOfClosedStreams();
   silenceOpenCv();
   std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow further is a failing write instead
   CommandLine line("Turns the people whom a tracker sees into groups that live over time",

@@ -171,6 +171,26 @@ TEST_F(Run, NeedsNobodyWhoHearsItsWords) {
   EXPECT_EQ(wrong.run(arguments("none.jsonl")), 2);
 }
 
+TEST_F(Run, WritesNothingIntoItsFilesThatIsMeantForAClosedStream) {
+  const QStringList silent = arguments("scene.jsonl", {"--diagnostics", "none"});
+  EXPECT_EQ(program.run(silent), 0);
+  const std::vector<std::string> files{"groups.jsonl", "actors.jsonl", "metasimages.txt"};
+  std::vector<std::string> expected;
+  for (const std::string& file : files) {
+    expected.push_back(text(file));
+    std::filesystem::remove(inFolder(file));
+  }
+  Program closed(inFolder(""));
+  closed.process().start("sh", QStringList{"-c", R"(exec "$0" "$@" >&- 2>&-)",
+                                           QString::fromStdString(Program::path())} +
+                                   silent);
+  closed.process().waitForStarted();
+  EXPECT_EQ(closed.finish(), 0);
+  for (std::size_t i = 0; i < files.size(); ++i) {
+    EXPECT_EQ(text(files[i]), expected[i]) << files[i];
+  }
+}
+
 TEST_F(Run, SaysBesideItsOutputsWhetherTheyAreComplete) {
   EXPECT_EQ(program.run(arguments("scene.jsonl", {"--status", "status.json"})), 0);
   EXPECT_EQ(text("status.json"), "{\"complete\": true, \"frames\": 12}\n");
