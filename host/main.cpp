@@ -137,6 +137,7 @@ int runCommand(Command& command, const Options& options) {
 
 /// Runs a command within the application that it needs.
 int runWithin(Command& command, const Options& options, int& argc, char** argv) {
+  program_log::setFormat(command.logFormat());
   const auto application = command.needsScreen() ? openScreen(argc, argv)
                                                  : std::make_unique<QCoreApplication>(argc, argv);
   std::setlocale(LC_NUMERIC, "C");  // Qt takes the user's; files have points in their numbers

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/base/ExitStatus.h"
+#include "host/base/Log.h"
 #include "host/commands/CommandLine.h"
 
 #include <memory>
@@ -20,6 +21,8 @@ class Command {
   virtual Options declare(CommandLine& program) = 0;
   /// Whether the user chose something that opens a window.
   virtual bool needsScreen() const { return false; }
+  /// How the user wants the program to say things of itself.
+  virtual program_log::Format logFormat() const { return program_log::Format::text; }
   /// Does the work; called when the user chose this command. Throws `InputError`, `OutputError` or
   /// `ProcessError` for the program to report; returns the exit status otherwise.
   virtual int run() = 0;

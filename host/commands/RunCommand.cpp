@@ -27,6 +27,9 @@ class RunCommand : public Command {
  public:
   Options declare(CommandLine& program) override;
   bool needsScreen() const override { return m_options.steps.showsWindow; }
+  program_log::Format logFormat() const override {
+    return m_options.live.logsJson ? program_log::Format::json : program_log::Format::text;
+  }
   int run() override;
 
  private:
@@ -185,8 +188,6 @@ Options RunCommand::declare(CommandLine& program) {
 }
 
 int RunCommand::run() {
-  program_log::setFormat(m_options.live.logsJson ? program_log::Format::json
-                                                 : program_log::Format::text);
   checkAddresses();
   if (m_options.printsConfig) {
     fmt::print("{}", m_config());

@@ -123,6 +123,22 @@ TEST_F(Service, LogsLinesOfJsonWhenAsked) {
   EXPECT_EQ(error["message"], "standard input:3: not valid JSON");
 }
 
+TEST_F(Service, LogsJsonBeforeTheRunBegins) {
+  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+  for (const char* variable : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"}) {
+    environment.remove(variable);
+  }
+  std::vector<std::string> said;
+  for (const QStringList& more : {QStringList{"--show"}, {"--output", "tracks.csv"}}) {
+    Program refused(folder.path());
+    refused.process().setProcessEnvironment(environment);
+    EXPECT_EQ(refused.run(QStringList{"run", "tracks.csv", "--log-format", "json"} + more), 4);
+    said.push_back(nlohmann::json::parse(refused.errors())["message"]);
+  }
+  EXPECT_THAT(said[0], StartsWith("the screen: cannot be opened"));
+  EXPECT_EQ(said[1], "tracks.csv: would overwrite tracks.csv");
+}
+
 TEST_F(Service, BeginsFilesAnewThatWereMovedAway) {
   const Broker broker;
   program.start({"run", "-", "--publish", QString::fromStdString(broker.address("groups")),
