@@ -41,7 +41,7 @@ std::uint32_t PersonNames::numberOf(std::int64_t name) {
   if (name >= 0 && name < firstAlias) {
     return static_cast<std::uint32_t>(name);
   }
-  const bool fits = name > 0 && name <= none;
+  const bool fits = name > 0 && name < none;
   return aliasOf("#" + std::to_string(name), name,
                  fits ? std::optional(static_cast<std::uint32_t>(name)) : std::nullopt);
 }

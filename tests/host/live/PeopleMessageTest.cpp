@@ -144,22 +144,6 @@ TEST(MessageMap, SaysWhatIsWrong) {
             "map.json:1: box must be one pointer, or four: left, top, width and height");
 }
 
-TEST(PersonNames, ForgetsWhomNobodyNamedForLong) {
-  PersonNames names;
-  names.remember(10);
-  const std::uint32_t kept = names.numberOf("kept");
-  const std::uint32_t gone = names.numberOf("gone");
-  for (int i = 0; i < 100; ++i) {
-    EXPECT_EQ(names.numberOf("kept"), kept);
-    names.numberOf("passing " + std::to_string(i));
-  }
-  EXPECT_EQ(names.textOf(kept), "kept");
-  EXPECT_EQ(names.textOf(gone), std::to_string(gone));
-  EXPECT_EQ(names.numberOf(std::int64_t{PersonNames::firstAlias} + 7), PersonNames::firstAlias + 7);
-  names.numberOf("a,\"b\"");
-  EXPECT_EQ(names.fieldOf(names.numberOf("a,\"b\"")), "\"a,\"\"b\"\"\"");
-}
-
 }  // namespace
 
 }  // namespace grouptracker
