@@ -40,12 +40,12 @@ bool stop_wish::waitFor(int file, short events, int milliseconds) {
   return result > 0 && (waits[1].revents & POLLIN) == 0;
 }
 
-LongWork::LongWork(std::function<void()> look) : m_look(std::move(look)) {
+LongWork::LongWork(std::function<void()> look) : m_look(std::move(look)), m_before(workOfThread) {
   workOfThread = this;
 }
 
 LongWork::~LongWork() {
-  workOfThread = nullptr;
+  workOfThread = m_before;
 }
 
 void LongWork::step() {

@@ -70,6 +70,7 @@ class LongWork {
   using Clock = std::chrono::steady_clock;
 
   std::function<void()> m_look;
+  LongWork* m_before;  ///< within which this began, or null
   Clock::time_point m_latest = Clock::now();
 };
 

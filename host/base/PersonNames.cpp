@@ -24,12 +24,12 @@ PersonNames& PersonNames::ofProgram() {
   return inStead != nullptr ? *inStead : names;
 }
 
-PersonNames::Stead::Stead(PersonNames& names) {
+PersonNames::Stead::Stead(PersonNames& names) : m_before(inStead) {
   inStead = &names;
 }
 
 PersonNames::Stead::~Stead() {
-  inStead = nullptr;
+  inStead = m_before;
 }
 
 void PersonNames::remember(std::size_t names) {

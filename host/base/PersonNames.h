@@ -35,6 +35,9 @@ class PersonNames {
     Stead(const Stead&) = delete;
     Stead& operator=(const Stead&) = delete;
     ~Stead();
+
+   private:
+    PersonNames* m_before;  ///< the one of another stead, or null
   };
 
   /// From now on only so many of the latest names are sure to be remembered, which bounds the

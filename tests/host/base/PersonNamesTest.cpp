@@ -47,6 +47,21 @@ TEST(PersonNames, QuotesFieldsWhereTheyWouldBeSeveralOrNone) {
   EXPECT_EQ(field(""), "\"\"");
 }
 
+TEST(PersonNames, AreThoseOfTheInnermostStead) {
+  PersonNames outer;
+  PersonNames inner;
+  PersonNames& program = PersonNames::ofProgram();
+  {
+    const PersonNames::Stead first(outer);
+    {
+      const PersonNames::Stead second(inner);
+      EXPECT_EQ(&PersonNames::ofProgram(), &inner);
+    }
+    EXPECT_EQ(&PersonNames::ofProgram(), &outer);
+  }
+  EXPECT_EQ(&PersonNames::ofProgram(), &program);
+}
+
 TEST(PersonNames, ForgetsWhomNobodyNamedForLong) {
   PersonNames names;
   names.remember(10);
