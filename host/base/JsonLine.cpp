@@ -47,6 +47,15 @@ std::string jsonText(std::string_view text) {
   return inQuotes(isPlain ? std::string(text) : withoutDamage(text));
 }
 
+std::string doublyQuoted(std::string_view text) {
+  std::string quoted = "\"";
+  for (const char c : text) {
+    quoted += c;
+    quoted += c == '"' ? "\"" : "";
+  }
+  return quoted + '"';
+}
+
 std::string jsonNumber(double number) {
   return std::isfinite(number) ? fmt::format("{}", number) : "null";
 }

@@ -58,6 +58,9 @@ std::string joined(const Items& items, std::string_view separator) {
 
 /// A quoted string; the text is UTF-8, bytes that are not become the replacement character.
 std::string jsonText(std::string_view text);
+/// The text in quotation marks, of which those within it are doubled: a field of CSV, a name of
+/// SQL.
+std::string doublyQuoted(std::string_view text);
 /// The shortest text that reads as exactly this number in double precision; null unless finite.
 std::string jsonNumber(double number);
 

@@ -106,11 +106,7 @@ std::string PersonNames::fieldOf(std::uint32_t number) const {
   if (!text.empty() && text.find_first_of(",\"\r\n") == std::string::npos) {
     return text;
   }
-  std::string quoted = "\"";
-  for (const char c : text) {
-    quoted += c == '"' ? "\"\"" : std::string(1, c);
-  }
-  return quoted + '"';
+  return doublyQuoted(text);
 }
 
 std::vector<PersonName> sortedNames(const std::vector<std::uint32_t>& persons) {

@@ -1,6 +1,7 @@
 #include "host/input/TrajectoryDatabase.h"
 
 #include "host/base/InputError.h"
+#include "host/base/JsonLine.h"
 #include "host/base/TextNumbers.h"
 
 #include <fmt/format.h>
@@ -20,15 +21,6 @@ namespace grouptracker {
 namespace {
 
 constexpr std::string_view mark("SQLite format 3\0", 16);  // with which such files begin
-
-/// A name as SQL takes it.
-std::string quoted(const std::string& name) {
-  std::string text = "\"";
-  for (const char c : name) {
-    text += c == '"' ? "\"\"" : std::string(1, c);
-  }
-  return text + '"';
-}
 
 /// A database that is only read. What goes wrong is an `InputError` that names the file.
 class InputDatabase {
@@ -134,13 +126,13 @@ struct Found {
 Found findTable(const InputDatabase& database, const std::string& path, const TableChoice& choice) {
   std::string problem;
   for (const std::string& table : tablesOf(database)) {
-    auto header = database.query("SELECT * FROM " + quoted(table) + " LIMIT 0").columns();
+    auto header = database.query("SELECT * FROM " + doublyQuoted(table) + " LIMIT 0").columns();
     try {
       const TrackColumns columns = findColumns(header, choice);
       return {table, std::move(header), columns};
     } catch (const ValueProblem& missing) {
-      problem =
-          problem.empty() ? fmt::format("table {}: {}", quoted(table), missing.what()) : problem;
+      problem = problem.empty() ? fmt::format("table {}: {}", doublyQuoted(table), missing.what())
+                                : problem;
     }
   }
   throw InputError(path, problem.empty() ? "holds no table" : problem);
@@ -169,9 +161,9 @@ void addRows(const InputDatabase& database, const Found& found, const std::strin
              const ProblemHandler& onProblem, TrackRows& rows) {
   std::string sql;
   for (const auto& place : found.columns.places) {
-    sql += (sql.empty() ? "SELECT " : ", ") + (place ? quoted(found.header[*place]) : "0");
+    sql += (sql.empty() ? "SELECT " : ", ") + (place ? doublyQuoted(found.header[*place]) : "0");
   }
-  auto query = database.query(sql + " FROM " + quoted(found.table));
+  auto query = database.query(sql + " FROM " + doublyQuoted(found.table));
   for (std::uint64_t number = 1; query.next(); ++number) {
     try {
       TrackRows::Row row{};
