@@ -29,6 +29,13 @@ std::string schemeOf(const std::string& text) {
              : QString::fromStdString(text.substr(0, end)).toLower().toStdString();
 }
 
+/// Whether something stands before the host.
+bool holdsLogin(const std::string& text) {
+  const std::size_t scheme = text.find("://");
+  const std::size_t begin = scheme == std::string::npos ? 0 : scheme + 3;
+  return text.substr(begin, text.find('/', begin) - begin).find('@') != std::string::npos;
+}
+
 /// Whether no broker takes a character in a topic; what was no UTF-8 has become a replacement.
 bool isRefused(char32_t character) {
   return QChar::category(character) == QChar::Other_Control || QChar::isNonCharacter(character) ||
@@ -49,14 +56,16 @@ bool MqttAddress::isOne(const std::string& text) {
 
 MqttAddress MqttAddress::parse(const std::string& text) {
   const QUrl url(QString::fromStdString(text), QUrl::StrictMode);
-  if (!url.userInfo().isEmpty() || text.find('@') != std::string::npos) {
-    // Not even repeated in the message, which may go into a log.
+  // A password is not even repeated in messages, which may go into a log. Behind the host an '@'
+  // belongs to the topic, unless somebody has a '/' in his password.
+  const std::string shown = text.find('@') == std::string::npos ? text : "mqtt://...";
+  if (holdsLogin(text)) {
     throw InputError("mqtt://",
                      "an address holds no user or password; they belong into a file (--mqtt-login) "
                      "or into the environment");
   }
   if (!isOne(text) || !url.isValid() || url.host().isEmpty()) {
-    throw InputError(text, "mqtt://HOST[:PORT]/TOPIC is expected");
+    throw InputError(shown, "mqtt://HOST[:PORT]/TOPIC is expected");
   }
   MqttAddress address;
   address.host = url.host().toStdString();
@@ -66,14 +75,14 @@ MqttAddress MqttAddress::parse(const std::string& text) {
   address.topic = topic.toStdString();
   if (address.topic.find_first_of("+#") != std::string::npos || url.hasFragment() ||
       url.hasQuery()) {
-    throw InputError(text, "one topic is expected, without wildcards and without + # ?");
+    throw InputError(shown, "one topic is expected, without wildcards and without + # ?");
   }
   const auto characters = topic.toStdU32String();
   if (std::any_of(characters.begin(), characters.end(), isRefused)) {
-    throw InputError(text, "a topic in UTF-8 without control characters is expected");
+    throw InputError(shown, "a topic in UTF-8 without control characters is expected");
   }
   if (address.topic.empty() || address.topic.size() > longestTopic) {
-    throw InputError(text, fmt::format("a topic of 1 to {} bytes is expected", longestTopic));
+    throw InputError(shown, fmt::format("a topic of 1 to {} bytes is expected", longestTopic));
   }
   return address;
 }

@@ -15,7 +15,7 @@ struct MqttAddress {
   /// Whether a text is meant as such an address, be its scheme in capitals or not.
   static bool isOne(const std::string& text);
   /// What is no such address is an `InputError`; so is a user or password in it, which would stand
-  /// in the list of processes.
+  /// in the list of processes; an address with an '@' is not repeated in the message.
   static MqttAddress parse(const std::string& text);
 
   /// As the user wrote it, for messages.

@@ -24,6 +24,7 @@ TEST(MqttAddress, NamesBrokerAndTopic) {
   EXPECT_EQ(plain.host, "broker.example");
   EXPECT_EQ(plain.port, 1883);
   EXPECT_EQ(plain.topic, "hall/people here");
+  EXPECT_EQ(MqttAddress::parse("mqtt://host/hall@home").topic, "hall@home");
   const MqttAddress secure = MqttAddress::parse("mqtts://[::1]/a");
   EXPECT_TRUE(secure.isSecure);
   EXPECT_EQ(secure.text(), "mqtts://[::1]:8883/a");
@@ -41,6 +42,8 @@ TEST(MqttAddress, RefusesWhatIsNoTopicAndRepeatsNoPassword) {
   for (const char* const unprintable : {"%00", "%FF", "%0A", "%EF%BF%BF"}) {
     EXPECT_THAT(error(std::string("mqtt://host/a") + unprintable), HasSubstr("in UTF-8"));
   }
+  EXPECT_THAT(error("mqtt://me:sec/ret@host/a"),
+              AllOf(HasSubstr("is expected"), Not(HasSubstr("sec"))));
   for (const char* const scheme : {"mqtt", "MQTT", "mqttS"}) {
     const std::string address = std::string(scheme) + "://me:secret@host/a";
     EXPECT_TRUE(MqttAddress::isOne(address));
