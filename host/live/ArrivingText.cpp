@@ -1,7 +1,7 @@
 #include "host/live/ArrivingText.h"
 
 #include <algorithm>
-#include <string_view>
+#include <system_error>
 #include <utility>
 
 namespace grouptracker {
@@ -12,10 +12,26 @@ ArrivingText::ArrivingText(std::unique_ptr<ByteArrival> arrival)
 }
 
 bool ArrivingText::arrivesWithin(std::chrono::milliseconds most) {
-  return m_buffer.in_avail() > 0 || m_arrival->bytes().in_avail() > 0 || m_arrival->waitFor(most);
+  using Clock = std::chrono::steady_clock;
+  const auto end = Clock::now() + most;
+  while (!m_buffer.holdsLine()) {
+    const auto rest = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
+    const bool isThere = m_arrival->bytes().in_avail() > 0 ||
+                         m_arrival->waitFor(std::max(rest, std::chrono::milliseconds(0)));
+    if (!isThere) {
+      return false;
+    }
+    try {
+      if (!m_buffer.fetch()) {
+        return true;
+      }
+    } catch (const std::system_error&) {
+      return true;  // whoever reads meets it again, and knows in which line
+    }
+  }
+  return true;
 }
 
-/// Puts what is there behind the bytes that nobody has read; false at the end.
 bool ArrivingText::Buffer::fetch() {
   if (traits_type::eq_int_type(m_source.sgetc(), traits_type::eof())) {
     return false;
@@ -34,17 +50,23 @@ ArrivingText::Buffer::int_type ArrivingText::Buffer::underflow() {
   return fetch() ? traits_type::to_int_type(*gptr()) : traits_type::eof();
 }
 
-std::string ArrivingText::Buffer::firstLine() {
+ArrivingText::Buffer::FirstLine ArrivingText::Buffer::lookAtFirst() const {
   constexpr std::size_t longestLook = std::size_t{1} << 20U;  // bytes; enough to tell a format
-  for (;;) {
-    const std::string_view all(gptr(), static_cast<std::size_t>(egptr() - gptr()));
-    const std::size_t begin = std::min(all.find_first_not_of("\xEF\xBB\xBF \t\r\n"), all.size());
-    const std::size_t end = all.find('\n', begin);
-    if (end != std::string_view::npos || all.size() > longestLook || !fetch()) {
-      const std::string_view now(gptr(), static_cast<std::size_t>(egptr() - gptr()));
-      return std::string(now.substr(begin, std::min(end, now.size()) - begin));
-    }
+  const std::string_view all(gptr(), static_cast<std::size_t>(egptr() - gptr()));
+  const std::size_t begin = std::min(all.find_first_not_of("\xEF\xBB\xBF \t\r\n"), all.size());
+  const std::size_t end = all.find('\n', begin);
+  return {all.substr(begin, end - begin),
+          end != std::string_view::npos || all.size() > longestLook};
+}
+
+bool ArrivingText::Buffer::holdsLine() const {
+  return lookAtFirst().isWhole;
+}
+
+std::string ArrivingText::Buffer::firstLine() {
+  while (!holdsLine() && fetch()) {
   }
+  return std::string(lookAtFirst().bytes);
 }
 
 }  // namespace grouptracker

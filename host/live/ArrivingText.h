@@ -8,6 +8,7 @@
 #include <memory>
 #include <streambuf>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace grouptracker {
@@ -54,7 +55,8 @@ class ArrivingText {
   std::string name() const { return m_arrival->name(); }
   /// Waits for the first line that holds more than blanks; empty when there is none.
   std::string firstLine() { return m_buffer.firstLine(); }
-  /// Whether a read would find something, or the end, within the time.
+  /// Whether a line that holds more than blanks, or the end, is there within the time. Of a line
+  /// that is longer than any message the beginning is enough.
   bool arrivesWithin(std::chrono::milliseconds most);
 
  private:
@@ -63,12 +65,22 @@ class ArrivingText {
    public:
     explicit Buffer(std::streambuf& source) : m_source(source) {}
     std::string firstLine();
+    /// Whether the end of that line is there, or so much of it that it is not waited for.
+    bool holdsLine() const;
+    /// Puts what is there behind the bytes that nobody has read; false at the end.
+    bool fetch();
 
    protected:
     int_type underflow() override;
 
    private:
-    bool fetch();
+    /// Where the first line that holds more than blanks stands in the bytes that nobody has read.
+    struct FirstLine {
+      std::string_view bytes;  ///< as far as they are there
+      bool isWhole = false;
+    };
+
+    FirstLine lookAtFirst() const;
 
     std::streambuf& m_source;
     std::vector<char> m_bytes;
