@@ -74,9 +74,10 @@ bool MqttArrival::waitFor(std::chrono::milliseconds most) {
   return !m_waiting.empty();
 }
 
-bool MqttArrival::await(int milliseconds) const {
+bool MqttArrival::await(int milliseconds) {
   const bool isThere = stop_wish::waitFor(m_ring.get(), POLLIN, milliseconds);
   if (!isThere && stop_wish::isThere()) {
+    warnInTheEnd();
     throw InputInterrupted();
   }
   return isThere;
@@ -158,6 +159,15 @@ void MqttArrival::warn() {
       m_onWarning(text);
     }
   }
+}
+
+/// There is no later time.
+void MqttArrival::warnInTheEnd() {
+  {
+    const std::lock_guard lock(m_mutex);
+    m_telling = OnceInAWhile();
+  }
+  warn();
 }
 
 MqttArrival::Buffer::int_type MqttArrival::Buffer::underflow() {

@@ -60,7 +60,8 @@ class MqttArrival : public ByteArrival {
   void count() const;
   void calm() const;
   void warn();
-  bool await(int milliseconds) const;
+  void warnInTheEnd();
+  bool await(int milliseconds);
 
   MqttAddress m_address;
   Warning m_onWarning;

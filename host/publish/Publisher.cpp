@@ -65,10 +65,15 @@ void Publisher::show(const std::string& now) {
 }
 
 void Publisher::finish() {
-  std::unique_lock lock(m_mutex);
-  m_changed.wait_for(lock, patience, [this] {
-    return (m_spool.messages() == 0 && !m_shown) || m_isAway || m_failure;
-  });
+  {
+    std::unique_lock lock(m_mutex);
+    m_changed.wait_for(lock, patience, [this] {
+      return (m_spool.messages() == 0 && !m_shown) || m_isAway || m_failure;
+    });
+    m_tellingDrops = OnceInAWhile();  // there is no later time
+  }
+  warn();
+  const std::lock_guard lock(m_mutex);
   rethrow();
   if (m_spool.messages() > 0) {
     m_options.onWarning(

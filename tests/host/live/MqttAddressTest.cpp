@@ -1,4 +1,5 @@
 #include "host/live/MqttAddress.h"
+#include "host/live/MqttClient.h"
 #include "tests/support/base/Texts.h"
 
 #include <gmock/gmock.h>
@@ -49,6 +50,13 @@ TEST(MqttAddress, RefusesWhatIsNoTopicAndRepeatsNoPassword) {
     EXPECT_TRUE(MqttAddress::isOne(address));
     EXPECT_THAT(error(address), AllOf(HasSubstr("--mqtt-login"), Not(HasSubstr("secret"))));
   }
+}
+
+TEST(MqttClient, TellsWhatCanNeverBeSent) {
+  MqttClient client(MqttAddress::parse("mqtt://localhost/hall"), {}, {});
+  const MqttHandover wildcards = client.publish("hall/#", "{}", false);
+  EXPECT_FALSE(wildcards.message);
+  EXPECT_NE(wildcards.refusal, "");
 }
 
 TEST(BrokerLogin, ComesOutOfAFileOrTheEnvironment) {
