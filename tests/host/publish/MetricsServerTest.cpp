@@ -59,7 +59,27 @@ TEST_F(Metrics, AreNotHeldUpByThoseWhoAskBadly) {
   EXPECT_THAT(answer("GET /secret HTTP/1.1\r\n\r\n"), StartsWith("HTTP/1.1 404 Not Found\r\n"));
   EXPECT_EQ(answer(std::string(20000, 'x')), "");
   EXPECT_THAT(answer("GET /metrics HTTP/1.1\r\n\r\n"), StartsWith("HTTP/1.1 200 OK\r\n"));
+}
+
+TEST_F(Metrics, AreServedAgainOnceTooManySilentAskersHaveLeft) {
+  constexpr int most = 16;
+  constexpr int soon = 2000;  // ms; before the server loses its patience with the first
+  std::vector<std::unique_ptr<QTcpSocket>> silent;
+  for (int i = 0; i < most + 4; ++i) {
+    silent.push_back(connected());
+  }
+  for (int i = most; i < most + 4; ++i) {
+    QTcpSocket& late = *silent[static_cast<std::size_t>(i)];
+    EXPECT_TRUE(late.state() == QTcpSocket::UnconnectedState || late.waitForDisconnected(soon))
+        << i;
+  }
+  EXPECT_FALSE(silent.front()->waitForDisconnected(1));
   silent.clear();
+  std::string text;
+  for (int attempt = 0; attempt < 100 && text.empty(); ++attempt) {
+    text = answer("GET /metrics HTTP/1.1\r\n\r\n");  // it notices one after the other
+  }
+  EXPECT_THAT(text, StartsWith("HTTP/1.1 200 OK\r\n"));
 }
 
 TEST_F(Metrics, SayWhereTheyCannotBeServed) {
