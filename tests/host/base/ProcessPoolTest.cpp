@@ -1,3 +1,4 @@
+#include "host/base/FileDescriptor.h"
 #include "host/base/Interruption.h"
 #include "host/base/ProcessPool.h"
 
@@ -47,12 +48,14 @@ TEST(ProcessPool, TellsTheFateOfEachProcess) {
 }
 
 TEST(ProcessPool, EndsAllWhenSomebodyWishesAStop) {
-  std::array<int, 2> wish{};
-  ASSERT_EQ(::pipe(wish.data()), 0);
-  stop_wish::setDescriptor(wish[0]);
+  std::array<int, 2> ends{-1, -1};
+  ASSERT_EQ(::pipe(ends.data()), 0);
+  const FileDescriptor wish(ends[0]);
+  const FileDescriptor wishing(ends[1]);
+  stop_wish::setDescriptor(wish.get());
   int finished = 0;
-  const auto ask = [&wish]() -> std::string {
-    return ::write(wish[1], "x", 1) == 1 ? "asked" : "";
+  const auto ask = [&wishing]() -> std::string {
+    return ::write(wishing.get(), "x", 1) == 1 ? "asked" : "";
   };
   ProcessPool(2, std::chrono::seconds(60))
       .run(handingOut({waitForever, ask, waitForever}),
