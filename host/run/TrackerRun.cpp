@@ -93,6 +93,10 @@ void TrackerRun::configure(const TrackerRunOptions& options) {
 
 RunStep TrackerRun::advance(const InputFrame& frame) {
   ++m_frame;
+  if (!m_options.describesSteps) {
+    process(frame);
+    return {};
+  }
   note(frame);
   const auto groups = process(frame);
   RunStep step = takeReported();

@@ -35,6 +35,7 @@ struct TrackerRunOptions {
   bool printsDiagnostics = true;
   bool dumpsMobiles = true;
   std::string mobileDumpFile;         ///< empty for the process's own choice
+  bool describesSteps = true;         ///< else nobody looks at the steps, and they come empty
   bool keepsImages = false;           ///< whether steps carry images that are in memory only
   bool processDrawsOnImages = false;  ///< such an image is then copied before the process has it
 };
@@ -50,8 +51,8 @@ class TrackerRun {
   /// Sets the process up; once, before the first frame. A wrong parameter file ends the program
   /// from within, with status 1.
   void configure(const TrackerRunOptions& options);
-  /// Hands the next frame to the process and returns what it decided. What the process throws comes
-  /// out as `ProcessError`; the next frame may then be tried all the same.
+  /// Hands the next frame to the process and returns what it decided, if that is wanted. What the
+  /// process throws comes out as `ProcessError`; the next frame may then be tried all the same.
   RunStep advance(const InputFrame& frame);
   /// The steps still owed when the input has ended: none, since the process decides no frame before
   /// the delay has passed.
