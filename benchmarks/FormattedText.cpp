@@ -1,5 +1,7 @@
 #include "benchmarks/FormattedText.h"
 
+#include "tracker/diagnostics/NumberText.h"
+
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
@@ -123,7 +125,8 @@ void FormattedText::writeWithStream(const std::string& fileName) const {
   }
 }
 
-void FormattedText::writeWithToChars() const {
+template <typename WriteInt, typename WriteFixed>
+void FormattedText::write(const WriteInt& writeInt, const WriteFixed& writeFixed) const {
   char* out = m_buffer.data();
   char* const end = out + m_buffer.size();
   for (const Piece& piece : m_pieces) {
@@ -133,11 +136,23 @@ void FormattedText::writeWithToChars() const {
     std::memcpy(out, piece.literal.data(), piece.literal.size());
     out += piece.literal.size();
     if (piece.kind == 'd') {
-      out = std::to_chars(out, end, static_cast<int>(piece.number)).ptr;
+      out = writeInt(out, static_cast<int>(piece.number));
     } else if (piece.kind == 'f') {
-      out = std::to_chars(out, end, piece.number, std::chars_format::fixed, 6).ptr;
+      out = writeFixed(out, piece.number);
     }
   }
+}
+
+void FormattedText::writeWithToChars() const {
+  char* const end = m_buffer.data() + m_buffer.size();
+  write([end](char* out, int number) { return std::to_chars(out, end, number).ptr; },
+        [end](char* out, double number) {
+          return std::to_chars(out, end, number, std::chars_format::fixed, 6).ptr;
+        });
+}
+
+void FormattedText::writeWithNumberText() const {
+  write(NumberText::writeInt, NumberText::writeFixed);
 }
 
 void FormattedText::copy() const {

@@ -16,6 +16,8 @@ class FormattedText {
   void writeWithStream(const std::string& fileName) const;
   /// Formats the numbers with std::to_chars into a buffer.
   void writeWithToChars() const;
+  /// Formats them with the process's own `NumberText`, the cheapest known way.
+  void writeWithNumberText() const;
   /// Copies the bytes.
   void copy() const;
 
@@ -35,6 +37,8 @@ class FormattedText {
   };
 
   void gatherCalls();
+  template <typename WriteInt, typename WriteFixed>
+  void write(const WriteInt& writeInt, const WriteFixed& writeFixed) const;
 
   std::string m_text;
   std::vector<Piece> m_pieces;

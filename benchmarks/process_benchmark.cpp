@@ -1,5 +1,6 @@
-// Times the whole process, frame by frame, against what printf, std::to_chars and memcpy need for
-// the same text. Everything is processor time, so that other programs disturb little.
+// Times the whole process, frame by frame, against what printf, std::to_chars, NumberText and
+// memcpy need for the same text. Everything is processor time, so that other programs disturb
+// little.
 
 #include "benchmarks/FormattedText.h"
 #include "benchmarks/MeasuredProcess.h"
@@ -70,24 +71,20 @@ void addSizes() {
           });
         },
         frames);
-    add(
-        fmt::format("to_chars/{}", people),
-        [=](auto& state) {
-          timeWriting(state, people, [](const auto& printed, const auto& dumped) {
-            printed.writeWithToChars();
-            dumped.writeWithToChars();
-          });
-        },
-        frames);
-    add(
-        fmt::format("copy/{}", people),
-        [=](auto& state) {
-          timeWriting(state, people, [](const auto& printed, const auto& dumped) {
-            printed.copy();
-            dumped.copy();
-          });
-        },
-        frames);
+    const auto addWriting = [&](const char* name, void (FormattedText::*write)() const) {
+      add(
+          fmt::format("{}/{}", name, people),
+          [=](auto& state) {
+            timeWriting(state, people, [write](const auto& printed, const auto& dumped) {
+              (printed.*write)();
+              (dumped.*write)();
+            });
+          },
+          frames);
+    };
+    addWriting("to_chars", &FormattedText::writeWithToChars);
+    addWriting("number_text", &FormattedText::writeWithNumberText);
+    addWriting("copy", &FormattedText::copy);
   }
 }
 
