@@ -5,6 +5,7 @@
 #include "host/base/Interruption.h"
 #include "host/base/OutputPlace.h"
 #include "host/input/InputFormats.h"
+#include "host/input/ReadAhead.h"
 #include "host/input/SceneContextReader.h"
 #include "host/publish/PublishSink.h"
 #include "host/run/PluginLoader.h"
@@ -58,6 +59,7 @@ RunSummary RunSession::run() {
   const bool showsProgress = !m_options.quiet && Progress::isPossible();
   const bool countsFrames = showsProgress && m_options.frames.isWhole();
   m_progress.emplace(showsProgress, countsFrames ? m_input.frames->totalFrames() : std::nullopt);
+  readAhead();
   runToTheEnd();
   warnOfReaders();
   m_progress->clear();
@@ -132,6 +134,14 @@ void RunSession::readFirstFrame() {
     m_first = std::move(frame);
   } else {
     m_isEmpty = true;  // it has said why and is not asked again
+  }
+}
+
+/// What is there as a whole is read while the process works; what arrives may have words for the
+/// user and need not be looked out for.
+void RunSession::readAhead() {
+  if (m_first && !m_input.isArriving) {
+    m_input.frames = std::make_unique<ReadAhead>(std::move(m_input.frames));
   }
 }
 
@@ -287,6 +297,7 @@ void RunSession::startProcess(std::unique_ptr<kelAbstractProcessGroupTracker> tr
   options.printsDiagnostics = m_options.diagnostics != noOutput;
   options.dumpsMobiles = m_options.mobileDump != noOutput;
   options.mobileDumpFile = dumpFile(m_options);
+  options.describesSteps = m_actors != nullptr;
   m_tracker = std::make_unique<TrackerRun>(std::move(tracker));
   m_tracker->configure(options);
 }

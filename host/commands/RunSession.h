@@ -61,6 +61,7 @@ class RunSession {
   void measure(const InputFrame& frame);
   std::string metricsText();
   void readFirstFrame();
+  void readAhead();
   bool nextFrame(InputFrame& frame);
   void warnOfInput();
   void warn(const std::string& warning);

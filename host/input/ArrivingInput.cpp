@@ -172,6 +172,7 @@ OpenedInput openArriving(const std::string& path, const InputOptions& given) {
     assembleInput(std::move(people), options, input);
     return input;
   }
+  input.isArriving = true;
   if (options.messages.isLive) {
     PersonNames::ofProgram().remember(rememberedNames);
   }

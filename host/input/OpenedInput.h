@@ -69,6 +69,7 @@ struct OpenedInput {
   std::vector<std::string> warnings;  ///< what is hardly meant
   std::optional<cv::Size> imageSize;  ///< pixels; none when nobody said
   std::optional<double> rate;         ///< frame numbers a second; none when only frames tell times
+  bool isArriving = false;            ///< it is read as it arrives, line by line
   bool keepsTimes = false;            ///< its own times hold, whatever rate the user says
 };
 
