@@ -23,7 +23,7 @@ if [ -z "${PROGRAM:-}" ]; then
 fi
 
 scene=$build/scene-$people
-[ -d "$scene" ] || "$PROGRAM" simulate --people "$people" --seconds 60 --rate 25 --seed 1 --output "$scene" --quiet
+[ -d "$scene" ] || "$PROGRAM" simulate --people "$people" --seconds 120 --rate 25 --seed 1 --output "$scene" --quiet
 perf record --quiet --event cpu-clock --freq 1999 --call-graph fp --output "$build/perf.data" -- \
   "$PROGRAM" run "$scene/scene.jsonl" --output "$build/groups.jsonl" --quiet "${options[@]}" > "$build/printed.txt"
 
@@ -38,7 +38,7 @@ perf script --input "$build/perf.data" --fields ip,sym 2> "$build/perf.txt" | aw
     stack = stack == "" ? name : name ";" stack
   }
   END { close_stack(); for (each in count) print each, count[each] }' > "$build/stacks.txt"
-perl "$flames" --title "A run with $people people" --countname samples --minwidth 0.3 \
+perl "$flames" --title "A run with $people people" --countname samples --minwidth 3 --hash \
   --nametype "" "$build/stacks.txt" > "$build/run.svg"
 
 echo "share of the processor time spent below a function (the first 25 of at least 2 %):"
