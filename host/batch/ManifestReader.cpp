@@ -1,6 +1,7 @@
 #include "host/batch/ManifestReader.h"
 
 #include "host/base/InputFile.h"
+#include "host/base/JsonLine.h"
 #include "host/base/LineReader.h"
 #include "host/input/FieldSplitter.h"
 
@@ -102,13 +103,10 @@ std::string csvCell(const std::string& text) {
   if (text.empty() || (isPlain && !isBlank(text.front()) && !isBlank(text.back()))) {
     return text;
   }
-  std::string cell = "\"";
-  for (const char letter : text) {
-    const bool breaksLine = letter == '\n' || letter == '\r';
-    cell += breaksLine ? ' ' : letter;
-    cell += letter == '"' ? "\"" : "";
-  }
-  return cell + '"';
+  std::string line = text;  // quotes end on their line
+  std::replace_if(
+      line.begin(), line.end(), [](char letter) { return letter == '\n' || letter == '\r'; }, ' ');
+  return doublyQuoted(line);
 }
 
 }  // namespace grouptracker
