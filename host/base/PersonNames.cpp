@@ -8,7 +8,7 @@ namespace grouptracker {
 
 namespace {
 
-constexpr std::uint32_t none = std::numeric_limits<std::uint32_t>::max();  // to trackers
+constexpr std::uint32_t none = std::numeric_limits<std::uint32_t>::max();  // to trackers; no alias
 
 std::string jsonOf(const PersonName& name) {
   const auto* const text = std::get_if<std::string>(&name);
@@ -41,7 +41,7 @@ std::uint32_t PersonNames::numberOf(std::int64_t name) {
   if (name >= 0 && name < firstAlias) {
     return static_cast<std::uint32_t>(name);
   }
-  const bool fits = name > 0 && name < none;
+  const bool fits = name > 0 && name <= none;
   return aliasOf("#" + std::to_string(name), name,
                  fits ? std::optional(static_cast<std::uint32_t>(name)) : std::nullopt);
 }
