@@ -2,8 +2,10 @@
 #include "host/commands/Command.h"
 #include "host/commands/TuneSession.h"
 
+#include <algorithm>
 #include <memory>
 #include <string>
+#include <thread>
 
 namespace grouptracker {
 
@@ -49,7 +51,8 @@ void declareSearch(Options& command, TuneOptions& options) {
       .positive()
       .showDefault();
   command.add("--seed", options.search.seed, "the same seed makes the same search").showDefault();
-  command.add("--jobs", options.jobs, "processes at a time; changes no result")
+  options.jobs = std::max(1U, std::thread::hardware_concurrency());
+  command.add("--jobs", options.jobs, "trials at a time; changes no result")
       .positive()
       .showDefault();
   command

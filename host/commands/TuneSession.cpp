@@ -8,7 +8,6 @@
 #include "host/base/OutputPlace.h"
 #include "host/commands/StopSignals.h"
 #include "host/evaluation/TruthReader.h"
-#include "host/input/InputFormats.h"
 #include "host/run/PluginLoader.h"
 
 #include <QDir>
@@ -41,7 +40,7 @@ TunedSequence openSequence(const std::string& text, const InputOptions& options)
   const std::string input = text.substr(0, colon);
   const auto path = std::filesystem::path(input);
   const auto name = path.filename().empty() ? path.parent_path().filename() : path.filename();
-  return {name, input, options, readTruth(text.substr(colon + 1))};
+  return {name, TrialInput(input, options), readTruth(text.substr(colon + 1))};
 }
 
 TuningSpace readSpace(const std::string& path, const ParameterFile& base) {
@@ -230,13 +229,15 @@ void TuneSession::compute(std::vector<Trial>& trials, const std::vector<std::siz
 }
 
 void TuneSession::computeHere(const TrialTasks& tasks, std::size_t jobs,
-                              const WorkerPool::Finished& finished) const {
+                              const WorkerPool::Finished& finished) {
   const TrialFolder folder;
   std::vector<WorkerPool::Task> runs;
   for (const TrialTask& task : tasks) {
-    runs.emplace_back([this, &task, &folder, number = runs.size()] {
-      return runTrial(m_sequences.at(task.sequence), m_space.settingsOf(task.candidate, m_base),
-                      scores.at(task.score), folder.file(number));
+    TunedSequence& sequence = m_sequences.at(task.sequence);
+    sequence.input.hold();
+    runs.emplace_back([this, &task, &sequence, &folder, number = runs.size()] {
+      return runTrial(sequence, m_space.settingsOf(task.candidate, m_base), scores.at(task.score),
+                      folder.file(number));
     });
   }
   WorkerPool(jobs, std::chrono::seconds(m_options.patience)).run(runs, finished);

@@ -57,8 +57,7 @@ class TuneSession {
   void compute(std::vector<Trial>& trials, const std::vector<std::size_t>& open,
                const Sequences& sequences, const std::string& score, TrialLog& log,
                const char* purpose);
-  void computeHere(const TrialTasks& tasks, std::size_t jobs,
-                   const WorkerPool::Finished& finished) const;
+  void computeHere(const TrialTasks& tasks, std::size_t jobs, const WorkerPool::Finished& finished);
   void computeBySlurm(const TrialTasks& tasks, const WorkerPool::Finished& finished);
   void computeAgain(SlurmArray& array, const TrialTasks& tasks,
                     const std::vector<std::size_t>& lost, const WorkerPool::Finished& finished);

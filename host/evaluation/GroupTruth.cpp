@@ -35,6 +35,11 @@ Grouping GroupTruth::over(const std::vector<std::int64_t>& frames) const {
   return together.ofMany(frames.size() / 2 + 1);
 }
 
+Grouping GroupTruth::over(const std::vector<std::int64_t>& frames,
+                          const std::vector<Person>& persons) const {
+  return restrictTo(isPerFrame() ? over(frames) : m_always, persons);
+}
+
 Grouping GroupTruth::whole() const {
   std::vector<PersonGroup> lists = m_always;
   for (const auto& [frame, groups] : m_byFrame) {

@@ -29,6 +29,8 @@ class GroupTruth {
   /// The groups of the persons over several frames: two are together when they are at more than
   /// half of the frames, and so are those whom others connect.
   Grouping over(const std::vector<std::int64_t>& frames) const;
+  /// The same among some persons, who are in ascending order.
+  Grouping over(const std::vector<std::int64_t>& frames, const std::vector<Person>& persons) const;
   /// All frames together: whoever was ever in one group is.
   Grouping whole() const;
 

@@ -4,35 +4,34 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <map>
 #include <numeric>
 #include <utility>
 
 namespace grouptracker {
 
 Grouping joinOverlapping(const std::vector<PersonGroup>& lists) {
-  std::map<Person, std::size_t> listOf;  // any list that holds the person
-  JoinedSets sets(lists.size());
+  std::vector<std::pair<Person, std::size_t>> listings;
   for (std::size_t i = 0; i < lists.size(); ++i) {
     for (const Person person : lists[i]) {
-      const auto [seen, isNew] = listOf.emplace(person, i);
-      if (!isNew) {
-        sets.join(i, seen->second);
-      }
+      listings.emplace_back(person, i);
     }
   }
-  std::map<std::size_t, PersonGroup> joined;
-  for (const auto& [person, list] : listOf) {
+  std::sort(listings.begin(), listings.end());
+  const auto isSamePerson = [](const auto& a, const auto& b) { return a.first == b.first; };
+  JoinedSets sets(lists.size());
+  auto again = std::adjacent_find(listings.begin(), listings.end(), isSamePerson);
+  for (; again != listings.end();
+       again = std::adjacent_find(again + 1, listings.end(), isSamePerson)) {
+    sets.join(again->second, (again + 1)->second);
+  }
+  listings.erase(std::unique(listings.begin(), listings.end(), isSamePerson), listings.end());
+  std::vector<PersonGroup> joined(lists.size());
+  for (const auto& [person, list] : listings) {
     joined[sets.rootOf(list)].push_back(person);
   }
-  Grouping groups;
-  for (auto& [root, group] : joined) {
-    if (group.size() > 1) {
-      groups.push_back(std::move(group));
-    }
-  }
-  std::sort(groups.begin(), groups.end());
-  return groups;
+  std::erase_if(joined, [](const PersonGroup& group) { return group.size() < 2; });
+  std::sort(joined.begin(), joined.end());
+  return joined;
 }
 
 Grouping restrictTo(const Grouping& groups, const std::vector<Person>& persons) {

@@ -19,19 +19,6 @@ void Togetherness::add(const Grouping& groups, const std::vector<Person>& person
   ++m_stepCount;
 }
 
-Grouping Togetherness::among(const std::vector<Person>& persons, std::size_t steps) const {
-  const auto isAmong = [&persons](Person person) {
-    return std::binary_search(persons.begin(), persons.end(), person);
-  };
-  std::vector<PersonGroup> pairs;
-  for (const auto& [pair, together] : m_together) {
-    if (together >= steps && isAmong(pair.first) && isAmong(pair.second)) {
-      pairs.push_back({pair.first, pair.second});
-    }
-  }
-  return joinOverlapping(pairs);
-}
-
 Grouping Togetherness::ofMany(std::size_t steps) const {
   std::vector<PersonGroup> pairs;
   for (const auto& [pair, together] : m_together) {

@@ -14,9 +14,7 @@ class Togetherness {
  public:
   /// Adds a time step; both in ascending order.
   void add(const Grouping& groups, const std::vector<Person>& persons);
-  /// Connects those of the persons who were together at `steps` time steps and more.
-  Grouping among(const std::vector<Person>& persons, std::size_t steps) const;
-  /// The same for all persons.
+  /// Connects those who were together at `steps` time steps and more.
   Grouping ofMany(std::size_t steps) const;
   /// Connects those who were together at `part` or more of the time steps with both in view.
   Grouping forPart(double part) const;

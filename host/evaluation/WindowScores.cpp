@@ -18,37 +18,73 @@ std::vector<Person> commonPersons(const std::vector<Person>& a, const std::vecto
   return common;
 }
 
-PartitionPair windowFrom(GroupedFrames::const_iterator first, GroupedFrames::const_iterator end,
-                         const GroupTruth& truth, std::size_t minimum) {
-  PartitionPair window;
-  window.persons = personsOf(*first);
-  Togetherness together;
-  std::vector<std::int64_t> frames;
-  for (auto step = first; step != end; ++step) {
-    const auto persons = personsOf(*step);
-    window.persons = commonPersons(window.persons, persons);
-    together.add(groupingOf(*step), persons);
-    frames.push_back(step->frame);
+/// Connects those of the persons who are together in so many of the groupings.
+Grouping connected(const std::vector<const Grouping*>& steps, const std::vector<Person>& persons,
+                   std::size_t minimum) {
+  std::vector<std::pair<Person, Person>> pairs;
+  for (const Grouping* const groups : steps) {
+    for (const PersonGroup& group : restrictTo(*groups, persons)) {
+      for (auto a = group.begin(); a != group.end(); ++a) {
+        std::for_each(a + 1, group.end(), [&](Person b) { pairs.emplace_back(*a, b); });
+      }
+    }
   }
-  window.truth = restrictTo(truth.over(frames), window.persons);
-  window.found = together.among(window.persons, minimum);
-  return window;
+  std::sort(pairs.begin(), pairs.end());
+  std::vector<PersonGroup> companions;
+  for (auto pair = pairs.begin(); pair != pairs.end();) {
+    const auto next =
+        std::find_if(pair, pairs.end(), [&](const auto& other) { return other != *pair; });
+    if (static_cast<std::size_t>(next - pair) >= minimum) {
+      companions.push_back({pair->first, pair->second});
+    }
+    pair = next;
+  }
+  return joinOverlapping(companions);
 }
 
 }  // namespace
 
-std::vector<PartitionPair> windowsOf(const GroupedFrames& run, const GroupTruth& truth,
-                                     const WindowOptions& options) {
-  std::vector<PartitionPair> windows;
-  const auto length = static_cast<std::ptrdiff_t>(options.length);
-  for (auto first = run.begin(); run.end() - first >= length; first += length) {
+WindowedRun::WindowedRun(const GroupedFrames& run) {
+  m_frames.reserve(run.size());
+  for (const FrameGroups& frame : run) {
     LongWork::step();
-    PartitionPair window = windowFrom(first, first + length, truth, options.together);
+    m_frames.push_back({frame.frame, personsOf(frame), groupingOf(frame)});
+  }
+}
+
+std::vector<PartitionPair> WindowedRun::windows(std::size_t first, const GroupTruth& truth,
+                                                const WindowOptions& options) const {
+  std::vector<PartitionPair> windows;
+  const std::size_t end = m_frames.size();
+  for (; first < end && end - first >= options.length; first += options.length) {
+    LongWork::step();
+    PartitionPair window = windowAt(first, truth, options);
     if (window.persons.size() > 1) {
       windows.push_back(std::move(window));
     }
   }
   return windows;
+}
+
+PartitionPair WindowedRun::windowAt(std::size_t first, const GroupTruth& truth,
+                                    const WindowOptions& options) const {
+  PartitionPair window;
+  window.persons = m_frames[first].persons;
+  std::vector<std::int64_t> numbers;
+  std::vector<const Grouping*> groups;
+  for (std::size_t i = first; i < first + options.length; ++i) {
+    window.persons = commonPersons(window.persons, m_frames[i].persons);
+    numbers.push_back(m_frames[i].number);
+    groups.push_back(&m_frames[i].groups);
+  }
+  window.truth = truth.over(numbers, window.persons);
+  window.found = connected(groups, window.persons, options.together);
+  return window;
+}
+
+std::vector<PartitionPair> windowsOf(const GroupedFrames& run, const GroupTruth& truth,
+                                     const WindowOptions& options) {
+  return WindowedRun(run).windows(0, truth, options);
 }
 
 PrecisionRecall meanMitre(const std::vector<PartitionPair>& windows) {

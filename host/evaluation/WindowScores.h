@@ -5,6 +5,7 @@
 #include "host/evaluation/ScoredSteps.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 namespace grouptracker {
@@ -15,8 +16,30 @@ struct WindowOptions {
   std::size_t together = 6;  ///< time steps of common group that make two persons one group
 };
 
-/// The whole windows of a run: persons who are in view at every time step, their true groups and
-/// the found ones. Windows of less than two such persons are left out.
+/// A run that is cut into windows in several ways: what each frame says is gathered once.
+class WindowedRun {
+ public:
+  explicit WindowedRun(const GroupedFrames& run);
+
+  /// The whole windows from a frame on, counted from 0: persons who are in view at every time step,
+  /// their true groups and the found ones. Windows of less than two such persons are left out.
+  std::vector<PartitionPair> windows(std::size_t first, const GroupTruth& truth,
+                                     const WindowOptions& options) const;
+
+ private:
+  struct Frame {
+    std::int64_t number = 0;  ///< the input's own
+    std::vector<Person> persons;
+    Grouping groups;
+  };
+
+  PartitionPair windowAt(std::size_t first, const GroupTruth& truth,
+                         const WindowOptions& options) const;
+
+  std::vector<Frame> m_frames;
+};
+
+/// The windows from the first frame on.
 std::vector<PartitionPair> windowsOf(const GroupedFrames& run, const GroupTruth& truth,
                                      const WindowOptions& options);
 

@@ -96,6 +96,7 @@ OpenedInput openScene(const std::string& path, const InputOptions& options) {
     }
   }
   input.frames = std::make_unique<SceneReader>(path, input.calibration);
+  input.hasOwnLinks = true;
   return input;
 }
 

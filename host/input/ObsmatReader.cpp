@@ -7,7 +7,6 @@
 #include "host/camera/GroundPlaneCalibration.h"
 #include "host/input/OpenedInput.h"
 #include "host/people/ObservationSource.h"
-#include "host/people/TrackAssembler.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -121,8 +120,7 @@ OpenedInput openTrajectory(const std::string& path, const InputOptions& options)
     input.calibration =
         cameraOf(*homography, input.imageSize, farthestSeen(*observations, *homography));
   }
-  input.frames = std::make_unique<TrackAssembler>(std::move(observations), input.calibration,
-                                                  options.links, rateOf(options.rate, input));
+  assembleFrames(std::move(observations), options, input);
   return input;
 }
 

@@ -125,6 +125,19 @@ QSharedPointer<kelAbstractDataCalibration> cameraOf(const cv::Matx33d& homograph
                                                         estimateCameraPosition(homography, size));
 }
 
+void assembleFrames(std::unique_ptr<ObservationTable> observations, const InputOptions& options,
+                    OpenedInput& input) {
+  const bool isInMemory = observations->isInMemory();
+  auto frames = std::make_unique<TrackAssembler>(std::move(observations), input.calibration,
+                                                 options.links, rateOf(options.rate, input));
+  if (isInMemory) {
+    input.relink = [assembler = frames.get()](const LinkOptions& other) {
+      assembler->relink(other);
+    };
+  }
+  input.frames = std::move(frames);
+}
+
 void assembleInput(std::unique_ptr<ObservationTable> observations, const InputOptions& options,
                    OpenedInput& input) {
   input.calibration = options.calibration;
@@ -147,8 +160,7 @@ void assembleInput(std::unique_ptr<ObservationTable> observations, const InputOp
       estimateCamera(peopleBoxes(*observations), input);
     }
   }
-  input.frames = std::make_unique<TrackAssembler>(std::move(observations), input.calibration,
-                                                  options.links, rateOf(options.rate, input));
+  assembleFrames(std::move(observations), options, input);
 }
 
 void giveTimes(const std::optional<double>& wishedRate, OpenedInput& input) {

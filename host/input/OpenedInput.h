@@ -71,7 +71,15 @@ struct OpenedInput {
   std::optional<double> rate;         ///< frame numbers a second; none when only frames tell times
   bool isArriving = false;            ///< it is read as it arrives, line by line
   bool keepsTimes = false;            ///< its own times hold, whatever rate the user says
+  bool hasOwnLinks = false;           ///< what the user says about links changes nothing
+  /// Chooses other links, before the first frame is read; empty for an input that has its own or is
+  /// not in memory as a whole.
+  std::function<void(const LinkOptions&)> relink;
 };
+
+/// Makes the frames of an input that consists of observations, with the camera that it has by now.
+void assembleFrames(std::unique_ptr<ObservationTable> observations, const InputOptions& options,
+                    OpenedInput& input);
 
 /// Completes an input that consists of observations: chooses its camera and assembles its frames.
 /// The camera is the given one; else that of the given homography, with the camera's position

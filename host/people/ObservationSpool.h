@@ -32,6 +32,8 @@ class ObservationSpool {
   void finish();
   /// Goes back to the first row.
   void rewind();
+  /// Whether all rows fitted into the buffer.
+  bool isInMemory() const { return !m_table; }
   /// Replaces `row` by the next one in order; false at the end.
   bool next(ObservationRow& row);
 

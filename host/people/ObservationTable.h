@@ -46,6 +46,8 @@ class ObservationTable : public ObservationSource {
   void visit(const std::function<void(const ObservationRow&)>& look);
   /// Frame numbers a second; none unless the table takes times of several steps.
   std::optional<double> rate() const;
+  /// Whether no file is behind it, so that a copy of the program can read on for itself.
+  bool isInMemory() const { return m_rows.isInMemory(); }
   /// The distance between the numbers of neighbouring frames.
   std::int64_t frameStep() const { return m_frameStep; }
 

@@ -50,10 +50,13 @@ double Companions::certainty(std::uint32_t a, std::uint32_t b) const {
 
 TrackAssembler::TrackAssembler(std::unique_ptr<ObservationSource> source, Calibration calibration,
                                const LinkOptions& options, const std::optional<FrameRate>& rate)
-    : m_source(std::move(source)),
-      m_calibration(std::move(calibration)),
-      m_options(options),
-      m_rate(rate) {
+    : m_source(std::move(source)), m_calibration(std::move(calibration)), m_rate(rate) {
+  relink(options);
+}
+
+void TrackAssembler::relink(const LinkOptions& options) {
+  m_options = options;
+  m_companions.reset();
   if (m_options.evidenceStrength > 0.0) {
     m_companions.emplace();
   }
@@ -84,7 +87,9 @@ bool TrackAssembler::next(InputFrame& frame) {
       chain.pop_front();
     }
     frame.actors.append(makeActor(person, chain));
-    current.push_back({person, mobile, placeOf(*mobile), displacement(chain)});
+    const auto motion = displacement(chain);
+    const double way = motion ? std::hypot(motion->x, motion->y) : 0.0;
+    current.push_back({person, mobile, placeOf(*mobile), motion, way});
   }
   m_previous = std::move(current);
   forgetTheGone();
@@ -204,7 +209,7 @@ std::vector<TrackAssembler::Link> TrackAssembler::linksToNeighbours(
   const bool wasThere = found != m_previous.end() && found->person == person;
   // Where both are known at the same instant, their distance does not depend on who walks ahead.
   const Neighbour self =
-      wasThere ? *found : Neighbour{person, mobile, placeOf(*mobile), std::nullopt};
+      wasThere ? *found : Neighbour{person, mobile, placeOf(*mobile), std::nullopt, 0.0};
   std::vector<Link> links;
   for (const Neighbour& neighbour : m_previous) {
     const cv::Point2d apart = neighbour.place - self.place;
@@ -216,7 +221,7 @@ std::vector<TrackAssembler::Link> TrackAssembler::linksToNeighbours(
       continue;
     }
     const double closeness = 1.0 - distance / m_options.neighbourRadius;
-    const double likeness = motionLikeness(self.motion, neighbour.motion);
+    const double likeness = motionLikeness(self, neighbour);
     if (closeness * likeness > 0.0) {
       links.emplace_back(m_options.neighbourStrength * closeness * likeness, &neighbour);
     }
@@ -247,16 +252,15 @@ std::optional<cv::Point2d> TrackAssembler::displacement(const Chain& chain) cons
 
 // People who stand, and those whose way is not known yet, are not alike by that: most who wait side
 // by side do not belong together.
-double TrackAssembler::motionLikeness(const std::optional<cv::Point2d>& a,
-                                      const std::optional<cv::Point2d>& b) const {
+double TrackAssembler::motionLikeness(const Neighbour& a, const Neighbour& b) const {
   if (m_options.motionDifference <= 0.0) {
     return 1.0;
   }
-  const double way = a && b ? (std::hypot(a->x, a->y) + std::hypot(b->x, b->y)) / 2.0 : 0.0;
+  const double way = a.motion && b.motion ? (a.way + b.way) / 2.0 : 0.0;
   if (way <= 0.0) {
     return 0.0;
   }
-  const double difference = std::hypot(a->x - b->x, a->y - b->y) / way;
+  const double difference = std::hypot(a.motion->x - b.motion->x, a.motion->y - b.motion->y) / way;
   return std::max(0.0, 1.0 - difference / m_options.motionDifference);
 }
 

@@ -61,6 +61,8 @@ class TrackAssembler : public FrameSource {
 
   bool next(InputFrame& frame) override;
   std::optional<std::uint64_t> totalFrames() override { return m_source->totalSteps(); }
+  /// Links in another way; before the first frame.
+  void relink(const LinkOptions& options);
 
  private:
   struct Seen {
@@ -74,6 +76,7 @@ class TrackAssembler : public FrameSource {
     MobilePointer mobile;
     cv::Point2d place;                  ///< on the ground, metres
     std::optional<cv::Point2d> motion;  ///< over the last `motionSteps` steps, metres
+    double way = 0.0;                   ///< the length of that
   };
 
   std::vector<MobilePointer> makeMobiles();
@@ -86,8 +89,7 @@ class TrackAssembler : public FrameSource {
   std::vector<Link> linksToNeighbours(std::uint32_t person, const MobilePointer& mobile) const;
   std::vector<Link> linksToCompanions(std::uint32_t person) const;
   std::optional<cv::Point2d> displacement(const Chain& chain) const;
-  double motionLikeness(const std::optional<cv::Point2d>& a,
-                        const std::optional<cv::Point2d>& b) const;
+  double motionLikeness(const Neighbour& a, const Neighbour& b) const;
   QSharedPointer<kelDataActor> makeActor(std::uint32_t person, const Chain& chain) const;
   std::size_t memory() const;
   void forgetTheGone();

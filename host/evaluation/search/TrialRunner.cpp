@@ -3,12 +3,10 @@
 #include "host/base/OutputFile.h"
 #include "host/evaluation/FrameScores.h"
 #include "host/evaluation/ScoredSteps.h"
-#include "host/input/InputFormats.h"
 #include "host/run/ParameterFile.h"
 #include "host/run/PluginLoader.h"
 #include "host/run/TrackerRun.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <utility>
 
@@ -19,11 +17,10 @@ namespace {
 double slidingScore(const GroupedFrames& run, const GroupTruth& truth) {
   constexpr std::size_t starts = 5;
   const WindowOptions options;
+  const WindowedRun windowed(run);
   double sum = 0.0;
   for (std::size_t i = 0; i < starts; ++i) {
-    const auto skipped = std::min(run.size(), i * options.length / starts);
-    const GroupedFrames rest(run.begin() + static_cast<std::ptrdiff_t>(skipped), run.end());
-    sum += meanMitre(windowsOf(rest, truth, options)).f1;
+    sum += meanMitre(windowed.windows(i * options.length / starts, truth, options)).f1;
   }
   return sum / static_cast<double>(starts);
 }
@@ -47,12 +44,10 @@ double scoreOf(const GroupedFrames& run, const GroupTruth& truth, TunedScore sco
 
 }  // namespace
 
-double runTrial(const TunedSequence& sequence, const TrialSettings& settings, TunedScore score,
+double runTrial(TunedSequence& sequence, const TrialSettings& settings, TunedScore score,
                 const std::string& parameterFile) {
   OutputFile(parameterFile).writeLines(settings.parameters);
-  InputOptions options = sequence.options;
-  options.links = settings.links;
-  const OpenedInput input = openInput(sequence.input, options);
+  const OpenedInput input = sequence.input.open(settings.links);
   TrackerRunOptions setUp;
   setUp.parameterFile = parameterFile;
   setUp.delay = readParameterFile(parameterFile).delay;

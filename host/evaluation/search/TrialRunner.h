@@ -2,8 +2,8 @@
 
 #include "host/evaluation/GroupTruth.h"
 #include "host/evaluation/WindowScores.h"
+#include "host/evaluation/search/TrialInput.h"
 #include "host/evaluation/search/TuningSpace.h"
-#include "host/input/OpenedInput.h"
 
 #include <string>
 
@@ -12,8 +12,7 @@ namespace grouptracker {
 /// An annotated input to tune on.
 struct TunedSequence {
   std::string name;
-  std::string input;
-  InputOptions options;  ///< how to read it; of the links those that are not searched for
+  TrialInput input;
   GroupTruth truth;
 };
 
@@ -22,9 +21,10 @@ struct TunedSequence {
 enum class TunedScore { sliding, windowed, whole, correctGroups, pairs };
 
 /// Runs a sequence with some settings and returns the score of what the process puts out. The
-/// process's parameters are those of the whole program from then on, and a wrong one ends it: to be
-/// called in a process of its own. `parameterFile` is written for the process to read.
-double runTrial(const TunedSequence& sequence, const TrialSettings& settings, TunedScore score,
+/// process's parameters are those of the whole program from then on, a wrong one ends it, and the
+/// input is used up: to be called in a process of its own. `parameterFile` is written for the
+/// process to read.
+double runTrial(TunedSequence& sequence, const TrialSettings& settings, TunedScore score,
                 const std::string& parameterFile);
 
 }  // namespace grouptracker

@@ -75,6 +75,29 @@ TEST(Windows, OfFewerThanTwoPersonsAreLeftOutOfTheMean) {
   EXPECT_EQ(meanMitre(windows).f1, 1.0);
 }
 
+TEST(Windows, FromALaterFrameAreThoseOfTheRest) {
+  std::vector<std::vector<Found>> steps;
+  for (std::uint32_t i = 0; i < 11; ++i) {
+    steps.push_back({{1, {1 + i % 2, 4}}, {2, {3, 5 + i % 3}}});
+  }
+  const GroupedFrames run = runOf({1, 2, 3, 4, 5, 6, 7}, steps);
+  GroupTruth truth;
+  for (const FrameGroups& frame : run) {
+    truth.setAt(frame.frame, {{1, 4}, {2, 3, frame.frame < 6 ? 5U : 6U}});
+  }
+  const WindowedRun windowed(run);
+  for (const std::size_t first : {0U, 2U, 3U, 11U, 12U}) {
+    const auto skipped = static_cast<std::ptrdiff_t>(std::min<std::size_t>(first, run.size()));
+    const auto expected = windowsOf({run.begin() + skipped, run.end()}, truth, {4, 2});
+    const auto windows = windowed.windows(first, truth, {4, 2});
+    ASSERT_EQ(windows.size(), expected.size());
+    for (std::size_t i = 0; i < windows.size(); ++i) {
+      EXPECT_EQ(windows[i].truth, expected[i].truth);
+      EXPECT_EQ(windows[i].found, expected[i].found);
+    }
+  }
+}
+
 TEST(WholeSequence, ConnectsByThePartOfTheStepsWithBothInView) {
   auto steps = repeat(2, {{0, {1, 2}}});
   steps.resize(10);
