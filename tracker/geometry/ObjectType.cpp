@@ -5,8 +5,8 @@
 
 namespace {
 
-// The code of a type is its row. No name begins with another one, so the order does not matter to
-// the classification.
+// The code of a type is its row, in the order of the header. No name begins with another one, so
+// the order does not matter to the classification.
 constexpr std::array<std::string_view, 4> typeNames = {"PERSON", "GROUP_OF_PERSONS", "NOISE",
                                                        "UNKNOWN"};
 
@@ -21,25 +21,4 @@ ObjectType::ObjectType(const std::string& type) {
 
 std::string_view ObjectType::nameOf() const {
   return typeNames[static_cast<std::size_t>(m_code)];
-}
-
-bool ObjectType::isGroup() const {
-  return nameOf().find("GROUP") != std::string_view::npos;
-}
-
-// The name of a group contains that of a person.
-bool ObjectType::isPerson() const {
-  return nameOf().find("PERSON") != std::string_view::npos && !isGroup();
-}
-
-bool ObjectType::isCrowd() const {
-  return nameOf().find("CROWD") != std::string_view::npos;
-}
-
-bool ObjectType::isNoise() const {
-  return nameOf().find("NOISE") != std::string_view::npos;
-}
-
-bool ObjectType::isNotPerson() const {
-  return !isPerson() && !isGroup() && !isCrowd();
 }

@@ -18,18 +18,22 @@ class ObjectType {
   /// "PERSON", "GROUP_OF_PERSONS", "NOISE" or "UNKNOWN".
   std::string_view nameOf() const;
 
-  bool isGroup() const;
-  bool isPerson() const;
+  bool isGroup() const { return m_code == groupCode; }
+  bool isPerson() const { return m_code == personCode; }
   /// Never true: crowds are classified as unknown.
-  bool isCrowd() const;
-  bool isNoise() const;
+  bool isCrowd() const { return false; }
+  bool isNoise() const { return m_code == noiseCode; }
   /// True for noise and for unknown mobiles.
-  bool isNotPerson() const;
+  bool isNotPerson() const { return !isPerson() && !isGroup(); }
 
  private:
+  // Rows in the table of names.
+  static constexpr int personCode = 0;
+  static constexpr int groupCode = 1;
+  static constexpr int noiseCode = 2;
   static constexpr int unknownCode = 3;
 
-  int m_code = unknownCode;  ///< row in the table of names
+  int m_code = unknownCode;
 };
 
 /// Whether the upstream tracker saw several people in the mobile.

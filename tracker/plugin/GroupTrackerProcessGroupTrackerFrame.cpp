@@ -81,7 +81,7 @@ void addSceneBox(kelDataActor& actor) {
       {-sceneReach, -sceneReach, -sceneReach, sceneReach, sceneReach, sceneReach});
   const BoundingBox3D& box = actor.getBoundingBox3D();
   if (height(box) > Process::minCrowdWidth || width(box) > Process::minCrowdHeight) {
-    actor.addSpecificProperty("TypeOfGroup", QString("CROWD"));
+    actor.addSpecificProperty(QStringLiteral("TypeOfGroup"), QStringLiteral("CROWD"));
   }
 }
 
@@ -186,7 +186,8 @@ void GroupTrackerProcessGroupTrackerPrivate::reportGroups() {
     group->setComment("");
     const auto actor = actorOf(*group, reportedFrame());
     if (const auto split = splits.find(unsignedId(group->getId())); split != splits.end()) {
-      actor->addSpecificProperty("MobileSplit", QString::fromStdString(split->second));
+      actor->addSpecificProperty(QStringLiteral("MobileSplit"),
+                                 QString::fromStdString(split->second));
     }
     actors.append(actor);
   }
@@ -215,15 +216,18 @@ QSharedPointer<kelDataActor> GroupTrackerProcessGroupTrackerPrivate::actorOf(con
   }
   addSceneBox(*actor);
   if (groupFrame != reportedFrame) {
-    actor->addSpecificProperty("Visible", QString("false"));
+    actor->addSpecificProperty(QStringLiteral("Visible"), QStringLiteral("false"));
     return actor;
   }
-  actor->addSpecificProperty("Visible", true);
-  actor->addSpecificProperty("AvgIntraDist", QString::fromStdString(avgIntraDist(*actor)));
-  actor->addSpecificProperty("NumberOfMobiles",
+  actor->addSpecificProperty(QStringLiteral("Visible"), true);
+  actor->addSpecificProperty(QStringLiteral("AvgIntraDist"),
+                             QString::fromStdString(avgIntraDist(*actor)));
+  actor->addSpecificProperty(QStringLiteral("NumberOfMobiles"),
                              static_cast<qulonglong>(actor->getLinkedPhysicalObjectList().size()));
-  actor->addSpecificProperty("Merge", recentEvent(group.getMerges(), reportedFrame));
-  actor->addSpecificProperty("Split", recentEvent(group.getSplits(), reportedFrame));
+  actor->addSpecificProperty(QStringLiteral("Merge"),
+                             recentEvent(group.getMerges(), reportedFrame));
+  actor->addSpecificProperty(QStringLiteral("Split"),
+                             recentEvent(group.getSplits(), reportedFrame));
   return actor;
 }
 

@@ -4,32 +4,40 @@
 
 #include <algorithm>
 #include <cmath>
-#include <vector>
 
-Spreads spreadsOf(std::span<MetaLPO* const> members) {
-  const auto count = static_cast<double>(members.size());
-  const auto divisor = static_cast<float>(members.size());
-  double speedSum = 0.0;
-  cv::Point3f directionSum(0.0F, 0.0F, 0.0F);
-  for (MetaLPO* member : members) {
-    speedSum += member->computeSpeed();
-    directionSum += member->computeDirection();
-  }
-  const double meanSpeed = speedSum / count;
-  const cv::Point3f meanDirection(directionSum.x / divisor, directionSum.y / divisor,
-                                  directionSum.z / divisor);
+void MotionSample::add(MetaLPO& mobile) {
+  const double speed = mobile.computeSpeed();
+  const cv::Point3f direction = mobile.computeDirection();
+  m_motions.push_back({speed, direction.x, direction.y, direction.z});
+  m_speedSum += speed;
+  m_directionSum += direction;
+}
+
+Spreads MotionSample::spreads() const {
+  const auto count = static_cast<double>(m_motions.size());
+  const auto divisor = static_cast<float>(m_motions.size());
+  const double meanSpeed = m_speedSum / count;
+  const cv::Point3f meanDirection(m_directionSum.x / divisor, m_directionSum.y / divisor,
+                                  m_directionSum.z / divisor);
   double speedDeviations = 0.0;
   double directionDeviations = 0.0;
-  for (MetaLPO* member : members) {
-    const double speed = member->computeSpeed() - meanSpeed;
+  for (const Motion& motion : m_motions) {
+    const double speed = motion.speed - meanSpeed;
     speedDeviations += speed * speed;
-    const cv::Point3f direction = member->computeDirection() - meanDirection;
-    const double dx = direction.x;
-    const double dy = direction.y;
-    const double dz = direction.z;
+    const double dx = motion.x - meanDirection.x;
+    const double dy = motion.y - meanDirection.y;
+    const double dz = motion.z - meanDirection.z;
     directionDeviations += dx * dx + dy * dy + dz * dz;
   }
   return {std::sqrt(speedDeviations / count), std::sqrt(directionDeviations / 3 / count)};
+}
+
+Spreads spreadsOf(std::span<MetaLPO* const> members) {
+  MotionSample sample;
+  for (MetaLPO* member : members) {
+    sample.add(*member);
+  }
+  return sample.spreads();
 }
 
 QVarLengthArray<MetaLPO*, FrameMembers::usualSize>::iterator FrameMembers::placeOf(int id) {
@@ -44,7 +52,11 @@ void FrameMembers::insert(MetaLPO* mobile) {
   } else if (m_motions != mobile->motions()) {
     m_motions = nullptr;
   }
-  m_members.insert(placeOf(mobile->getIdent()), mobile);
+  if (m_members.isEmpty() || m_members.last()->getIdent() < mobile->getIdent()) {
+    m_members.push_back(mobile);  // the usual case: ids grow with time
+  } else {
+    m_members.insert(placeOf(mobile->getIdent()), mobile);
+  }
   m_presence += ::presence(mobile->getType());
   forget();
 }
@@ -65,6 +77,8 @@ void FrameMembers::forget() {
 
 namespace {
 
+constexpr int roomyFrame = 16;  // members of a frame that need no allocation
+
 // The distances from the first of some points on the ground to all others, in metres.
 void distancesFromFirst(const float* x, const float* y, std::size_t count, double* distances) {
   for (std::size_t j = 1; j < count; ++j) {
@@ -79,19 +93,19 @@ void distancesFromFirst(const float* x, const float* y, std::size_t count, doubl
 std::pair<double, int> FrameMembers::pairDistances() const {
   const auto count = static_cast<std::size_t>(m_members.size());
   if (!m_hasDistances) {
-    std::vector<float> x(count);
-    std::vector<float> y(count);
-    std::vector<double> distances(count);
-    for (std::size_t i = 0; i < count; ++i) {
-      x[i] = members()[i]->getBaseCenter().x;
-      y[i] = members()[i]->getBaseCenter().y;
+    QVarLengthArray<float, roomyFrame> x(m_members.size());
+    QVarLengthArray<float, roomyFrame> y(m_members.size());
+    QVarLengthArray<double, roomyFrame> distances(m_members.size());
+    for (int i = 0; i < m_members.size(); ++i) {
+      x[i] = m_members[i]->getBaseCenter().x;
+      y[i] = m_members[i]->getBaseCenter().y;
     }
     // Row by row, but added pair by pair in the order of the ids: the sum decides and is printed.
     m_distanceSum = 0.0;
     for (std::size_t i = 0; i + 1 < count; ++i) {
-      distancesFromFirst(&x[i], &y[i], count - i, distances.data());
+      distancesFromFirst(x.constData() + i, y.constData() + i, count - i, distances.data());
       for (std::size_t j = 0; j + 1 < count - i; ++j) {
-        m_distanceSum += distances[j];
+        m_distanceSum += distances.constData()[j];
       }
     }
     m_hasDistances = true;

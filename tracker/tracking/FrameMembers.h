@@ -16,6 +16,29 @@ struct Spreads {
   double direction = 0.0;
 };
 
+/// Gathers the motions of mobiles, for the spreads about their common means. The means are sums in
+/// the order in which the mobiles came.
+class MotionSample {
+ public:
+  void add(MetaLPO& mobile);
+  bool isEmpty() const { return m_motions.isEmpty(); }
+  /// Of one mobile and more.
+  Spreads spreads() const;
+
+ private:
+  struct Motion {
+    double speed;
+    float x;
+    float y;
+    float z;
+  };
+  static constexpr int usualSize = 32;
+
+  QVarLengthArray<Motion, usualSize> m_motions;
+  double m_speedSum = 0.0;
+  cv::Point3f m_directionSum{0.0F, 0.0F, 0.0F};
+};
+
 /// The spreads of the members about their common means.
 Spreads spreadsOf(std::span<MetaLPO* const> members);
 

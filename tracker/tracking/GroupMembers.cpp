@@ -60,6 +60,9 @@ std::size_t GroupMembers::firstFrom(unsigned int frame) const {
 }
 
 const FrameMembers* GroupMembers::at(unsigned int frame) const {
+  if (m_frames.empty() || m_frames.back().frame() < frame) {
+    return nullptr;  // as for most steps of a walk into the future
+  }
   const std::size_t place = firstFrom(frame);
   return place < m_frames.size() && m_frames[place].frame() == frame ? &m_frames[place] : nullptr;
 }

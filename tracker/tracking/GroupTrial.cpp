@@ -1,6 +1,7 @@
 #include "tracker/tracking/GroupTrial.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace {
 
@@ -10,9 +11,13 @@ constexpr int usualMembers = 128;      // of a group that is one person at a tim
 }  // namespace
 
 GroupTrial::GroupTrial(const GroupMembers& members, const Cohesion& cohesion)
-    : m_group(members), m_cohesion(cohesion) {
+    : m_group(members),
+      m_cohesion(cohesion),
+      m_latest(members.byId().empty() ? nullptr : members.byId().rbegin()->second.data()),
+      m_hasSeveralAtOnce(members.hasSeveralAtOnce()) {
   m_added.reserve(usualWalk);
   m_touched.reserve(usualWalk / 2);
+  m_sums.reserve(usualWalk / 2);
 }
 
 GroupTrial::Known GroupTrial::isKnown(const MetaLPO& mobile) const {
@@ -20,10 +25,6 @@ GroupTrial::Known GroupTrial::isKnown(const MetaLPO& mobile) const {
     if (added->getIdent() == mobile.getIdent()) {
       return added == &mobile ? Known::yes : Known::asAnotherNode;
     }
-  }
-  const auto& byId = m_group.byId();
-  if (byId.empty() || mobile.getIdent() > byId.rbegin()->first) {
-    return Known::no;  // the usual case: ids grow with time
   }
   const MetaLPO* member = m_group.find(mobile.getIdent());
   if (member == nullptr) {
@@ -33,27 +34,52 @@ GroupTrial::Known GroupTrial::isKnown(const MetaLPO& mobile) const {
 }
 
 bool GroupTrial::add(MetaLPO* mobile) {
-  const Known known = isKnown(*mobile);
+  const MetaLPO* const latest = m_latest;
+  // The usual case, as ids grow with time.
+  const bool isLatest = latest == nullptr || mobile->getIdent() > latest->getIdent();
+  const Known known = isLatest ? Known::no : isKnown(*mobile);
   if (known == Known::asAnotherNode) {
     return false;
   }
-  if (known == Known::no) {
-    touch(mobile->getFrame()).insert(mobile);
-    m_added.push_back(mobile);
+  if (isLatest) {
+    m_latest = mobile;
   }
-  const FrameMembers& changed = *at(mobile->getFrame());
-  const MetaLPO* lower = changed.hasSeveral() ? nullptr : nextLower(mobile->getIdent());
+  const FrameMembers& changed =
+      known == Known::no ? insert(mobile, isLatest) : *at(mobile->getFrame());
+  const MetaLPO* lower = nullptr;
+  if (!changed.hasSeveral()) {
+    lower = isLatest && (latest == nullptr || latest->getIdent() >= 0)
+                ? latest
+                : nextLower(mobile->getIdent());
+  }
   m_cohesion.updateDistance(static_cast<int>(m_group.frames().size()) + m_newFrames, changed,
                             lower);
   return true;
 }
 
+const FrameMembers& GroupTrial::insert(MetaLPO* mobile, bool isLatest) {
+  FrameMembers& members = touch(mobile->getFrame());
+  members.insert(mobile);
+  m_hasSeveralAtOnce = m_hasSeveralAtOnce || members.hasSeveral();
+  m_added.push_back(mobile);
+  if (!isLatest) {
+    m_sample.reset();
+  }
+  return members;
+}
+
+/// The members at a frame, about to be changed.
 FrameMembers& GroupTrial::touch(unsigned int frame) {
-  const auto place = std::find_if(m_touched.begin(), m_touched.end(),
-                                  [&](const auto& entry) { return entry.frame() >= frame; });
+  auto place = m_touched.end();
+  while (place != m_touched.begin() && std::prev(place)->frame() >= frame) {
+    --place;
+  }
+  const auto before = static_cast<std::size_t>(place - m_touched.begin());
   if (place != m_touched.end() && place->frame() == frame) {
+    m_sums.resize(std::min(m_sums.size(), before + 1));
     return *place;
   }
+  m_sums.resize(std::min(m_sums.size(), before));
   if (const FrameMembers* members = m_group.at(frame)) {
     return *m_touched.insert(place, *members);
   }
@@ -92,42 +118,70 @@ const MetaLPO* GroupTrial::nextLower(int id) const {
   return lower;
 }
 
-bool GroupTrial::hasSeveralAtOnce() const {
-  return m_group.hasSeveralAtOnce() ||
-         std::any_of(m_touched.begin(), m_touched.end(),
-                     [](const auto& touched) { return touched.hasSeveral(); });
-}
-
-Spreads GroupTrial::meanSpreads() const {
-  if (!hasSeveralAtOnce()) {
+// The frames count in ascending order, the touched ones in place of the group's own. A walk mostly
+// goes on behind what it touched before, so that the sums up to there hold.
+Spreads GroupTrial::meanSpreads() {
+  if (!m_hasSeveralAtOnce) {
     return spreadsOfAll();
   }
-  // The frames before the first touched one are already summed; the rest follows in ascending
-  // order, the touched frames in place of the group's own.
-  const auto& frames = m_group.frames();
-  std::size_t place = m_touched.empty() ? frames.size() : m_group.firstFrom(m_touched[0].frame());
-  Spreads sum = m_group.spreadSum(place);
-  const auto add = [&](const Spreads& spreads) {
-    sum.speed += spreads.speed;
-    sum.direction += spreads.direction;
-  };
-  for (const auto& touched : m_touched) {
-    for (; place < frames.size() && frames[place].frame() < touched.frame(); ++place) {
-      add(m_group.spreadsAt(place));
-    }
-    if (place < frames.size() && frames[place].frame() == touched.frame()) {
-      ++place;
-    }
-    add(touched.spreads());
+  if (m_touched.empty()) {
+    return m_group.meanSpreads();
   }
-  for (; place < frames.size(); ++place) {
-    add(m_group.spreadsAt(place));
+  sumUpToTheLastTouched();
+  PartialSum all = m_sums.back();
+  passTouched(m_touched.back(), all);
+  const auto& frames = m_group.frames();
+  for (; all.place < frames.size(); ++all.place) {
+    all.add(m_group.spreadsAt(all.place));
   }
   const auto count = static_cast<double>(frames.size() + static_cast<std::size_t>(m_newFrames));
-  return {sum.speed / count, sum.direction / count};
+  return {all.sum.speed / count, all.sum.direction / count};
 }
 
-Spreads GroupTrial::spreadsOfAll() const {
+void GroupTrial::sumUpToTheLastTouched() {
+  while (m_sums.size() < m_touched.size()) {
+    const FrameMembers& next = m_touched[m_sums.size()];
+    PartialSum partial;
+    if (m_sums.empty()) {
+      partial.place = m_group.firstFrom(next.frame());
+      partial.sum = m_group.spreadSum(partial.place);
+    } else {
+      partial = m_sums.back();
+      passTouched(m_touched[m_sums.size() - 1], partial);
+      passUntil(next.frame(), partial);
+    }
+    m_sums.push_back(partial);
+  }
+}
+
+void GroupTrial::passTouched(const FrameMembers& touched, PartialSum& partial) const {
+  const auto& frames = m_group.frames();
+  const bool isOneOfTheGroup =
+      partial.place < frames.size() && frames[partial.place].frame() == touched.frame();
+  partial.place += isOneOfTheGroup ? 1 : 0;
+  partial.add(touched.spreads());
+}
+
+/// Adds the group's own frames before the given one.
+void GroupTrial::passUntil(unsigned int frame, PartialSum& partial) const {
+  const auto& frames = m_group.frames();
+  for (; partial.place < frames.size() && frames[partial.place].frame() < frame; ++partial.place) {
+    partial.add(m_group.spreadsAt(partial.place));
+  }
+}
+
+/// Of all members together, who are a sample that grows with the walk.
+Spreads GroupTrial::spreadsOfAll() {
+  if (!m_sample) {
+    sampleAll();
+  }
+  for (; m_sampled < m_added.size(); ++m_sampled) {
+    m_sample->add(*m_added[m_sampled]);
+  }
+  return m_sample->isEmpty() ? Spreads() : m_sample->spreads();
+}
+
+void GroupTrial::sampleAll() {
   QVarLengthArray<MetaLPO*, usualMembers> all;
   for (const auto& frame : m_group.frames()) {
     for (MetaLPO* member : frame.members()) {
@@ -143,6 +197,9 @@ Spreads GroupTrial::spreadsOfAll() const {
   if (!std::is_sorted(all.begin(), all.end(), comesBefore)) {
     std::sort(all.begin(), all.end(), comesBefore);
   }
-  return all.empty() ? Spreads()
-                     : spreadsOf({all.constData(), static_cast<std::size_t>(all.size())});
+  m_sample.emplace();
+  for (MetaLPO* mobile : all) {
+    m_sample->add(*mobile);
+  }
+  m_sampled = m_added.size();
 }

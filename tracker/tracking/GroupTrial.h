@@ -6,6 +6,7 @@
 #include <array>
 #include <cstddef>
 #include <memory_resource>
+#include <optional>
 #include <vector>
 
 /// What a group's coherence would be with some mobiles more, without touching the group: only the
@@ -33,18 +34,40 @@ class GroupTrial {
  private:
   enum class Known { no, yes, asAnotherNode };
 
+  /// The sum of the spreads of the frames before a touched one.
+  struct PartialSum {
+    Spreads sum;
+    std::size_t place = 0;  ///< of the first of the group's frames that is not in it
+
+    void add(const Spreads& spreads) {
+      sum.speed += spreads.speed;
+      sum.direction += spreads.direction;
+    }
+  };
+
   Known isKnown(const MetaLPO& mobile) const;
+  const FrameMembers& insert(MetaLPO* mobile, bool isLatest);
   FrameMembers& touch(unsigned int frame);
   const MetaLPO* nextLower(int id) const;
-  bool hasSeveralAtOnce() const;
-  Spreads meanSpreads() const;
-  Spreads spreadsOfAll() const;
+  Spreads meanSpreads();
+  void sumUpToTheLastTouched();
+  void passTouched(const FrameMembers& touched, PartialSum& partial) const;
+  void passUntil(unsigned int frame, PartialSum& partial) const;
+  Spreads spreadsOfAll();
+  void sampleAll();
 
   const GroupMembers& m_group;
   Cohesion m_cohesion;
+  const MetaLPO* m_latest;  ///< of all members and those added the one with the highest id, or null
+  bool m_hasSeveralAtOnce;
   std::array<std::byte, 4096> m_room;  ///< for a walk through a usual window without an allocation
   std::pmr::monotonic_buffer_resource m_memory{m_room.data(), m_room.size()};
   std::pmr::vector<MetaLPO*> m_added{&m_memory};
   std::pmr::vector<FrameMembers> m_touched{&m_memory};  ///< ascending by frame
   int m_newFrames = 0;  ///< touched frames that the group does not have
+  /// For each of the first touched frames, as far as nothing before it has changed.
+  std::pmr::vector<PartialSum> m_sums{&m_memory};
+  /// In ascending order of ids the members and the first added ones; none when that is out of date.
+  std::optional<MotionSample> m_sample;
+  std::size_t m_sampled = 0;  ///< added ones that are in it
 };
