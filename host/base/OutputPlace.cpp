@@ -91,6 +91,16 @@ FileDescriptor openOutput(const std::string& path, OldContent old) {
   return file;
 }
 
+FileDescriptor lockForOthers(const std::string& path) {
+  FileDescriptor file(
+      ::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NONBLOCK, readableByAll));
+  if (file.isOpen() && isRegular(file)) {
+    lockFile(file, path);
+    return file;
+  }
+  return FileDescriptor();
+}
+
 FileDescriptor openRegularOutput(const std::string& path, OldContent old) {
   struct stat status = {};
   if (::stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {

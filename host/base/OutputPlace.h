@@ -28,6 +28,10 @@ FileDescriptor openOutput(const std::string& path, OldContent old = OldContent::
 /// The same for a place that must be a regular file or nothing yet, such as a database.
 FileDescriptor openRegularOutput(const std::string& path, OldContent old = OldContent::replaced);
 
+/// Locks a file in the same way into which somebody else writes on behalf of this run. One that is
+/// no regular file, or cannot be opened, is left to him.
+FileDescriptor lockForOthers(const std::string& path);
+
 /// Makes a folder with those above it, as far as they are missing. What cannot be made is an
 /// `OutputError`.
 void makeFolder(const std::string& path);

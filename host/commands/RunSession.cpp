@@ -9,7 +9,9 @@
 #include "host/input/SceneContextReader.h"
 #include "host/publish/PublishSink.h"
 #include "host/run/PluginLoader.h"
+#include "tracker/parameters/ParameterTable.h"
 
+#include <QString>
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -29,6 +31,12 @@ namespace {
 /// The file name of an option that may be "none" or not given; empty then.
 std::string fileOf(const std::string& option) {
   return option == noOutput ? std::string() : option;
+}
+
+/// The file of the mobiles that the process chooses when it is told none.
+std::string usualDump(const ParameterFile& parameters) {
+  const ParameterEntry* const folder = parameters.find("imagesFolder:");
+  return usualMobileDump(folder == nullptr ? std::string() : std::get<std::string>(folder->value));
 }
 
 /// The file of the mobiles as the process is told it, which knows no "-".
@@ -188,6 +196,11 @@ void RunSession::openOutputs() {
   const std::string dump = fileOf(m_options.mobileDump);
   const std::string diagnostics = fileOf(m_options.diagnostics);
   m_status.emplace(m_options.statusFile);  // before an output is emptied
+  if (m_options.mobileDump.empty()) {
+    m_dump = lockForOthers(usualDump(m_parameters.values()));
+  } else if (QString::fromStdString(dump).toStdString() != dump) {
+    throw OutputError(dump, "the process writes to files with names in UTF-8 only");
+  }
   openService();
   StepSinks own;
   if (m_publisher) {
@@ -409,6 +422,10 @@ void RunSession::checkOutputsOfProcess() {
 
 void RunSession::checkDiagnostics() {
   if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) {
+    return;
+  }
+  if (StopSignals::outputIsLetGo()) {
+    std::clearerr(stdout);
     return;
   }
   if (hasReader(STDOUT_FILENO)) {

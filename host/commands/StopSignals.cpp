@@ -8,6 +8,8 @@
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
+#include <poll.h>
+#include <sys/time.h>
 #include <unistd.h>
 
 namespace grouptracker {
@@ -18,12 +20,35 @@ const std::array<int, 3> stopSignals{SIGINT, SIGTERM, SIGHUP};
 
 // What a signal handler may touch.
 volatile std::sig_atomic_t stopSignal = 0;
+volatile std::sig_atomic_t isLetGo = 0;
 std::array<int, 2> wakePipe{-1, -1};
+int nowhere = -1;  // /dev/null
+
+/// Every time that it is over the reader of standard output is looked at.
+void setPatience(bool hasAny) {
+  constexpr int patience = 300'000;  // microseconds
+  itimerval timer = {};
+  timer.it_value.tv_usec = hasAny ? patience : 0;
+  timer.it_interval = timer.it_value;
+  ::setitimer(ITIMER_REAL, &timer, nullptr);
+}
 
 void noteStop(int signal) {
   const int savedError = errno;
   stopSignal = signal;
+  setPatience(true);
   [[maybe_unused]] const ssize_t ignored = ::write(wakePipe[1], "", 1);
+  errno = savedError;
+}
+
+/// The signal itself ends the wait within a write, which is not restarted.
+void letGoOfFullOutput(int /*signal*/) {
+  const int savedError = errno;
+  pollfd output{STDOUT_FILENO, POLLOUT, 0};
+  if (::poll(&output, 1, 0) == 0) {
+    isLetGo = 1;
+    ::dup2(nowhere, STDOUT_FILENO);
+  }
   errno = savedError;
 }
 
@@ -43,6 +68,9 @@ void install(int signal, void (*handler)(int), int flags) {
 
 StopSignals::StopSignals(Hangup hangup) {
   stopSignal = 0;
+  isLetGo = 0;
+  nowhere = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
+  install(SIGALRM, letGoOfFullOutput, 0);
   if (::pipe2(wakePipe.data(), O_CLOEXEC | O_NONBLOCK) != 0) {
     wakePipe = {-1, -1};  // a stop is then seen after the next input only
   }
@@ -61,6 +89,9 @@ StopSignals::~StopSignals() {
   for (const int signal : stopSignals) {
     install(signal, SIG_DFL, 0);
   }
+  setPatience(false);
+  install(SIGALRM, SIG_DFL, 0);
+  ::close(nowhere);
   stop_wish::setDescriptor(-1);
   ::close(wakePipe[0]);
   ::close(wakePipe[1]);
@@ -73,6 +104,10 @@ bool StopSignals::stopRequested() const {
 std::string StopSignals::signalName() const {
   const char* const name = stopRequested() ? ::sigabbrev_np(stopSignal) : nullptr;
   return name != nullptr ? std::string("SIG") + name : std::string();
+}
+
+bool StopSignals::outputIsLetGo() {
+  return isLetGo != 0;
 }
 
 int StopSignals::exitStatus() {

@@ -11,6 +11,7 @@
 #include <csignal>
 #include <fcntl.h>
 #include <filesystem>
+#include <poll.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -203,6 +204,63 @@ TEST_F(OutputPlaces, ThatWaitForAnybodyLetTheProgramStop) {
     EXPECT_TRUE(waiting.process().waitForFinished(5000)) << option.toStdString();
     EXPECT_EQ(waiting.finish(), 128 + SIGINT);
   }
+}
+
+TEST_F(OutputPlaces, OfTheProcessItselfAreLockedToo) {
+  const int other = ::open(in("metasimages.txt").c_str(), O_RDWR | O_CREAT, 0600);
+  ASSERT_EQ(::flock(other, LOCK_EX), 0);
+  folder.write("groups.jsonl", "before\n");
+  Program second(folder.path());
+  const QStringList usual{"run",      "scene.jsonl",  "--parameters",  "p.txt",
+                          "--output", "groups.jsonl", "--diagnostics", "none"};
+  EXPECT_EQ(second.run(usual), 4);
+  EXPECT_EQ(second.errors(), "metasimages.txt: is being written by another run\n");
+  EXPECT_EQ(text("groups.jsonl"), "before\n");
+  ::close(other);
+  Program third(folder.path());
+  EXPECT_EQ(third.run(usual), 0) << third.errors();
+  EXPECT_THAT(text("metasimages.txt"), StartsWith("------------ Mobiles with Groups at frame 1\n"));
+}
+
+TEST_F(OutputPlaces, OfTheProcessHaveNamesThatItCanWrite) {
+  Program program(folder.path());
+  program.process().setProgram("/bin/sh");
+  program.process().setArguments(
+      {"-c",
+       QString::fromStdString("exec " + Program::path() +
+                              " run scene.jsonl --parameters p.txt --output groups.jsonl "
+                              "--diagnostics none --mobile-dump \"$(printf 'd\\377.txt')\"")});
+  program.process().start();
+  EXPECT_EQ(program.finish(), 4);
+  EXPECT_THAT(program.errors(), HasSubstr("in UTF-8 only\n"));
+}
+
+TEST_F(OutputPlaces, OfWhichTheReaderSleepsDoNotKeepTheProgramFromStopping) {
+  std::string scene;
+  for (int frame = 1; frame <= 3000; ++frame) {
+    scene += walkingLine(frame);
+  }
+  folder.write("scene.jsonl", scene);
+  ASSERT_EQ(::mkfifo(in("pipe").c_str(), 0600), 0);
+  const int reader = ::open(in("pipe").c_str(), O_RDWR);  // and never reads
+  Program program(folder.path());
+  program.process().setProgram("/bin/sh");
+  program.process().setArguments(
+      {"-c", QString::fromStdString("exec " + Program::path() +
+                                    " run scene.jsonl --parameters p.txt --output groups.jsonl "
+                                    "--diagnostics - --mobile-dump none > pipe")});
+  program.process().start();
+  const auto isFull = [reader] {
+    pollfd pipe{reader, POLLOUT, 0};
+    return ::poll(&pipe, 1, 0) == 0;
+  };
+  ASSERT_TRUE(program.waitUntil(isFull));
+  program.send(SIGTERM);
+  EXPECT_TRUE(program.process().waitForFinished(5000));
+  EXPECT_EQ(program.finish(), 128 + SIGTERM) << program.errors();
+  EXPECT_THAT(text("groups.jsonl"), testing::EndsWith("}\n"));
+  EXPECT_THAT(program.errors(), HasSubstr("stopped by SIGTERM"));
+  ::close(reader);
 }
 
 TEST_F(OutputPlaces, AreNotTheImagesOfTheInput) {

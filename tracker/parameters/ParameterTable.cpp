@@ -1,5 +1,7 @@
 #include "tracker/parameters/ParameterTable.h"
 
+#include <algorithm>
+
 namespace {
 
 constexpr UsualRange anyValue;
@@ -9,6 +11,12 @@ constexpr UsualRange usual(double lowest, double highest) {
 }
 
 }  // namespace
+
+std::string usualMobileDump(const std::string& imagesFolder) {
+  std::string name = "metas" + imagesFolder + ".txt";
+  name.erase(std::remove(name.begin(), name.end(), '/'), name.end());
+  return name;
+}
 
 const std::array<ParameterRow, parameterCount>& parameterRows() {
 // NOLINTNEXTLINE(bugprone-macro-parentheses): a row is no expression

@@ -33,5 +33,9 @@ inline constexpr std::size_t parameterCount = 0
 #include "tracker/parameters/Parameters.def"
     ;
 
+/// The file into which the mobiles are dumped when nobody names one, in the working folder: the
+/// value of "imagesFolder:" becomes part of the name.
+std::string usualMobileDump(const std::string& imagesFolder);
+
 /// All parameters, in the only order in which a file may have them.
 const std::array<ParameterRow, parameterCount>& parameterRows();

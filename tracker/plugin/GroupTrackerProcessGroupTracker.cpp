@@ -4,6 +4,7 @@
 #include "tracker/display/GroupColor.h"
 #include "tracker/geometry/ContextReader.h"
 #include "tracker/geometry/Converter.h"
+#include "tracker/parameters/ParameterTable.h"
 #include "tracker/plugin/GroupTrackerProcessGroupTrackerPrivate.h"
 #include "tracker/plugin/ParameterReader.h"
 
@@ -14,7 +15,6 @@
 #include <QFile>
 #include <QFileInfo>
 
-#include <algorithm>
 #include <fstream>
 #include <string>
 #include <utility>
@@ -25,17 +25,9 @@ constexpr unsigned int errorLevel = 17;
 constexpr float nothingFound =
     2147483648.0F;  // a scene bound without a zone; negative for a maximum
 
-// Where the mobiles are dumped when nobody names a file: in the working directory, because the
-// folder of the images becomes part of the name.
-std::string defaultMobileDump() {
-  std::string name = "metas" + GroupExtension::imagesFolder + ".txt";
-  name.erase(std::remove(name.begin(), name.end(), '/'), name.end());
-  return name;
-}
-
 std::string mobileDumpFile(const QVariant& wish) {
   if (!wish.isValid() || (wish.type() == QVariant::Bool && wish.toBool())) {
-    return defaultMobileDump();
+    return usualMobileDump(GroupExtension::imagesFolder);
   }
   return wish.type() == QVariant::String ? wish.toString().toStdString() : std::string();
 }
