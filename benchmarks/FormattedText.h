@@ -16,7 +16,7 @@ class FormattedText {
   void writeWithStream(const std::string& fileName) const;
   /// Formats the numbers with std::to_chars into a buffer.
   void writeWithToChars() const;
-  /// Formats them with the process's own `NumberText`, the cheapest known way.
+  /// Formats them with the process's own `NumberText`.
   void writeWithNumberText() const;
   /// Copies the bytes.
   void copy() const;

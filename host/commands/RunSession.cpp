@@ -146,9 +146,10 @@ void RunSession::readFirstFrame() {
 }
 
 /// What is there as a whole is read while the process works; what arrives may have words for the
-/// user and need not be looked out for.
+/// user and need not be looked out for. How long a mobile lives that no frame refers to depends on
+/// how far the reading is: the own process asks for no such, another one might.
 void RunSession::readAhead() {
-  if (m_first && !m_input.isArriving) {
+  if (m_first && !m_input.isArriving && m_options.pluginFile.empty()) {
     m_input.frames = std::make_unique<ReadAhead>(std::move(m_input.frames));
   }
 }

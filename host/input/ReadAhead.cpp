@@ -26,7 +26,8 @@ bool ReadAhead::next(InputFrame& frame) {
     }
     return false;
   }
-  frame = std::move(m_taken.front());
+  frame.image.reset();  // which is large, and nothing to wait with
+  m_givenBack.push_back(std::exchange(frame, std::move(m_taken.front())));
   m_taken.pop_front();
   return true;
 }
@@ -36,6 +37,7 @@ void ReadAhead::takeOver() {
   std::unique_lock lock(m_mutex);
   m_changed.wait(lock, [this] { return !m_read.empty() || m_isOver; });
   m_taken.swap(m_read);
+  m_done.swap(m_givenBack);
   m_changed.notify_all();
 }
 
@@ -54,8 +56,10 @@ void ReadAhead::work() {
 /// False when nobody wants the frame.
 bool ReadAhead::put(InputFrame&& frame) {
   const std::size_t most = frame.image ? picturesCapacity : capacity;
+  std::deque<InputFrame> done;  // goes when the mutex is free again
   std::unique_lock lock(m_mutex);
   m_changed.wait(lock, [this, most] { return m_read.size() < most || m_isUnwanted; });
+  done.swap(m_done);
   if (m_isUnwanted) {
     return false;
   }

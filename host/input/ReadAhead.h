@@ -14,8 +14,9 @@ namespace grouptracker {
 
 /// Reads the next frames of an input on a thread of its own while somebody works on the earlier
 /// ones, who gets them in the same order. What reading fails with comes out of `next()` behind the
-/// last frame before it, and nothing is read after it. Not for an input that speaks to its user
-/// while it is read.
+/// last frame before it, and nothing is read after it. Frames that were worked on go back to the
+/// thread that made them, since freeing their many records takes long. Not for an input that speaks
+/// to its user while it is read.
 class ReadAhead : public FrameSource {
  public:
   /// Frames that wait at most, twice: those that are read, and those that were handed over
@@ -26,6 +27,7 @@ class ReadAhead : public FrameSource {
   explicit ReadAhead(std::unique_ptr<FrameSource> source);
   ~ReadAhead() override;
 
+  /// `frame` is the one that was handed out last, or a new one.
   bool next(InputFrame& frame) override;
 
  private:
@@ -37,10 +39,13 @@ class ReadAhead : public FrameSource {
   std::mutex m_mutex;
   std::condition_variable m_changed;
   std::deque<InputFrame> m_read;
-  bool m_isOver = false;           ///< nothing more is read
-  bool m_isUnwanted = false;       ///< nobody takes any more
-  std::exception_ptr m_failure;    ///< set before `m_isOver`
-  std::deque<InputFrame> m_taken;  ///< of the thread that calls `next()`
+  std::deque<InputFrame> m_done;  ///< to be freed by the reading thread
+  bool m_isOver = false;          ///< nothing more is read
+  bool m_isUnwanted = false;      ///< nobody takes any more
+  std::exception_ptr m_failure;   ///< set before `m_isOver`
+  // Of the thread that calls `next()`.
+  std::deque<InputFrame> m_taken;
+  std::deque<InputFrame> m_givenBack;
   std::thread m_thread;
 };
 
