@@ -1,14 +1,11 @@
 #pragma once
 
+#include "host/base/WorkBeside.h"
 #include "host/run/StepSink.h"
 
-#include <condition_variable>
 #include <cstddef>
-#include <deque>
-#include <exception>
 #include <memory>
-#include <mutex>
-#include <thread>
+#include <utility>
 #include <vector>
 
 namespace grouptracker {
@@ -21,26 +18,17 @@ class BackgroundSink : public StepSink {
   static constexpr std::size_t capacity = 32;  // steps
 
   explicit BackgroundSink(std::vector<std::unique_ptr<StepSink>> sinks);
-  ~BackgroundSink() override;
 
   void write(const RunStep& step) override { take(RunStep(step)); }
-  void take(RunStep&& step) override;
+  void take(RunStep&& step) override { m_work.take(std::move(step)); }
   /// Waits until all steps are written, then finishes every sink.
   void finish() override;
 
  private:
-  void work();
   void writeToAll(const RunStep& step);
-  void stop();
-  void rethrow();
 
   std::vector<std::unique_ptr<StepSink>> m_sinks;
-  std::mutex m_mutex;
-  std::condition_variable m_changed;
-  std::deque<RunStep> m_waiting;
-  bool m_isEnding = false;
-  std::exception_ptr m_failure;
-  std::thread m_thread;
+  WorkBeside<RunStep> m_work;  ///< behind what it works with
 };
 
 }  // namespace grouptracker

@@ -1,6 +1,7 @@
 #include "host/pictures/PictureWriter.h"
 
 #include "host/base/OutputPlace.h"
+#include "host/pictures/BackgroundTarget.h"
 #include "host/pictures/VideoFile.h"
 
 #include <algorithm>
@@ -11,7 +12,8 @@ namespace grouptracker {
 PictureWriter::PictureWriter(const PictureOptions& options)
     : m_path(options.path), m_painter(options.showsTopView) {
   if (!options.path.empty()) {
-    m_targets.push_back(std::make_shared<VideoFile>(options.path, options.rate));
+    m_targets.push_back(std::make_shared<BackgroundTarget>(
+        std::make_unique<VideoFile>(options.path, options.rate)));
   }
   if (options.screen) {
     m_targets.push_back(options.screen);

@@ -43,8 +43,7 @@ double roundLength(double limit) {
 
 cv::Mat TopViewPainter::paint(const RunStep& step, const RecentPast& past) {
   takePlaces(step);
-  cv::Mat picture(m_size, CV_8UC3, paper);
-  paintGrid(picture);
+  cv::Mat picture = ground();
   const Outlines groups = paintGroups(picture, step, past);
   paintPeople(picture, step, past);
   paintLabels(picture, step, past, groups);
@@ -68,6 +67,15 @@ void TopViewPainter::takePlaces(const RunStep& step) {
     m_isTurned = true;
   }
   m_map.include(places);
+}
+
+cv::Mat TopViewPainter::ground() {
+  if (m_ground.empty() || m_shownOnGround != m_map.shown()) {
+    m_ground = cv::Mat(m_size, CV_8UC3, paper);
+    m_shownOnGround = m_map.shown();
+    paintGrid(m_ground);
+  }
+  return m_ground.clone();
 }
 
 void TopViewPainter::paintGrid(cv::Mat& picture) const {

@@ -25,6 +25,8 @@ class TopViewPainter {
   using Outlines = std::map<std::uint32_t, std::vector<cv::Point>>;
 
   void takePlaces(const RunStep& step);
+  /// The grid, which is drawn anew only when another part of the ground is shown.
+  cv::Mat ground();
   void paintGrid(cv::Mat& picture) const;
   void paintScaleBar(cv::Mat& picture) const;
   void paintPeople(cv::Mat& picture, const RunStep& step, const RecentPast& past) const;
@@ -38,6 +40,8 @@ class TopViewPainter {
   GroundMap m_map;
   GroundTurn m_turn;
   bool m_isTurned = false;
+  cv::Mat m_ground;            ///< the grid alone
+  cv::Rect2f m_shownOnGround;  ///< the part of the ground that it shows
 };
 
 }  // namespace grouptracker
