@@ -49,15 +49,6 @@ RunParameters parametersOf(const TrackerSettings& settings) {
   return parameters;
 }
 
-/// What only the process looks at is left out.
-LinkOptions withoutLinks() {
-  LinkOptions options;
-  options.ownLinks = 0;
-  options.neighbourLinks = 0;
-  options.motionSteps = 0;
-  return options;
-}
-
 /// As those know the person who use the library.
 std::string nameOf(std::uint32_t person) {
   return PersonNames::ofProgram().textOf(person);
@@ -124,7 +115,7 @@ class Tracker::State {
     m_given = given.get();
     const bool hasProcess = settings.runsProcess || settings.onDiagnostics;
     m_assembler = std::make_unique<TrackAssembler>(std::move(given), m_camera,
-                                                   hasProcess ? LinkOptions() : withoutLinks());
+                                                   hasProcess ? LinkOptions() : withoutLinks);
     if (hasProcess) {
       m_process = std::make_unique<ProcessBeside>(parameters, m_camera, settings.onDiagnostics);
     }

@@ -193,7 +193,9 @@ Options ReportCommand::declare(CommandLine& program) {
 }
 
 int ReportCommand::run() {
-  const OpenedInput input = openInput(m_choice.input, inputOptions(m_choice));
+  InputOptions options = inputOptions(m_choice);
+  options.wantsPlacesOnly = true;
+  const OpenedInput input = openInput(m_choice.input, options);
   WholeFile output(m_outputFile);
   ReportData data;
   ImageStrip images;

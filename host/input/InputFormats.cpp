@@ -95,7 +95,11 @@ OpenedInput openScene(const std::string& path, const InputOptions& options) {
       estimateCamera(peopleBoxes(path), input);
     }
   }
-  input.frames = std::make_unique<SceneReader>(path, input.calibration);
+  auto scene = std::make_unique<SceneReader>(path, input.calibration);
+  if (options.wantsPlacesOnly) {
+    scene->readPlacesOnly();
+  }
+  input.frames = std::move(scene);
   input.hasOwnLinks = true;
   return input;
 }

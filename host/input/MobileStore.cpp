@@ -90,8 +90,10 @@ void MobileStore::archiveOldest() {
   for (const std::uint32_t id : m_idsByFrame.front()) {
     const auto recent = m_recent.find(id);
     if (recent->second.frame == oldestFrame) {  // else it was declared again since
-      const auto& object = recent->second.mobile->getPhysicalObject();
-      m_archive.store(id, {object->getType(), object->getBoundingBox3D()});
+      if (m_archives) {
+        const auto& object = recent->second.mobile->getPhysicalObject();
+        m_archive.store(id, {object->getType(), object->getBoundingBox3D()});
+      }
       m_recent.erase(recent);
     }
   }

@@ -61,6 +61,12 @@ class MobileStore {
 
   explicit MobileStore(std::size_t window = defaultWindow) : m_window(window) {}
 
+  /// For those who ask for no mobile of an earlier frame: nothing is kept of any.
+  void keepNothing() {
+    m_window = 1;
+    m_archives = false;
+  }
+
   /// Of an input without end: of what is older than the window only so many are remembered.
   void keepLatest(std::size_t mobiles) { m_archive.keepLatest(mobiles); }
   /// Begins the next frame and archives what has grown too old.
@@ -82,6 +88,7 @@ class MobileStore {
   void archiveOldest();
 
   std::size_t m_window;
+  bool m_archives = true;
   std::uint64_t m_frame = 0;  ///< frames begun so far
   std::unordered_map<std::uint32_t, Recent> m_recent;
   std::deque<std::vector<std::uint32_t>> m_idsByFrame;  ///< the last is the current frame's

@@ -128,8 +128,9 @@ QSharedPointer<kelAbstractDataCalibration> cameraOf(const cv::Matx33d& homograph
 void assembleFrames(std::unique_ptr<ObservationTable> observations, const InputOptions& options,
                     OpenedInput& input) {
   const bool isInMemory = observations->isInMemory();
-  auto frames = std::make_unique<TrackAssembler>(std::move(observations), input.calibration,
-                                                 options.links, rateOf(options.rate, input));
+  auto frames = std::make_unique<TrackAssembler>(
+      std::move(observations), input.calibration,
+      options.wantsPlacesOnly ? withoutLinks : options.links, rateOf(options.rate, input));
   if (isInMemory) {
     input.relink = [assembler = frames.get()](const LinkOptions& other) {
       assembler->relink(other);

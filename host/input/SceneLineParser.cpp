@@ -12,8 +12,11 @@ struct SceneLineParser::Buffers {
   simdjson::dom::parser json;
 };
 
-SceneLineParser::SceneLineParser() : m_buffers(std::make_unique<Buffers>()) {}
+SceneLineParser::SceneLineParser(ScenePart part)
+    : m_buffers(std::make_unique<Buffers>()), m_part(part) {}
 SceneLineParser::~SceneLineParser() = default;
+SceneLineParser::SceneLineParser(SceneLineParser&&) noexcept = default;
+SceneLineParser& SceneLineParser::operator=(SceneLineParser&&) noexcept = default;
 
 namespace {
 
@@ -54,7 +57,7 @@ SceneFather readFather(Value value) {
   return {json::required(id, "id"), json::required(reliability, "reliability")};
 }
 
-SceneMobile readMobile(Value value) {
+SceneMobile readMobile(Value value, ScenePart part) {
   SceneMobile mobile;
   std::optional<std::uint32_t> id;
   std::optional<std::string> type;
@@ -70,7 +73,7 @@ SceneMobile readMobile(Value value) {
       mobile.box3D = readBox3D(field.value);
     } else if (field.key == "position") {
       mobile.position = readPosition(field.value);
-    } else if (field.key == "fathers") {
+    } else if (field.key == "fathers" && part == ScenePart::whole) {
       json::readArray(field.value, "fathers", readFather, mobile.fathers);
     }
   }
@@ -80,7 +83,26 @@ SceneMobile readMobile(Value value) {
   return mobile;
 }
 
-SceneActor readActor(Value value) {
+std::uint32_t readId(Value value) {
+  return json::as<std::uint32_t>(value, "an id");
+}
+
+/// The last id of an array, alone; none of an empty one.
+void readLastId(Value value, std::vector<std::uint32_t>& ids) {
+  simdjson::dom::array values;
+  if (value.get(values) != simdjson::SUCCESS) {
+    throw json::problem("mobiles must be an array");
+  }
+  std::optional<Value> last;
+  for (const Value item : values) {
+    last = item;
+  }
+  if (last) {
+    ids.push_back(readId(*last));
+  }
+}
+
+SceneActor readActor(Value value, ScenePart part) {
   SceneActor actor;
   std::optional<std::uint32_t> id;
   std::optional<std::vector<std::uint32_t>> mobiles;
@@ -92,8 +114,8 @@ SceneActor readActor(Value value) {
     } else if (field.key == "box3d") {
       actor.box3D = readBox3D(field.value);
     } else if (field.key == "mobiles") {
-      const auto readId = [](Value mobile) { return json::as<std::uint32_t>(mobile, "an id"); };
-      json::readArray(field.value, "mobiles", readId, mobiles.emplace());
+      part == ScenePart::whole ? json::readArray(field.value, "mobiles", readId, mobiles.emplace())
+                               : readLastId(field.value, mobiles.emplace());
     }
   }
   actor.id = json::required(id, "id");
@@ -116,10 +138,14 @@ void SceneLineParser::parse(const std::string& line, SceneLine& scene) {
       scene.image = json::asText(field.value, "image");
     } else if (field.key == "mobiles") {
       hasMobiles = true;
-      json::readArray(field.value, "mobiles", readMobile, scene.mobiles);
+      json::readArray(
+          field.value, "mobiles", [this](Value item) { return readMobile(item, m_part); },
+          scene.mobiles);
     } else if (field.key == "actors") {
       hasActors = true;
-      json::readArray(field.value, "actors", readActor, scene.actors);
+      json::readArray(
+          field.value, "actors", [this](Value item) { return readActor(item, m_part); },
+          scene.actors);
     }
   }
   if (!hasMobiles || !hasActors) {

@@ -45,6 +45,14 @@ struct SceneLine {
   std::vector<SceneActor> actors;
 };
 
+/// What is wanted of a scene.
+enum class ScenePart : std::uint8_t {
+  whole,
+  /// Where everybody is: mobiles without links, actors with their last mobile only. What is left
+  /// out is not checked either.
+  places,
+};
+
 /// Takes the lines of a scene file apart:
 ///
 ///     {"frame": 930, "time": 62.0, "image": "images/000001.jpg",
@@ -58,10 +66,10 @@ struct SceneLine {
 /// keeps its buffers from line to line.
 class SceneLineParser {
  public:
-  SceneLineParser();
+  explicit SceneLineParser(ScenePart part = ScenePart::whole);
   ~SceneLineParser();
-  SceneLineParser(const SceneLineParser&) = delete;
-  SceneLineParser& operator=(const SceneLineParser&) = delete;
+  SceneLineParser(SceneLineParser&&) noexcept;
+  SceneLineParser& operator=(SceneLineParser&&) noexcept;
 
   /// Replaces `scene` by what the line says.
   void parse(const std::string& line, SceneLine& scene);
@@ -69,6 +77,7 @@ class SceneLineParser {
  private:
   struct Buffers;
   std::unique_ptr<Buffers> m_buffers;
+  ScenePart m_part;
 };
 
 }  // namespace grouptracker

@@ -49,6 +49,11 @@ void SceneReader::surviveLosses() {
   m_mobiles.keepLatest(rememberedMobiles);
 }
 
+void SceneReader::readPlacesOnly() {
+  m_parser = SceneLineParser(ScenePart::places);
+  m_mobiles.keepNothing();
+}
+
 bool SceneReader::next(InputFrame& frame) {
   frame = InputFrame();
   if (!m_lines.nextFilled()) {

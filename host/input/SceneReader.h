@@ -41,6 +41,9 @@ class SceneReader : public FrameSource {
   /// with earlier numbers or times are a new beginning. Since it has no end, mobiles of long ago
   /// are forgotten. To be said before the first frame.
   void surviveLosses();
+  /// For those who want to know where everybody is and no more: mobiles come without links, actors
+  /// with their current mobile only. To be said before the first frame.
+  void readPlacesOnly();
   /// A line with more actors is wrong.
   void limitPeople(std::size_t most) { m_mostPeople = most; }
 

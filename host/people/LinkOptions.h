@@ -34,6 +34,10 @@ struct LinkOptions {
   double evidenceStrength = 0.0;
 };
 
+/// For those who want to know where everybody is and no more: without the process nobody looks at
+/// links.
+inline constexpr LinkOptions withoutLinks{.ownLinks = 0, .motionSteps = 0, .neighbourLinks = 0};
+
 /// A link option as the command line has it.
 struct LinkArgument {
   const char* name;

@@ -67,6 +67,25 @@ TEST(SceneReader, BuildsMobilesActorsAndLinks) {
   EXPECT_EQ(frames[1].actors[1]->getBoundingBox3D(), (BoundingBox3D{1, 2, 3, 4, 5, 0.1F}));
 }
 
+// What is left out is not looked at: it may name what was never there.
+TEST(SceneReader, ReadsPlacesWithoutLinksAndEarlierMobiles) {
+  std::istringstream in(line(mobile("1"), R"({"id": 7, "mobiles": [1]})") +
+                        line(mobile("2", father("90")) + "," + mobile("3"),
+                             R"({"id": 7, "mobiles": [80, 1, 2]}, {"id": 8, "mobiles": []})") +
+                        line(mobile("4"), R"({"id": 7, "mobiles": [2]})"));
+  SceneReader reader(in, "s.jsonl", "", {});
+  reader.readPlacesOnly();
+  InputFrame frame;
+  ASSERT_TRUE(reader.next(frame) && reader.next(frame));
+  EXPECT_TRUE(frame.fathers.empty());
+  EXPECT_TRUE(frame.observed[0]->getFatherLinks().empty());
+  ASSERT_EQ(frame.actors[0]->getLinkedPhysicalObjectList().size(), 1);
+  EXPECT_EQ(frame.actors[0]->getLinkedPhysicalObjectList().front(), frame.observed[0]);
+  EXPECT_EQ(frame.actors[0]->getCurrentPosition(), cv::Point3f(0.1F, 0, 0));
+  EXPECT_TRUE(frame.actors[1]->getLinkedPhysicalObjectList().empty());
+  EXPECT_THROW(reader.next(frame), InputError) << "the current mobile is of an earlier frame";
+}
+
 TEST(SceneReader, TakesTheNumbersAndTimesOfTheInputItself) {
   const auto numbered = [](const std::string& numbers) {
     return "{" + numbers + R"("mobiles": [], "actors": []})" + "\n";
