@@ -1,7 +1,7 @@
 #include "host/output/RunFile.h"
 #include "host/run/EventDetector.h"
-#include "library/TrackerValues.h"
 #include "library/Tracker.h"
+#include "library/TrackerValues.h"
 #include "python/bindings/Arrays.h"
 #include "python/bindings/Module.h"
 
