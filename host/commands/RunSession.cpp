@@ -197,7 +197,7 @@ void RunSession::openOutputs() {
   const std::string dump = fileOf(m_options.mobileDump);
   const std::string diagnostics = fileOf(m_options.diagnostics);
   m_status.emplace(m_options.statusFile);  // before an output is emptied
-  if (m_options.mobileDump.empty()) {
+  if (m_options.mobileDump.empty() && m_options.pluginFile.empty()) {
     m_dump = lockForOthers(usualDump(m_parameters.values()));
   } else if (QString::fromStdString(dump).toStdString() != dump) {
     throw OutputError(dump, "the process writes to files with names in UTF-8 only");
@@ -423,10 +423,6 @@ void RunSession::checkOutputsOfProcess() {
 
 void RunSession::checkDiagnostics() {
   if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) {
-    return;
-  }
-  if (StopSignals::outputIsLetGo()) {
-    std::clearerr(stdout);
     return;
   }
   if (hasReader(STDOUT_FILENO)) {

@@ -11,6 +11,7 @@
 #include <poll.h>
 #include <sys/time.h>
 #include <unistd.h>
+#include <utility>
 
 namespace grouptracker {
 
@@ -20,15 +21,15 @@ const std::array<int, 3> stopSignals{SIGINT, SIGTERM, SIGHUP};
 
 // What a signal handler may touch.
 volatile std::sig_atomic_t stopSignal = 0;
-volatile std::sig_atomic_t isLetGo = 0;
+volatile std::sig_atomic_t fullLooks = 0;  ///< in a row, at standard output
 std::array<int, 2> wakePipe{-1, -1};
 int nowhere = -1;  // /dev/null
 
-/// Every time that it is over the reader of standard output is looked at.
-void setPatience(bool hasAny) {
-  constexpr int patience = 300'000;  // microseconds
+/// Has standard output looked at again and again, or no more.
+void watchOutput(bool isOn) {
+  constexpr int pause = 250'000;  // microseconds
   itimerval timer = {};
-  timer.it_value.tv_usec = hasAny ? patience : 0;
+  timer.it_value.tv_usec = isOn ? pause : 0;
   timer.it_interval = timer.it_value;
   ::setitimer(ITIMER_REAL, &timer, nullptr);
 }
@@ -36,17 +37,19 @@ void setPatience(bool hasAny) {
 void noteStop(int signal) {
   const int savedError = errno;
   stopSignal = signal;
-  setPatience(true);
+  watchOutput(true);
   [[maybe_unused]] const ssize_t ignored = ::write(wakePipe[1], "", 1);
   errno = savedError;
 }
 
-/// The signal itself ends the wait within a write, which is not restarted.
+/// A write that waits is begun again behind the signal and then leads nowhere. Somebody who reads
+/// slowly has a second for the rest, which is that of one frame.
 void letGoOfFullOutput(int /*signal*/) {
+  constexpr int mostLooks = 4;
   const int savedError = errno;
   pollfd output{STDOUT_FILENO, POLLOUT, 0};
-  if (::poll(&output, 1, 0) == 0) {
-    isLetGo = 1;
+  fullLooks = ::poll(&output, 1, 0) == 0 ? fullLooks + 1 : 0;
+  if (fullLooks >= mostLooks) {
     ::dup2(nowhere, STDOUT_FILENO);
   }
   errno = savedError;
@@ -68,9 +71,9 @@ void install(int signal, void (*handler)(int), int flags) {
 
 StopSignals::StopSignals(Hangup hangup) {
   stopSignal = 0;
-  isLetGo = 0;
+  fullLooks = 0;
   nowhere = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
-  install(SIGALRM, letGoOfFullOutput, 0);
+  install(SIGALRM, letGoOfFullOutput, SA_RESTART);
   if (::pipe2(wakePipe.data(), O_CLOEXEC | O_NONBLOCK) != 0) {
     wakePipe = {-1, -1};  // a stop is then seen after the next input only
   }
@@ -89,12 +92,12 @@ StopSignals::~StopSignals() {
   for (const int signal : stopSignals) {
     install(signal, SIG_DFL, 0);
   }
-  setPatience(false);
-  install(SIGALRM, SIG_DFL, 0);
-  ::close(nowhere);
+  watchOutput(false);
+  install(SIGALRM, SIG_IGN, 0);  // one may be on its way
   stop_wish::setDescriptor(-1);
-  ::close(wakePipe[0]);
-  ::close(wakePipe[1]);
+  for (int* const descriptor : {&nowhere, &wakePipe[0], &wakePipe[1]}) {
+    ::close(std::exchange(*descriptor, -1));
+  }
 }
 
 bool StopSignals::stopRequested() const {
@@ -104,10 +107,6 @@ bool StopSignals::stopRequested() const {
 std::string StopSignals::signalName() const {
   const char* const name = stopRequested() ? ::sigabbrev_np(stopSignal) : nullptr;
   return name != nullptr ? std::string("SIG") + name : std::string();
-}
-
-bool StopSignals::outputIsLetGo() {
-  return isLetGo != 0;
 }
 
 int StopSignals::exitStatus() {

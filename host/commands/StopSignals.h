@@ -9,8 +9,8 @@ namespace grouptracker {
 enum class Hangup { stops, reopens };
 
 /// Catches the wish to stop: SIGINT, SIGTERM and SIGHUP ask for a stop after the current frame, the
-/// second of them ends the program at once. A standard output that nobody empties is let go a
-/// moment after the first one, since whoever writes to it would sleep on. Writing to a pipe that
+/// second of them ends the program at once. A standard output that nobody empties for a
+/// second after the first one is let go, since whoever writes to it would sleep on. Writing to a pipe that
 /// nobody reads fails instead of ending the program, also behind the life of the object. Everything
 /// that waits sees the wish in `stop_wish`. There is one set of signals: of two objects the later
 /// one counts until it ends, as in a process that was forked off.
@@ -25,8 +25,6 @@ class StopSignals {
   bool stopRequested() const;
   /// The name of the signal that asked for a stop; empty without one.
   std::string signalName() const;
-  /// Whether standard output leads nowhere any more, as its reader did not go on.
-  static bool outputIsLetGo();
   /// The exit status that tells of the signal, as shells do; that of success when no stop was asked
   /// for. Holds behind the life of the object, too.
   static int exitStatus();
