@@ -39,6 +39,10 @@ TunedSequence openSequence(const std::string& text, const InputOptions& options)
   }
   const std::string input = text.substr(0, colon);
   const auto path = std::filesystem::path(input);
+  if (std::filesystem::exists(path) && !std::filesystem::is_regular_file(path) &&
+      !std::filesystem::is_directory(path)) {
+    throw InputError(input, "is read several times, so a file or a folder is expected");
+  }
   const auto name = path.filename().empty() ? path.parent_path().filename() : path.filename();
   return {name, TrialInput(input, options), readTruth(text.substr(colon + 1))};
 }

@@ -10,7 +10,8 @@ namespace grouptracker {
 
 namespace {
 
-constexpr std::size_t mostHeld = 128 * 1024;  // people of all frames; some 100 MB
+// People, the mobiles that they list and links, of all frames; some 100 bytes each.
+constexpr std::size_t mostHeld = 1024 * 1024;
 
 /// Frames that were read before; they are given away one by one, so that they go as the process
 /// lets go of them.
@@ -31,15 +32,23 @@ class HeldFrames : public FrameSource {
   std::size_t m_next = 0;
 };
 
+std::size_t sizeOf(const InputFrame& frame) {
+  std::size_t size = 1 + frame.fathers.size();
+  for (const auto& actor : frame.actors) {
+    size += 1 + static_cast<std::size_t>(actor->getLinkedPhysicalObjectList().size());
+  }
+  return size;
+}
+
 /// Null when they are too many.
 std::unique_ptr<FrameSource> held(FrameSource& source) {
   std::vector<InputFrame> frames;
-  std::size_t people = 0;
-  for (InputFrame frame; people < mostHeld && source.next(frame);) {
-    people += 1 + static_cast<std::size_t>(frame.actors.size());
+  std::size_t size = 0;
+  for (InputFrame frame; size < mostHeld && source.next(frame);) {
+    size += sizeOf(frame);
     frames.push_back(std::move(frame));
   }
-  return people < mostHeld ? std::make_unique<HeldFrames>(std::move(frames)) : nullptr;
+  return size < mostHeld ? std::make_unique<HeldFrames>(std::move(frames)) : nullptr;
 }
 
 }  // namespace
