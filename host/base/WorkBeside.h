@@ -6,6 +6,7 @@
 #include <exception>
 #include <functional>
 #include <mutex>
+#include <optional>
 #include <thread>
 #include <utility>
 
@@ -50,11 +51,12 @@ class WorkBeside {
       if (m_waiting.empty()) {
         return;
       }
-      const Item item = std::move(m_waiting.front());
+      std::optional<Item> item = std::move(m_waiting.front());
       m_waiting.pop_front();
       m_changed.notify_all();
       lock.unlock();
-      workOn(item);
+      workOn(*item);
+      item.reset();  // which may take long, too
       lock.lock();
     }
   }

@@ -1,5 +1,6 @@
 #include "host/commands/StepOutputs.h"
 
+#include "host/base/FirstFailure.h"
 #include "host/output/BackgroundSink.h"
 
 #include <exception>
@@ -31,23 +32,14 @@ void StepOutputs::take(RunStep&& step) {
 }
 
 void StepOutputs::finish() {
-  std::exception_ptr failure;
-  const auto finishOne = [&failure](StepSink& sink) {
-    try {
-      sink.finish();
-    } catch (...) {
-      failure = failure ? failure : std::current_exception();
-    }
-  };
+  FirstFailure failure;
   for (const auto& sink : m_atOnce) {
-    finishOne(*sink);
+    failure.attempt([&sink] { sink->finish(); });
   }
   if (m_beside) {
-    finishOne(*m_beside);
+    failure.attempt([this] { m_beside->finish(); });
   }
-  if (failure) {
-    std::rethrow_exception(failure);
-  }
+  failure.rethrow();
 }
 
 void StepOutputs::finishAfterFailure() {

@@ -1,6 +1,6 @@
 #include "host/output/BackgroundSink.h"
 
-#include <exception>
+#include "host/base/FirstFailure.h"
 
 namespace grouptracker {
 
@@ -15,21 +15,12 @@ void BackgroundSink::writeToAll(const RunStep& step) {
 }
 
 void BackgroundSink::finish() {
-  std::exception_ptr failure;
-  const auto attempt = [&failure](const auto& step) {
-    try {
-      step();
-    } catch (...) {
-      failure = failure ? failure : std::current_exception();
-    }
-  };
-  attempt([this] { m_work.end(); });
+  FirstFailure failure;
+  failure.attempt([this] { m_work.end(); });
   for (const auto& sink : m_sinks) {
-    attempt([&sink] { sink->finish(); });
+    failure.attempt([&sink] { sink->finish(); });
   }
-  if (failure) {
-    std::rethrow_exception(failure);
-  }
+  failure.rethrow();
 }
 
 }  // namespace grouptracker

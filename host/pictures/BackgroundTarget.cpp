@@ -1,5 +1,7 @@
 #include "host/pictures/BackgroundTarget.h"
 
+#include "host/base/FirstFailure.h"
+
 #include <cstddef>
 #include <utility>
 
@@ -21,8 +23,10 @@ void BackgroundTarget::add(const cv::Mat& picture, std::int64_t number) {
 }
 
 void BackgroundTarget::finish() {
-  m_work.end();
-  m_target->finish();
+  FirstFailure failure;
+  failure.attempt([this] { m_work.end(); });
+  failure.attempt([this] { m_target->finish(); });
+  failure.rethrow();
 }
 
 }  // namespace grouptracker

@@ -1,5 +1,6 @@
 #include "host/pictures/PictureWriter.h"
 
+#include "host/base/FirstFailure.h"
 #include "host/base/OutputPlace.h"
 #include "host/pictures/BackgroundTarget.h"
 #include "host/pictures/VideoFile.h"
@@ -46,9 +47,11 @@ void PictureWriter::refuseImagesOfInput(const RunStep& step) {
 }
 
 void PictureWriter::finish() {
+  FirstFailure failure;
   for (const auto& target : m_targets) {
-    target->finish();
+    failure.attempt([&target] { target->finish(); });
   }
+  failure.rethrow();
 }
 
 }  // namespace grouptracker

@@ -64,16 +64,19 @@ TEST(BackgroundTarget, HandsOverAllPicturesInOrderAndThenFinishes) {
   EXPECT_TRUE(noted.isFinished);
 }
 
-TEST(BackgroundTarget, TellsAFailureOnceAlsoThatOfTheLastPicture) {
-  Noted noted;
-  BackgroundTarget early(std::make_unique<NotingTarget>(noted, 2));
-  EXPECT_EQ(drawAll(early), 1);
-  EXPECT_NO_THROW(early.finish());
-  EXPECT_EQ(noted.pictures.size(), 2U);
+TEST(BackgroundTarget, TellsAFailureOnceAndFinishesAllTheSame) {
+  Noted early;
+  BackgroundTarget failing(std::make_unique<NotingTarget>(early, 2));
+  EXPECT_EQ(drawAll(failing), 1);
+  EXPECT_NO_THROW(failing.finish());
+  EXPECT_EQ(early.pictures.size(), 2U);
+  EXPECT_TRUE(early.isFinished);
 
-  BackgroundTarget late(std::make_unique<NotingTarget>(noted, count - 1));
-  EXPECT_EQ(drawAll(late), 0);
-  EXPECT_THROW(late.finish(), OutputError);
+  Noted late;
+  BackgroundTarget ending(std::make_unique<NotingTarget>(late, count - 1));
+  EXPECT_EQ(drawAll(ending), 0);
+  EXPECT_THROW(ending.finish(), OutputError);
+  EXPECT_TRUE(late.isFinished);
 }
 
 }  // namespace
