@@ -10,20 +10,21 @@ people=${1:-50}
 options=("${@:2}")
 [ $# -gt 1 ] || options=(--diagnostics none --mobile-dump none)
 flames=/usr/share/perl5/Devel/NYTProf/flamegraph.pl
-for tool in perf "$flames"; do
-  command -v "$tool" > /dev/null || { echo "$tool is missing; see the head of $0" >&2; exit 2; }
-done
+if ! command -v perf > /dev/null || [ ! -r "$flames" ]; then
+  echo "linux-perf or libdevel-nytprof-perl is missing" >&2
+  exit 2
+fi
 build=build/profile
 mkdir -p "$build"
 if [ -z "${PROGRAM:-}" ]; then
   cmake --preset release -B "$build" -DCMAKE_CXX_FLAGS="-g1 -fno-omit-frame-pointer" \
     -DGROUPTRACKER_BENCHMARKS=OFF > "$build/configure.txt"
-  cmake --build "$build" --target grouptracker
+  cmake --build "$build" --target grouptracker GroupTrackerProcessGroupTrackerPlugin
   PROGRAM=$build/bin/grouptracker
 fi
 
 scene=$build/scene-$people
-[ -d "$scene" ] || "$PROGRAM" simulate --people "$people" --seconds 120 --rate 25 --seed 1 --output "$scene" --quiet
+[ -f "$scene/truth.jsonl" ] || "$PROGRAM" simulate --people "$people" --seconds 120 --rate 25 --seed 1 --output "$scene" --quiet
 perf record --quiet --event cpu-clock --freq 1999 --call-graph fp --output "$build/perf.data" -- \
   "$PROGRAM" run "$scene/scene.jsonl" --output "$build/groups.jsonl" --quiet "${options[@]}" > "$build/printed.txt"
 
