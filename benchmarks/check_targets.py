@@ -4,7 +4,7 @@
     benchmarks/check_targets.py [BUILD_FOLDER] [--frames N]
 
 BUILD_FOLDER is build/release by default; --frames N is how long the memory is watched (20000).
-Everything is a ratio of processor times within this run. The exit status is 0 whether the targets
+Everything is a ratio within this run, of processor times where a row does not say wall. The exit status is 0 whether the targets
 hold or not: timings decide nothing."""
 
 import argparse

@@ -13,9 +13,8 @@
 
 namespace grouptracker {
 
-// What those who use the library hand over and get, as the project's own parts have it.
-
-/// What the settings of a tracker mean for its parts. What is wrong with them is an `InputError`.
+// What those who use the library hand over and get, as the project's own parts have it. What is
+// wrong with the settings of a tracker is an `InputError`.
 
 /// Puts what the settings say about the camera where inputs are told it: a camera, or a homography.
 void takeCamera(const TrackerSettings& settings, InputOptions& options);

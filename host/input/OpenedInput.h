@@ -52,7 +52,7 @@ struct InputOptions {
   std::string images;                ///< a folder, a video or `noImages`; empty for the input's own
   bool allowsOutsideImages = false;  ///< whether it may name images outside its folder
   bool decodesVideo = true;          ///< whether anybody looks at the pictures of a video
-  bool wantsPlacesOnly = false;      ///< nobody follows links or lists: people come without them
+  bool wantsPlacesOnly = false;      ///< nobody follows links or lists, so none are made or kept
   FrameRange frames;
   std::optional<double> rate;  ///< frame numbers a second, in place of what the input says
   ProblemHandler onProblem = throwProblem;

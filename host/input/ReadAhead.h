@@ -20,7 +20,7 @@ namespace grouptracker {
 class ReadAhead : public FrameSource {
  public:
   /// Frames that wait at most, twice: those that are read, and those that were handed over
-  /// together, so that the two threads wake each other seldom.
+  /// together, so that the two threads wake each other seldom. As many again go back to be freed.
   static constexpr std::size_t capacity = 8;
   static constexpr std::size_t picturesCapacity = 1;  ///< the same where a frame has its image
 

@@ -29,8 +29,8 @@ template void ReportBody::append(const char*, const char*, const std::vector<std
 template void ReportBody::append(const char*, const char*, const std::vector<double>&);
 
 QByteArray ReportBody::packed() const {
-  // One level more and half an hour of a crowd takes twice as long, the best ten times, for a
-  // hundredth of the size at most.
+  // The next level packs half an hour of a crowd in twice the time, the best in ten times, and
+  // neither makes it a hundredth smaller.
   constexpr int level = 6;
   constexpr int lengthPrefix = 4;  // bytes that Qt puts before the deflated ones
   return qCompress(m_bytes, level).mid(lengthPrefix).toBase64();
