@@ -16,22 +16,13 @@ import sys
 import tempfile
 import time
 
+from commands import measure
+
 PROGRAM = pathlib.Path(sys.argv[1] if len(sys.argv) > 1 else "build/release/bin/grouptracker").resolve()
 RECORDINGS = int(sys.argv[2]) if len(sys.argv) > 2 else 200
 ROWS = int(sys.argv[3]) if len(sys.argv) > 3 else 100_000
 ROUNDS = 3
 SCENES = 10
-
-
-def measure(folder, *arguments):
-    """Wall seconds and the most memory, MB, of the program."""
-    start = time.perf_counter()
-    process = subprocess.Popen([PROGRAM, *arguments], cwd=folder, stdin=subprocess.DEVNULL,
-                               stdout=subprocess.DEVNULL)
-    _, status, usage = os.wait4(process.pid, 0)
-    if status != 0:
-        sys.exit(f"{' '.join(map(str, arguments))}: status {status}")
-    return time.perf_counter() - start, usage.ru_maxrss / 1024
 
 
 def write_manifest(path, inputs):
@@ -40,8 +31,8 @@ def write_manifest(path, inputs):
 
 
 def batch(folder, results, jobs, *more):
-    return measure(folder, "batch", "manifest.csv", "--output", results, "--jobs", str(jobs),
-                   "--quiet", *more)
+    return measure([PROGRAM, "batch", "manifest.csv", "--output", results, "--jobs", str(jobs), "--quiet", *more],
+                   folder)
 
 
 def measure_throughput(folder, inputs):
@@ -49,8 +40,8 @@ def measure_throughput(folder, inputs):
     for turn in range(ROUNDS):
         start = time.perf_counter()
         for name in inputs[:SCENES * 2]:
-            measure(folder, "run", name, "--output", "groups.jsonl", "--diagnostics", "none",
-                    "--mobile-dump", "none", "--quiet")
+            measure([PROGRAM, "run", name, "--output", "groups.jsonl", "--diagnostics", "none", "--mobile-dump", "none",
+                     "--quiet"], folder)
         alone = (time.perf_counter() - start) / (SCENES * 2)
         kinds = {
             "run alone": alone,
@@ -94,7 +85,8 @@ def measure_rows(folder, name):
         pretend_made(folder / "made" / "recordings", rows)
         columns = []
         for results in ("none", "made"):
-            wall, memory = measure(folder, "batch", "manifest.csv", "--output", results, "--list", "--no-report")
+            wall, _, memory = measure([PROGRAM, "batch", "manifest.csv", "--output", results, "--list", "--no-report"],
+                                      folder)
             columns.append(f"{wall:.1f} | {memory:.1f}")
         print(f"| {rows} | {' | '.join(columns)} |")
         rows *= 10

@@ -12,10 +12,10 @@ import json
 import os
 import pathlib
 import re
-import resource
 import subprocess
 import tempfile
-import time
+
+from commands import measure as measure_command
 
 PARAMETERS = pathlib.Path(__file__).resolve().parent.parent / "samples/parameters/walking.txt"
 
@@ -27,16 +27,6 @@ def measure(build, program, which="."):
                             stdout=subprocess.PIPE).stdout
     rows = json.loads(output)["benchmarks"]
     return {re.sub("/iterations.*", "", row["name"]): row for row in rows}
-
-
-def child_costs(command, **options):
-    """Processor and wall seconds of a program."""
-    before = resource.getrusage(resource.RUSAGE_CHILDREN)
-    start = time.perf_counter()
-    subprocess.run(command, check=True, **options)
-    wall = time.perf_counter() - start
-    after = resource.getrusage(resource.RUSAGE_CHILDREN)
-    return after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime, wall
 
 
 class WholeRun:
@@ -71,8 +61,7 @@ class WholeRun:
         for count in self.lengths:
             command = [self.build / "bin/grouptracker", "run", self.scene(count), "--parameters",
                        "parameters.txt", "--rate", "25", "--quiet", *options]
-            costs = [child_costs(command, cwd=self.folder, stdout=subprocess.DEVNULL)
-                     for _ in range(repeats)]
+            costs = [measure_command(command, self.folder)[1::-1] for _ in range(repeats)]
             best.append([min(column) for column in zip(*costs)])
         frames = self.lengths[1] - self.lengths[0]
         return [1000 * (long - short) / frames for short, long in zip(*best)]

@@ -7,12 +7,12 @@ without options, "own CPU" how much more processor time it needs: what runs besi
 lengthens the run by less than its own time, as long as a second core is free. The second row
 repeats the run without options: what differs there is noise.
 """
-import os
 import pathlib
 import subprocess
 import sys
 import tempfile
-import time
+
+from commands import measure
 
 PROGRAM = pathlib.Path(sys.argv[1] if len(sys.argv) > 1 else "build/release/bin/grouptracker").resolve()
 REPEATS = int(sys.argv[2]) if len(sys.argv) > 2 else 5
@@ -30,18 +30,10 @@ OPTIONS = {
 }
 
 
-def measure(options, folder):
-    """Wall and processor seconds and the most memory, MB, of one run."""
-    command = [PROGRAM, "run", "scene/scene.jsonl", "--parameters", PARAMETERS,
-               "--calibration", "scene/calibration.yml", "--output", "groups.jsonl",
-               "--diagnostics", "none", "--mobile-dump", "none", "--quiet", *options]
-    start = time.perf_counter()
-    process = subprocess.Popen(command, cwd=folder)
-    _, status, usage = os.wait4(process.pid, 0)
-    wall = time.perf_counter() - start
-    if status != 0:
-        sys.exit(f"{' '.join(options)}: status {status}")
-    return wall, usage.ru_utime + usage.ru_stime, usage.ru_maxrss / 1024
+def run_with(options):
+    return [PROGRAM, "run", "scene/scene.jsonl", "--parameters", PARAMETERS,
+            "--calibration", "scene/calibration.yml", "--output", "groups.jsonl",
+            "--diagnostics", "none", "--mobile-dump", "none", "--quiet", *options]
 
 
 def main():
@@ -51,7 +43,7 @@ def main():
         best = {}
         for _ in range(REPEATS):
             for name, options in OPTIONS.items():
-                now = measure(options, folder)
+                now = measure(run_with(options), folder)
                 best[name] = tuple(map(min, best.get(name, now), now))
     plain = best["nothing"]
     print("| option | wall s | more wall s | own CPU s | wall / CPU of the option | memory MB |")

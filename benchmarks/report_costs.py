@@ -6,12 +6,12 @@ reading the run's groups alone (`events`) and beside counting the lines of the s
 reader has to do. All take turns, the fastest of each counts. Another program, such as that of an
 earlier version, takes part when it is given.
 """
-import os
 import pathlib
 import subprocess
 import sys
 import tempfile
-import time
+
+from commands import measure
 
 BUILD = pathlib.Path(sys.argv[1] if len(sys.argv) > 1 else "build/release").resolve()
 FRAMES = sys.argv[2] if len(sys.argv) > 2 else "45000"
@@ -26,17 +26,6 @@ COMMANDS = {
     "counting the lines of the scene": ["wc", "-l", "scene.jsonl"],
     **({"report of the other program": [OTHER, *REPORT]} if OTHER else {}),
 }
-
-
-def measure(command, folder):
-    """Wall and processor seconds and the most memory, MB, of one command."""
-    start = time.perf_counter()
-    process = subprocess.Popen(command, cwd=folder, stdout=subprocess.DEVNULL)
-    _, status, usage = os.wait4(process.pid, 0)
-    wall = time.perf_counter() - start
-    if status != 0:
-        sys.exit(f"{' '.join(map(str, command))}: status {status}")
-    return wall, usage.ru_utime + usage.ru_stime, usage.ru_maxrss / 1024
 
 
 def main():

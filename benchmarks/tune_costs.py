@@ -7,12 +7,11 @@ the last one `run` and `evaluate` of each sequence, which is what a trial would 
 fastest of each kind counts. Tells whether all programs wrote the same trials.
 """
 import hashlib
-import os
 import pathlib
-import subprocess
 import sys
 import tempfile
-import time
+
+from commands import measure
 
 PROGRAMS = [pathlib.Path(name).resolve() for name in sys.argv[1].split(",")]
 DATA = pathlib.Path(sys.argv[2]).resolve()
@@ -28,20 +27,10 @@ def truth_of(folder):
 SEQUENCES = [folder for folder in sorted(DATA.iterdir()) if (folder / "obsmat.txt").exists() and truth_of(folder)]
 
 
-def measure(folder, *command):
-    """Wall seconds and processor seconds with those of all processes that it started."""
-    start = time.perf_counter()
-    process = subprocess.Popen(command, cwd=folder, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL)
-    _, status, usage = os.wait4(process.pid, 0)
-    if status != 0:
-        sys.exit(f"{' '.join(map(str, command))}: status {status}")
-    return time.perf_counter() - start, usage.ru_utime + usage.ru_stime
-
-
 def tune(folder, program, jobs):
     inputs = [f"{sequence}:{truth_of(sequence)}" for sequence in SEQUENCES]
-    return measure(folder, program, "tune", *inputs, "--base", BASE, "--output", "best.txt", "--log", "log.csv",
-                   "--trials", str(TRIALS), "--seed", "1", "--jobs", str(jobs), "--quiet")
+    return measure([program, "tune", *inputs, "--base", BASE, "--output", "best.txt", "--log", "log.csv",
+                    "--trials", str(TRIALS), "--seed", "1", "--jobs", str(jobs), "--quiet"], folder)
 
 
 def by_hand(folder, program):
@@ -50,7 +39,7 @@ def by_hand(folder, program):
         for command in (("run", sequence, "--parameters", BASE, "--actors", "actors.jsonl", "--quiet",
                          "--diagnostics", "none", "--mobile-dump", "none"),
                         ("evaluate", "actors.jsonl", "--truth", truth_of(sequence))):
-            spent = measure(folder, program, *command)
+            spent = measure([program, *command], folder)
             seconds = [seconds[0] + spent[0], seconds[1] + spent[1]]
     return tuple(seconds)
 
