@@ -10,10 +10,10 @@ enum class Hangup { stops, reopens };
 
 /// Catches the wish to stop: SIGINT, SIGTERM and SIGHUP ask for a stop after the current frame, the
 /// second of them ends the program at once. A standard output that nobody empties for a
-/// second after the first one is let go, since whoever writes to it would sleep on. Writing to a pipe that
-/// nobody reads fails instead of ending the program, also behind the life of the object. Everything
-/// that waits sees the wish in `stop_wish`. There is one set of signals: of two objects the later
-/// one counts until it ends, as in a process that was forked off.
+/// second after the first one is let go, since whoever writes to it would sleep on. Writing to a
+/// pipe that nobody reads fails instead of ending the program, also behind the life of the object.
+/// Everything that waits sees the wish in `stop_wish`. There is one set of signals: of two objects
+/// the later one counts until it ends, as in a process that was forked off.
 class StopSignals {
  public:
   explicit StopSignals(Hangup hangup = Hangup::stops);
