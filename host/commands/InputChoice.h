@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/commands/CommandLine.h"
+#include "host/commands/Options.h"
 #include "host/input/InputImages.h"
 #include "host/input/OpenedInput.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/batch/SlurmArray.h"
-#include "host/commands/CommandLine.h"
+#include "host/commands/Options.h"
 
 #include <cstddef>
 #include <string>
