@@ -7,7 +7,6 @@
 #include "host/input/InputFormats.h"
 #include "host/input/ReadAhead.h"
 #include "host/input/SceneContextReader.h"
-#include "host/publish/PublishSink.h"
 #include "host/run/PluginLoader.h"
 #include "tracker/parameters/ParameterTable.h"
 
@@ -16,8 +15,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <chrono>
-#include <cmath>
 #include <cstdio>
 #include <fcntl.h>
 #include <filesystem>
@@ -97,19 +94,7 @@ void RunSession::openInput() {
   if (MqttAddress::isOne(m_options.input) && !m_options.live.isStrict) {
     options.onProblem = [this](const InputError& problem) { passOver(problem); };
   }
-  options.messages.watch = [this](const ReorderBuffer::Counts& counts) {
-    m_metrics.set(Metric::messages, counts.messages);
-    m_metrics.set(Metric::lateMessages, counts.late);
-    m_metrics.set(Metric::repeatedMessages, counts.duplicates);
-    m_metrics.set(Metric::missingFrames, counts.missing);
-    m_metrics.set(Metric::senderRestarts, counts.restarts);
-    m_metrics.set(Metric::waitingMessages, counts.waiting);
-  };
-  options.messages.watchArrival = [this](const MqttArrival::Counts& counts) {
-    m_metrics.set(Metric::longMessages, counts.tooLong);
-    m_metrics.set(Metric::overrunMessages, counts.dropped);
-    m_metrics.set(Metric::queueBytes, counts.waitingBytes);
-  };
+  m_service.watch(options.messages);
   m_input = grouptracker::openInput(m_options.input, options);
   m_watch.emplace(m_input.imageSize);
   for (const std::string& note : m_input.notes) {
@@ -122,7 +107,7 @@ void RunSession::openInput() {
 
 /// What somebody sends to a topic ends no run; it is counted and said once in a while.
 void RunSession::passOver(const InputError& problem) {
-  m_metrics.set(Metric::damagedMessages, ++m_damaged);
+  m_service.set(Metric::damagedMessages, ++m_damaged);
   if (m_tellingDamage.isTime()) {
     say(program_log::Level::warning,
         fmt::format("{} ({} messages passed over so far)", problem.what(), m_damaged));
@@ -202,12 +187,9 @@ void RunSession::openOutputs() {
   } else if (QString::fromStdString(dump).toStdString() != dump) {
     throw OutputError(dump, "the process writes to files with names in UTF-8 only");
   }
-  openService();
-  StepSinks own;
-  if (m_publisher) {
-    // First, so that no line stands in a file that the spool would not know after a crash.
-    own.push_back(std::make_unique<PublishSink>(*m_publisher));
-  }
+  m_service.open(m_options.live, [this](auto level, const auto& line) { say(level, line); });
+  // Published first, so that no line stands in a file that the spool would not know after a crash.
+  StepSinks own = m_service.sinks();
   if (!m_options.outputFile.empty()) {
     own.push_back(std::make_unique<RunFileWriter>(m_options.outputFile));
   }
@@ -226,47 +208,6 @@ void RunSession::openOutputs() {
     ::dup2(openOutput(diagnostics).get(), STDOUT_FILENO);
   }
   countOutputsOfProcess();
-}
-
-/// What others meet of the run over the network.
-void RunSession::openService() {
-  PublishOptions publishing = m_options.live.publishing();
-  if (!publishing.address.empty()) {
-    publishing.onWarning = [this](const std::string& warning) {
-      say(program_log::Level::warning,
-          fmt::format("{}: warning: {}", m_options.live.publishAddress, warning));
-    };
-    m_publisher = std::make_unique<Publisher>(publishing);
-  }
-  if (!m_options.live.metricsAddress.empty()) {
-    m_server = std::make_unique<MetricsServer>(m_options.live.metricsAddress,
-                                               [this] { return metricsText(); });
-    say(program_log::Level::info, fmt::format("metrics are served at port {}", m_server->port()));
-  }
-}
-
-/// On the server's thread.
-std::string RunSession::metricsText() {
-  if (m_publisher) {
-    const Publisher::Counts counts = m_publisher->counts();
-    m_metrics.set(Metric::published, counts.published);
-    m_metrics.set(Metric::brokerConnected, counts.isConnected ? 1.0 : 0.0);
-    m_metrics.set(Metric::spoolMessages, counts.waiting);
-    m_metrics.set(Metric::spoolBytes, counts.waitingBytes);
-    m_metrics.set(Metric::spoolDropped, counts.dropped);
-  }
-  return m_metrics.text();
-}
-
-void RunSession::measure(const InputFrame& frame) {
-  m_metrics.set(Metric::frames, std::uint64_t{m_tracker->frame()});
-  m_metrics.set(Metric::people, std::uint64_t(frame.actors.size()));
-  m_metrics.set(Metric::events, m_summary.events);
-  const std::chrono::duration<double> now = std::chrono::system_clock::now().time_since_epoch();
-  const double lateness = now.count() - frame.time.value_or(0.0);
-  // Times out of --rate, or since the beginning of a recording, tell nothing.
-  constexpr double day = 86400.0;  // seconds
-  m_metrics.set(Metric::lateness, std::abs(lateness) < day ? lateness : std::nan(""));
 }
 
 /// The dump in its usual place is nothing that a run goes on for.
@@ -346,7 +287,7 @@ void RunSession::runFrames() {
   try {
     while (goesOn() && nextFrame(frame)) {
       runFrame(frame);
-      measure(frame);
+      m_service.measure(frame, m_tracker->frame(), m_summary.events);
       checkOutputsOfProcess();
       warnOfReaders();
       m_progress->update(m_tracker->frame());
@@ -402,7 +343,7 @@ void RunSession::handOut(RunSteps steps) {
                       [&step](const RunGroup& group) { return group.since == step.inputFrame; }));
     step.events = m_detector.next(step);
     m_summary.events += step.events.size();
-    m_metrics.set(Metric::groups, std::uint64_t{step.groups.size()});
+    m_service.set(Metric::groups, std::uint64_t{step.groups.size()});
     m_outputs->take(std::move(step));
   }
 }

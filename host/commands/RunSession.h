@@ -4,6 +4,7 @@
 #include "host/base/Log.h"
 #include "host/commands/Progress.h"
 #include "host/commands/RunOptions.h"
+#include "host/commands/RunService.h"
 #include "host/commands/RunStatus.h"
 #include "host/commands/StepOutputs.h"
 #include "host/commands/StopSignals.h"
@@ -13,9 +14,6 @@
 #include "host/output/OutputReaders.h"
 #include "host/output/RunFile.h"
 #include "host/people/PersonCount.h"
-#include "host/publish/MetricsServer.h"
-#include "host/publish/Publisher.h"
-#include "host/publish/RunMetrics.h"
 #include "host/run/EventDetector.h"
 #include "host/run/GroupRun.h"
 #include "host/run/RunParameters.h"
@@ -57,9 +55,6 @@ class RunSession {
  private:
   void openInput();
   void passOver(const InputError& problem);
-  void openService();
-  void measure(const InputFrame& frame);
-  std::string metricsText();
   void readFirstFrame();
   void readAhead();
   bool nextFrame(InputFrame& frame);
@@ -85,7 +80,7 @@ class RunSession {
   RunOptions m_options;
   StopSignals m_signals;
   RunParameters m_parameters;
-  RunMetrics m_metrics;  ///< before the input, whose threads count
+  RunService m_service;  ///< before the input, whose threads count
   QSharedPointer<kelDataContext> m_context;
   OpenedInput m_input;
   std::optional<InputFrame> m_first;  ///< when it was read and not yet used
@@ -98,7 +93,6 @@ class RunSession {
   std::uint64_t m_damaged = 0;  ///< messages that were passed over
   OnceInAWhile m_tellingDamage;
   std::optional<RunStatus> m_status;       ///< none before the outputs are opened
-  std::unique_ptr<Publisher> m_publisher;  ///< null when nothing is published
   std::unique_ptr<StepOutputs> m_outputs;  ///< of the groups
   std::unique_ptr<StepSink> m_actors;      ///< null when nobody wants the process's own
   std::unique_ptr<TrackerRun> m_tracker;
@@ -106,8 +100,7 @@ class RunSession {
   EventDetector m_detector;
   std::optional<Progress> m_progress;
   RunSummary m_summary;
-  int m_processErrno = 0;                   ///< what the last frame left in errno
-  std::unique_ptr<MetricsServer> m_server;  ///< last, as it looks at the others
+  int m_processErrno = 0;  ///< what the last frame left in errno
 };
 
 }  // namespace grouptracker
