@@ -196,8 +196,10 @@ void RunSession::openOutputs() {
   if (!m_options.actorsFile.empty()) {
     m_actors = m_readers.watch(std::make_unique<RunFileWriter>(m_options.actorsFile));
   }
-  if (!dump.empty() && dump != standardOutputName) {
-    // The process opens it anew and would not say that it cannot.
+  if (dump == standardOutputName) {
+    m_dump = FileDescriptor(::dup(STDOUT_FILENO));  // which may soon lead to the diagnostics
+  } else if (!dump.empty()) {
+    // The process opens a file anew and would not say that it cannot.
     m_dump = openOutput(dump, OldContent::kept);
   }
   if (const auto& screen = m_options.steps.pictures.screen) {
@@ -252,6 +254,10 @@ void RunSession::startProcess(std::unique_ptr<kelAbstractProcessGroupTracker> tr
   options.printsDiagnostics = m_options.diagnostics != noOutput;
   options.dumpsMobiles = m_options.mobileDump != noOutput;
   options.mobileDumpFile = dumpFile(m_options);
+  if (m_options.mobileDump == standardOutputName || !isRegular(m_dump)) {
+    options.mobileDumpDescriptor = m_dump.get();
+    m_signals.letGoWhenFull(m_dump.get());
+  }
   options.describesSteps = m_actors != nullptr;
   m_tracker = std::make_unique<TrackerRun>(std::move(tracker));
   m_tracker->configure(options);

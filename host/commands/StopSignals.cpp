@@ -21,12 +21,17 @@ const std::array<int, 3> stopSignals{SIGINT, SIGTERM, SIGHUP};
 
 // What a signal handler may touch.
 volatile std::sig_atomic_t stopSignal = 0;
-volatile std::sig_atomic_t fullLooks = 0;  ///< in a row, at standard output
+/// A file that may be full.
+struct Watched {
+  volatile std::sig_atomic_t descriptor = -1;
+  volatile std::sig_atomic_t fullLooks = 0;  ///< in a row
+};
+std::array<Watched, 2> watched;
 std::array<int, 2> wakePipe{-1, -1};
 int nowhere = -1;  // /dev/null
 
-/// Has standard output looked at again and again, or no more.
-void watchOutput(bool isOn) {
+/// Has the watched files looked at again and again, or no more.
+void watchOutputs(bool isOn) {
   constexpr int pause = 250'000;  // microseconds
   itimerval timer = {};
   timer.it_value.tv_usec = isOn ? pause : 0;
@@ -37,20 +42,22 @@ void watchOutput(bool isOn) {
 void noteStop(int signal) {
   const int savedError = errno;
   stopSignal = signal;
-  watchOutput(true);
+  watchOutputs(true);
   [[maybe_unused]] const ssize_t ignored = ::write(wakePipe[1], "", 1);
   errno = savedError;
 }
 
 /// A write that waits is begun again behind the signal and then leads nowhere. Somebody who reads
 /// slowly has a second for the rest, which is that of one frame.
-void letGoOfFullOutput(int /*signal*/) {
+void letGoOfFullOutputs(int /*signal*/) {
   constexpr int mostLooks = 4;
   const int savedError = errno;
-  pollfd output{STDOUT_FILENO, POLLOUT, 0};
-  fullLooks = ::poll(&output, 1, 0) == 0 ? fullLooks + 1 : 0;
-  if (fullLooks >= mostLooks) {
-    ::dup2(nowhere, STDOUT_FILENO);
+  for (Watched& file : watched) {
+    pollfd output{file.descriptor, POLLOUT, 0};
+    file.fullLooks = ::poll(&output, 1, 0) == 0 ? file.fullLooks + 1 : 0;
+    if (file.fullLooks >= mostLooks && file.descriptor >= 0) {
+      ::dup2(nowhere, file.descriptor);
+    }
   }
   errno = savedError;
 }
@@ -71,9 +78,10 @@ void install(int signal, void (*handler)(int), int flags) {
 
 StopSignals::StopSignals(Hangup hangup) {
   stopSignal = 0;
-  fullLooks = 0;
+  watched[0].descriptor = STDOUT_FILENO;
+  letGoWhenFull(-1);
   nowhere = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
-  install(SIGALRM, letGoOfFullOutput, SA_RESTART);
+  install(SIGALRM, letGoOfFullOutputs, SA_RESTART);
   if (::pipe2(wakePipe.data(), O_CLOEXEC | O_NONBLOCK) != 0) {
     wakePipe = {-1, -1};  // a stop is then seen after the next input only
   }
@@ -92,12 +100,16 @@ StopSignals::~StopSignals() {
   for (const int signal : stopSignals) {
     install(signal, SIG_DFL, 0);
   }
-  watchOutput(false);
+  watchOutputs(false);
   install(SIGALRM, SIG_IGN, 0);  // one may be on its way
   stop_wish::setDescriptor(-1);
   for (int* const descriptor : {&nowhere, &wakePipe[0], &wakePipe[1]}) {
     ::close(std::exchange(*descriptor, -1));
   }
+}
+
+void StopSignals::letGoWhenFull(int descriptor) {
+  watched[1].descriptor = descriptor;
 }
 
 bool StopSignals::stopRequested() const {

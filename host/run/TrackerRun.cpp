@@ -22,6 +22,7 @@ QMap<QString, QVariant> specificParameters(const TrackerRunOptions& options) {
     parameters["mobileDump"] = false;
   } else if (!options.mobileDumpFile.empty()) {
     parameters["mobileDump"] = QString::fromStdString(options.mobileDumpFile);
+    parameters["mobileDumpDescriptor"] = options.mobileDumpDescriptor;
   }
   return parameters;
 }

@@ -35,6 +35,7 @@ struct TrackerRunOptions {
   bool printsDiagnostics = true;
   bool dumpsMobiles = true;
   std::string mobileDumpFile;         ///< empty for the process's own choice
+  int mobileDumpDescriptor = -1;      ///< of that file, when the process is not to open it itself
   bool describesSteps = true;         ///< else nobody looks at the steps, and they come empty
   bool keepsImages = false;           ///< whether steps carry images that are in memory only
   bool processDrawsOnImages = false;  ///< such an image is then copied before the process has it

@@ -11,6 +11,7 @@
 #include <csignal>
 #include <fcntl.h>
 #include <filesystem>
+#include <memory>
 #include <poll.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -21,6 +22,7 @@ namespace grouptracker {
 namespace {
 
 using testing::HasSubstr;
+using testing::Not;
 using testing::StartsWith;
 
 /// Everything that the program writes, at places that are taken, full, or not what they seem.
@@ -161,10 +163,25 @@ TEST_F(OutputPlaces, ThatAreFullAreToldAndHoldWhatIsWhole) {
   ASSERT_TRUE(shown);
   EXPECT_FALSE(shown->next().empty()) << "what was written before can be seen";
 
+  std::filesystem::create_symlink("/dev/full", in("full.mp4"));
+  Program header(folder.path());
+  EXPECT_EQ(header.run(silent + QStringList{"--video", "full.mp4"}), 4);
+  EXPECT_EQ(header.errors(), "full.mp4: cannot be written: No space left on device\n");
+
   Program pictures(folder.path());
   EXPECT_EQ(runLimited(pictures, 1, silent + QStringList{"--video", "pictures"}), 4);
   EXPECT_THAT(pictures.errors(), StartsWith("pictures/000001.png: cannot be written: "));
   EXPECT_TRUE(std::filesystem::is_empty(in("pictures")));
+}
+
+TEST_F(OutputPlaces, OfWhatIsPrintedMayBeFullToo) {
+  for (const QStringList& command : std::vector<QStringList>{
+           {"run", "--help"}, {"--version"}, {"run", "--print-parameters"}, {"check", "p.txt"}}) {
+    Program program(folder.path());
+    program.process().setStandardOutputFile("/dev/full");
+    EXPECT_EQ(program.run(command), 4) << command.join(' ').toStdString();
+    EXPECT_EQ(program.errors(), "standard output: cannot be written: No space left on device\n");
+  }
 }
 
 TEST_F(OutputPlaces, OfSimulatedImagesThatAreFullAreTold) {
@@ -241,26 +258,39 @@ TEST_F(OutputPlaces, OfWhichTheReaderSleepsDoNotKeepTheProgramFromStopping) {
     scene += walkingLine(frame);
   }
   folder.write("scene.jsonl", scene);
-  ASSERT_EQ(::mkfifo(in("pipe").c_str(), 0600), 0);
-  const int reader = ::open(in("pipe").c_str(), O_RDWR);  // and never reads
-  Program program(folder.path());
-  program.process().setProgram("/bin/sh");
-  program.process().setArguments(
-      {"-c", QString::fromStdString("exec " + Program::path() +
-                                    " run scene.jsonl --parameters p.txt --output groups.jsonl "
-                                    "--diagnostics - --mobile-dump none > pipe")});
-  program.process().start();
-  const auto isFull = [reader] {
-    pollfd pipe{reader, POLLOUT, 0};
-    return ::poll(&pipe, 1, 0) == 0;
-  };
-  ASSERT_TRUE(program.waitUntil(isFull));
-  program.send(SIGTERM);
-  EXPECT_TRUE(program.process().waitForFinished(5000));
-  EXPECT_EQ(program.finish(), 128 + SIGTERM) << program.errors();
-  EXPECT_THAT(text("groups.jsonl"), testing::EndsWith("}\n"));
-  EXPECT_THAT(program.errors(), HasSubstr("stopped by SIGTERM"));
-  ::close(reader);
+  std::vector<std::unique_ptr<Program>> programs;
+  std::vector<int> readers;
+  for (const std::string options : {"--diagnostics - --mobile-dump none > pipe0",
+                                    "--diagnostics lines.txt --mobile-dump - > pipe1",
+                                    "--diagnostics none --mobile-dump pipe2"}) {
+    const std::string number = std::to_string(programs.size());
+    ASSERT_EQ(::mkfifo(in("pipe" + number).c_str(), 0600), 0);
+    readers.push_back(::open(in("pipe" + number).c_str(), O_RDWR));  // and never reads
+    Program& program = *programs.emplace_back(std::make_unique<Program>(folder.path()));
+    program.process().setProgram("/bin/sh");
+    program.process().setArguments(
+        {"-c", QString::fromStdString("exec " + Program::path() +
+                                      " run scene.jsonl --parameters p.txt --output groups" +
+                                      number + ".jsonl " + options)});
+    program.process().start();
+  }
+  for (std::size_t i = 0; i < programs.size(); ++i) {
+    const auto isFull = [reader = readers[i]] {
+      pollfd pipe{reader, POLLOUT, 0};
+      return ::poll(&pipe, 1, 0) == 0;
+    };
+    ASSERT_TRUE(programs[i]->waitUntil(isFull));
+    programs[i]->send(SIGTERM);
+  }
+  for (std::size_t i = 0; i < programs.size(); ++i) {
+    SCOPED_TRACE(i);
+    EXPECT_TRUE(programs[i]->process().waitForFinished(5000));
+    EXPECT_EQ(programs[i]->finish(), 128 + SIGTERM) << programs[i]->errors();
+    EXPECT_THAT(text("groups" + std::to_string(i) + ".jsonl"), testing::EndsWith("}\n"));
+    EXPECT_THAT(programs[i]->errors(), HasSubstr("stopped by SIGTERM"));
+    ::close(readers[i]);
+  }
+  EXPECT_THAT(text("lines.txt"), Not(HasSubstr("Mobiles with Groups")));
 }
 
 TEST_F(OutputPlaces, AreNotTheImagesOfTheInput) {
@@ -274,6 +304,15 @@ TEST_F(OutputPlaces, AreNotTheImagesOfTheInput) {
   Program program(folder.path());
   EXPECT_EQ(run(program, {"--video", "."}), 4);
   EXPECT_EQ(program.errors(), ".: would overwrite the images of the input\n");
+  for (const QStringList& command :
+       std::vector<QStringList>{runArguments({"--csv", "000001.png"}),
+                                runArguments({}, "000001.png"),
+                                {"report", "scene.jsonl", "g.jsonl", "--output", "000001.png"},
+                                {"events", "g.jsonl", "--sqlite", "000001.png"}}) {
+    Program other(folder.path());
+    EXPECT_EQ(other.run(command), 4);
+    EXPECT_EQ(other.errors(), "000001.png: is an image, which no output replaces\n");
+  }
   EXPECT_TRUE(text("000001.png") == image);
 }
 

@@ -52,6 +52,14 @@ bool GatheredText::appendTo(const std::string& fileName) {
     return false;
   }
   fcntl(file, F_SETFL, O_APPEND);
+  const bool isWritten = appendTo(file);
+  const int reason = errno;
+  close(file);
+  errno = reason;
+  return isWritten;
+}
+
+bool GatheredText::appendTo(int file) {
   struct stat before = {};
   const bool canBeCut = fstat(file, &before) == 0 && S_ISREG(before.st_mode);
   const bool isWritten = writeAll(file, m_pieces.data(), m_pieces.data() + m_pieces.size());
@@ -59,8 +67,8 @@ bool GatheredText::appendTo(const std::string& fileName) {
   if (!isWritten && canBeCut) {
     // No part of it, such as half a line, is better than a part.
     [[maybe_unused]] const int ignored = ftruncate(file, before.st_size);
+    lseek(file, 0, SEEK_END);
   }
-  close(file);
   errno = reason;
   return isWritten;
 }

@@ -15,6 +15,8 @@ class GatheredText {
   /// `errno`, when it cannot be written. A file then keeps what it had, a pipe or a device got as
   /// much as went through. A named pipe that nobody reads cannot be written.
   bool appendTo(const std::string& fileName);
+  /// The same for a file that somebody has opened.
+  bool appendTo(int file);
 
  private:
   std::vector<iovec> m_pieces;

@@ -106,7 +106,9 @@ bool GroupTrackerProcessGroupTracker::init() {
 }
 
 void GroupTrackerProcessGroupTracker::initOutputs() {
-  d().tracker.setMobileDump(mobileDumpFile(d().specificParameters.value("mobileDump")));
+  const auto& wishes = d().specificParameters;
+  d().tracker.setMobileDump(mobileDumpFile(wishes.value("mobileDump")),
+                            wishes.value("mobileDumpDescriptor", -1).toInt());
   if (GroupExtension::extDisplayOn || GroupExtension::saveOutput) {
     d().extension->init();
   }

@@ -14,8 +14,9 @@ class GroupTrackerProcessGroupTrackerPrivate;
 /// the tracker frame by frame and appends one actor per group to the actor list, for the frame
 /// "temporalWinSize:" frames back.
 ///
-/// Two named parameters of an instance are read by `init()`: "diagnostics" (false: nothing is
-/// printed) and "mobileDump" (false: no dump of the mobiles; a text: the dump's file name). The
+/// Named parameters of an instance are read by `init()`: "diagnostics" (false: nothing is printed),
+/// "mobileDump" (false: no dump of the mobiles; a text: the dump's file name) and
+/// "mobileDumpDescriptor" (an open file that is written to instead of opening that name). The
 /// object's property "outputProblem" is set by `process()` when a file could not be written at this
 /// frame: the file and what is wrong, a list of two texts. The process itself goes on.
 ///

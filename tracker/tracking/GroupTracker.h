@@ -57,7 +57,9 @@ class GroupTracker {
   virtual ~GroupTracker();
 
   /// The file to which the remembered mobiles are dumped at every intake; empty for no dump.
-  void setMobileDump(const std::string& fileName) { m_dump.setFile(fileName); }
+  void setMobileDump(const std::string& fileName, int descriptor = -1) {
+    m_dump.setFile(fileName, descriptor);
+  }
   const MobileDump& mobileDump() const { return m_dump; }
 
   // The scene's bounds on the ground, metres

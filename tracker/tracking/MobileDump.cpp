@@ -36,7 +36,7 @@ void MobileDump::write(unsigned int frame, const RememberedNodes& mobiles) {
     oldest = std::min(oldest, node->getIntakeNumber());
   }
   m_pieces.add("--------------------\n");
-  if (!m_pieces.appendTo(m_file)) {
+  if (!(m_descriptor < 0 ? m_pieces.appendTo(m_file) : m_pieces.appendTo(m_descriptor))) {
     const int error = errno;
     m_problem = std::strerror(error);
     m_readerHasGone = error == EPIPE || error == ENXIO;

@@ -15,12 +15,16 @@ class MobileDump {
  public:
   MobileDump() = default;
   /// A copy goes on in the same file and makes its own texts.
-  MobileDump(const MobileDump& other) : m_file(other.m_file) {}
+  MobileDump(const MobileDump& other) : m_file(other.m_file), m_descriptor(other.m_descriptor) {}
   MobileDump& operator=(const MobileDump&) = delete;
   ~MobileDump() = default;
 
-  /// The file that the dumps are appended to; empty for none.
-  void setFile(const std::string& name) { m_file = name; }
+  /// The file that the dumps are appended to; empty for none. With a descriptor, which is not
+  /// owned, that is written to and the name serves messages only.
+  void setFile(const std::string& name, int descriptor = -1) {
+    m_file = name;
+    m_descriptor = descriptor;
+  }
 
   /// Appends the dump of a frame. For a file that cannot be written see `problem()`; a pipe whose
   /// reader has gone gets no further one.
@@ -52,6 +56,7 @@ class MobileDump {
   void forgetBefore(std::size_t number);
 
   std::string m_file;
+  int m_descriptor = -1;  ///< when the file is opened by its name
   std::string m_problem;
   bool m_hasWritten = false;
   bool m_readerHasGone = false;
