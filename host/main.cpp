@@ -25,6 +25,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 #include <unistd.h>
 #include <utility>
 #include <vector>
@@ -89,10 +90,24 @@ int report(const std::exception& failure, ExitStatus status) {
   return status;
 }
 
-/// Whatever a command printed has to arrive; a reader who has gone wants no more of it.
-void finishStandardOutput() {
-  if (std::fflush(stdout) != 0 && errno != EPIPE) {
-    throw OutputError("standard output", systemProblem("cannot be written"));
+/// Whatever is printed has to arrive; a reader who has gone wants no more of it.
+template <typename Work>
+int runAndPrint(const Work& work) {
+  try {
+    const int status = work();
+    if (std::fflush(stdout) != 0 && errno != EPIPE) {
+      throw std::system_error(errno, std::generic_category());
+    }
+    return status;
+  } catch (const std::system_error& failure) {
+    if (std::ferror(stdout) == 0) {
+      throw;
+    }
+    const int error = failure.code().value();
+    if (error == EPIPE) {
+      throw ClosedPipe("-");
+    }
+    throw OutputError("standard output", systemProblem("cannot be written", error));
   }
 }
 
@@ -114,11 +129,11 @@ void refuseToDestroy(const Options& command) {
   refuseOverwriting(written, inputs);
 }
 
-int runCommand(Command& command, const Options& options) {
+/// The exit status of what works and prints; a failure is told in one line.
+template <typename Work>
+int statusOf(const Work& work) {
   try {
-    refuseToDestroy(options);
-    const int status = command.run();
-    finishStandardOutput();
+    const int status = runAndPrint(work);
     return status == finished ? StopSignals::exitStatus() : status;
   } catch (const WrongParameters& failure) {
     return report(failure, wrongParameters);
@@ -141,7 +156,10 @@ int runWithin(Command& command, const Options& options, int& argc, char** argv) 
   const auto application = command.needsScreen() ? openScreen(argc, argv)
                                                  : std::make_unique<QCoreApplication>(argc, argv);
   std::setlocale(LC_NUMERIC, "C");  // Qt takes the user's; files have points in their numbers
-  return runCommand(command, options);
+  return statusOf([&] {
+    refuseToDestroy(options);
+    return command.run();
+  });
 }
 
 }  // namespace
@@ -158,8 +176,14 @@ int main(int argc, char** argv) {
     const Options options = command->declare(line);
     commands.emplace_back(options, std::move(command));
   }
-  if (const auto status = line.parse(argc, argv)) {
-    return *status;
+  bool isAnswered = false;  // by help, or by what is wrong with the line
+  const int status = statusOf([&] {
+    const auto answer = line.parse(argc, argv);
+    isAnswered = answer.has_value();
+    return answer.value_or(finished);
+  });
+  if (isAnswered || status != finished) {
+    return status;
   }
   for (const auto& [options, command] : commands) {
     if (options.wereChosen()) {

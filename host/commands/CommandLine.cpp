@@ -141,7 +141,9 @@ std::optional<int> CommandLine::parse(int argc, char** argv) {
   try {
     m_program->parse(argc, argv);
   } catch (const CLI::Success& wish) {
-    m_program->exit(wish);
+    std::ostringstream text;
+    m_program->exit(wish, text, text);
+    fmt::print("{}", text.str());
     return finished;
   } catch (const CLI::ParseError& failure) {
     auto slip = slipIn(*m_program);

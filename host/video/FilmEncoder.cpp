@@ -103,8 +103,9 @@ class FilmEncoder::Encoding {
   }
 
   void add(const cv::Mat& picture) {
-    if (!m_format) {
+    if (!m_hasBegun) {
       open({picture.cols & ~1, picture.rows & ~1});
+      m_hasBegun = true;
     }
     check(av_frame_make_writable(m_frame.get()));
     const std::array<const std::uint8_t*, 1> rows{picture.data};
@@ -116,7 +117,7 @@ class FilmEncoder::Encoding {
   }
 
   void finish() {
-    if (!m_format) {
+    if (!std::exchange(m_hasBegun, false)) {
       return;
     }
     encode(nullptr);
@@ -208,7 +209,8 @@ class FilmEncoder::Encoding {
   std::string m_name;
   double m_rate;
   FilmBytes m_bytes;
-  Owned<AVFormatContext> m_format;  ///< null before the first picture and behind the last
+  bool m_hasBegun = false;  ///< with the first picture, and not ended
+  Owned<AVFormatContext> m_format;
   Owned<AVCodecContext> m_codec;
   Owned<AVFrame> m_frame;
   Owned<AVPacket> m_packet;
