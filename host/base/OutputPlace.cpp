@@ -3,11 +3,14 @@
 #include "host/base/FileDescriptor.h"
 #include "host/base/Interruption.h"
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstddef>
 #include <fcntl.h>
 #include <filesystem>
 #include <poll.h>
+#include <string_view>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <system_error>
@@ -18,6 +21,10 @@ namespace grouptracker {
 namespace {
 
 constexpr mode_t readableByAll = 0666;  // less what the user's mask takes away
+
+// PNG, JPEG, TIFF, BMP and PPM.
+constexpr std::array<std::string_view, 5> imageBegins{"\x89PNG", "\xff\xd8\xff", "II*", "BM",
+                                                      "P6\n"};
 
 bool isPipe(const std::string& path) {
   struct stat status = {};
@@ -45,6 +52,17 @@ void lockFile(const FileDescriptor& file, const std::string& path) {
   if (::flock(file.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
     throw OutputError(path, "is being written by another run");
   }
+}
+
+/// Whether a file holds an image, as its first bytes say: one that the input names, maybe, or
+/// anybody's else. What is opened here never becomes one.
+bool isImage(const std::string& path) {
+  const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+  std::array<char, 4> bytes{};
+  const ssize_t count = file.isOpen() ? ::read(file.get(), bytes.data(), bytes.size()) : 0;
+  const std::string_view begin(bytes.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+  return std::any_of(imageBegins.begin(), imageBegins.end(),
+                     [begin](std::string_view known) { return begin.starts_with(known); });
 }
 
 const std::string standardInput = "-";
@@ -83,6 +101,9 @@ FileDescriptor openOutput(const std::string& path, OldContent old) {
   }
   ::fcntl(file.get(), F_SETFL, ::fcntl(file.get(), F_GETFL) & ~O_NONBLOCK);
   if (isRegular(file)) {
+    if (isImage(path)) {
+      throw OutputError(path, "is an image, which no output replaces");
+    }
     lockFile(file, path);
     if (old == OldContent::replaced && ::ftruncate(file.get(), 0) != 0) {
       throw OutputError(path, systemProblem("cannot be written"));

@@ -20,9 +20,9 @@ enum class OldContent { replaced, kept };
 
 /// Opens a file, pipe or device for writing: the one way in which the program opens its outputs. A
 /// regular file is locked as long as it is open, so that no two runs write the same one, and only
-/// then emptied; links are followed. For the reader of a named pipe it waits until there is one or
-/// the program is asked to stop, which is `OutputInterrupted`. What else cannot be opened is an
-/// `OutputError`. The descriptor blocks.
+/// then emptied; links are followed; images stay, as inputs name some within. For the reader of a
+/// named pipe it waits until there is one or the program is asked to stop, which is
+/// `OutputInterrupted`. What else cannot be opened is an `OutputError`. The descriptor blocks.
 FileDescriptor openOutput(const std::string& path, OldContent old = OldContent::replaced);
 
 /// The same for a place that must be a regular file or nothing yet, such as a database.

@@ -9,10 +9,12 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <mosquitto.h>
 #include <new>
 #include <random>
 #include <stdexcept>
+#include <system_error>
 #include <unistd.h>
 #include <utility>
 
@@ -46,9 +48,14 @@ std::string problemOf(int result) {
   return result == MOSQ_ERR_ERRNO ? std::strerror(errno) : library().strerror(result);
 }
 
+/// The library would wait for somebody who writes a pipe, and know of no stop.
 void expectFile(const std::string& file) {
   if (!file.empty() && ::access(file.c_str(), R_OK) != 0) {
     throw InputError(file, systemProblem("cannot be read"));
+  }
+  std::error_code ignored;
+  if (!file.empty() && !std::filesystem::is_regular_file(file, ignored)) {
+    throw InputError(file, "a regular file is expected");
   }
 }
 

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -191,6 +192,16 @@ ParameterFile readParameterFile(const std::string& path) {
   if (std::filesystem::exists(path, ignored) && !std::filesystem::is_regular_file(path, ignored) &&
       !std::filesystem::is_directory(path, ignored)) {
     throw InputError(path, "the parameters must be in a regular file");
+  }
+  // Diagnostics name a file, which may be any.
+  constexpr std::uintmax_t longest = 1024 * 1024;  // bytes
+  const std::uintmax_t size = std::filesystem::file_size(path, ignored);
+  if (!ignored && size > longest) {
+    throw InputError(path, "is longer than 1 MiB, so it holds no parameters");
+  }
+  if (!ignored && size == 0) {  // the system's own files look like that and may have no end
+    std::istringstream nothing;
+    return readParameterFile(nothing, path);
   }
   std::ifstream in(path);
   if (!in.is_open()) {

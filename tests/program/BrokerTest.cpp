@@ -336,6 +336,7 @@ TEST(BrokerAccess, IsSecuredByCertificatesOfBothSides) {
   EXPECT_THAT(errorsOf(known, 0), HasSubstr("could not be published")) << "nobody vouches for it";
   EXPECT_THAT(errorsOf({"--mqtt-ca", "none.pem"}, 2),
               StartsWith("none.pem: cannot be read: No such"));
+  EXPECT_EQ(errorsOf({"--mqtt-ca", "/dev/zero"}, 2), "/dev/zero: a regular file is expected\n");
 }
 
 }  // namespace

@@ -36,7 +36,7 @@ void FrameCheck::look(const InputFrame& frame) {
   }
   lookForGaps(frame);
   std::error_code ignored;
-  if (!frame.imageFile.empty() && !std::filesystem::exists(frame.imageFile, ignored)) {
+  if (!frame.imageFile.empty() && !std::filesystem::is_regular_file(frame.imageFile, ignored)) {
     m_report.warn("image", frame.place,
                   "there is no image " + frame.imageFile.string() +
                       ", at which a run stops that draws output images");

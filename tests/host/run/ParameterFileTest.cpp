@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <sstream>
 #include <string>
 
@@ -103,6 +104,11 @@ TEST(ParameterFile, LeavesPipesAloneAndReportsMissingFiles) {
             "\"coherenceThreshold:\" is expected");
   EXPECT_EQ(errorOf([] { readParameterFile("/dev/null"); }),
             "/dev/null: the parameters must be in a regular file");
+  const TempFolder folder;
+  const std::string endless = folder.write("p.txt", "");
+  std::filesystem::resize_file(endless, 1ULL << 40U);
+  EXPECT_EQ(errorOf([&] { readParameterFile(endless); }),
+            endless + ": is longer than 1 MiB, so it holds no parameters");
 }
 
 }  // namespace
