@@ -1,5 +1,6 @@
 #include "host/base/InputFile.h"
 #include "host/base/JsonLine.h"
+#include "host/base/PersonNames.h"
 #include "host/commands/Command.h"
 #include "host/commands/InputChoice.h"
 #include "host/evaluation/Baselines.h"
@@ -10,12 +11,14 @@
 
 #include <fmt/format.h>
 
+#include <charconv>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <vector>
 
 namespace grouptracker {
@@ -32,11 +35,11 @@ class ExplainCommand : public Command {
  private:
   int explainPersons();
 
-  std::string m_diagnosticsFile;  ///< or the input, where two persons are asked for
-  std::vector<int> m_persons;     ///< two, or none
-  std::string m_modelFile;        ///< empty for the built-in one
-  double m_lookAhead = 3.2;       ///< seconds
-  InputChoice m_reading;          ///< for two persons
+  std::string m_diagnosticsFile;       ///< or the input, where two persons are asked for
+  std::vector<std::string> m_persons;  ///< the names of two, or none
+  std::string m_modelFile;             ///< empty for the built-in one
+  double m_lookAhead = 3.2;            ///< seconds
+  InputChoice m_reading;               ///< for two persons
   std::string m_dumpFile;
   std::string m_parameterFile;
   std::optional<int> m_group;
@@ -49,6 +52,16 @@ const char* const explainExample = R"(Example:
     --diagnostics lines.txt --mobile-dump mobiles.txt
   grouptracker explain lines.txt --group 4 --mobile-dump mobiles.txt
   grouptracker explain seq_eth --persons 17 18)";
+
+/// The person whom the input calls so, which may be a number or a text.
+PersonId personCalled(const std::string& name) {
+  const char* const end = name.data() + name.size();
+  std::int64_t number = 0;
+  const auto [rest, error] = std::from_chars(name.data(), end, number);
+  auto& names = PersonNames::ofProgram();
+  return error == std::errc() && rest == end && number >= 0 ? names.numberOf(number)
+                                                            : names.numberOf(name);
+}
 
 /// A line with the persons of a group at a processed frame; empty when there are none.
 std::string membersLine(const DecisionLog& log, int group, std::int32_t frame) {
@@ -130,8 +143,7 @@ int ExplainCommand::explainPersons() {
   const EvidenceModel model =
       m_modelFile.empty() ? EvidenceModel::builtIn() : EvidenceModel::read(m_modelFile);
   GroupFinder finder(model, m_lookAhead);
-  PairStory story(static_cast<PersonId>(m_persons.front()), static_cast<PersonId>(m_persons.back()),
-                  model);
+  PairStory story(personCalled(m_persons.front()), personCalled(m_persons.back()), model);
   InputOptions options = inputOptions(m_reading);
   options.decodesVideo = false;
   const OpenedInput input = openInput(m_diagnosticsFile, options);
@@ -139,8 +151,8 @@ int ExplainCommand::explainPersons() {
     story.watch(peopleIn(frame), finder);
   }
   story.finish(finder);
-  for (const int person : m_persons) {
-    if (!story.saw(static_cast<PersonId>(person))) {
+  for (const std::string& person : m_persons) {
+    if (!story.saw(personCalled(person))) {
       throw InputError(m_diagnosticsFile, fmt::format("has no person {}", person));
     }
   }

@@ -1,6 +1,6 @@
 #include "host/explain/PairStory.h"
 
-#include "host/base/JsonLine.h"
+#include "host/base/PersonNames.h"
 #include "host/explain/PairWords.h"
 
 #include <fmt/format.h>
@@ -31,18 +31,27 @@ const PersonAt* find(const std::vector<PersonAt>& people, PersonId person) {
   return found == people.end() ? nullptr : &*found;
 }
 
+std::string nameOf(PersonId person) {
+  return PersonNames::ofProgram().textOf(person);
+}
+
 std::string othersIn(const std::vector<PersonId>& group, PersonId person) {
   std::vector<PersonId> others;
   std::copy_if(group.begin(), group.end(), std::back_inserter(others),
                [person](PersonId other) { return other != person; });
-  return json_line::joined(others, ", ");
+  std::string names;
+  for (const PersonId other : others) {
+    names += (names.empty() ? "" : ", ") + nameOf(other);
+  }
+  return names;
 }
 
 /// With whom the two are instead.
 std::string company(const PairMoment& moment, PersonId a, PersonId b) {
   const auto of = [](PersonId person, const std::vector<PersonId>& group) {
-    return group.empty() ? fmt::format("{} is alone", person)
-                         : fmt::format("{} is in a group with {}", person, othersIn(group, person));
+    return group.empty()
+               ? fmt::format("{} is alone", nameOf(person))
+               : fmt::format("{} is in a group with {}", nameOf(person), othersIn(group, person));
   };
   return fmt::format("  at {:.1f} s {}, {}\n", moment.time, of(a, moment.groupOfA),
                      of(b, moment.groupOfB));
@@ -132,15 +141,15 @@ std::string PairStory::overview() const {
       "Persons {} and {} are in view together from {:.1f} s (frame {}) to {:.1f} s (frame {}) and "
       "in "
       "one group {:.0f} % of that time.\nThey are nearest at {:.1f} s, {:.1f} m.\n",
-      m_a, m_b, m_moments.front().time, m_moments.front().frame, m_moments.back().time,
-      m_moments.back().frame,
+      nameOf(m_a), nameOf(m_b), m_moments.front().time, m_moments.front().frame,
+      m_moments.back().time, m_moments.back().frame,
       100.0 * static_cast<double>(together) / static_cast<double>(m_moments.size()), nearest->time,
       nearest->distance);
 }
 
 std::string PairStory::text() const {
   if (m_moments.empty()) {
-    return fmt::format("Persons {} and {} are never in view together.\n", m_a, m_b);
+    return fmt::format("Persons {} and {} are never in view together.\n", nameOf(m_a), nameOf(m_b));
   }
   std::string text = overview();
   if (std::none_of(m_moments.begin(), m_moments.end(),

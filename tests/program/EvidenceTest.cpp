@@ -72,6 +72,12 @@ TEST_F(Evidence, IsExplainedForPeopleWhoAreThere) {
   EXPECT_THAT(program.output(), StartsWith("Persons 1 and 3 are in view together"));
   EXPECT_EQ(program.run({"explain", "walk", "--persons", "1", "30"}), 2);
   EXPECT_THAT(program.errors(), testing::EndsWith("walk: has no person 30\n"));
+  folder.write("named.csv",
+               "frame,id,x,y\n1,anna,0,0\n1,3000000000,0,1\n2,anna,1,0\n2,3000000000,1,1\n");
+  Program named(folder.path());
+  EXPECT_EQ(named.run({"explain", "named.csv", "--persons", "anna", "3000000000"}), 0)
+      << named.errors();
+  EXPECT_THAT(named.output(), StartsWith("Persons anna and 3000000000 are in view together"));
 }
 
 }  // namespace
