@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Attacks the program at random: kills, limits of the size of files, readers who leave, damaged input.
+"""Attacks the program at random: kills, full disks, readers who leave, damaged input, threads.
 
 Whatever happens, it must neither crash nor hang, say what is wrong in one line, and leave files that hold
 what is whole. Each attack has a number; the same --seed makes the same attacks.
@@ -33,17 +33,33 @@ class Failed(Exception):
 class Torture:
     def __init__(self, program, folder, rng):
         self.program = str(pathlib.Path(program).resolve())
+        self.trackers = pathlib.Path(program).resolve().with_name("library_tests")
         self.folder = folder
         self.random = rng
         self.environment = dict(os.environ, ASAN_OPTIONS=f"exitcode={SANITIZER}",
                                 UBSAN_OPTIONS=f"halt_on_error=1:exitcode={SANITIZER}")
         self.scene = folder / "scene"
+        self.disk = folder / "disk"
+        self.disk.mkdir()
         parameters = pathlib.Path(__file__).resolve().parent.parent / "samples/parameters/video.txt"
         shutil.copy(parameters, folder / "p.txt")
         self.must(["simulate", "--output", "scene", "--frames", str(FRAMES), "--people", "12", "--images", "--quiet"])
         begin = time.monotonic()
         self.must(self.run_with("first"))
         self.longest = time.monotonic() - begin  # kills come at any moment of a run
+
+    def attacks(self):
+        """All that can be done here."""
+        attacks = [self.kill, self.stop, self.limit, self.leave, self.race, self.damage, self.damage]
+        if self.can_mount():
+            attacks.append(self.fill)
+        else:
+            print("NOT attacked by a full disk: mounting one needs the rights of root", file=sys.stderr)
+        if self.trackers.exists():
+            attacks.append(self.threads)
+        else:
+            print(f"NOT attacked by hosts in threads: there is no {self.trackers}", file=sys.stderr)
+        return attacks
 
     def start(self, arguments, **more):
         return subprocess.Popen([self.program, *arguments], cwd=self.folder, env=self.environment,
@@ -99,10 +115,9 @@ class Torture:
 
     def check_film(self, path):
         """All but the last second of a film, and what was still to be drawn, can be seen."""
-        reported = self.folder / path.with_suffix(".jsonl").name
-        wanted = len(reported.read_text().splitlines()) - 25 - 32
+        wanted = self.lines(path.with_suffix(".jsonl")) - 25 - 32
         _, text = self.end_of(self.start(
-            ["run", "scene/scene.jsonl", "--images", path.name, "--parameters", "p.txt", "--output", "seen.jsonl",
+            ["run", "scene/scene.jsonl", "--images", str(path), "--parameters", "p.txt", "--output", "seen.jsonl",
              "--video", "seen-pictures", "--quiet", "--mobile-dump", "none", "--diagnostics", "none"],
             stdout=subprocess.DEVNULL))
         seen = re.search(r"has only (\d+) frames", text)
@@ -117,6 +132,9 @@ class Torture:
         if path.suffix == ".jsonl":
             for line in text.splitlines():
                 json.loads(line)
+
+    def lines(self, name):
+        return len((self.folder / name).read_text().splitlines())
 
     def kill(self):
         self.clean("killed")
@@ -143,10 +161,49 @@ class Torture:
         process = self.start(self.run_with("limited"),
                              stdout=subprocess.DEVNULL,
                              preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (size, size)))
+        self.check_full(process, f"with files of at most {size} bytes")
+        self.check_files("limited")
+
+    def check_full(self, process, where):
         status, text = self.end_of(process)
         if status not in (0, 4) or (status == 4 and len(text.splitlines()) != 1):
-            raise Failed(f"with files of at most {size} bytes it ends with {status}: {text}")
-        self.check_files("limited")
+            raise Failed(f"{process.args} {where} ends with {status}: {text}")
+        return status
+
+    def fill(self):
+        """A disk of some kilobytes, which is full sooner or later."""
+        self.leave_disk()
+        size = self.random.choice([8, 64, 300, 1000, 2000])
+        subprocess.run(["mount", "-t", "tmpfs", "-o", f"size={size}k", "tmpfs", self.disk], check=True)
+        command = self.random.choice([
+            self.run_with("disk/full"), self.run_with("disk/full"), self.run_with("disk/full"),
+            ["simulate", "--output", "disk/full", "--images", "--frames", "40", "--quiet"],
+            ["convert", "scene/scene.jsonl", "--output", "disk/full.jsonl"],
+            ["events", "first.jsonl", "--input", "scene/scene.jsonl", "--output", "disk/full.jsonl",
+             "--sqlite", "disk/full.sqlite", "--persons", "disk/full.csv"],
+            ["report", "scene/scene.jsonl", "first.jsonl", "--output", "disk/full.html"],
+            ["evaluate", "first.jsonl", "--truth", "scene/truth.jsonl", "--errors", "disk/full.csv"]])
+        status = self.check_full(self.start(command, stdout=subprocess.DEVNULL), f"on a disk of {size} kB")
+        self.check_files("disk/full")
+        if status == 0 and command[0] == "run" and self.lines("disk/full.jsonl") != FRAMES:
+            raise Failed(f"on a disk of {size} kB groups are lost without a word")
+
+    def leave_disk(self):
+        if self.disk.is_mount():
+            subprocess.run(["umount", "--lazy", self.disk], check=True)  # a database may still be open
+
+    def can_mount(self):
+        mount = ["mount", "-t", "tmpfs", "tmpfs", self.disk]
+        return os.geteuid() == 0 and subprocess.run(mount, stderr=subprocess.DEVNULL, check=False).returncode == 0
+
+    def threads(self):
+        """Several hosts in one process, each in a thread: what each gets is what it gets alone."""
+        seed = self.random.randrange(1, 100_000)
+        tests = subprocess.run([self.trackers, "--gtest_filter=Trackers.GiveTheSameInThreads", "--gtest_shuffle",
+                                f"--gtest_random_seed={seed}"], env=self.environment, stdout=subprocess.PIPE,
+                               stderr=subprocess.STDOUT, timeout=PATIENCE, check=False)
+        if tests.returncode != 0:
+            raise Failed(f"{tests.args} ends with {tests.returncode}: {tests.stdout.decode(errors='replace')[-3000:]}")
 
     def leave(self):
         """Somebody reads one of the outputs, slowly, and goes; the others are whole."""
@@ -165,7 +222,7 @@ class Torture:
         status, text = self.end_of(process)
         if status not in (0, 5):
             raise Failed(f"when the reader of {option} leaves it ends with {status}: {text}")
-        if len((self.folder / "left.jsonl").read_text().splitlines()) != FRAMES:
+        if self.lines("left.jsonl") != FRAMES:
             raise Failed(f"when the reader of {option} leaves the groups are not complete")
         self.check_files("left")
 
@@ -177,7 +234,7 @@ class Torture:
         ends = [self.end_of(run) for run in runs]
         if sorted(status for status, _ in ends) not in ([0, 4], [0, 0]):  # one after the other, if late
             raise Failed(f"two runs on the same outputs end with {ends}")
-        if len((self.folder / "raced.jsonl").read_text().splitlines()) != FRAMES:
+        if self.lines("raced.jsonl") != FRAMES:
             raise Failed("of two runs on the same outputs none is complete")
         self.check_files("raced")
 
@@ -237,18 +294,19 @@ def main():
     counts = {}
     with tempfile.TemporaryDirectory() as folder:
         torture = Torture(options.program, pathlib.Path(folder), random.Random(options.seed))
-        attacks = [torture.kill, torture.stop, torture.limit, torture.leave, torture.race, torture.damage,
-                   torture.damage]
+        attacks = torture.attacks()
         end = time.monotonic() + 60.0 * options.minutes
         while time.monotonic() < end:
             attack = torture.random.choice(attacks)
             try:
                 attack()
-            except (Failed, ValueError, sqlite3.Error) as failure:
+            except (Failed, ValueError, sqlite3.Error, subprocess.TimeoutExpired) as failure:
                 print(f"{attack.__name__} (seed {options.seed}): {failure}", file=sys.stderr)
                 shutil.rmtree(options.keep, ignore_errors=True)
                 shutil.copytree(folder, options.keep)
                 return 1
+            finally:
+                torture.leave_disk()
             counts[attack.__name__] = counts.get(attack.__name__, 0) + 1
     print("survived " + ", ".join(f"{count} x {name}" for name, count in sorted(counts.items())))
     return 0
