@@ -11,30 +11,34 @@ namespace grouptracker {
 
 namespace {
 
-std::vector<PersonId> idsOf(const std::vector<PersonAt>& people) {
-  std::vector<PersonId> ids;
-  ids.reserve(people.size());
-  for (const PersonAt& person : people) {
-    ids.push_back(person.person);
+/// Where those of some persons stand among the people who are there; both in ascending order.
+std::vector<std::size_t> indicesOf(const std::vector<PersonId>& persons,
+                                   const std::vector<PersonAt>& people) {
+  std::vector<std::size_t> indices;
+  indices.reserve(persons.size());
+  auto at = people.begin();
+  for (const PersonId person : persons) {
+    at = std::lower_bound(at, people.end(), person,
+                          [](const PersonAt& other, PersonId id) { return other.person < id; });
+    if (at != people.end() && at->person == person) {
+      indices.push_back(static_cast<std::size_t>(at - people.begin()));
+    }
   }
-  return ids;
+  return indices;
 }
 
-/// Of some of the people, both in ascending order.
-cv::Point2d meanPlace(const std::vector<PersonId>& members, const std::vector<PersonAt>& people) {
+cv::Point2d meanPlace(const std::vector<std::size_t>& members,
+                      const std::vector<PersonAt>& people) {
   cv::Point2d sum;
-  auto person = people.begin();
-  for (const PersonId member : members) {
-    person = std::lower_bound(person, people.end(), member,
-                              [](const PersonAt& at, PersonId id) { return at.person < id; });
-    sum += person->place;
+  for (const std::size_t member : members) {
+    sum += people[member].place;
   }
   const auto count = static_cast<double>(members.size());
   return {sum.x / count, sum.y / count};
 }
 
-std::vector<PersonId> common(const std::vector<PersonId>& a, const std::vector<PersonId>& b) {
-  std::vector<PersonId> both;
+std::vector<GroupId> common(const std::vector<GroupId>& a, const std::vector<GroupId>& b) {
+  std::vector<GroupId> both;
   std::set_intersection(a.begin(), a.end(), b.begin(), b.end(), std::back_inserter(both));
   return both;
 }
@@ -101,18 +105,23 @@ std::vector<FrameGroups> GroupFinder::handOut(double knownUntil) {
 FrameGroups GroupFinder::describe(const WaitingFrame& waiting) {
   const PeopleFrame& frame = waiting.frame;
   FrameGroups line{frame.number, frame.time, {}, {}};
-  const std::vector<PersonId> inView = idsOf(frame.people);
-  std::vector<PersonId> together;
+  line.groups.reserve(m_groups.size());
+  std::vector<bool> isTogether(frame.people.size(), false);
   for (const TickGroup& group : m_groups) {
-    std::vector<PersonId> members = common(group.members, inView);
-    if (members.size() >= 2) {
-      together.insert(together.end(), members.begin(), members.end());
-      line.groups.push_back(describe(group, std::move(members), frame, waiting.tick.has_value()));
+    const std::vector<std::size_t> inView = indicesOf(group.members, frame.people);
+    if (inView.size() < 2) {
+      continue;
+    }
+    for (const std::size_t person : inView) {
+      isTogether[person] = true;
+    }
+    line.groups.push_back(describe(group, inView, waiting));
+  }
+  for (std::size_t person = 0; person < frame.people.size(); ++person) {
+    if (!isTogether[person]) {
+      line.alone.push_back(frame.people[person].person);
     }
   }
-  std::sort(together.begin(), together.end());
-  std::set_difference(inView.begin(), inView.end(), together.begin(), together.end(),
-                      std::back_inserter(line.alone));
   m_listed.clear();
   for (const FoundGroup& group : line.groups) {
     m_listed.push_back(group.id);
@@ -120,15 +129,18 @@ FrameGroups GroupFinder::describe(const WaitingFrame& waiting) {
   return line;
 }
 
-FoundGroup GroupFinder::describe(const TickGroup& group, std::vector<PersonId> members,
-                                 const PeopleFrame& frame, bool isTick) {
+FoundGroup GroupFinder::describe(const TickGroup& group, const std::vector<std::size_t>& members,
+                                 const WaitingFrame& waiting) {
   FoundGroup found;
   found.id = group.id;
-  found.position = meanPlace(members, frame.people);
-  found.members = std::move(members);
-  found.since = m_since.try_emplace(group.id, frame.number).first->second;
+  found.position = meanPlace(members, waiting.frame.people);
+  found.members.reserve(members.size());
+  for (const std::size_t member : members) {
+    found.members.push_back(waiting.frame.people[member].person);
+  }
+  found.since = m_since.try_emplace(group.id, waiting.frame.number).first->second;
   found.confidence = group.confidence;
-  found.from = isTick ? listedOrigin(group) : std::vector<GroupId>();
+  found.from = waiting.tick ? listedOrigin(group) : std::vector<GroupId>();
   return found;
 }
 

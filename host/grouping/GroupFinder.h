@@ -4,6 +4,7 @@
 #include "host/grouping/GroupIdentity.h"
 #include "host/grouping/PairEvidence.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <functional>
@@ -47,8 +48,8 @@ class GroupFinder {
   double clock(const PeopleFrame& frame);
   std::vector<FrameGroups> handOut(double knownUntil);
   FrameGroups describe(const WaitingFrame& waiting);
-  FoundGroup describe(const TickGroup& group, std::vector<PersonId> members,
-                      const PeopleFrame& frame, bool isTick);
+  FoundGroup describe(const TickGroup& group, const std::vector<std::size_t>& members,
+                      const WaitingFrame& waiting);
   std::vector<GroupId> listedOrigin(const TickGroup& group) const;
 
   double m_lookAhead;     ///< seconds

@@ -60,9 +60,13 @@ std::vector<TickGroup> GroupIdentity::next(const TickBeliefs& tick, const Latest
 GroupIdentity::GroupsOfPeople GroupIdentity::groupsOf(const std::vector<PersonAt>& people) const {
   GroupsOfPeople groupOf;
   groupOf.reserve(people.size());
+  auto member = m_memberOf.begin();  // goes along with the people
   for (const PersonAt& person : people) {
-    const auto group = m_memberOf.find(person.person);
-    groupOf.push_back(group == m_memberOf.end() ? 0 : group->second);
+    while (member != m_memberOf.end() && member->first < person.person) {
+      ++member;
+    }
+    const bool isMember = member != m_memberOf.end() && member->first == person.person;
+    groupOf.push_back(isMember ? member->second : 0);
   }
   return groupOf;
 }
@@ -82,64 +86,48 @@ void GroupIdentity::watchMeetings(const TickBeliefs& tick, GroupsOfPeople groupO
 
 GroupIdentity::Gatherings GroupIdentity::gather(const TickBeliefs& tick,
                                                 const GroupsOfPeople& groupOf) const {
-  const auto beliefIn = [this](const PairBelief& pair) {
-    return m_meetings.haveMet(pair.a, pair.b) ? std::max(limited(pair.belief), met)
-                                              : limited(pair.belief);
-  };
-  const auto score = [&](const PairBelief& pair) {
-    const GroupId group = groupOf[pair.indexOfA];
-    const bool areTogether = group != 0 && group == groupOf[pair.indexOfB];
-    return beliefIn(pair) + (areTogether ? stay : 0.0);
-  };
-  // Most people have nobody: only the others get numbers in the table of pairs.
-  std::vector<char> hasSomebody(tick.people.size(), 0);
-  for (const PairBelief& pair : tick.pairs) {
-    if (score(pair) > 0.0) {
-      hasSomebody[pair.indexOfA] = hasSomebody[pair.indexOfB] = 1;
-    }
-  }
-  std::vector<PersonId> people;
-  std::vector<std::size_t> numberOf(tick.people.size(), 0);
-  for (std::size_t i = 0; i < hasSomebody.size(); ++i) {
-    if (hasSomebody[i] != 0) {
-      numberOf[i] = people.size();
-      people.push_back(tick.people[i].person);
-    }
-  }
-
-  PairScores scores(people.size(), lowestBelief);
-  PairScores beliefs(people.size(), lowestBelief);
-  for (const PairBelief& pair : tick.pairs) {
-    if (hasSomebody[pair.indexOfA] != 0 && hasSomebody[pair.indexOfB] != 0) {
-      const std::size_t a = numberOf[pair.indexOfA];
-      const std::size_t b = numberOf[pair.indexOfB];
-      scores.set(a, b, score(pair));
-      beliefs.set(a, b, beliefIn(pair));
-    }
-  }
   Gatherings gatherings;
-  for (const Cluster& cluster : linkByAverage(scores)) {
-    gatherings.push_back(describe(cluster, beliefs, people));
+  for (const PersonIsland& island :
+       islandsOf(linksOf(tick, groupOf), tick.people.size(), lowestBelief)) {
+    for (const Cluster& cluster : linkByAverage(island.scores)) {
+      Gathering& gathering = gatherings.emplace_back();
+      gathering.evidence = meanScore(cluster, island.beliefs);
+      for (const std::size_t number : cluster) {
+        const std::size_t person = island.people[number];
+        gathering.people.push_back(tick.people[person].person);
+        if (groupOf[person] != 0) {
+          ++gathering.before[groupOf[person]];
+        }
+      }
+    }
   }
+  std::sort(gatherings.begin(), gatherings.end(), [](const Gathering& a, const Gathering& b) {
+    return a.people.front() < b.people.front();
+  });
   return gatherings;
 }
 
-GroupIdentity::Gathering GroupIdentity::describe(const Cluster& cluster, const PairScores& beliefs,
-                                                 const std::vector<PersonId>& people) const {
-  Gathering gathering;
-  for (const std::size_t i : cluster) {
-    gathering.people.push_back(people[i]);
-    const auto group = m_memberOf.find(people[i]);
-    if (group != m_memberOf.end()) {
-      ++gathering.before[group->second];
-    }
+/// What speaks for each pair, in favour of who is together already.
+std::vector<PersonLink> GroupIdentity::linksOf(const TickBeliefs& tick,
+                                               const GroupsOfPeople& groupOf) const {
+  std::vector<PersonLink> links;
+  links.reserve(tick.pairs.size());
+  for (const PairBelief& pair : tick.pairs) {
+    const double belief = m_meetings.haveMet(pair.a, pair.b) ? std::max(limited(pair.belief), met)
+                                                             : limited(pair.belief);
+    const GroupId group = groupOf[pair.indexOfA];
+    const bool areTogether = group != 0 && group == groupOf[pair.indexOfB];
+    links.push_back({pair.indexOfA, pair.indexOfB, belief, belief + (areTogether ? stay : 0.0)});
   }
-  gathering.evidence = meanScore(cluster, beliefs);
-  return gathering;
+  return links;
 }
 
 /// The look-ahead knows that a group will split before anybody can see it.
 void GroupIdentity::holdTogether(const TickBeliefs& tick, Gatherings& gatherings) {
+  if (!doesAnyPart(gatherings)) {
+    m_parting.clear();
+    return;
+  }
   std::map<GroupId, double> parting;
   for (auto a = gatherings.begin(); a != gatherings.end(); ++a) {
     for (auto b = a + 1; b != gatherings.end();) {
@@ -159,6 +147,19 @@ void GroupIdentity::holdTogether(const TickBeliefs& tick, Gatherings& gatherings
     }
   }
   m_parting = std::move(parting);
+}
+
+/// Whether two gatherings have a common origin.
+bool GroupIdentity::doesAnyPart(const Gatherings& gatherings) {
+  std::set<GroupId> origins;
+  for (const Gathering& gathering : gatherings) {
+    for (const auto& [group, members] : gathering.before) {
+      if (members >= core && !origins.insert(group).second) {
+        return true;
+      }
+    }
+  }
+  return false;
 }
 
 /// The group that both were part of, each with members enough to be one.

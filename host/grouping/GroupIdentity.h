@@ -63,9 +63,9 @@ class GroupIdentity {
   bool isReal(GroupId id) const;
   void watchMeetings(const TickBeliefs& tick, GroupsOfPeople groupOf, const LatestOf& latestOf);
   Gatherings gather(const TickBeliefs& tick, const GroupsOfPeople& groupOf) const;
-  Gathering describe(const Cluster& cluster, const PairScores& beliefs,
-                     const std::vector<PersonId>& people) const;
+  std::vector<PersonLink> linksOf(const TickBeliefs& tick, const GroupsOfPeople& groupOf) const;
   void holdTogether(const TickBeliefs& tick, Gatherings& gatherings);
+  static bool doesAnyPart(const Gatherings& gatherings);
   static std::optional<GroupId> commonOrigin(const Gathering& a, const Gathering& b);
   static double distanceOf(const Gathering& a, const Gathering& b, const TickBeliefs& tick);
   static void unite(Gathering& gathering, const Gathering& other);

@@ -51,7 +51,8 @@ GroupMeetings::Encounters GroupMeetings::encountersAt(const TickBeliefs& tick,
     return encounters;
   }
   for (const PairBelief& pair : tick.pairs) {
-    const auto encounter = encounters.find(groupsOf(pair));
+    const auto encounter =
+        areOfTwo(groupsOf(pair)) ? encounters.find(groupsOf(pair)) : encounters.end();
     const auto latest = encounter == encounters.end() ? std::nullopt : latestOf(pair.a, pair.b);
     if (latest) {
       const bool isTurned = groupOf[pair.indexOfA] > groupOf[pair.indexOfB];

@@ -21,7 +21,9 @@ class GroupMeetings {
   /// Looks at all groups of a tick.
   void watch(const TickBeliefs& tick, const GroupsOfPeople& groupOf, const LatestOf& latestOf);
   /// Whether two persons, the lower id first, are together because their groups have met.
-  bool haveMet(PersonId a, PersonId b) const { return m_metUntil.contains({a, b}); }
+  bool haveMet(PersonId a, PersonId b) const {
+    return !m_metUntil.empty() && m_metUntil.contains({a, b});
+  }
 
  private:
   using GroupPair = std::pair<GroupId, GroupId>;     ///< the lower id first

@@ -23,23 +23,15 @@ bool isOver(double time, double lastNear) {
   return lastNear < time - pairMemory;
 }
 
-/// No more than the distance of two places; takes less time.
-double leastDistance(const cv::Point2d& a, const cv::Point2d& b) {
-  return std::max(std::abs(a.x - b.x), std::abs(a.y - b.y));
-}
-
 /// For each of some people.
-std::vector<Surroundings> surroundingsOf(const std::vector<PersonAt>& people) {
+std::vector<Surroundings> surroundingsOf(const std::vector<PersonAt>& people,
+                                         const PlaceOrder& order) {
   std::vector<Surroundings> around(people.size());
-  for (std::size_t a = 0; a < people.size(); ++a) {
-    for (std::size_t b = a + 1; b < people.size(); ++b) {
-      const double least = leastDistance(people[a].place, people[b].place);
-      if (least < around[a].reach() || least < around[b].reach()) {
-        const double distance = distanceBetween(people[a].place, people[b].place);
-        around[a].add(distance);
-        around[b].add(distance);
-      }
-    }
+  for (std::size_t i = 0; i < people.size(); ++i) {
+    Surroundings& own = around[i];
+    order.forEachNear(
+        i, [&own] { return own.reach(); },
+        [&](std::size_t other) { own.add(distanceBetween(people[i].place, people[other].place)); });
   }
   return around;
 }
@@ -54,57 +46,92 @@ void PairEvidence::add(double time, const std::vector<PersonAt>& people) {
     m_start = time;
   }
   m_last = time;
-  const std::vector<Surroundings> around = surroundingsOf(people);
+  Tick tick{time, people, personsAt(time, people), PlaceOrder(people)};
+  const std::vector<Surroundings> around = surroundingsOf(people, tick.order);
   for (std::size_t i = 0; i < people.size(); ++i) {
-    const PersonAt& person = people[i];
-    const auto track =
-        m_tracks.try_emplace(person.person, time, person.place, m_lookAhead > 0.0).first;
-    track->second.add({time, sinceTick, person.place, {}, 0.0, around[i]});
+    tick.persons[i]->track.add({time, sinceTick, people[i].place, {}, 0.0, around[i]});
   }
-  m_undecided.push_back({time, people});
+  m_undecided.push_back(std::move(tick));
+}
+
+/// Those who are in view, in their order, which is that of all persons.
+std::vector<PairEvidence::Person*> PairEvidence::personsAt(double time,
+                                                           const std::vector<PersonAt>& people) {
+  std::vector<Person*> persons;
+  persons.reserve(people.size());
+  auto known = m_persons.begin();
+  for (const PersonAt& person : people) {
+    while (known != m_persons.end() && known->first < person.person) {
+      ++known;
+    }
+    if (known == m_persons.end() || known->first != person.person) {
+      known = m_persons.emplace_hint(known, person.person,
+                                     Person{PersonTrack(time, person.place, m_lookAhead > 0.0)});
+    }
+    persons.push_back(&known->second);
+  }
+  return persons;
 }
 
 TickBeliefs PairEvidence::decide() {
-  TickBeliefs beliefs{m_undecided.front().time, std::move(m_undecided.front().people), {}};
+  Tick tick = std::move(m_undecided.front());
   m_undecided.pop_front();
-  m_decided = beliefs.time;
-  beliefs.pairs.reserve(m_pairs.size());
-  const std::vector<Seen> seen = inView(beliefs.people);
+  m_decided = tick.time;
+  for (std::size_t i = 0; i < tick.persons.size(); ++i) {
+    tick.persons[i]->decided = tick.time;
+    tick.persons[i]->index = i;
+  }
+  std::vector<PairBelief> beliefs;
+  beliefs.reserve(m_pairs.size());
   WatchedPairs newPairs;
-  auto known = m_pairs.begin();  // goes along with the pairs, which come in the same order
-  for (auto a = seen.begin(); a != seen.end(); ++a) {
-    for (auto b = a + 1; b != seen.end(); ++b) {
-      const PairKey key{a->at.person, b->at.person};
-      while (known != m_pairs.end() && known->key < key) {
-        ++known;
-      }
-      const bool isKnown = known != m_pairs.end() && known->key == key;
-      if (!isKnown && leastDistance(a->at.place, b->at.place) >= watched) {
-        continue;
-      }
-      const double distance = distanceBetween(a->at.place, b->at.place);
+  Others others;
+  auto known = m_pairs.begin();  // goes along with the people, who come in the same order
+  for (std::size_t a = 0; a < tick.people.size(); ++a) {
+    others.clear();
+    addKnownOthers(tick.people[a].person, known, others);
+    addNearOthers(a, tick, others);
+    for (const auto& [b, watchedPair] : others) {
+      const double distance = distanceBetween(tick.people[a].place, tick.people[b].place);
       std::unique_ptr<Pair> newPair;
-      std::unique_ptr<Pair>& pair = isKnown ? known->pair : newPair;
-      if (isWatched(beliefs.time, distance, pair)) {
-        beliefs.pairs.push_back(judge(*a, *b, distance, *pair));
+      std::unique_ptr<Pair>& pair = watchedPair != nullptr ? watchedPair->pair : newPair;
+      if (isWatched(tick.time, distance, pair)) {
+        beliefs.push_back(judge(tick, a, b, distance, *pair));
       }
       if (newPair) {
-        newPairs.push_back({key, std::move(newPair)});
+        const PairKey key{tick.people[a].person, tick.people[b].person};
+        newPairs.push_back({key, tick.persons[b], std::move(newPair)});
       }
     }
   }
   watchNewPairs(std::move(newPairs));
-  forget(beliefs.time);
-  return beliefs;
+  forget(tick.time);
+  return {tick.time, std::move(tick.people), std::move(beliefs)};
 }
 
-std::vector<PairEvidence::Seen> PairEvidence::inView(const std::vector<PersonAt>& people) const {
-  std::vector<Seen> seen;
-  seen.reserve(people.size());
-  for (const PersonAt& person : people) {
-    seen.push_back({person, seen.size(), &m_tracks.at(person.person)});
+/// Those in view with whom somebody is watched, ascending. `known`: pairs before it are those of
+/// lower ids; becomes the first of a higher id.
+void PairEvidence::addKnownOthers(PersonId a, WatchedPairs::iterator& known, Others& others) const {
+  for (; known != m_pairs.end() && known->key.first <= a; ++known) {
+    if (known->key.first == a && known->b->decided == m_decided) {
+      others.push_back({known->b->index, &*known});
+    }
   }
-  return seen;
+}
+
+/// Adds those who come near somebody to those who are known, and keeps all in ascending order.
+void PairEvidence::addNearOthers(std::size_t a, const Tick& tick, Others& others) {
+  const auto isBefore = [](const Other& other, std::size_t index) { return other.index < index; };
+  tick.order.forEachNear(
+      a, [] { return watched; },
+      [&](std::size_t b) {
+        if (b < a) {
+          return;
+        }
+        const auto place = std::lower_bound(others.begin(), others.end(), b, isBefore);
+        if (place == others.end() || place->index != b) {
+          others.insert(place, {b, nullptr});
+        }
+      });
 }
 
 /// Begins to watch a pair that comes near, and no longer watches one that was apart for long.
@@ -121,26 +148,32 @@ bool PairEvidence::isWatched(double time, double distance, std::unique_ptr<Pair>
   return pair != nullptr;
 }
 
-PairBelief PairEvidence::judge(const Seen& a, const Seen& b, double distance, Pair& pair) const {
-  PairBelief result{a.at.person, b.at.person, a.index, b.index, distance, 0.0, 0.0, nullptr};
+PairBelief PairEvidence::judge(const Tick& tick, std::size_t a, std::size_t b, double distance,
+                               Pair& pair) {
+  PairBelief result{
+      tick.people[a].person, tick.people[b].person, a, b, distance, 0.0, 0.0, nullptr};
   result.evidence = -TogetherChain::largestEvidence;
   bool isFresh = false;
   if (pair.lastNear == m_decided) {
-    pair.history.update(*a.track, *b.track);
-    pair.history.moveTo(m_decided);
+    const PersonTrack& trackOfA = tick.persons[a]->track;
+    const PersonTrack& trackOfB = tick.persons[b]->track;
+    pair.history.moveTo(m_decided, trackOfA, trackOfB);
     isFresh = pair.history.firstTime() == m_decided;
     if (pair.history.meanDistance() < tooFar) {
       PairFeatures features = pair.history.features();
-      markArrivals(*a.track, *b.track, features);
+      markArrivals(trackOfA, trackOfB, features);
       result.evidence = m_model.logOdds(features);
       result.features = m_keepsFeatures ? std::make_shared<PairFeatures>(features) : nullptr;
     }
   }
-  result.belief = pair.chain.next(m_decided, result.evidence, isFresh);
+  result.belief = pair.chain.next(m_decided, result.evidence, isFresh, m_passage);
   return result;
 }
 
 void PairEvidence::watchNewPairs(WatchedPairs newPairs) {
+  if (newPairs.empty()) {
+    return;
+  }
   const auto middle = static_cast<std::ptrdiff_t>(m_pairs.size());
   std::move(newPairs.begin(), newPairs.end(), std::back_inserter(m_pairs));
   std::inplace_merge(m_pairs.begin(), m_pairs.begin() + middle, m_pairs.end(),
@@ -175,11 +208,11 @@ void PairEvidence::forget(double time) {
   std::erase_if(m_pairs, [time](const WatchedPair& watched) {
     return !watched.pair || isOver(time, watched.pair->lastNear);
   });
-  std::erase_if(m_tracks, [time](const auto& track) {
-    return track.second.lastSeen() < time - personMemory;
+  std::erase_if(m_persons, [time](const auto& person) {
+    return person.second.track.lastSeen() < time - personMemory;
   });
-  for (auto& [person, track] : m_tracks) {
-    track.forgetBefore(time - trackMemory);
+  for (auto& [id, person] : m_persons) {
+    person.track.forgetBefore(time - trackMemory);
   }
 }
 

@@ -3,6 +3,8 @@
 #include "host/grouping/EvidenceModel.h"
 #include "host/grouping/PairHistory.h"
 #include "host/grouping/PeopleFrame.h"
+#include "host/grouping/PersonTrack.h"
+#include "host/grouping/PlaceOrder.h"
 #include "host/grouping/TogetherChain.h"
 
 #include <cstdint>
@@ -62,9 +64,17 @@ class PairEvidence {
   std::optional<LatestMoments> latestOf(PersonId a, PersonId b) const;
 
  private:
+  /// Somebody who is or was in view.
+  struct Person {
+    PersonTrack track;
+    double decided = 0.0;   ///< the latest decided tick at which it was in view, seconds
+    std::size_t index = 0;  ///< among the people of that tick
+  };
   struct Tick {
     double time = 0.0;
     std::vector<PersonAt> people;
+    std::vector<Person*> persons;  ///< the same
+    PlaceOrder order;
   };
   struct Pair {
     PairHistory history;
@@ -75,19 +85,22 @@ class PairEvidence {
   using PairKey = std::pair<PersonId, PersonId>;
   struct WatchedPair {
     PairKey key;
+    Person* b = nullptr;         ///< the one with the higher id; is remembered longer than the pair
     std::unique_ptr<Pair> pair;  ///< null when it is no longer watched
   };
   using WatchedPairs = std::vector<WatchedPair>;
-  /// Somebody in view at the tick that is decided.
-  struct Seen {
-    PersonAt at;
-    std::size_t index = 0;
-    const PersonTrack* track = nullptr;
+  /// Somebody who is or was near another one and has a higher id.
+  struct Other {
+    std::size_t index = 0;         ///< among the people of the tick
+    WatchedPair* known = nullptr;  ///< null for a pair that was not watched yet
   };
+  using Others = std::vector<Other>;
 
-  std::vector<Seen> inView(const std::vector<PersonAt>& people) const;
+  std::vector<Person*> personsAt(double time, const std::vector<PersonAt>& people);
+  void addKnownOthers(PersonId a, WatchedPairs::iterator& known, Others& others) const;
+  static void addNearOthers(std::size_t a, const Tick& tick, Others& others);
   static bool isWatched(double time, double distance, std::unique_ptr<Pair>& pair);
-  PairBelief judge(const Seen& a, const Seen& b, double distance, Pair& pair) const;
+  PairBelief judge(const Tick& tick, std::size_t a, std::size_t b, double distance, Pair& pair);
   void watchNewPairs(WatchedPairs newPairs);
   void markArrivals(const PersonTrack& a, const PersonTrack& b, PairFeatures& features) const;
   void forget(double time);
@@ -98,9 +111,10 @@ class PairEvidence {
   double m_start = 0.0;  ///< of the recording, seconds
   double m_last = 0.0;   ///< the latest tick, seconds
   bool m_keepsFeatures = false;
+  TogetherChain::Passage m_passage;
   double m_decided = 0.0;  ///< the tick that was decided last, seconds
   std::deque<Tick> m_undecided;
-  std::map<PersonId, PersonTrack> m_tracks;
+  std::map<PersonId, Person> m_persons;
   WatchedPairs m_pairs;         ///< in ascending order of keys
   double m_nextCleaning = 0.0;  ///< seconds
 };

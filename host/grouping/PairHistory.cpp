@@ -25,6 +25,13 @@ double length(const cv::Point2d& v) {
 }  // namespace
 
 void PairHistory::update(const PersonTrack& a, const PersonTrack& b) {
+  const bool isUpToDate = m_nextA + 1 == a.end() && m_nextB + 1 == b.end();
+  if (isUpToDate && a.latest().time == b.latest().time) {  // nearly always
+    add(a.latest(), b.latest());
+    ++m_nextA;
+    ++m_nextB;
+    return;
+  }
   std::size_t i = std::max(m_nextA, a.begin());
   std::size_t j = std::max(m_nextB, b.begin());
   while (i < a.end() && j < b.end()) {
@@ -76,26 +83,39 @@ void PairHistory::add(const TrackPoint& a, const TrackPoint& b) {
   const double lasts =
       m_lastTime ? std::min(ticks::longestLength, a.time - *m_lastTime) : a.sinceTick;
   m_lastTime = a.time;
-  Row row{a.time, b.place - a.place, {}};
-  std::copy_n(m_total.begin(), row.before.size(), row.before.begin());
-  m_rows.push_back(row);
+  remember(a, b, values[distance]);
   for (std::size_t i = 0; i < values.size(); ++i) {
     m_total[i] += values[i] * lasts;
   }
-  while (!m_peaks.empty() && m_peaks.back().distance <= values[distance]) {
-    m_peaks.pop_back();
-  }
-  m_peaks.push_back({a.time, values[distance]});
 }
 
-void PairHistory::moveTo(double time) {
+/// Of what was before the window, as for a pair that is watched from now on, only the sums count.
+void PairHistory::remember(const TrackPoint& a, const TrackPoint& b, double apart) {
+  if (a.time < windowStart()) {
+    return;
+  }
+  Row row{a.time, b.place - a.place, {}};
+  std::copy_n(m_total.begin(), row.before.size(), row.before.begin());
+  m_rows.push_back(row);
+  while (!m_peaks.empty() && m_peaks.back().distance <= apart) {
+    m_peaks.pop_back();
+  }
+  m_peaks.push_back({a.time, apart});
+}
+
+void PairHistory::moveTo(double time, const PersonTrack& a, const PersonTrack& b) {
   m_time = time;
-  m_rows.forgetBefore(time - windowPast - ticks::tolerance);
-  m_peaks.forgetBefore(time - windowPast - ticks::tolerance);
+  update(a, b);
+  m_rows.forgetBefore(windowStart());
+  m_peaks.forgetBefore(windowStart());
   m_recent = std::max(m_recent, m_rows.firstNumber());
   while (m_rows[m_recent].time < time - recentPast - ticks::tolerance) {
     ++m_recent;
   }
+}
+
+double PairHistory::windowStart() const {
+  return m_time - windowPast - ticks::tolerance;
 }
 
 double PairHistory::meanDistance() const {

@@ -60,11 +60,10 @@ class PairHistory {
   static constexpr double recentPast = 1.0;  ///< seconds
   static constexpr double latestSpan = 2.0;  ///< seconds
 
-  /// Adds the ticks that both tracks have got since the last time.
-  void update(const PersonTrack& a, const PersonTrack& b);
-  /// Moves the window to a moment at which both are in view; moments grow from call to call. What
-  /// was added last is the window's end.
-  void moveTo(double time);
+  /// Adds the ticks that both tracks have got since the last time, and moves the window to a moment
+  /// at which both are in view; moments grow from call to call. What was added last is the window's
+  /// end.
+  void moveTo(double time, const PersonTrack& a, const PersonTrack& b);
   /// The mean distance in the window, metres: all that is needed of pairs that are far apart.
   double meanDistance() const;
   /// The features of the moment. The marks of arrival are left to the caller.
@@ -108,8 +107,11 @@ class PairHistory {
     double distance = 0.0;  ///< metres
   };
 
+  void update(const PersonTrack& a, const PersonTrack& b);
+  double windowStart() const;
   static Sums valuesOf(const TrackPoint& a, const TrackPoint& b);
   void add(const TrackPoint& a, const TrackPoint& b);
+  void remember(const TrackPoint& a, const TrackPoint& b, double apart);
   WindowSums sumsSince(const Row& row) const;
   void describeWindow(PairFeatures& features) const;
   void describeRecent(PairFeatures& features) const;

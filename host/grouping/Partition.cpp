@@ -1,7 +1,10 @@
 #include "host/grouping/Partition.h"
 
+#include "host/base/JoinedSets.h"
+
 #include <algorithm>
 #include <iterator>
+#include <limits>
 #include <optional>
 #include <utility>
 
@@ -66,50 +69,6 @@ class Linkage {
   std::vector<std::size_t> m_open;  ///< clusters that are in no other, ascending
 };
 
-/// Persons whom a chain of scores above 0 connects, each ascending. Those of two islands have no
-/// such score among them, and so no mean above 0 either: they are never in one cluster.
-std::vector<Cluster> islandsOf(const PairScores& scores) {
-  std::vector<Cluster> islands;
-  std::vector<bool> isTaken(scores.persons(), false);
-  for (std::size_t first = 0; first < scores.persons(); ++first) {
-    if (isTaken[first]) {
-      continue;
-    }
-    Cluster island{first};
-    isTaken[first] = true;
-    for (std::size_t next = 0; next < island.size(); ++next) {
-      for (std::size_t other = first + 1; other < scores.persons(); ++other) {
-        if (!isTaken[other] && scores.at(island[next], other) > 0.0) {
-          isTaken[other] = true;
-          island.push_back(other);
-        }
-      }
-    }
-    std::sort(island.begin(), island.end());
-    islands.push_back(std::move(island));
-  }
-  return islands;
-}
-
-std::vector<Cluster> linkWithin(const Cluster& island, const PairScores& scores) {
-  PairScores own(island.size(), 0.0);
-  for (std::size_t b = 0; b < island.size(); ++b) {
-    for (std::size_t a = 0; a < b; ++a) {
-      own.set(a, b, scores.at(island[a], island[b]));
-    }
-  }
-  Linkage linkage(std::move(own));
-  while (linkage.joinBest()) {
-  }
-  std::vector<Cluster> clusters = linkage.clusters();
-  for (Cluster& cluster : clusters) {
-    for (std::size_t& person : cluster) {
-      person = island[person];
-    }
-  }
-  return clusters;
-}
-
 }  // namespace
 
 void PairScores::set(std::size_t a, std::size_t b, double score) {
@@ -118,14 +77,56 @@ void PairScores::set(std::size_t a, std::size_t b, double score) {
 }
 
 std::vector<Cluster> linkByAverage(const PairScores& scores) {
-  std::vector<Cluster> clusters;
-  for (const Cluster& island : islandsOf(scores)) {
-    for (const Cluster& cluster : linkWithin(island, scores)) {
-      clusters.push_back(cluster);
+  if (scores.persons() == 2) {  // most who are linked
+    return scores.at(0, 1) > 0.0 ? std::vector<Cluster>{{0, 1}} : std::vector<Cluster>();
+  }
+  Linkage linkage(scores);
+  while (linkage.joinBest()) {
+  }
+  return linkage.clusters();
+}
+
+std::vector<PersonIsland> islandsOf(const std::vector<PersonLink>& links, std::size_t persons,
+                                    double otherwise) {
+  JoinedSets sets(persons);
+  std::vector<bool> isLinked(persons, false);
+  for (const PersonLink& link : links) {
+    if (link.score > 0.0) {
+      sets.join(link.a, link.b);
+      isLinked[link.a] = isLinked[link.b] = true;
     }
   }
-  std::sort(clusters.begin(), clusters.end());
-  return clusters;
+  constexpr std::size_t none = std::numeric_limits<std::size_t>::max();
+  std::vector<std::size_t> islandOf(persons, none);  // by who stands for it
+  std::vector<std::size_t> numberOf(persons, 0);     // on the island
+  std::vector<std::vector<std::size_t>> people;
+  for (std::size_t person = 0; person < persons; ++person) {
+    if (!isLinked[person]) {
+      continue;
+    }
+    std::size_t& island = islandOf[sets.rootOf(person)];
+    if (island == none) {
+      island = people.size();
+      people.emplace_back();
+    }
+    numberOf[person] = people[island].size();
+    people[island].push_back(person);
+  }
+  std::vector<PersonIsland> islands;
+  islands.reserve(people.size());
+  for (std::vector<std::size_t>& those : people) {
+    const std::size_t count = those.size();
+    islands.push_back({std::move(those), {count, otherwise}, {count, otherwise}});
+  }
+  for (const PersonLink& link : links) {
+    const std::size_t root = sets.rootOf(link.a);
+    if (isLinked[link.a] && isLinked[link.b] && root == sets.rootOf(link.b)) {
+      PersonIsland& island = islands[islandOf[root]];
+      island.scores.set(numberOf[link.a], numberOf[link.b], link.score);
+      island.beliefs.set(numberOf[link.a], numberOf[link.b], link.belief);
+    }
+  }
+  return islands;
 }
 
 double meanScore(const Cluster& cluster, const PairScores& scores) {

@@ -29,6 +29,27 @@ using Cluster = std::vector<std::size_t>;
 /// clusters come in the order of their first persons.
 std::vector<Cluster> linkByAverage(const PairScores& scores);
 
+/// What speaks for two of some persons.
+struct PersonLink {
+  std::size_t a = 0;  ///< their numbers
+  std::size_t b = 0;
+  double belief = 0.0;
+  double score = 0.0;  ///< by which they are linked
+};
+
+/// Persons whom a chain of scores above 0 connects. Those of two islands have no such score among
+/// them, and so no mean above 0 either: they are never in one cluster.
+struct PersonIsland {
+  std::vector<std::size_t> people;  ///< their numbers among all persons, ascending
+  PairScores scores;                ///< of the pairs of `people`, who are numbered anew
+  PairScores beliefs;
+};
+
+/// The islands of two persons and more, in the order of their first persons. A pair without a link
+/// has `otherwise`, 0 or less, as score and belief.
+std::vector<PersonIsland> islandsOf(const std::vector<PersonLink>& links, std::size_t persons,
+                                    double otherwise);
+
 /// The mean score of the pairs of a cluster of two and more.
 double meanScore(const Cluster& cluster, const PairScores& scores);
 

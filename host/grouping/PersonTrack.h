@@ -57,6 +57,7 @@ class PersonTrack {
 
   std::size_t begin() const { return m_forgotten; }
   std::size_t end() const { return m_forgotten + m_points.size(); }
+  const TrackPoint& latest() const { return m_points.back(); }
   const TrackPoint& operator[](std::size_t number) const { return m_points[number - m_forgotten]; }
 
   double firstSeen() const { return m_firstSeen; }  ///< seconds

@@ -10,10 +10,20 @@ class TogetherChain {
  public:
   static constexpr double largestEvidence = 5.0;  ///< log-odds either way
 
+  /// How a belief changes from one moment to the next. Most pairs are far apart for long and change
+  /// alike: what is there from the one before need not be found once more.
+  struct Passage {
+    double passed = -1.0;  ///< seconds; below 0 before the first
+    double change = 0.0;   ///< how far a belief goes by itself in this time, 0 to 1
+    double before = 0.0;   ///< log-odds
+    double known = 0.0;    ///< evidence, log-odds
+    double after = 0.0;    ///< log-odds
+  };
+
   /// Takes the evidence of a moment, log-odds; returns the belief, log-odds. `isFresh`: whether the
   /// first moment is also the first at which the two are in view together. Who is only watched
-  /// later was apart before.
-  double next(double time, double evidence, bool isFresh);
+  /// later was apart before. `latest`: of any chain.
+  double next(double time, double evidence, bool isFresh, Passage& latest);
 
  private:
   bool m_hasStarted = false;
