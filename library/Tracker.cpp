@@ -68,6 +68,11 @@ bool canBeLifted(const SeenPerson& person, const kelAbstractDataCalibration& cam
   return foot && liftBox(camera, box, *foot);
 }
 
+/// For messages.
+InputPlace placeOf(const ObservationStep& step) {
+  return {fmt::format("frame {}", step.frame)};
+}
+
 /// What is wrong with where a person is; empty when nothing is. The camera may be null.
 std::string problemOf(const SeenPerson& person, const kelAbstractDataCalibration* camera) {
   const auto isWithin = [](const auto& numbers, double most) {
@@ -91,6 +96,15 @@ std::string problemOf(const SeenPerson& person, const kelAbstractDataCalibration
   return {};
 }
 
+/// Where an observation, which can be lifted, stands on the ground as mobiles have it, metres.
+cv::Point2f groundOf(const Observation& observation, const kelAbstractDataCalibration* camera) {
+  if (observation.position) {
+    return *observation.position;
+  }
+  const cv::Point3f foot = *liftFoot(*camera, *observation.box2D);
+  return {foot.x, foot.y};
+}
+
 Observation toObservation(const SeenPerson& person) {
   Observation observation;
   observation.person = person.id;
@@ -111,12 +125,10 @@ class Tracker::State {
       : m_rate(settings.rate), m_camera(cameraOf(settings)) {
     const RunParameters parameters = parametersOf(settings);
     m_groups.emplace(groupOptions(settings, parameters));
-    auto given = std::make_unique<GivenStep>();
-    m_given = given.get();
-    const bool hasProcess = settings.runsProcess || settings.onDiagnostics;
-    m_assembler = std::make_unique<TrackAssembler>(std::move(given), m_camera,
-                                                   hasProcess ? LinkOptions() : withoutLinks);
-    if (hasProcess) {
+    if (settings.runsProcess || settings.onDiagnostics) {
+      auto given = std::make_unique<GivenStep>();
+      m_given = given.get();
+      m_assembler = std::make_unique<TrackAssembler>(std::move(given), m_camera, LinkOptions());
       m_process = std::make_unique<ProcessBeside>(parameters, m_camera, settings.onDiagnostics);
     }
   }
@@ -176,17 +188,19 @@ class Tracker::State {
   ObservationStep stepOf(const std::vector<SeenPerson>& people, std::optional<double> time,
                          std::optional<std::int64_t> number);
   std::vector<Observation> observationsOf(const std::vector<SeenPerson>& people,
-                                          const InputPlace& place);
+                                          const ObservationStep& step);
   void take(ObservationStep step);
+  RunStep seenIn(const ObservationStep& step) const;
   void note(RunSteps steps);
   TrackerStep takeOldest();
 
   double m_rate;  ///< frames a second
   QSharedPointer<kelAbstractDataCalibration> m_camera;
-  GivenStep* m_given = nullptr;  ///< of the assembler
-  std::unique_ptr<TrackAssembler> m_assembler;
   std::optional<GroupRun> m_groups;
-  std::unique_ptr<ProcessBeside> m_process;  ///< null when it is not run
+  // Null when the process is not run: nobody else looks at actors and mobiles.
+  std::unique_ptr<ProcessBeside> m_process;
+  std::unique_ptr<TrackAssembler> m_assembler;
+  GivenStep* m_given = nullptr;  ///< of the assembler
   EventDetector m_events;
   OwnNames m_names{rememberedNames};
 
@@ -205,58 +219,75 @@ ObservationStep Tracker::State::stepOf(const std::vector<SeenPerson>& people,
   const auto count = static_cast<std::int64_t>(m_frames) + 1;
   ObservationStep step;
   step.frame = number.value_or(m_number ? *m_number + 1 : count);
-  step.place = {fmt::format("frame {}", step.frame)};
   step.time = time.value_or(static_cast<double>(count) / m_rate);
   if (m_number && step.frame <= *m_number) {
-    throw InputError(step.place, fmt::format("the frame before was {}", *m_number));
+    throw InputError(placeOf(step), fmt::format("the frame before was {}", *m_number));
   }
   if (!std::isfinite(*step.time) || (m_time && *step.time < *m_time)) {
-    throw InputError(step.place, fmt::format("the time {} is behind that of the frame before, {}",
-                                             *step.time, m_time.value_or(0.0)));
+    throw InputError(placeOf(step),
+                     fmt::format("the time {} is behind that of the frame before, {}", *step.time,
+                                 m_time.value_or(0.0)));
   }
-  step.observations = observationsOf(people, step.place);
+  step.observations = observationsOf(people, step);
   return step;
 }
 
 std::vector<Observation> Tracker::State::observationsOf(const std::vector<SeenPerson>& people,
-                                                        const InputPlace& place) {
+                                                        const ObservationStep& step) {
   std::vector<Observation> observations;
   observations.reserve(people.size());
   for (const SeenPerson& person : people) {
     const std::string problem = problemOf(person, m_camera.get());
     if (!problem.empty()) {
-      throw InputError(place, "person " + nameOf(person.id) + " " + problem);
+      throw InputError(placeOf(step), "person " + nameOf(person.id) + " " + problem);
     }
     observations.push_back(toObservation(person));
     observations.back().person = m_names.ownOf(person.id);
   }
-  std::sort(observations.begin(), observations.end(),
-            [](const auto& a, const auto& b) { return a.person < b.person; });
+  const auto isBefore = [](const auto& a, const auto& b) { return a.person < b.person; };
+  if (!std::is_sorted(observations.begin(), observations.end(), isBefore)) {
+    std::sort(observations.begin(), observations.end(), isBefore);
+  }
   const auto twice =
       std::adjacent_find(observations.begin(), observations.end(),
                          [](const auto& a, const auto& b) { return a.person == b.person; });
   if (twice != observations.end()) {
-    throw InputError(place,
+    throw InputError(placeOf(step),
                      "person " + nameOf(m_names.programsOf(twice->person)) + " is there twice");
   }
   return observations;
 }
 
 void Tracker::State::take(ObservationStep step) {
-  const std::int64_t number = step.frame;
-  const std::optional<double> time = step.time;
-  m_given->give(std::move(step));
   InputFrame frame;
-  m_assembler->next(frame);
-  ++m_frames;
-  m_number = number;
-  m_time = time;
-  note(m_groups->advance(frame));
   if (m_process) {
-    RunStep step = m_process->advance(frame);
-    m_names.giveBack(step);
-    m_actorsLine = grouptracker::actorsLine(step);
+    step.place = placeOf(step);
+    m_given->give(step);
+    m_assembler->next(frame);
   }
+  RunSteps decided = m_process ? m_groups->advance(frame) : m_groups->advance(seenIn(step));
+  ++m_frames;
+  m_number = step.frame;
+  m_time = step.time;
+  note(std::move(decided));
+  if (m_process) {
+    RunStep reported = m_process->advance(frame);
+    m_names.giveBack(reported);
+    m_actorsLine = grouptracker::actorsLine(reported);
+  }
+}
+
+/// What the groups want to know, without actors and mobiles.
+RunStep Tracker::State::seenIn(const ObservationStep& step) const {
+  RunStep seen;
+  seen.inputFrame = step.frame;
+  seen.time = toldTime(step.time);
+  seen.persons.reserve(step.observations.size());
+  for (const Observation& observation : step.observations) {
+    seen.persons.push_back(
+        {observation.person, Sighting{groundOf(observation, m_camera.get()), {}}});
+  }
+  return seen;
 }
 
 void Tracker::State::note(RunSteps steps) {

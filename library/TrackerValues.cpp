@@ -20,10 +20,19 @@ double decimal(double value) {
   return std::round(value * perMetre) / perMetre;
 }
 
-TrackerGroup toTrackerGroup(FoundGroup&& group) {
-  return {group.id,         std::move(group.members),
-          group.since,      {decimal(group.position.x), decimal(group.position.y)},
-          group.confidence, std::move(group.from)};
+TrackerGroup toTrackerGroup(const RunGroup& group) {
+  TrackerGroup result;
+  result.id = group.id;
+  result.members.reserve(group.members.size());
+  for (const RunMember& member : group.members) {
+    result.members.push_back(member.person.value_or(0));
+  }
+  result.since = group.since.value_or(0);
+  const cv::Point3f at = group.position.value_or(cv::Point3f());
+  result.position = {decimal(at.x), decimal(at.y)};
+  result.confidence = group.confidence.value_or(0.0);
+  result.from = group.from;
+  return result;
 }
 
 }  // namespace
@@ -72,13 +81,13 @@ GroupRunOptions groupOptions(const TrackerSettings& settings, const RunParameter
 }
 
 TrackerStep toTrackerStep(const RunStep& step) {
-  FrameGroups found = toFrameGroups(step);
   TrackerStep result;
-  result.frame = found.frame;
-  result.time = found.time;
-  result.alone = std::move(found.alone);
-  for (FoundGroup& group : found.groups) {
-    result.groups.push_back(toTrackerGroup(std::move(group)));
+  result.frame = step.inputFrame.value_or(0);
+  result.time = step.time;
+  result.alone = aloneIn(step);
+  result.groups.reserve(step.groups.size());
+  for (const RunGroup& group : step.groups) {
+    result.groups.push_back(toTrackerGroup(group));
   }
   for (const TrackedEvent& event : step.events) {
     result.events.push_back({nameOf(event.kind), event.group, event.other, event.persons});

@@ -10,28 +10,30 @@ namespace grouptracker {
 
 namespace {
 
-using Persons = std::set<std::uint32_t>;
+using Persons = std::vector<std::uint32_t>;  // ascending, each once
 
 Persons common(const Persons& a, const Persons& b) {
   Persons both;
-  std::set_intersection(a.begin(), a.end(), b.begin(), b.end(), std::inserter(both, both.end()));
+  std::set_intersection(a.begin(), a.end(), b.begin(), b.end(), std::back_inserter(both));
   return both;
 }
 
 Persons without(const Persons& all, const Persons& some) {
   Persons rest;
-  std::set_difference(all.begin(), all.end(), some.begin(), some.end(),
-                      std::inserter(rest, rest.end()));
+  std::set_difference(all.begin(), all.end(), some.begin(), some.end(), std::back_inserter(rest));
   return rest;
 }
 
 Persons personsOf(const RunGroup& group) {
   Persons persons;
+  persons.reserve(group.members.size());
   for (const RunMember& member : group.members) {
     if (member.person) {
-      persons.insert(*member.person);
+      persons.push_back(*member.person);
     }
   }
+  std::sort(persons.begin(), persons.end());
+  persons.erase(std::unique(persons.begin(), persons.end()), persons.end());
   return persons;
 }
 
@@ -74,13 +76,12 @@ EventDetector::KnownGroups EventDetector::listed(const RunStep& step) const {
   for (const RunGroup& state : step.groups) {
     const auto before = m_known.find(state.id);
     // A group that is not visible tells neither merge nor split; the last told values still hold.
-    Known group = before == m_known.end() ? Known() : before->second;
+    Known& group = now[state.id];
     group.isOpen = state.isVisible;
     group.source = step.source;
     group.members = state.isVisible ? personsOf(state) : Persons();
-    group.merge = state.merge.value_or(group.merge);
-    group.split = state.split.value_or(group.split);
-    now.insert_or_assign(state.id, std::move(group));
+    group.merge = state.merge.value_or(before == m_known.end() ? untold : before->second.merge);
+    group.split = state.split.value_or(before == m_known.end() ? untold : before->second.split);
   }
   return now;
 }
@@ -100,7 +101,7 @@ void EventDetector::findOrigins(const RunStep& step, const KnownGroups& now) {
 void EventDetector::findMerges(const KnownGroups& now) {
   for (const auto& [id, group] : now) {
     const auto before = m_known.find(id);
-    const std::int64_t told = before == m_known.end() ? -1 : before->second.merge;
+    const std::int64_t told = before == m_known.end() ? untold : before->second.merge;
     if (group.merge >= 0 && group.merge != told) {
       addMerge(id, static_cast<std::uint32_t>(group.merge), now);
     }
@@ -126,12 +127,14 @@ void EventDetector::addMerge(std::uint32_t into, std::uint32_t from, const Known
   const auto absorbed = m_known.find(from);
   Persons came;
   if (absorbed != m_known.end()) {
-    const auto before = m_known.find(into);
-    const Persons own = before == m_known.end() ? Persons() : before->second.members;
-    came = without(without(common(absorbed->second.members, now.at(into).members), own),
-                   m_cameAlong[into]);
+    came = without(
+        without(common(absorbed->second.members, now.at(into).members), membersBefore(into)),
+        cameAlong(into));
   }
-  m_cameAlong[into].insert(came.begin(), came.end());
+  Persons& along = m_cameAlong[into];
+  const auto middle = static_cast<std::ptrdiff_t>(along.size());
+  along.insert(along.end(), came.begin(), came.end());
+  std::inplace_merge(along.begin(), along.begin() + middle, along.end());
   m_absorbed.insert(from);
   add(EventKind::merged, into, came, from);
 }
@@ -142,9 +145,7 @@ std::optional<std::uint32_t> EventDetector::heirOf(const Persons& members,
   std::optional<std::uint32_t> heir;
   std::size_t most = 0;
   for (const auto& [id, group] : now) {
-    const auto before = m_known.find(id);
-    const Persons own = before == m_known.end() ? Persons() : before->second.members;
-    const std::size_t changed = without(common(members, group.members), own).size();
+    const std::size_t changed = without(common(members, group.members), membersBefore(id)).size();
     if (changed > most) {
       most = changed;
       heir = id;
@@ -153,10 +154,22 @@ std::optional<std::uint32_t> EventDetector::heirOf(const Persons& members,
   return heir;
 }
 
+/// Whom this frame's merges brought into a group.
+EventDetector::Persons EventDetector::cameAlong(std::uint32_t group) const {
+  const auto found = m_cameAlong.find(group);
+  return found == m_cameAlong.end() ? Persons() : found->second;
+}
+
+EventDetector::Persons EventDetector::membersBefore(std::uint32_t group) const {
+  const auto found = m_known.find(group);
+  return found == m_known.end() ? Persons() : found->second.members;
+}
+
 void EventDetector::compare(std::uint32_t id, const Known& now) {
+  static const Known unknown;
   const auto found = m_known.find(id);
-  const Known before = found == m_known.end() ? Known() : found->second;
-  const Persons came = m_cameAlong[id];
+  const Known& before = found == m_known.end() ? unknown : found->second;
+  const Persons came = cameAlong(id);
   if (found == m_known.end()) {
     add(EventKind::created, id, without(now.members, came));
   }
@@ -165,7 +178,7 @@ void EventDetector::compare(std::uint32_t id, const Known& now) {
   }
   if (before.isOpen && !now.isOpen) {
     add(EventKind::ended, id);
-  } else if (found != m_known.end()) {
+  } else if (found != m_known.end() && now.members != before.members) {
     for (const std::uint32_t person : without(without(now.members, before.members), came)) {
       add(EventKind::joined, id, {person});
     }
@@ -180,7 +193,7 @@ void EventDetector::add(EventKind kind, std::uint32_t group, const Persons& pers
   TrackedEvent event = m_stamp;
   event.kind = kind;
   event.group = group;
-  event.persons.assign(persons.begin(), persons.end());
+  event.persons = persons;
   event.other = other;
   m_events.push_back(std::move(event));
 }

@@ -26,15 +26,17 @@ class EventDetector {
   std::vector<TrackedEvent> next(const RunStep& step);
 
  private:
-  using Persons = std::set<std::uint32_t>;
+  using Persons = std::vector<std::uint32_t>;  ///< ascending, each once
+
+  static constexpr std::int64_t untold = -1;
 
   /// What is known of a group that was listed at the last frame.
   struct Known {
     Persons members;  ///< empty once the group has ended
     bool isOpen = false;
     GroupSource source = GroupSource::process;
-    std::int64_t merge = -1;  ///< the last value told
-    std::int64_t split = -1;
+    std::int64_t merge = untold;  ///< the last value told
+    std::int64_t split = untold;
   };
   using KnownGroups = std::map<std::uint32_t, Known>;
 
@@ -45,13 +47,15 @@ class EventDetector {
   void addGone(std::uint32_t id, const Known& group, const KnownGroups& now);
   void addMerge(std::uint32_t into, std::uint32_t from, const KnownGroups& now);
   std::optional<std::uint32_t> heirOf(const Persons& members, const KnownGroups& now) const;
+  Persons cameAlong(std::uint32_t group) const;
+  Persons membersBefore(std::uint32_t group) const;
   void compare(std::uint32_t id, const Known& now);
   void add(EventKind kind, std::uint32_t group, const Persons& persons = {},
            std::optional<std::uint32_t> other = std::nullopt);
 
   KnownGroups m_known;
   std::map<std::uint32_t, Persons> m_cameAlong;  ///< by group: whom this frame's merges brought
-  Persons m_absorbed;                            ///< groups whose going up in another is told
+  std::set<std::uint32_t> m_absorbed;            ///< groups whose going up in another is told
   std::vector<TrackedEvent> m_events;            ///< of the frame in work
   TrackedEvent m_stamp;                          ///< the frame numbers of the frame in work
 };

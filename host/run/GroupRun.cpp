@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
-#include <set>
 #include <utility>
 
 namespace grouptracker {
@@ -29,6 +28,7 @@ bool isOnTheGround(const RunPerson& person) {
 /// Everybody in view whose place can be compared with others'.
 PeopleFrame peopleIn(const RunStep& step) {
   PeopleFrame people{step.inputFrame.value_or(0), step.time, {}};
+  people.people.reserve(step.persons.size());
   for (const RunPerson& person : step.persons) {
     if (isOnTheGround(person)) {
       people.people.push_back({person.id, cv::Point2d(person.seen->ground)});
@@ -41,6 +41,7 @@ RunGroup toRunGroup(const FoundGroup& found) {
   RunGroup group;
   group.id = found.id;
   group.isVisible = true;
+  group.members.reserve(found.members.size());
   for (const PersonId person : found.members) {
     group.members.push_back({{}, person, {}});
   }
@@ -55,7 +56,14 @@ RunGroup toRunGroup(const FoundGroup& found) {
 }  // namespace
 
 RunSteps GroupRun::advance(const InputFrame& frame) {
-  note(frame);
+  return advance(stepOf(frame));
+}
+
+RunSteps GroupRun::advance(RunStep seen) {
+  seen.source = GroupSource::evidence;
+  seen.frame = ++m_frame;
+  seen.reportedFrame = static_cast<std::int32_t>(m_frame);
+  m_noted.push_back(std::move(seen));
   const PeopleFrame people = peopleIn(m_noted.back());
   if (m_finder) {
     return describe(m_finder->next(people));
@@ -86,17 +94,16 @@ RunSteps GroupRun::finish() {
   return steps;
 }
 
-void GroupRun::note(const InputFrame& frame) {
-  RunStep& noted = m_noted.emplace_back();
-  noted.source = GroupSource::evidence;
-  noted.frame = ++m_frame;
-  noted.reportedFrame = static_cast<std::int32_t>(m_frame);
-  addInput(frame, noted);
+RunStep GroupRun::stepOf(const InputFrame& frame) const {
+  RunStep step;
+  step.source = GroupSource::evidence;
+  addInput(frame, step);
   if (!m_options.keepsImages) {
-    noted.image.reset();
-  } else if (noted.image && m_options.processDrawsOnImages) {
-    noted.image = QSharedPointer<kelDataImage>::create(noted.image->mat().clone());
+    step.image.reset();
+  } else if (step.image && m_options.processDrawsOnImages) {
+    step.image = QSharedPointer<kelDataImage>::create(step.image->mat().clone());
   }
+  return step;
 }
 
 /// The seconds that the process waits, told by how far the first two frames are apart.
@@ -112,6 +119,7 @@ void GroupRun::start(double lookAhead) {
 
 RunSteps GroupRun::describe(const std::vector<FrameGroups>& decided) {
   RunSteps steps;
+  steps.reserve(decided.size());
   for (const FrameGroups& frame : decided) {
     steps.push_back(describe(frame));
   }
@@ -121,6 +129,7 @@ RunSteps GroupRun::describe(const std::vector<FrameGroups>& decided) {
 RunStep GroupRun::describe(const FrameGroups& decided) {
   RunStep step = std::move(m_noted.front());
   m_noted.pop_front();
+  step.groups.reserve(decided.groups.size());
   for (const FoundGroup& group : decided.groups) {
     step.groups.push_back(toRunGroup(group));
   }
@@ -128,26 +137,36 @@ RunStep GroupRun::describe(const FrameGroups& decided) {
   return step;
 }
 
+std::vector<std::uint32_t> aloneIn(const RunStep& step) {
+  std::vector<std::uint32_t> together;
+  for (const RunGroup& group : step.groups) {
+    for (const RunMember& member : group.members) {
+      together.push_back(member.person.value_or(0));
+    }
+  }
+  std::sort(together.begin(), together.end());
+  std::vector<std::uint32_t> alone;
+  for (const RunPerson& person : step.persons) {
+    if (!std::binary_search(together.begin(), together.end(), person.id)) {
+      alone.push_back(person.id);
+    }
+  }
+  return alone;
+}
+
 FrameGroups toFrameGroups(const RunStep& step) {
-  FrameGroups groups{step.inputFrame.value_or(0), step.time, {}, {}};
-  std::set<PersonId> together;
+  FrameGroups groups{step.inputFrame.value_or(0), step.time, {}, aloneIn(step)};
   for (const RunGroup& group : step.groups) {
     FoundGroup& found = groups.groups.emplace_back();
     found.id = group.id;
     for (const RunMember& member : group.members) {
       found.members.push_back(member.person.value_or(0));
     }
-    together.insert(found.members.begin(), found.members.end());
     found.since = group.since.value_or(0);
     const cv::Point3d at = group.position.value_or(cv::Point3f());
     found.position = {at.x, at.y};
     found.confidence = group.confidence.value_or(0.0);
     found.from = group.from;
-  }
-  for (const RunPerson& person : step.persons) {
-    if (!together.contains(person.id)) {
-      groups.alone.push_back(person.id);
-    }
   }
   return groups;
 }

@@ -31,11 +31,14 @@ class GroupRun {
 
   /// Takes the next frame, before the process gets it; returns the steps that are decided now.
   RunSteps advance(const InputFrame& frame);
+  /// The same without actors: a step that tells the number and time of the frame and its persons,
+  /// who are all seen, in ascending order and each once.
+  RunSteps advance(RunStep seen);
   /// Returns the remaining steps, decided with what is there; once, after the last frame.
   RunSteps finish();
 
  private:
-  void note(const InputFrame& frame);
+  RunStep stepOf(const InputFrame& frame) const;
   double lookAhead(const PeopleFrame& second) const;
   void start(double lookAhead);
   RunSteps describe(const std::vector<FrameGroups>& decided);
@@ -48,6 +51,9 @@ class GroupRun {
   std::deque<RunStep> m_noted;
   std::uint32_t m_frame = 0;  ///< taken so far
 };
+
+/// Who is in no group at a step, in the order of its persons.
+std::vector<std::uint32_t> aloneIn(const RunStep& step);
 
 /// The groups of a step of the evidence without what the input says about its people.
 FrameGroups toFrameGroups(const RunStep& step);

@@ -85,6 +85,10 @@ std::vector<RunPerson> personsIn(const InputFrame& frame) {
   return persons;
 }
 
+std::optional<double> toldTime(const std::optional<double>& time) {
+  return time ? std::optional(std::round(*time * perSecond) / perSecond) : std::nullopt;
+}
+
 void addInput(const InputFrame& frame, RunStep& step) {
   step.inputFrame = frame.number;
   step.place = frame.place;
@@ -93,8 +97,7 @@ void addInput(const InputFrame& frame, RunStep& step) {
   // An image that has a file can be read again, without what the process drew on it.
   step.image = frame.imageFile.empty() ? frame.image : nullptr;
   if (step.source == GroupSource::evidence) {
-    step.time =
-        frame.time ? std::optional(std::round(*frame.time * perSecond) / perSecond) : std::nullopt;
+    step.time = toldTime(frame.time);
     keepThoseInView(step.persons);
     placeMembers(step);
     return;

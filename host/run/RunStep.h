@@ -127,6 +127,9 @@ using RunSteps = std::vector<RunStep>;
 /// The actors of an input frame, each with where its current mobile is.
 std::vector<RunPerson> personsIn(const InputFrame& frame);
 
+/// A time as steps tell it, to the microsecond; seconds.
+std::optional<double> toldTime(const std::optional<double>& time);
+
 /// Fills in what a step says about the input: the frame's number, place and image, its persons, and
 /// where the members of visible groups are.
 void addInput(const InputFrame& frame, RunStep& step);

@@ -106,7 +106,7 @@ void bindSteps(py::module_& module) {
   py::class_<TrackerGroup>(module, "Group", "People who belong together at one frame.")
       .def_readonly("id", &TrackerGroup::id, "Number of the group, from 1, never used again.")
       .def_property_readonly(
-          "members", [](const TrackerGroup& group) { return sortedNames(group.members); },
+          "members", [](const TrackerGroup& group) { return personList(group.members); },
           "Ids of two persons or more, ascending.")
       .def_readonly("since", &TrackerGroup::since, "First frame that lists the group.")
       .def_readonly("position", &TrackerGroup::position,
@@ -124,7 +124,7 @@ void bindSteps(py::module_& module) {
       .def_readonly("other", &TrackerEvent::other,
                     "The group that merged into it or that it split from, or None.")
       .def_property_readonly(
-          "persons", [](const TrackerEvent& event) { return sortedNames(event.persons); },
+          "persons", [](const TrackerEvent& event) { return personList(event.persons); },
           "First members, those who came along, joined or left.")
       .def(py::self == py::self)
       .def("__repr__", [](const TrackerEvent& event) { return textOf(event); });
@@ -137,7 +137,7 @@ void bindSteps(py::module_& module) {
       .def_readonly("time", &TrackerStep::time, "Seconds, or None.")
       .def_readonly("groups", &TrackerStep::groups, "Groups in ascending order of ids.")
       .def_property_readonly(
-          "alone", [](const TrackerStep& step) { return sortedNames(step.alone); },
+          "alone", [](const TrackerStep& step) { return personList(step.alone); },
           "Ids of everybody else in view, ascending.")
       .def_readonly("events", &TrackerStep::events, "Events since the frame before.")
       .def("group_of", &groupOfEach, py::arg("ids"),
