@@ -1,4 +1,5 @@
 #include "host/base/InputFile.h"
+#include "host/base/PersonNames.h"
 #include "host/commands/Command.h"
 #include "host/commands/InputChoice.h"
 #include "host/evaluation/GroupTruth.h"
@@ -7,6 +8,7 @@
 #include "host/explain/DecisionLog.h"
 #include "host/explain/Explainer.h"
 #include "host/input/InputFormats.h"
+#include "host/input/ReadAhead.h"
 #include "host/output/RunReplay.h"
 #include "host/output/WholeFile.h"
 #include "host/report/ReportData.h"
@@ -20,6 +22,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <exception>
 #include <filesystem>
 #include <map>
 #include <memory>
@@ -91,25 +94,37 @@ const char* const reportExample = R"(Example:
   grouptracker report scene.jsonl groups.jsonl --output report.html)";
 
 /// Reads the run's steps into the report and, if there is one, into what explains them.
-void readSteps(RunReplay& run, const std::string& input, std::optional<TruthTeller>& truth,
-               ReportData& data, std::optional<Explainer>& explainer) {
-  for (RunStep step; run.next(step);) {
-    if (!data.addGroups(step)) {
-      throw run.error(fmt::format("frame {} is not in {}", *step.inputFrame, input));
-    }
-    if (explainer && step.source == GroupSource::evidence) {
-      throw run.error(
-          "holds groups, but the diagnostics are about what the process put out: the "
-          "file of --actors is expected");
-    }
-    if (explainer) {
-      explainer->add(step);
-    }
-    if (truth) {
-      truth->tell(step, data);
-    }
-  }
-}
+class StepTaker {
+ public:
+  StepTaker(std::string groupsFile, std::string input, ReportData& data)
+      : m_groupsFile(std::move(groupsFile)), m_inputName(std::move(input)), m_data(data) {}
+
+  /// Says what is true; before the first step, as the following.
+  void compareWith(GroupTruth truth) { m_truth.emplace(std::move(truth)); }
+  /// Says what the process decided, see `explain()`.
+  void takeDiagnostics(const std::string& path, std::string& parameterFile);
+  /// Takes the steps about frames up to this one, which the report has, while further frames are
+  /// read. What goes wrong is said by `takeRest()`, as what is wrong with the frames comes first.
+  void takeUntil(std::int64_t inputFrame);
+  void takeRest();
+  Explanations explanations() { return m_explainer ? m_explainer->explainAll() : Explanations(); }
+
+ private:
+  RunReplay& run();
+  bool hasStep() { return m_isAtStep || (m_isAtStep = run().next(m_step)); }
+  void take();
+
+  std::string m_groupsFile;
+  std::string m_inputName;
+  ReportData& m_data;
+  std::optional<InputFile> m_file;
+  std::optional<RunReplay> m_run;
+  std::optional<TruthTeller> m_truth;
+  std::optional<Explainer> m_explainer;
+  RunStep m_step;
+  bool m_isAtStep = false;  ///< whether `m_step` is the next one
+  std::exception_ptr m_failure;
+};
 
 /// Has the steps of the run tell the decisions in the diagnostics; returns what explains them.
 /// Where nobody named the parameters, they are those that the diagnostics name.
@@ -121,6 +136,59 @@ Explainer explain(RunReplay& run, const std::string& diagnosticsFile, std::strin
     parameterFile = log.parameterFile();
   }
   return Explainer(readCoherenceThreshold(parameterFile));
+}
+
+/// Opened when it is needed.
+RunReplay& StepTaker::run() {
+  if (!m_run) {
+    m_file.emplace(m_groupsFile);
+    m_run.emplace(m_file->stream(), m_groupsFile);
+  }
+  return *m_run;
+}
+
+void StepTaker::takeDiagnostics(const std::string& path, std::string& parameterFile) {
+  m_explainer = explain(run(), path, parameterFile);
+}
+
+void StepTaker::takeUntil(std::int64_t inputFrame) {
+  if (m_failure) {
+    return;
+  }
+  try {
+    while (hasStep() && m_step.inputFrame.value_or(inputFrame) <= inputFrame) {
+      take();
+    }
+  } catch (const InputError&) {
+    m_failure = std::current_exception();
+  }
+}
+
+void StepTaker::takeRest() {
+  if (m_failure) {
+    std::rethrow_exception(m_failure);
+  }
+  while (hasStep()) {
+    take();
+  }
+}
+
+void StepTaker::take() {
+  m_isAtStep = false;
+  if (!m_data.addGroups(m_step)) {
+    throw run().error(fmt::format("frame {} is not in {}", *m_step.inputFrame, m_inputName));
+  }
+  if (m_explainer && m_step.source == GroupSource::evidence) {
+    throw run().error(
+        "holds groups, but the diagnostics are about what the process put out: the "
+        "file of --actors is expected");
+  }
+  if (m_explainer) {
+    m_explainer->add(m_step);
+  }
+  if (m_truth) {
+    m_truth->tell(m_step, m_data);
+  }
 }
 
 std::vector<std::pair<std::string, std::string>> parametersIn(const std::string& path) {
@@ -160,6 +228,12 @@ class FrameClock {
   double m_step = 0.0;           ///< seconds
 };
 
+/// Whether what the input calls some people is what stands for them.
+bool haveNumbersOnly(const std::vector<RunPerson>& persons) {
+  return std::all_of(persons.begin(), persons.end(),
+                     [](const RunPerson& person) { return person.id < PersonNames::firstAlias; });
+}
+
 std::string nameOf(const std::string& path) {
   return std::filesystem::path(path).filename().string();
 }
@@ -195,30 +269,37 @@ Options ReportCommand::declare(CommandLine& program) {
 int ReportCommand::run() {
   InputOptions options = inputOptions(m_choice);
   options.wantsPlacesOnly = true;
-  const OpenedInput input = openInput(m_choice.input, options);
+  OpenedInput input = openInput(m_choice.input, options);
   WholeFile output(m_outputFile);
+  if (!input.isArriving) {
+    input.frames = std::make_unique<ReadAhead>(std::move(input.frames));
+  }
   ReportData data;
   ImageStrip images;
   FrameClock clock;
+  StepTaker steps(m_groupsFile, m_choice.input, data);
+  // Names are numbered in the order in which they are read, those of other files behind the
+  // input's.
+  bool mayGoAlong = m_truthFile.empty() && m_diagnosticsFile.empty();
   for (InputFrame frame; input.frames->next(frame);) {
     clock.look(frame);
     auto persons = personsIn(frame);
+    mayGoAlong = mayGoAlong && haveNumbersOnly(persons);
     if (data.addFrame(frame.number, persons)) {
       images.addFrame(frame, std::move(persons));
     }
+    if (mayGoAlong) {
+      steps.takeUntil(frame.number);
+    }
   }
-  std::optional<TruthTeller> truth;
   if (!m_truthFile.empty()) {
-    truth.emplace(readTruth(m_truthFile));
+    steps.compareWith(readTruth(m_truthFile));
   }
-  InputFile groups(m_groupsFile);
-  RunReplay run(groups.stream(), m_groupsFile);
-  std::optional<Explainer> explainer;
   std::string parameterFile = m_parameterFile;
   if (!m_diagnosticsFile.empty()) {
-    explainer = explain(run, m_diagnosticsFile, parameterFile);
+    steps.takeDiagnostics(m_diagnosticsFile, parameterFile);
   }
-  readSteps(run, m_choice.input, truth, data, explainer);
+  steps.takeRest();
   ReportTitle title{nameOf(m_choice.input),
                     nameOf(m_groupsFile),
                     clock.framesPerSecond(),
@@ -229,8 +310,7 @@ int ReportCommand::run() {
   if (!parameterFile.empty()) {
     title.parameters = parametersIn(parameterFile);
   }
-  const QByteArray page =
-      makeReportPage(title, data, images, explainer ? explainer->explainAll() : Explanations());
+  const QByteArray page = makeReportPage(title, data, images, steps.explanations());
   output.write({page.data(), static_cast<std::size_t>(page.size())});
   return finished;
 }
