@@ -239,9 +239,11 @@ void TuneSession::computeHere(const TrialTasks& tasks, std::size_t jobs,
   for (const TrialTask& task : tasks) {
     TunedSequence& sequence = m_sequences.at(task.sequence);
     sequence.input.hold();
-    runs.emplace_back([this, &task, &sequence, &folder, number = runs.size()] {
-      return runTrial(sequence, m_space.settingsOf(task.candidate, m_base), scores.at(task.score),
-                      folder.file(number));
+    const std::string parameterFile = folder.file(runs.size());
+    const TrialSettings settings = m_space.settingsOf(task.candidate, m_base);
+    OutputFile(parameterFile).writeLines(settings.parameters);  // here a full disk can be told
+    runs.emplace_back([settings, &task, &sequence, parameterFile] {
+      return runTrial(sequence, settings, scores.at(task.score), parameterFile);
     });
   }
   WorkerPool(jobs, std::chrono::seconds(m_options.patience)).run(runs, finished);

@@ -174,6 +174,14 @@ TEST_F(OutputPlaces, ThatAreFullAreToldAndHoldWhatIsWhole) {
   EXPECT_TRUE(std::filesystem::is_empty(in("pictures")));
 }
 
+TEST_F(OutputPlaces, OfTrialsThatAreFullAreTold) {
+  Program program(folder.path());
+  EXPECT_EQ(runLimited(program, 1,
+                       {"tune", "scene.jsonl:truth.txt", "--base", "p.txt", "--output", "o.txt"}),
+            4);
+  EXPECT_THAT(program.errors(), HasSubstr("/0: cannot be written: File too large\n"));
+}
+
 TEST_F(OutputPlaces, OfWhatIsPrintedMayBeFullToo) {
   for (const QStringList& command : std::vector<QStringList>{
            {"run", "--help"}, {"--version"}, {"run", "--print-parameters"}, {"check", "p.txt"}}) {

@@ -1,6 +1,5 @@
 #include "host/evaluation/search/TrialRunner.h"
 
-#include "host/base/OutputFile.h"
 #include "host/evaluation/FrameScores.h"
 #include "host/evaluation/ScoredSteps.h"
 #include "host/run/ParameterFile.h"
@@ -46,7 +45,6 @@ double scoreOf(const GroupedFrames& run, const GroupTruth& truth, TunedScore sco
 
 double runTrial(TunedSequence& sequence, const TrialSettings& settings, TunedScore score,
                 const std::string& parameterFile) {
-  OutputFile(parameterFile).writeLines(settings.parameters);
   const OpenedInput input = sequence.input.open(settings.links);
   TrackerRunOptions setUp;
   setUp.parameterFile = parameterFile;

@@ -22,8 +22,8 @@ enum class TunedScore { sliding, windowed, whole, correctGroups, pairs };
 
 /// Runs a sequence with some settings and returns the score of what the process puts out. The
 /// process's parameters are those of the whole program from then on, a wrong one ends it, and the
-/// input is used up: to be called in a process of its own. `parameterFile` is written for the
-/// process to read.
+/// input is used up: to be called in a process of its own. `parameterFile` holds the
+/// parameters of the settings.
 double runTrial(TunedSequence& sequence, const TrialSettings& settings, TunedScore score,
                 const std::string& parameterFile);
 
