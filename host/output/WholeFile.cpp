@@ -21,6 +21,9 @@ WholeFile::WholeFile(const std::string& path)
     m_stream.emplace(path);
     return;
   }
+  if (QFile::encodeName(m_file.fileName()).toStdString() != path) {
+    throw OutputError(path, "is put in place as a whole, under names in UTF-8 only");
+  }
   m_place = openOutput(path, OldContent::kept);
   m_isNew = !std::filesystem::exists(place);
   if (!m_file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
