@@ -171,6 +171,22 @@ TEST_F(Export, TablesHoldTheVisibleMembers) {
               testing::Not(HasSubstr("SCAN")));
 }
 
+TEST_F(Export, DatabaseTakesNamesAsNamesOnly) {
+  std::string table = "frame,id,x,y\n";
+  for (int frame = 1; frame <= 30; ++frame) {
+    const std::string x = "," + std::to_string(0.4 * frame);
+    table += std::to_string(frame) + ",o') OR 1 --" + x + ",0\n";
+    table += std::to_string(frame) + ",2" + x + ",0.8\n";
+  }
+  folder.write("names.csv", table);
+  EXPECT_EQ(program.run({"run", "names.csv", "--sqlite", "run.sqlite", "--quiet", "--diagnostics",
+                         "none", "--mobile-dump", "none"}),
+            0)
+      << program.errors();
+  EXPECT_EQ(rows("run.sqlite", "SELECT DISTINCT person FROM event_persons ORDER BY person"),
+            "2 o') OR 1 --");
+}
+
 // A reader who takes long must not make the run fail, nor the run keep the reader out.
 TEST_F(Export, DatabaseCanBeReadWhileTheRunGoesOn) {
   QStringList arguments{"run",           "-",    "--parameters",  "p.txt", "--sqlite", "run.sqlite",
