@@ -209,6 +209,7 @@ void RunSession::openOutputs() {
   if (!diagnostics.empty() && diagnostics != standardOutputName) {
     ::dup2(openOutput(diagnostics).get(), STDOUT_FILENO);
   }
+  m_printed = ::lseek(STDOUT_FILENO, 0, SEEK_END);
   countOutputsOfProcess();
 }
 
@@ -370,16 +371,24 @@ void RunSession::checkOutputsOfProcess() {
 
 void RunSession::checkDiagnostics() {
   if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) {
+    m_printed = ::lseek(STDOUT_FILENO, 0, SEEK_CUR);
     return;
   }
-  if (hasReader(STDOUT_FILENO)) {
-    const int error = m_processErrno != 0 ? m_processErrno : EIO;
-    throw OutputError("standard output", systemProblem("cannot be written", error));
-  }
   const std::string file = fileOf(m_options.diagnostics);
-  m_readers.leave(file.empty() ? "standard output" : file);
+  const std::string name = file.empty() || file == standardOutputName ? "standard output" : file;
+  const bool isFull = hasReader(STDOUT_FILENO);
+  if (!isFull) {
+    m_readers.leave(name);
+  }
+  // No part of a frame, such as half a line, is better than a part; of a pipe nothing is taken
+  // back.
+  [[maybe_unused]] const int ignored = ::ftruncate(STDOUT_FILENO, m_printed);
   const FileDescriptor nowhere(::open("/dev/null", O_WRONLY | O_CLOEXEC));
   ::dup2(nowhere.get(), STDOUT_FILENO);
+  if (isFull) {
+    const int error = m_processErrno != 0 ? m_processErrno : EIO;
+    throw OutputError(name, systemProblem("cannot be written", error));
+  }
   std::clearerr(stdout);
 }
 

@@ -23,6 +23,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <sys/types.h>
 
 namespace grouptracker {
 
@@ -100,6 +101,7 @@ class RunSession {
   EventDetector m_detector;
   std::optional<Progress> m_progress;
   RunSummary m_summary;
+  off_t m_printed = 0;     ///< bytes of standard output that are whole frames, where it is a file
   int m_processErrno = 0;  ///< what the last frame left in errno
 };
 

@@ -1,5 +1,6 @@
 #include "host/pictures/VideoFile.h"
 
+#include "host/base/FileDescriptor.h"
 #include "host/base/OutputPlace.h"
 #include "tracker/images/ImageCodec.h"
 
@@ -22,12 +23,12 @@ void writeImage(const std::string& path, const cv::Mat& picture) {
   const std::vector<uchar> bytes =
       ImageCodec::loaded().encode(".png", picture, {cv::IMWRITE_PNG_COMPRESSION, 1});
   QSaveFile file(QFile::decodeName(path.c_str()));
-  const bool isWritten =
-      file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) &&
-      file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<qint64>(bytes.size())) ==
-          static_cast<qint64>(bytes.size()) &&
-      file.commit();
-  if (!isWritten) {
+  const bool isOpen = file.open(QIODevice::WriteOnly | QIODevice::Unbuffered);
+  const auto size = static_cast<qint64>(bytes.size());
+  if (isOpen && file.write(reinterpret_cast<const char*>(bytes.data()), size) != size) {
+    throw OutputError(path, systemProblem("cannot be written"));  // of a part Qt knows no reason
+  }
+  if (!isOpen || !file.commit()) {
     throw OutputError(path, "cannot be written: " + file.errorString().toStdString());
   }
 }

@@ -154,6 +154,13 @@ TEST_F(OutputPlaces, ThatAreFullAreToldAndHoldWhatIsWhole) {
   EXPECT_EQ(dump.errors(), "dump.txt: cannot be written: File too large\n");
   EXPECT_THAT(text("dump.txt"), testing::EndsWith("\n--------------------\n"));
 
+  QStringList chatty = runArguments({});
+  chatty[8] = "lines.txt";
+  Program lines(folder.path());
+  EXPECT_EQ(runLimited(lines, 5, chatty), 4);
+  EXPECT_EQ(lines.errors(), "lines.txt: cannot be written: File too large\n");
+  EXPECT_THAT(text("lines.txt"), testing::EndsWith("\n"));
+
   QStringList silent = runArguments({});
   silent[5] = "/dev/null";
   Program film(folder.path());
@@ -170,7 +177,7 @@ TEST_F(OutputPlaces, ThatAreFullAreToldAndHoldWhatIsWhole) {
 
   Program pictures(folder.path());
   EXPECT_EQ(runLimited(pictures, 1, silent + QStringList{"--video", "pictures"}), 4);
-  EXPECT_THAT(pictures.errors(), StartsWith("pictures/000001.png: cannot be written: "));
+  EXPECT_EQ(pictures.errors(), "pictures/000001.png: cannot be written: File too large\n");
   EXPECT_TRUE(std::filesystem::is_empty(in("pictures")));
 }
 
@@ -248,16 +255,17 @@ TEST_F(OutputPlaces, OfTheProcessItselfAreLockedToo) {
 }
 
 TEST_F(OutputPlaces, OfTheProcessHaveNamesThatItCanWrite) {
-  Program program(folder.path());
-  program.process().setProgram("/bin/sh");
-  program.process().setArguments(
-      {"-c",
-       QString::fromStdString("exec " + Program::path() +
-                              " run scene.jsonl --parameters p.txt --output groups.jsonl "
-                              "--diagnostics none --mobile-dump \"$(printf 'd\\377.txt')\"")});
-  program.process().start();
-  EXPECT_EQ(program.finish(), 4);
-  EXPECT_THAT(program.errors(), HasSubstr("in UTF-8 only\n"));
+  for (const std::string option : {"--diagnostics none --mobile-dump", "--graph", "--status"}) {
+    Program program(folder.path());
+    program.process().setProgram("/bin/sh");
+    program.process().setArguments(
+        {"-c", QString::fromStdString("exec " + Program::path() +
+                                      " run scene.jsonl --parameters p.txt --output groups.jsonl " +
+                                      option + " \"$(printf 'd\\377.txt')\"")});
+    program.process().start();
+    EXPECT_EQ(program.finish(), 4);
+    EXPECT_THAT(program.errors(), HasSubstr("in UTF-8 only\n"));
+  }
 }
 
 TEST_F(OutputPlaces, OfWhichTheReaderSleepsDoNotKeepTheProgramFromStopping) {

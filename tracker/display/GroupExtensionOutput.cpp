@@ -9,6 +9,8 @@
 #include <opencv2/imgproc.hpp>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <exception>
 #include <string>
 #include <vector>
@@ -71,10 +73,11 @@ QString save(const QString& name, const cv::Mat& pixels) {
   }
   const auto size = static_cast<qint64>(bytes.size());
   QSaveFile file(name);
-  const bool isSaved = file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) &&
-                       file.write(reinterpret_cast<const char*>(bytes.data()), size) == size &&
-                       file.commit();
-  return isSaved ? QString() : file.errorString();
+  const bool isOpen = file.open(QIODevice::WriteOnly | QIODevice::Unbuffered);
+  if (isOpen && file.write(reinterpret_cast<const char*>(bytes.data()), size) != size) {
+    return std::strerror(errno);  // of a part the file knows no reason
+  }
+  return isOpen && file.commit() ? QString() : file.errorString();
 }
 
 }  // namespace
