@@ -48,6 +48,17 @@ inline simdjson::dom::object asObject(Value value, const char* name) {
   return object;
 }
 
+/// Calls `take(key, value)` for each field of an object.
+template <typename Take>
+void eachField(Value value, const char* name, const Take& take) {
+  for (const auto field : asObject(value, name)) {
+    take(field.key, field.value);
+  }
+}
+
+/// For a field that nobody asks for.
+inline void passOver(const Value& /*value*/) {}
+
 inline std::string asText(Value value, const char* name) {
   std::string_view text;
   if (value.get(text) != simdjson::SUCCESS) {

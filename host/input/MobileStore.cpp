@@ -2,53 +2,7 @@
 
 #include <opencv2/core/types.hpp>
 
-#include <cstring>
-#include <span>
-#include <utility>
-
 namespace grouptracker {
-
-std::unique_ptr<MobileArchive::Table> MobileArchive::makeTable() {
-  auto database = Database::temporary();
-  database->execute("CREATE TABLE mobiles (id INTEGER PRIMARY KEY, type BLOB, box BLOB)");
-  const Database& made = *database;
-  return std::make_unique<Table>(
-      Table{std::move(database), Statement(made, "INSERT OR REPLACE INTO mobiles VALUES (?, ?, ?)"),
-            Statement(made, "SELECT type, box FROM mobiles WHERE id = ?")});
-}
-
-void MobileArchive::store(std::uint32_t id, const ArchivedMobile& mobile) {
-  if (m_most && m_stored >= *m_most) {
-    m_older = std::move(m_table);
-    m_stored = 0;
-  }
-  if (!m_table) {
-    m_table = makeTable();
-  }
-  m_table->insertion.row(std::int64_t{id}, std::as_bytes(std::span(mobile.type)),
-                         std::as_bytes(std::span(&mobile.box3D, 1)));
-  ++m_stored;
-}
-
-std::optional<ArchivedMobile> MobileArchive::load(std::uint32_t id) {
-  const auto mobile = loadFrom(m_table.get(), id);
-  return mobile ? mobile : loadFrom(m_older.get(), id);
-}
-
-std::optional<ArchivedMobile> MobileArchive::loadFrom(Table* table, std::uint32_t id) {
-  if (table == nullptr) {
-    return std::nullopt;
-  }
-  table->query.start(std::int64_t{id});
-  if (!table->query.next()) {
-    return std::nullopt;
-  }
-  ArchivedMobile mobile;
-  const auto type = table->query.bytes(0);
-  mobile.type.assign(reinterpret_cast<const char*>(type.data()), type.size());
-  std::memcpy(&mobile.box3D, table->query.bytes(1).data(), sizeof mobile.box3D);
-  return mobile;
-}
 
 void MobileStore::beginFrame() {
   ++m_frame;

@@ -1,60 +1,21 @@
 #pragma once
 
-#include "host/base/Database.h"
+#include "host/input/MobileArchive.h"
 #include "host/people/InputFrame.h"
-
-#include <kel/BoundingBox3D.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <deque>
-#include <memory>
-#include <optional>
-#include <string>
 #include <unordered_map>
 #include <vector>
 
 namespace grouptracker {
 
-/// What can still be printed of a mobile that the tracker has forgotten.
-struct ArchivedMobile {
-  std::string type;
-  BoundingBox3D box3D;  ///< metres
-
-  bool operator==(const ArchivedMobile&) const = default;
-};
-
-/// Remembers mobiles by id in a temporary database, so that memory does not grow with their number;
-/// it is made when the first mobile is stored. What goes wrong is an `OutputError`.
-class MobileArchive {
- public:
-  /// From now on remembers at least so many of the latest mobiles, and at most twice as many.
-  void keepLatest(std::size_t mobiles) { m_most = mobiles; }
-  /// Remembers a mobile; an older one of the same id is replaced.
-  void store(std::uint32_t id, const ArchivedMobile& mobile);
-  /// The mobile of that id; none when nothing was ever stored under it.
-  std::optional<ArchivedMobile> load(std::uint32_t id);
-
- private:
-  struct Table {
-    std::unique_ptr<Database> database;
-    Statement insertion;
-    Statement query;
-  };
-
-  static std::unique_ptr<Table> makeTable();
-  static std::optional<ArchivedMobile> loadFrom(Table* table, std::uint32_t id);
-
-  std::unique_ptr<Table> m_table;  ///< null as long as nothing is stored
-  std::unique_ptr<Table> m_older;  ///< the one before, when there may be so many only
-  std::optional<std::size_t> m_most;
-  std::size_t m_stored = 0;  ///< in the table
-};
-
 /// Finds mobiles by id for an input whose later frames may name any mobile of earlier ones. An id
 /// names its latest observation. The observations of the last `window` frames are kept whole; of
-/// older ones only what can still be printed, on disk, so that memory does not grow with the number
-/// of ids. What the tracker still holds of an older observation is not touched by any of this.
+/// older ones only what can still be printed, in an archive, so that memory does not grow with the
+/// number of ids. What the tracker still holds of an older observation is not touched by any of
+/// this.
 class MobileStore {
  public:
   static constexpr std::size_t defaultWindow = 128;  // frames

@@ -1,15 +1,19 @@
 #include "host/input/SceneLineParser.h"
 
-#include "host/base/JsonAccess.h"
+#include "host/base/JsonOnDemand.h"
+#include "host/input/IdLists.h"
 
 #include <cstddef>
 #include <limits>
+#include <string_view>
 #include <utility>
 
 namespace grouptracker {
 
 struct SceneLineParser::Buffers {
-  simdjson::dom::parser json;
+  simdjson::dom::parser document;
+  simdjson::ondemand::parser passing;
+  IdLists lists;
 };
 
 SceneLineParser::SceneLineParser(ScenePart part)
@@ -20,11 +24,43 @@ SceneLineParser& SceneLineParser::operator=(SceneLineParser&&) noexcept = defaul
 
 namespace {
 
-using json::Value;
+/// A line of which all is wanted, gone through once: the usual way.
+class PassingLine {
+ public:
+  using Value = json::PassingValue;
 
+  PassingLine(std::string_view line, IdLists& lists)
+      : m_end(line.data() + line.size()), m_lists(lists) {
+    m_lists.beginLine();
+  }
+
+  void readFathers(Value value, std::vector<SceneFather>& fathers) const;
+  void readIds(Value value, const std::optional<std::uint32_t>& actor,
+               std::vector<std::uint32_t>& ids) const;
+
+ private:
+  const char* m_end;
+  IdLists& m_lists;
+};
+
+/// A line as a document, of which a part may be wanted only; gives the reasons for what is wrong.
+class DocumentLine {
+ public:
+  using Value = json::Value;
+
+  explicit DocumentLine(ScenePart part) : m_part(part) {}
+
+  void readFathers(Value value, std::vector<SceneFather>& fathers) const;
+  void readIds(Value value, const std::optional<std::uint32_t>& actor,
+               std::vector<std::uint32_t>& ids) const;
+
+ private:
+  ScenePart m_part;
+};
+
+template <typename Value>
 cv::Rect readBox2D(Value value) {
-  const auto box = json::asNumbers<int, 4>(value, "box2d");
-  const auto [x, y, width, height] = box;
+  const auto [x, y, width, height] = json::asNumbers<int, 4>(value, "box2d");
   if (width < 0 || height < 0) {
     throw json::problem("box2d has a negative width or height");
   }
@@ -34,123 +70,191 @@ cv::Rect readBox2D(Value value) {
   return {x, y, width, height};
 }
 
+template <typename Value>
 BoundingBox3D readBox3D(Value value) {
   const auto b = json::asNumbers<float, 6>(value, "box3d");
   return {b[0], b[1], b[2], b[3], b[4], b[5]};
 }
 
+template <typename Value>
 cv::Point3f readPosition(Value value) {
   const auto p = json::asNumbers<float, 3>(value, "position");
   return {p[0], p[1], p[2]};
 }
 
+template <typename Value>
 SceneFather readFather(Value value) {
   std::optional<std::uint32_t> id;
   std::optional<double> reliability;
-  for (const auto field : json::asObject(value, "a father")) {
-    if (field.key == "id") {
-      id = json::as<std::uint32_t>(field.value, "id");
-    } else if (field.key == "reliability") {
-      reliability = json::as<double>(field.value, "reliability");
+  json::eachField(value, "a father", [&](const auto& key, const auto& field) {
+    if (key == "id") {
+      id = json::as<std::uint32_t>(field, "id");
+    } else if (key == "reliability") {
+      reliability = json::as<double>(field, "reliability");
+    } else {
+      json::passOver(field);
     }
-  }
+  });
   return {json::required(id, "id"), json::required(reliability, "reliability")};
 }
 
-SceneMobile readMobile(Value value, ScenePart part) {
+template <typename Line>
+SceneMobile readMobile(const Line& line, typename Line::Value value) {
   SceneMobile mobile;
   std::optional<std::uint32_t> id;
   std::optional<std::string> type;
   std::optional<cv::Rect> box2D;
-  for (const auto field : json::asObject(value, "a mobile")) {
-    if (field.key == "id") {
-      id = json::as<std::uint32_t>(field.value, "id");
-    } else if (field.key == "type") {
-      type = json::asText(field.value, "type");
-    } else if (field.key == "box2d") {
-      box2D = readBox2D(field.value);
-    } else if (field.key == "box3d") {
-      mobile.box3D = readBox3D(field.value);
-    } else if (field.key == "position") {
-      mobile.position = readPosition(field.value);
-    } else if (field.key == "fathers" && part == ScenePart::whole) {
-      json::readArray(field.value, "fathers", readFather, mobile.fathers);
+  json::eachField(value, "a mobile", [&](const auto& key, const auto& field) {
+    if (key == "id") {
+      id = json::as<std::uint32_t>(field, "id");
+    } else if (key == "type") {
+      type = json::asText(field, "type");
+    } else if (key == "box2d") {
+      box2D = readBox2D(field);
+    } else if (key == "box3d") {
+      mobile.box3D = readBox3D(field);
+    } else if (key == "position") {
+      mobile.position = readPosition(field);
+    } else if (key == "fathers") {
+      line.readFathers(field, mobile.fathers);
+    } else {
+      json::passOver(field);
     }
-  }
+  });
   mobile.id = json::required(id, "id");
   mobile.type = json::required(type, "type");
   mobile.box2D = json::required(box2D, "box2d");
   return mobile;
 }
 
-std::uint32_t readId(Value value) {
-  return json::as<std::uint32_t>(value, "an id");
+template <typename Value>
+void readArrayOfIds(Value value, std::vector<std::uint32_t>& ids) {
+  json::readArray(
+      value, "mobiles", [](auto item) { return json::as<std::uint32_t>(item, "an id"); }, ids);
 }
 
 /// The last id of an array, alone; none of an empty one.
-void readLastId(Value value, std::vector<std::uint32_t>& ids) {
+void readLastId(json::Value value, std::vector<std::uint32_t>& ids) {
   simdjson::dom::array values;
   if (value.get(values) != simdjson::SUCCESS) {
     throw json::problem("mobiles must be an array");
   }
-  std::optional<Value> last;
-  for (const Value item : values) {
+  std::optional<json::Value> last;
+  for (const json::Value item : values) {
     last = item;
   }
   if (last) {
-    ids.push_back(readId(*last));
+    ids.push_back(json::as<std::uint32_t>(*last, "an id"));
   }
 }
 
-SceneActor readActor(Value value, ScenePart part) {
+template <typename Line>
+SceneActor readActor(const Line& line, typename Line::Value value) {
   SceneActor actor;
   std::optional<std::uint32_t> id;
   std::optional<std::vector<std::uint32_t>> mobiles;
-  for (const auto field : json::asObject(value, "an actor")) {
-    if (field.key == "id") {
-      id = json::as<std::uint32_t>(field.value, "id");
-    } else if (field.key == "type") {
-      actor.type = json::asText(field.value, "type");
-    } else if (field.key == "box3d") {
-      actor.box3D = readBox3D(field.value);
-    } else if (field.key == "mobiles") {
-      part == ScenePart::whole ? json::readArray(field.value, "mobiles", readId, mobiles.emplace())
-                               : readLastId(field.value, mobiles.emplace());
+  json::eachField(value, "an actor", [&](const auto& key, const auto& field) {
+    if (key == "id") {
+      id = json::as<std::uint32_t>(field, "id");
+    } else if (key == "type") {
+      actor.type = json::asText(field, "type");
+    } else if (key == "box3d") {
+      actor.box3D = readBox3D(field);
+    } else if (key == "mobiles") {
+      line.readIds(field, id, mobiles.emplace());
+    } else {
+      json::passOver(field);
     }
-  }
+  });
   actor.id = json::required(id, "id");
   actor.mobiles = json::required(mobiles, "mobiles");
   return actor;
 }
 
-}  // namespace
-
-void SceneLineParser::parse(const std::string& line, SceneLine& scene) {
+/// Replaces the scene by what the line says; `fields` hands out its fields one by one.
+template <typename Line, typename Fields>
+void readLine(const Line& line, const Fields& fields, SceneLine& scene) {
   scene = SceneLine();
   bool hasMobiles = false;
   bool hasActors = false;
-  for (const auto field : json::asObject(json::parse(m_buffers->json, line), "the line")) {
-    if (field.key == "frame") {
-      scene.frame = json::as<std::int64_t>(field.value, "frame");
-    } else if (field.key == "time") {
-      scene.time = json::as<double>(field.value, "time");
-    } else if (field.key == "image") {
-      scene.image = json::asText(field.value, "image");
-    } else if (field.key == "mobiles") {
+  fields([&](const auto& key, const auto& field) {
+    if (key == "frame") {
+      scene.frame = json::as<std::int64_t>(field, "frame");
+    } else if (key == "time") {
+      scene.time = json::as<double>(field, "time");
+    } else if (key == "image") {
+      scene.image = json::asText(field, "image");
+    } else if (key == "mobiles") {
       hasMobiles = true;
       json::readArray(
-          field.value, "mobiles", [this](Value item) { return readMobile(item, m_part); },
-          scene.mobiles);
-    } else if (field.key == "actors") {
+          field, "mobiles", [&line](auto item) { return readMobile(line, item); }, scene.mobiles);
+    } else if (key == "actors") {
       hasActors = true;
       json::readArray(
-          field.value, "actors", [this](Value item) { return readActor(item, m_part); },
-          scene.actors);
+          field, "actors", [&line](auto item) { return readActor(line, item); }, scene.actors);
+    } else {
+      json::passOver(field);
     }
-  }
+  });
   if (!hasMobiles || !hasActors) {
     throw json::problem(std::string("\"") + (hasMobiles ? "actors" : "mobiles") + "\" is missing");
   }
+}
+
+void PassingLine::readFathers(Value value, std::vector<SceneFather>& fathers) const {
+  json::readArray(
+      value, "fathers", [](auto item) { return readFather(item); }, fathers);
+}
+
+void PassingLine::readIds(Value value, const std::optional<std::uint32_t>& actor,
+                          std::vector<std::uint32_t>& ids) const {
+  const char* const begin = value.raw_json_token().data();
+  const std::string_view text(begin, static_cast<std::size_t>(m_end - begin));
+  const auto* const known =
+      actor && text.starts_with('[') ? m_lists.continued(*actor, text) : nullptr;
+  if (known != nullptr) {
+    ids = *known;
+    return;
+  }
+  readArrayOfIds(value, ids);
+  if (actor) {
+    m_lists.remember(*actor, text, ids);
+  }
+}
+
+void DocumentLine::readFathers(Value value, std::vector<SceneFather>& fathers) const {
+  if (m_part == ScenePart::whole) {
+    json::readArray(
+        value, "fathers", [](auto item) { return readFather(item); }, fathers);
+  }
+}
+
+void DocumentLine::readIds(Value value, const std::optional<std::uint32_t>& /*actor*/,
+                           std::vector<std::uint32_t>& ids) const {
+  m_part == ScenePart::whole ? readArrayOfIds(value, ids) : readLastId(value, ids);
+}
+
+}  // namespace
+
+void SceneLineParser::parse(const std::string& line, SceneLine& scene) {
+  if (m_part == ScenePart::whole) {
+    try {
+      parseInPassing(line, scene);
+      return;
+    } catch (const ValueProblem&) {
+      // The document knows what is wrong, if anything is.
+    }
+  }
+  const auto fields = [&](const auto& take) {
+    json::eachField(json::parse(m_buffers->document, line), "the line", take);
+  };
+  readLine(DocumentLine(m_part), fields, scene);
+}
+
+void SceneLineParser::parseInPassing(const std::string& line, SceneLine& scene) {
+  auto document = json::usual(m_buffers->passing.iterate(line));
+  const auto fields = [&](const auto& take) { json::eachField(document, take); };
+  readLine(PassingLine(line, m_buffers->lists), fields, scene);
 }
 
 }  // namespace grouptracker

@@ -76,6 +76,9 @@ class SceneLineParser {
 
  private:
   struct Buffers;
+
+  void parseInPassing(const std::string& line, SceneLine& scene);
+
   std::unique_ptr<Buffers> m_buffers;
   ScenePart m_part;
 };

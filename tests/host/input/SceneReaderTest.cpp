@@ -178,6 +178,91 @@ TEST(SceneReader, FindsMobilesAgainThatItKeepsOnDiskOnly) {
             "before");
 }
 
+/// The mobiles that the actors have from frame to frame, or what is wrong.
+std::string listsOf(const std::string& text) {
+  std::string lists;
+  const std::string error = errorOf([&] {
+    for (const InputFrame& frame : readAll(text, 4)) {
+      for (const auto& actor : frame.actors) {
+        lists += " " + std::to_string(actor->getIdent()) + ":";
+        for (const auto& mobile : actor->getLinkedPhysicalObjectList()) {
+          const auto& object = *mobile->getPhysicalObject();
+          lists += " " + std::to_string(mobile->getIdent()) + object.getType() +
+                   std::to_string(object.getBoundingBox2D().width);
+        }
+      }
+      lists += "\n";
+    }
+  });
+  return lists + error;
+}
+
+// A key that no line has makes a document of it, of which every list is read whole.
+TEST(SceneReader, GetsTheSameListsWhereTheyContinueThoseOfTheLineBefore) {
+  const auto seen = [](const std::string& id, const std::string& list, const std::string& more) {
+    const auto kind = R"({"id": )" + id + R"(, "type": "KIND)" + id + R"(", )" + body + "}";
+    return R"({"mobiles": [)" + kind + R"(], "actors": [{"id": 7, "mobiles": )" + list + "}" +
+           more + "]}\n";
+  };
+  const std::string begun = seen("1", "[1]", "") + seen("2", "[1, 2]", "") +
+                            seen("3", "[1, 2, 3]", "") + seen("4", "[2, 3, 4]", "");
+  for (const std::string& end :
+       {seen("5", "[3, 4, 5]", "") + seen("6", "[4,5,6]", "") + seen("61", "[5,6,61]", ""),
+        seen("5", "[ 2, 3, 4 ,  5 ]", "") + seen("6", "[3, 4 ,  5, 6 ]", ""),
+        seen("5", "[3, 4, 5]", "") + seen("5", "[4, 5, 5]", "") + seen("8", "[5, 5, 8]", ""),
+        seen("3", "[3, 4, 3]", "") + seen("9", "[4, 3, 9]", ""),
+        seen("5", "[3, 4, 5]", R"(, {"id": 8, "mobiles": [4, 5]})") +
+            seen("6", "[3, 4, 5, 6]", R"(, {"id": 8, "mobiles": [5, 6]})"),
+        seen("5", "[1, 2, 3, 4, 5]", "") + seen("6", "[1, 2, 3, 4, 5, 6]", "") +
+            seen("7", "[1, 2, 3, 4, 5, 6, 7]", ""),
+        seen("5", "[5]", "") + seen("6", "[6]", "") + seen("7", "[]", "") + seen("8", "[8]", ""),
+        seen("5", "[2, 3, 45]", ""), seen("5", "[3, 4, 05]", ""), seen("5", "[3, 4, 5.0]", ""),
+        seen("5", "[3, 4, 4294967301]", ""), seen("5", "[3, 4, 5,]", ""), seen("5", "[3, 4 5]", ""),
+        seen("5", "[3, 4, -5]", ""), seen("5", "[3, 4, 5}", ""), seen("5", "[3, 4, 5, 5]", ""),
+        seen("5", "[3, 4, 5]", "]"), seen("5", "[3, 4, 5]", "") + "{"}) {
+    std::string asDocuments = begun + end;
+    for (std::size_t at = 0; (at = asDocuments.find("{\"mobiles", at)) != std::string::npos; ++at) {
+      asDocuments.insert(at + 1, R"("by": "hand", )");
+    }
+    EXPECT_EQ(listsOf(begun + end), listsOf(asDocuments)) << end;
+  }
+}
+
+TEST(SceneReader, ReadsNumbersAsADocumentDoes) {
+  for (const char* const number : {"-0", "-0.0", "1e-400", "9223372036854775807",
+                                   "18446744073709551616", "0.1e1", "1.5E+3", "01", "1."}) {
+    const auto wide = [number](const char* more) {
+      return std::string("{") + more + R"("mobiles": [{"id": 1, "type": "\u0041", )" + box +
+             R"(, "box3d": [1, 2, 3, 4, 5, )" + number + R"(], "position": [0, 0, 0]}], )" +
+             R"("actors": []})";
+    };
+    const auto read = [&wide](const char* more) {
+      std::string seen;
+      const std::string error = errorOf([&] {
+        const auto& object = *readAll(wide(more))[0].observed[0]->getPhysicalObject();
+        seen = object.getType() + std::to_string(object.getBoundingBox3D().b5);
+      });
+      return seen + error;
+    };
+    EXPECT_EQ(read(""), read(R"("by": "hand", )")) << number;
+  }
+}
+
+TEST(MobileArchive, FindsWhatItHoldsInMemoryAndWhatItHasWritten) {
+  constexpr std::uint32_t count = 300;
+  MobileArchive archive(7);
+  for (std::uint32_t i = 0; i < count; ++i) {
+    const std::uint32_t id = i * 37 % count;  // every id, neighbours far apart
+    archive.store(id, {std::string(id % 5, 'x'), {static_cast<float>(id), 0, 0, 0, 0, 1}});
+  }
+  archive.store(5, {"again", {}});
+  for (std::uint32_t id = 0; id < count; ++id) {
+    const BoundingBox3D box{static_cast<float>(id), 0, 0, 0, 0, 1};
+    EXPECT_EQ(archive.load(id), id == 5 ? (ArchivedMobile{"again", {}})
+                                        : (ArchivedMobile{std::string(id % 5, 'x'), box}));
+  }
+}
+
 TEST(MobileArchive, KeepsEveryIdApart) {
   MobileArchive archive;
   EXPECT_FALSE(archive.load(0));
