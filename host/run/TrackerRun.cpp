@@ -1,5 +1,6 @@
 #include "host/run/TrackerRun.h"
 
+#include <QLatin1String>
 #include <QMap>
 #include <QString>
 #include <QStringList>
@@ -70,6 +71,19 @@ void addProperties(const kelDataActor& actor, RunGroup& group) {
   group.properties.reserve(static_cast<std::size_t>(properties.size()));
   for (auto property = properties.begin(); property != properties.end(); ++property) {
     group.properties.push_back({property.key().toStdString(), toValue(property.value())});
+  }
+  group.decodeProperties();
+}
+
+// Making texts of all the others is half of what a step takes.
+void addKnownProperties(const kelDataActor& actor, RunGroup& group) {
+  const auto& properties = actor.getSpecificProperties();
+  for (auto property = properties.begin(); property != properties.end(); ++property) {
+    for (const char* const name : {"Merge", "Split", "TypeOfGroup", "Visible"}) {
+      if (property.key() == QLatin1String(name)) {
+        group.properties.push_back({name, toValue(property.value())});
+      }
+    }
   }
   group.decodeProperties();
 }
@@ -157,7 +171,7 @@ RunStep TrackerRun::takeReported() {
 RunGroup TrackerRun::describe(const kelDataActor& actor) const {
   RunGroup group;
   group.id = actor.getIdent();
-  addProperties(actor, group);
+  m_options.keepsProperties ? addProperties(actor, group) : addKnownProperties(actor, group);
   const auto& mobiles = actor.getLinkedPhysicalObjectList();
   group.members.reserve(mobiles.size());
   for (const auto& mobile : mobiles) {

@@ -34,9 +34,11 @@ struct TrackerRunOptions {
   QSharedPointer<kelDataContext> sceneContext;             ///< may be null
   bool printsDiagnostics = true;
   bool dumpsMobiles = true;
-  std::string mobileDumpFile;         ///< empty for the process's own choice
-  int mobileDumpDescriptor = -1;      ///< of that file, when the process is not to open it itself
-  bool describesSteps = true;         ///< else nobody looks at the steps, and they come empty
+  std::string mobileDumpFile;     ///< empty for the process's own choice
+  int mobileDumpDescriptor = -1;  ///< of that file, when the process is not to open it itself
+  bool describesSteps = true;     ///< else nobody looks at the steps, and they come empty
+  /// Else groups come with the properties alone that `RunGroup` knows the meaning of.
+  bool keepsProperties = true;
   bool keepsImages = false;           ///< whether steps carry images that are in memory only
   bool processDrawsOnImages = false;  ///< such an image is then copied before the process has it
 };

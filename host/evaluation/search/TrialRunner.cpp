@@ -52,6 +52,7 @@ double runTrial(TunedSequence& sequence, const TrialSettings& settings, TunedSco
   setUp.calibration = input.calibration;
   setUp.printsDiagnostics = false;
   setUp.dumpsMobiles = false;
+  setUp.keepsProperties = false;
   TrackerRun tracker(loadGroupTracker(""));
   tracker.configure(setUp);
   GroupedFrames run;
