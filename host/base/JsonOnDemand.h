@@ -41,7 +41,7 @@ Item usual(simdjson::simdjson_result<Item> result) {
 template <typename Object, typename Take>
 void eachPassingField(Object object, const Take& take) {
   for (auto passing : object) {
-    auto field = usual(std::move(passing));
+    auto field = usual(passing);
     take(field.key(), field.value());
   }
 }
@@ -96,7 +96,7 @@ std::array<Number, count> asNumbers(PassingValue value, const char* name) {
     if (i == count) {
       throw Unusual();
     }
-    numbers[i++] = as<Number>(usual(std::move(item)), name);
+    numbers[i++] = as<Number>(usual(item), name);
   }
   if (i != count) {
     throw Unusual();
@@ -109,7 +109,7 @@ void readArray(PassingValue value, const char* /*name*/, const Read& read,
                std::vector<Item>& items) {
   items.clear();
   for (auto item : usual(value.get_array())) {
-    items.push_back(read(usual(std::move(item))));
+    items.push_back(read(usual(item)));
   }
 }
 
