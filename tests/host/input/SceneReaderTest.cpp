@@ -239,7 +239,8 @@ TEST(SceneReader, ReadsNumbersAsADocumentDoes) {
     const auto read = [&wide](const char* more) {
       std::string seen;
       const std::string error = errorOf([&] {
-        const auto& object = *readAll(wide(more))[0].observed[0]->getPhysicalObject();
+        const auto frames = readAll(wide(more));
+        const auto& object = *frames[0].observed[0]->getPhysicalObject();
         seen = object.getType() + std::to_string(object.getBoundingBox3D().b5);
       });
       return seen + error;
