@@ -10,7 +10,7 @@ fuzzReader() {
   local reader=$1
   local corpus=build/fuzz/corpus/$reader
   mkdir -p "$corpus"
-  "build/asan/bin/fuzz_$reader" -max_total_time="$seconds" -max_len=4096 -timeout=60 \
+  build/asan/bin/fuzz_readers "$reader" -max_total_time="$seconds" -max_len=4096 -timeout=60 \
     -rss_limit_mb=2048 -verbosity=0 -print_funcs=0 \
     -artifact_prefix="build/fuzz/found/$reader-" "$corpus" "fuzz/corpus/$reader" \
     > "build/fuzz/$reader.txt" 2>&1 || {
@@ -21,7 +21,7 @@ fuzzReader() {
 }
 export -f fuzzReader
 
-scripts/build.sh asan --target fuzz_all
+scripts/build.sh asan --target fuzz_readers
 mkdir -p build/fuzz/found
 find fuzz/corpus -mindepth 1 -maxdepth 1 -printf '%f\n' | sort |
   xargs -P "$(nproc)" -I READER bash -c 'set -euo pipefail; fuzzReader READER'
