@@ -2,8 +2,10 @@
 
 #include <fmt/format.h>
 
+#include <concepts>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
 namespace grouptracker {
@@ -22,6 +24,34 @@ void append(Line& line, fmt::format_string<Args...> text, Args&&... args) {
   appendArguments(line, text, fmt::make_format_args(args...));
 }
 
+/// The shortest text that reads as exactly this number in double precision; null unless finite.
+void appendNumber(Line& line, double number);
+template <std::integral Whole>
+void appendNumber(Line& line, Whole number) {
+  const fmt::format_int text(number);
+  line.append(std::string_view(text.data(), text.size()));
+}
+
+/// The same of a number that is rounded to so many decimals, six at most, halves away from zero.
+void appendRounded(Line& line, double number, unsigned decimals);
+
+/// The same as `jsonText()`.
+void appendText(Line& line, std::string_view text);
+
+/// Texts as they are and numbers as JSON has them, one behind the other. For what is written many
+/// times a frame: `append()` takes longer to read its text than to write the numbers.
+template <typename... Parts>
+void appendParts(Line& line, const Parts&... parts) {
+  const auto appendPart = [&line](const auto& part) {
+    if constexpr (std::is_arithmetic_v<std::remove_cvref_t<decltype(part)>>) {
+      appendNumber(line, part);
+    } else {
+      line.append(std::string_view(part));
+    }
+  };
+  (appendPart(parts), ...);
+}
+
 /// A JSON array of the items, each written by `write`.
 template <typename Items, typename Write>
 void appendArray(Line& line, const Items& items, const Write& write) {
@@ -35,10 +65,10 @@ void appendArray(Line& line, const Items& items, const Write& write) {
   line.push_back(']');
 }
 
-/// A JSON array of whole numbers.
+/// A JSON array of numbers.
 template <typename Numbers>
 void appendNumbers(Line& line, const Numbers& numbers) {
-  appendArray(line, numbers, [&line](auto number) { append(line, "{}", number); });
+  appendArray(line, numbers, [&line](auto number) { appendNumber(line, number); });
 }
 
 /// The items one behind the other. Much quicker to compile than `fmt::join`.

@@ -123,6 +123,11 @@ std::string json_line::person(std::uint32_t person) {
   return jsonOf(PersonNames::ofProgram().nameOf(person));
 }
 
+void json_line::appendPerson(Line& line, std::uint32_t person) {
+  person < PersonNames::firstAlias ? appendNumber(line, person)
+                                   : line.append(json_line::person(person));
+}
+
 void json_line::appendPersons(Line& line, const std::vector<std::uint32_t>& persons) {
   const bool areThemselves = std::all_of(persons.begin(), persons.end(), [](std::uint32_t person) {
     return person < PersonNames::firstAlias;

@@ -79,6 +79,7 @@ namespace json_line {
 
 /// A person's name as JSON has it, a number or a quoted text.
 std::string person(std::uint32_t person);
+void appendPerson(Line& line, std::uint32_t person);
 /// A JSON array of names, in ascending order.
 void appendPersons(Line& line, const std::vector<std::uint32_t>& persons);
 

@@ -2,55 +2,52 @@
 
 #include "host/base/PersonNames.h"
 
-#include <cmath>
-
 namespace grouptracker {
 
 namespace {
 
-using json_line::append;
 using json_line::appendArray;
 using json_line::appendNumbers;
+using json_line::appendParts;
 using json_line::appendPersons;
+using json_line::appendRounded;
 using json_line::Line;
 
-constexpr double perMetre = 1e4;
-constexpr double perSecond = 1e6;
-constexpr double perCertainty = 1e4;
-
-/// Rounded to a part of the unit, so that lines stay short and do not depend on the last bits.
-std::string rounded(double value, double parts) {
-  const double whole = std::round(value * parts);
-  return jsonNumber(whole == 0.0 ? 0.0 : whole / parts);
-}
-
-std::string numberOrNull(const std::optional<double>& value, double parts) {
-  return value ? rounded(*value, parts) : "null";
-}
+constexpr unsigned placeDecimals = 4;
+constexpr unsigned timeDecimals = 6;
+constexpr unsigned confidenceDecimals = 4;
 
 void appendGroup(Line& line, const FoundGroup& group) {
-  append(line, R"({{"id": {}, "members": )", group.id);
+  appendParts(line, R"({"id": )", group.id, R"(, "members": )");
   appendPersons(line, group.members);
-  append(line, R"(, "since": {}, "position": [{}, {}], "confidence": {})", group.since,
-         rounded(group.position.x, perMetre), rounded(group.position.y, perMetre),
-         rounded(group.confidence, perCertainty));
+  appendParts(line, R"(, "since": )", group.since, R"(, "position": [)");
+  appendRounded(line, group.position.x, placeDecimals);
+  appendParts(line, ", ");
+  appendRounded(line, group.position.y, placeDecimals);
+  appendParts(line, R"(], "confidence": )");
+  appendRounded(line, group.confidence, confidenceDecimals);
   if (!group.from.empty()) {
-    append(line, R"(, "from": )");
+    appendParts(line, R"(, "from": )");
     appendNumbers(line, group.from);
   }
-  append(line, "}}");
+  appendParts(line, "}");
 }
 
 }  // namespace
 
+void appendLine(Line& line, const FrameGroups& frame) {
+  appendParts(line, R"({"frame": )", frame.frame, R"(, "time": )");
+  frame.time ? appendRounded(line, *frame.time, timeDecimals) : appendParts(line, "null");
+  appendParts(line, R"(, "groups": )");
+  appendArray(line, frame.groups, [&line](const FoundGroup& group) { appendGroup(line, group); });
+  appendParts(line, R"(, "alone": )");
+  appendPersons(line, frame.alone);
+  appendParts(line, "}\n");
+}
+
 std::string toLine(const FrameGroups& frame) {
   Line line;
-  append(line, R"({{"frame": {}, "time": {}, "groups": )", frame.frame,
-         numberOrNull(frame.time, perSecond));
-  appendArray(line, frame.groups, [&line](const FoundGroup& group) { appendGroup(line, group); });
-  append(line, R"(, "alone": )");
-  appendPersons(line, frame.alone);
-  append(line, "}}\n");
+  appendLine(line, frame);
   return {line.data(), line.size()};
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/base/JsonLine.h"
 #include "host/base/OutputFile.h"
 #include "host/grouping/FrameGroups.h"
 
@@ -9,6 +10,8 @@ namespace grouptracker {
 
 /// The line of one frame, with its end.
 std::string toLine(const FrameGroups& frame);
+/// The same into a buffer that is kept from line to line.
+void appendLine(json_line::Line& line, const FrameGroups& frame);
 
 /// Writes the groups file, one JSON object a line and frame of the input:
 ///

@@ -20,79 +20,85 @@ namespace grouptracker {
 namespace {
 
 using json::Value;
-using json_line::append;
 using json_line::appendArray;
+using json_line::appendNumber;
+using json_line::appendNumbers;
+using json_line::appendParts;
+using json_line::appendPerson;
+using json_line::appendText;
 using json_line::Line;
 
-std::string textOf(const PropertyValue& value) {
-  struct Text {
-    std::string operator()(std::monostate) const { return "null"; }
-    std::string operator()(bool truth) const { return truth ? "true" : "false"; }
-    std::string operator()(std::int64_t number) const { return std::to_string(number); }
-    std::string operator()(std::uint64_t number) const { return std::to_string(number); }
-    std::string operator()(double number) const { return jsonNumber(number); }
-    std::string operator()(const std::string& text) const { return jsonText(text); }
+void appendProperty(Line& line, const PropertyValue& value) {
+  struct Append {
+    Line& line;
+
+    void operator()(std::monostate) const { appendParts(line, "null"); }
+    void operator()(bool truth) const { appendParts(line, truth ? "true" : "false"); }
+    void operator()(std::int64_t number) const { appendNumber(line, number); }
+    void operator()(std::uint64_t number) const { appendNumber(line, number); }
+    void operator()(double number) const { appendNumber(line, number); }
+    void operator()(const std::string& text) const { appendText(line, text); }
   };
-  return std::visit(Text(), value);
+  std::visit(Append{line}, value);
 }
 
 void appendExtent(Line& line, const RunGroup& group) {
-  const auto appendNumber = [&line](float number) { append(line, "{}", jsonNumber(number)); };
   if (const auto& at = group.position) {
-    append(line, R"("position": )");
-    appendArray(line, std::array{at->x, at->y, at->z}, appendNumber);
-    append(line, ", ");
+    appendParts(line, R"("position": )");
+    appendNumbers(line, std::array{at->x, at->y, at->z});
+    appendParts(line, ", ");
   }
   if (const auto& box = group.box2D) {
-    append(line, R"("box2d": [{}, {}, {}, {}], )", box->x, box->y, box->width, box->height);
+    appendParts(line, R"("box2d": )");
+    appendNumbers(line, std::array{box->x, box->y, box->width, box->height});
+    appendParts(line, ", ");
   }
   if (group.box3D) {
-    append(line, R"("box3d": )");
-    appendArray(line, *group.box3D, appendNumber);
-    append(line, ", ");
+    appendParts(line, R"("box3d": )");
+    appendNumbers(line, *group.box3D);
+    appendParts(line, ", ");
   }
 }
 
 void appendGroup(Line& line, const RunGroup& group) {
-  append(line, R"({{"id": {}, "mobiles": )", group.id);
+  appendParts(line, R"({"id": )", group.id, R"(, "mobiles": )");
   appendArray(line, group.members,
-              [&](const auto& member) { append(line, "{}", member.mobile.value_or(0)); });
-  append(line, R"(, "persons": )");
+              [&](const auto& member) { appendNumber(line, member.mobile.value_or(0)); });
+  appendParts(line, R"(, "persons": )");
   appendArray(line, group.members, [&](const auto& member) {
-    member.person ? append(line, "{}", json_line::person(*member.person)) : append(line, "null");
+    member.person ? appendPerson(line, *member.person) : appendParts(line, "null");
   });
-  append(line, ", ");
+  appendParts(line, ", ");
   appendExtent(line, group);
-  append(line, R"("properties": {{)");
+  appendParts(line, R"("properties": {)");
   const char* separator = "";
   for (const auto& [name, value] : group.properties) {
-    append(line, "{}{}: {}", separator, jsonText(name), textOf(value));
+    appendParts(line, separator);
+    appendText(line, name);
+    appendParts(line, ": ");
+    appendProperty(line, value);
     separator = ", ";
   }
-  append(line, "}}}}");
+  appendParts(line, "}}");
 }
 
 void appendActors(Line& line, const RunStep& step) {
-  append(line, R"({{"frame": {}, "reportedFrame": {}, "inputFrame": )", step.frame,
-         step.reportedFrame);
-  step.inputFrame ? append(line, "{}", *step.inputFrame) : append(line, "null");
-  append(line, R"(, "persons": )");
-  appendArray(line, step.persons,
-              [&line](const auto& p) { append(line, "{}", json_line::person(p.id)); });
-  append(line, R"(, "groups": )");
+  appendParts(line, R"({"frame": )", step.frame, R"(, "reportedFrame": )", step.reportedFrame,
+              R"(, "inputFrame": )");
+  step.inputFrame ? appendNumber(line, *step.inputFrame) : appendParts(line, "null");
+  appendParts(line, R"(, "persons": )");
+  appendArray(line, step.persons, [&line](const auto& person) { appendPerson(line, person.id); });
+  appendParts(line, R"(, "groups": )");
   appendArray(line, step.groups, [&line](const auto& group) { appendGroup(line, group); });
-  append(line, "}}\n");
+  appendParts(line, "}\n");
 }
 
 }  // namespace
 
 void RunFileWriter::write(const RunStep& step) {
-  if (step.source == GroupSource::evidence) {
-    m_file.writeLines(toLine(toFrameGroups(step)));
-    return;
-  }
   m_line.clear();
-  appendActors(m_line, step);
+  step.source == GroupSource::evidence ? appendLine(m_line, toFrameGroups(step))
+                                       : appendActors(m_line, step);
   m_file.writeLines({m_line.data(), m_line.size()});
 }
 
