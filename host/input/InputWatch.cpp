@@ -2,8 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
-#include <utility>
 
 namespace grouptracker {
 
@@ -32,22 +32,31 @@ void InputWatch::look(const InputFrame& frame) {
 /// Distances tell centimetres from metres even where nobody knows the time between frames.
 void InputWatch::lookAtMoves(const InputFrame& frame) {
   const double elapsed = frame.time && m_time ? *frame.time - *m_time : usualStep;
-  std::unordered_map<std::uint32_t, cv::Point2f> places;
-  for (const auto& actor : frame.actors) {
-    const auto& mobiles = actor->getLinkedPhysicalObjectList();
-    if (mobiles.empty()) {
-      continue;
-    }
-    const cv::Point3f& at = mobiles.back()->getPhysicalObject()->getPosition();
-    const cv::Point2f place(at.x, at.y);
-    places.emplace(actor->getIdent(), place);
-    if (const auto before = m_places.find(actor->getIdent()); before != m_places.end()) {
+  m_placesBefore.swap(m_places);
+  notePlaces(frame);
+  auto before = m_placesBefore.begin();
+  for (const PlacedPerson& now : m_places) {
+    before = std::find_if(before, m_placesBefore.end(),
+                          [&now](const PlacedPerson& other) { return other.id >= now.id; });
+    if (before != m_placesBefore.end() && before->id == now.id) {
       ++m_moves;
-      m_leaps += cv::norm(place - before->second) > fastest * elapsed ? 1 : 0;
+      m_leaps += cv::norm(now.place - before->place) > fastest * elapsed ? 1 : 0;
     }
   }
-  m_places = std::move(places);
   m_time = frame.time;
+}
+
+void InputWatch::notePlaces(const InputFrame& frame) {
+  m_places.clear();
+  for (const auto& actor : frame.actors) {
+    const auto& mobiles = actor->getLinkedPhysicalObjectList();
+    if (!mobiles.empty()) {
+      const cv::Point3f& at = mobiles.back()->getPhysicalObject()->getPosition();
+      m_places.push_back({actor->getIdent(), {at.x, at.y}});
+    }
+  }
+  std::stable_sort(m_places.begin(), m_places.end(),
+                   [](const PlacedPerson& a, const PlacedPerson& b) { return a.id < b.id; });
 }
 
 void InputWatch::lookAtBody(const kelDataPhysicalObject& body) {

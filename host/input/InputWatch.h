@@ -7,7 +7,6 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 namespace grouptracker {
@@ -32,20 +31,27 @@ class InputWatch {
   std::vector<std::string> warnings(const InputDemands& demands) const;
 
  private:
+  struct PlacedPerson {
+    std::uint32_t id = 0;
+    cv::Point2f place;  ///< metres
+  };
+
   void lookAtBody(const kelDataPhysicalObject& body);
   void lookAtMoves(const InputFrame& frame);
+  void notePlaces(const InputFrame& frame);
 
   std::optional<cv::Size> m_imageSize;
   std::uint64_t m_frames = 0;
   std::uint64_t m_images = 0;  ///< frames that have one
   std::uint64_t m_bodies = 0;
-  std::uint64_t m_giants = 0;    ///< three times too tall
-  std::uint64_t m_boxes = 0;     ///< in the image
-  std::uint64_t m_outside = 0;   ///< of these, with no part within it
-  std::uint64_t m_moves = 0;     ///< of somebody from one frame to the next
-  std::uint64_t m_leaps = 0;     ///< of these, faster than anybody runs
-  std::optional<double> m_time;  ///< of the last frame, seconds
-  std::unordered_map<std::uint32_t, cv::Point2f> m_places;  ///< at the last frame, metres
+  std::uint64_t m_giants = 0;                ///< three times too tall
+  std::uint64_t m_boxes = 0;                 ///< in the image
+  std::uint64_t m_outside = 0;               ///< of these, with no part within it
+  std::uint64_t m_moves = 0;                 ///< of somebody from one frame to the next
+  std::uint64_t m_leaps = 0;                 ///< of these, faster than anybody runs
+  std::optional<double> m_time;              ///< of the last frame, seconds
+  std::vector<PlacedPerson> m_places;        ///< at the last frame, in ascending order of ids
+  std::vector<PlacedPerson> m_placesBefore;  ///< at the one before
 };
 
 }  // namespace grouptracker
