@@ -139,6 +139,7 @@ RunStep GroupRun::describe(const FrameGroups& decided) {
 
 std::vector<std::uint32_t> aloneIn(const RunStep& step) {
   std::vector<std::uint32_t> together;
+  together.reserve(step.persons.size());
   for (const RunGroup& group : step.groups) {
     for (const RunMember& member : group.members) {
       together.push_back(member.person.value_or(0));
@@ -146,8 +147,11 @@ std::vector<std::uint32_t> aloneIn(const RunStep& step) {
   }
   std::sort(together.begin(), together.end());
   std::vector<std::uint32_t> alone;
+  alone.reserve(step.persons.size());
+  auto member = together.begin();
   for (const RunPerson& person : step.persons) {
-    if (!std::binary_search(together.begin(), together.end(), person.id)) {
+    member = std::find_if(member, together.end(), [&person](auto id) { return id >= person.id; });
+    if (member == together.end() || *member != person.id) {
       alone.push_back(person.id);
     }
   }
@@ -156,9 +160,11 @@ std::vector<std::uint32_t> aloneIn(const RunStep& step) {
 
 FrameGroups toFrameGroups(const RunStep& step) {
   FrameGroups groups{step.inputFrame.value_or(0), step.time, {}, aloneIn(step)};
+  groups.groups.reserve(step.groups.size());
   for (const RunGroup& group : step.groups) {
     FoundGroup& found = groups.groups.emplace_back();
     found.id = group.id;
+    found.members.reserve(group.members.size());
     for (const RunMember& member : group.members) {
       found.members.push_back(member.person.value_or(0));
     }

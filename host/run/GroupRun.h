@@ -52,7 +52,7 @@ class GroupRun {
   std::uint32_t m_frame = 0;  ///< taken so far
 };
 
-/// Who is in no group at a step, in the order of its persons.
+/// Who is in no group at a step of the evidence, ascending as its persons are.
 std::vector<std::uint32_t> aloneIn(const RunStep& step);
 
 /// The groups of a step of the evidence without what the input says about its people.
