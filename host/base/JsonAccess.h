@@ -121,21 +121,33 @@ std::array<Number, count> asNumbers(Value value, const char* name) {
   return numbers;
 }
 
-/// Reads every item of an array with `read`; a problem of an item gets the item's index in front.
+/// `read(value, item)` replaces an item that keeps its buffers, `read(value)` makes a new one.
+template <typename JsonValue, typename Item, typename Read>
+void readItem(const JsonValue& value, const Read& read, Item& item) {
+  if constexpr (std::invocable<Read, JsonValue, Item&>) {
+    read(value, item);
+  } else {
+    item = read(value);
+  }
+}
+
+/// Replaces `items` by those of an array, each read as `readItem` does; a problem of an item gets
+/// the item's index in front.
 template <typename Item, typename Read>
 void readArray(Value value, const char* name, const Read& read, std::vector<Item>& items) {
   simdjson::dom::array values;
   if (value.get(values) != simdjson::SUCCESS) {
     throw problem(std::string(name) + " must be an array");
   }
-  items.clear();
-  items.reserve(values.size());
+  items.resize(values.size());
+  std::size_t i = 0;
   for (const Value item : values) {
     try {
-      items.push_back(read(item));
+      readItem(item, read, items[i]);
     } catch (const ValueProblem& inner) {
-      throw problem(std::string(name) + "[" + std::to_string(items.size()) + "]: " + inner.what());
+      throw problem(std::string(name) + "[" + std::to_string(i) + "]: " + inner.what());
     }
+    ++i;
   }
 }
 

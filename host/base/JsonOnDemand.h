@@ -107,10 +107,14 @@ std::array<Number, count> asNumbers(PassingValue value, const char* name) {
 template <typename Item, typename Read>
 void readArray(PassingValue value, const char* /*name*/, const Read& read,
                std::vector<Item>& items) {
-  items.clear();
+  std::size_t count = 0;
   for (auto item : usual(value.get_array())) {
-    items.push_back(read(usual(item)));
+    if (count == items.size()) {
+      items.emplace_back();
+    }
+    readItem(usual(item), read, items[count++]);
   }
+  items.resize(count);
 }
 
 }  // namespace json

@@ -135,6 +135,9 @@ void RunSession::readFirstFrame() {
 /// how far the reading is: the own process asks for no such, another one might.
 void RunSession::readAhead() {
   if (m_first && !m_input.isArriving && m_options.pluginFile.empty()) {
+    if (m_input.planActors) {
+      m_input.planActors();
+    }
     m_input.frames = std::make_unique<ReadAhead>(std::move(m_input.frames));
   }
 }

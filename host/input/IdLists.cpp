@@ -37,26 +37,31 @@ void IdLists::beginLine() {
   m_lists.clear();
 }
 
-const IdLists::Ids* IdLists::continued(std::uint32_t actor, std::string_view text) {
+std::optional<IdLists::Step> IdLists::step(std::uint32_t actor, std::string_view text) {
   const auto before = m_before.find(actor);
   if (before == m_before.end()) {
-    return nullptr;
+    return std::nullopt;
   }
   List& list = before->second;
   const std::string_view next = withoutBlanks(text.substr(1));
-  if (!list.goOn(list.second(), next) && !list.goOn(0, next)) {
-    return nullptr;
+  const auto afterLoss = list.goOn(list.second(), next);
+  const auto added = afterLoss ? afterLoss : list.goOn(0, next);
+  if (!added) {
+    return std::nullopt;
   }
-  return &m_lists.insert(m_before.extract(before)).position->second.ids;
+  m_lists.insert(m_before.extract(before));
+  return Step{afterLoss.has_value(), *added};
 }
 
-void IdLists::remember(std::uint32_t actor, std::string_view text, const Ids& ids) {
-  if (ids.empty()) {
-    return;
-  }
+void IdLists::remember(std::uint32_t actor, std::string_view text) {
   text = withoutBlanks(text.substr(1, text.find(']') - 1));
   text = text.substr(0, text.find_last_not_of(blank) + 1);
-  m_lists.insert_or_assign(actor, List{std::string(text), ids});
+  m_lists.insert_or_assign(actor, List{std::string(text)});
+}
+
+void IdLists::forget() {
+  m_lists.clear();
+  m_before.clear();
 }
 
 /// Where the second id stands in the text; behind it when there is none.
@@ -66,24 +71,19 @@ std::size_t IdLists::List::second() const {
 }
 
 /// Becomes the list that has the ids from a place of the text on, one at least, and one id behind
-/// them, if that is how `next` begins.
-bool IdLists::List::goOn(std::size_t from, std::string_view next) {
+/// them, if that is how `next` begins; the id.
+std::optional<std::uint32_t> IdLists::List::goOn(std::size_t from, std::string_view next) {
   const std::string_view known = std::string_view(text).substr(from);
   if (known.empty() || !next.starts_with(known)) {
-    return false;
+    return std::nullopt;
   }
   std::uint32_t id = 0;
   const std::size_t added = readLast(next.substr(known.size()), id);
   if (added == 0) {
-    return false;
+    return std::nullopt;
   }
-  const std::string_view whole = next.substr(0, known.size() + added);
-  if (from > 0) {
-    ids.erase(ids.begin());
-  }
-  ids.push_back(id);
-  text = whole;
-  return true;
+  text = next.substr(0, known.size() + added);
+  return id;
 }
 
 }  // namespace grouptracker

@@ -99,6 +99,7 @@ OpenedInput openScene(const std::string& path, const InputOptions& options) {
   if (options.wantsPlacesOnly) {
     scene->readPlacesOnly();
   }
+  input.planActors = [reader = scene.get()] { reader->planActors(); };
   input.frames = std::move(scene);
   input.hasOwnLinks = true;
   return input;
@@ -294,6 +295,7 @@ OpenedInput openInput(const std::string& path, const InputOptions& options) {
   if (!options.frames.isWhole()) {
     input.frames =
         std::make_unique<FramesWithin>(std::move(input.frames), options.frames, options.onWarning);
+    input.planActors = {};
   }
   return input;
 }

@@ -2,6 +2,8 @@
 
 #include <opencv2/core/types.hpp>
 
+#include <algorithm>
+
 namespace grouptracker {
 
 void MobileStore::beginFrame() {
@@ -13,12 +15,19 @@ void MobileStore::beginFrame() {
 }
 
 bool MobileStore::declare(const MobilePointer& mobile) {
-  if (isOfThisFrame(mobile->getIdent())) {
+  const std::uint32_t id = mobile->getIdent();
+  Recent& recent = m_recent[id];
+  if (recent.frame == m_frame) {
     return false;
   }
-  m_recent[mobile->getIdent()] = {mobile, m_frame};
-  m_idsByFrame.back().push_back(mobile->getIdent());
+  m_hasRenamed = m_hasRenamed || recent.mobile || isArchived(id);
+  recent = {mobile, m_frame};
+  m_idsByFrame.back().push_back(id);
   return true;
+}
+
+bool MobileStore::isArchived(std::uint32_t id) {
+  return m_largestArchived && id <= *m_largestArchived && m_archive.load(id);
 }
 
 const MobilePointer& MobileStore::find(std::uint32_t id) {
@@ -47,6 +56,7 @@ void MobileStore::archiveOldest() {
       if (m_archives) {
         const auto& object = recent->second.mobile->getPhysicalObject();
         m_archive.store(id, {object->getType(), object->getBoundingBox3D()});
+        m_largestArchived = std::max(id, m_largestArchived.value_or(0));
       }
       m_recent.erase(recent);
     }

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <optional>
 #include <unordered_map>
 #include <vector>
 
@@ -34,6 +35,8 @@ class MobileStore {
   void beginFrame();
   /// Makes the id name this observation; false when the frame has declared it already.
   bool declare(const MobilePointer& mobile);
+  /// Whether any id of an earlier frame was declared again, so that it names another mobile now.
+  bool hasRenamed() const { return m_hasRenamed; }
   /// The latest observation of an id, an archived one without image box and position; null for an
   /// id that was never declared. Holds until the next call.
   const MobilePointer& find(std::uint32_t id);
@@ -46,6 +49,7 @@ class MobileStore {
     std::uint64_t frame = 0;
   };
 
+  bool isArchived(std::uint32_t id);
   void archiveOldest();
 
   std::size_t m_window;
@@ -54,6 +58,8 @@ class MobileStore {
   std::unordered_map<std::uint32_t, Recent> m_recent;
   std::deque<std::vector<std::uint32_t>> m_idsByFrame;  ///< the last is the current frame's
   MobileArchive m_archive;
+  std::optional<std::uint32_t> m_largestArchived;
+  bool m_hasRenamed = false;
   MobilePointer m_revived;  ///< the last one found in the archive, or null
 };
 

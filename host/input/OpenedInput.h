@@ -76,6 +76,9 @@ struct OpenedInput {
   /// Chooses other links, before the first frame is read; empty for an input that has its own or is
   /// not in memory as a whole.
   std::function<void(const LinkOptions&)> relink;
+  /// From the next frame on leaves the actors to be made where frames are used, see `ActorMaker`;
+  /// empty for an input that makes them, or that does not hand out every frame.
+  std::function<void()> planActors;
 };
 
 /// Makes the frames of an input that consists of observations, with the camera that it has by now.

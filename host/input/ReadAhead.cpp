@@ -26,9 +26,11 @@ bool ReadAhead::next(InputFrame& frame) {
     }
     return false;
   }
-  frame.image.reset();  // which is large, and nothing to wait with
+  frame.image.reset();   // which is large, and nothing to wait with
+  frame.actors.clear();  // which may be used again at once
   m_givenBack.push_back(std::exchange(frame, std::move(m_taken.front())));
   m_taken.pop_front();
+  m_actors.make(frame);
   return true;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/people/ActorMaker.h"
 #include "host/people/InputFrame.h"
 
 #include <condition_variable>
@@ -14,7 +15,8 @@ namespace grouptracker {
 
 /// Reads the next frames of an input on a thread of its own while somebody works on the earlier
 /// ones, who gets them in the same order. What reading fails with comes out of `next()` behind the
-/// last frame before it, and nothing is read after it. Frames that were worked on go back to the
+/// last frame before it, and nothing is read after it. Actors that the source plans only are made
+/// where they are used. Frames that were worked on go back to the
 /// thread that made them, since freeing their many records takes long. Not for an input that speaks
 /// to its user while it is read.
 class ReadAhead : public FrameSource {
@@ -46,6 +48,7 @@ class ReadAhead : public FrameSource {
   // Of the thread that calls `next()`.
   std::deque<InputFrame> m_taken;
   std::deque<InputFrame> m_givenBack;
+  ActorMaker m_actors;
   std::thread m_thread;
 };
 

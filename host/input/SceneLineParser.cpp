@@ -29,18 +29,22 @@ class PassingLine {
  public:
   using Value = json::PassingValue;
 
-  PassingLine(std::string_view line, IdLists& lists)
+  /// Null for `lists` when all are to be read.
+  PassingLine(std::string_view line, IdLists* lists)
       : m_end(line.data() + line.size()), m_lists(lists) {
-    m_lists.beginLine();
+    if (m_lists != nullptr) {
+      m_lists->beginLine();
+    }
   }
 
   void readFathers(Value value, std::vector<SceneFather>& fathers) const;
-  void readIds(Value value, const std::optional<std::uint32_t>& actor,
-               std::vector<std::uint32_t>& ids) const;
+  void readList(Value value, const std::optional<std::uint32_t>& id, SceneActor& actor) const;
+  /// Lists are remembered by the id that was read before them, so neither may be told twice.
+  static void refuseAgain(bool isThere);
 
  private:
   const char* m_end;
-  IdLists& m_lists;
+  IdLists* m_lists;
 };
 
 /// A line as a document, of which a part may be wanted only; gives the reasons for what is wrong.
@@ -51,8 +55,8 @@ class DocumentLine {
   explicit DocumentLine(ScenePart part) : m_part(part) {}
 
   void readFathers(Value value, std::vector<SceneFather>& fathers) const;
-  void readIds(Value value, const std::optional<std::uint32_t>& actor,
-               std::vector<std::uint32_t>& ids) const;
+  void readList(Value value, const std::optional<std::uint32_t>& id, SceneActor& actor) const;
+  static void refuseAgain(bool /*isThere*/) {}
 
  private:
   ScenePart m_part;
@@ -83,7 +87,7 @@ cv::Point3f readPosition(Value value) {
 }
 
 template <typename Value>
-SceneFather readFather(Value value) {
+void readFather(Value value, SceneFather& father) {
   std::optional<std::uint32_t> id;
   std::optional<double> reliability;
   json::eachField(value, "a father", [&](const auto& key, const auto& field) {
@@ -95,12 +99,14 @@ SceneFather readFather(Value value) {
       json::passOver(field);
     }
   });
-  return {json::required(id, "id"), json::required(reliability, "reliability")};
+  father = {json::required(id, "id"), json::required(reliability, "reliability")};
 }
 
 template <typename Line>
-SceneMobile readMobile(const Line& line, typename Line::Value value) {
-  SceneMobile mobile;
+void readMobile(const Line& line, typename Line::Value value, SceneMobile& mobile) {
+  mobile.box3D.reset();
+  mobile.position.reset();
+  mobile.fathers.clear();
   std::optional<std::uint32_t> id;
   std::optional<std::string> type;
   std::optional<cv::Rect> box2D;
@@ -124,7 +130,6 @@ SceneMobile readMobile(const Line& line, typename Line::Value value) {
   mobile.id = json::required(id, "id");
   mobile.type = json::required(type, "type");
   mobile.box2D = json::required(box2D, "box2d");
-  return mobile;
 }
 
 template <typename Value>
@@ -135,6 +140,7 @@ void readArrayOfIds(Value value, std::vector<std::uint32_t>& ids) {
 
 /// The last id of an array, alone; none of an empty one.
 void readLastId(json::Value value, std::vector<std::uint32_t>& ids) {
+  ids.clear();
   simdjson::dom::array values;
   if (value.get(values) != simdjson::SUCCESS) {
     throw json::problem("mobiles must be an array");
@@ -149,32 +155,41 @@ void readLastId(json::Value value, std::vector<std::uint32_t>& ids) {
 }
 
 template <typename Line>
-SceneActor readActor(const Line& line, typename Line::Value value) {
-  SceneActor actor;
+void readActor(const Line& line, typename Line::Value value, SceneActor& actor) {
+  actor.type.reset();
+  actor.box3D.reset();
+  actor.goesOn = false;
+  actor.losesFirst = false;
   std::optional<std::uint32_t> id;
-  std::optional<std::vector<std::uint32_t>> mobiles;
+  bool hasMobiles = false;
   json::eachField(value, "an actor", [&](const auto& key, const auto& field) {
     if (key == "id") {
+      line.refuseAgain(id.has_value());
       id = json::as<std::uint32_t>(field, "id");
     } else if (key == "type") {
       actor.type = json::asText(field, "type");
     } else if (key == "box3d") {
       actor.box3D = readBox3D(field);
     } else if (key == "mobiles") {
-      line.readIds(field, id, mobiles.emplace());
+      line.refuseAgain(hasMobiles);
+      line.readList(field, id, actor);
+      hasMobiles = true;
     } else {
       json::passOver(field);
     }
   });
   actor.id = json::required(id, "id");
-  actor.mobiles = json::required(mobiles, "mobiles");
-  return actor;
+  if (!hasMobiles) {
+    throw json::problem("\"mobiles\" is missing");
+  }
 }
 
 /// Replaces the scene by what the line says; `fields` hands out its fields one by one.
 template <typename Line, typename Fields>
 void readLine(const Line& line, const Fields& fields, SceneLine& scene) {
-  scene = SceneLine();
+  scene.frame.reset();
+  scene.time.reset();
+  scene.image.clear();
   bool hasMobiles = false;
   bool hasActors = false;
   fields([&](const auto& key, const auto& field) {
@@ -187,11 +202,15 @@ void readLine(const Line& line, const Fields& fields, SceneLine& scene) {
     } else if (key == "mobiles") {
       hasMobiles = true;
       json::readArray(
-          field, "mobiles", [&line](auto item) { return readMobile(line, item); }, scene.mobiles);
+          field, "mobiles",
+          [&line](auto item, SceneMobile& mobile) { readMobile(line, item, mobile); },
+          scene.mobiles);
     } else if (key == "actors") {
+      line.refuseAgain(hasActors);
       hasActors = true;
       json::readArray(
-          field, "actors", [&line](auto item) { return readActor(line, item); }, scene.actors);
+          field, "actors", [&line](auto item, SceneActor& actor) { readActor(line, item, actor); },
+          scene.actors);
     } else {
       json::passOver(field);
     }
@@ -203,35 +222,46 @@ void readLine(const Line& line, const Fields& fields, SceneLine& scene) {
 
 void PassingLine::readFathers(Value value, std::vector<SceneFather>& fathers) const {
   json::readArray(
-      value, "fathers", [](auto item) { return readFather(item); }, fathers);
+      value, "fathers", [](auto item, SceneFather& father) { readFather(item, father); }, fathers);
 }
 
-void PassingLine::readIds(Value value, const std::optional<std::uint32_t>& actor,
-                          std::vector<std::uint32_t>& ids) const {
+void PassingLine::readList(Value value, const std::optional<std::uint32_t>& id,
+                           SceneActor& actor) const {
   const char* const begin = value.raw_json_token().data();
   const std::string_view text(begin, static_cast<std::size_t>(m_end - begin));
-  const auto* const known =
-      actor && text.starts_with('[') ? m_lists.continued(*actor, text) : nullptr;
-  if (known != nullptr) {
-    ids = *known;
+  const bool isKnown = m_lists != nullptr && id;
+  const auto step =
+      isKnown && text.starts_with('[') ? m_lists->step(*id, text) : std::optional<IdLists::Step>();
+  if (step) {
+    actor.goesOn = true;
+    actor.losesFirst = step->losesFirst;
+    actor.mobiles.assign(1, step->added);
     return;
   }
-  readArrayOfIds(value, ids);
-  if (actor) {
-    m_lists.remember(*actor, text, ids);
+  readArrayOfIds(value, actor.mobiles);
+  if (isKnown && !actor.mobiles.empty()) {
+    m_lists->remember(*id, text);
+  }
+}
+
+void PassingLine::refuseAgain(bool isThere) {
+  if (isThere) {
+    throw json::Unusual();
   }
 }
 
 void DocumentLine::readFathers(Value value, std::vector<SceneFather>& fathers) const {
   if (m_part == ScenePart::whole) {
     json::readArray(
-        value, "fathers", [](auto item) { return readFather(item); }, fathers);
+        value, "fathers", [](auto item, SceneFather& father) { readFather(item, father); },
+        fathers);
   }
 }
 
-void DocumentLine::readIds(Value value, const std::optional<std::uint32_t>& /*actor*/,
-                           std::vector<std::uint32_t>& ids) const {
-  m_part == ScenePart::whole ? readArrayOfIds(value, ids) : readLastId(value, ids);
+void DocumentLine::readList(Value value, const std::optional<std::uint32_t>& /*id*/,
+                            SceneActor& actor) const {
+  m_part == ScenePart::whole ? readArrayOfIds(value, actor.mobiles)
+                             : readLastId(value, actor.mobiles);
 }
 
 }  // namespace
@@ -243,6 +273,7 @@ void SceneLineParser::parse(const std::string& line, SceneLine& scene) {
       return;
     } catch (const ValueProblem&) {
       // The document knows what is wrong, if anything is.
+      forgetLists();
     }
   }
   const auto fields = [&](const auto& take) {
@@ -254,7 +285,11 @@ void SceneLineParser::parse(const std::string& line, SceneLine& scene) {
 void SceneLineParser::parseInPassing(const std::string& line, SceneLine& scene) {
   auto document = json::usual(m_buffers->passing.iterate(line));
   const auto fields = [&](const auto& take) { json::eachField(document, take); };
-  readLine(PassingLine(line, m_buffers->lists), fields, scene);
+  readLine(PassingLine(line, m_readsWholeLists ? nullptr : &m_buffers->lists), fields, scene);
+}
+
+void SceneLineParser::forgetLists() {
+  m_buffers->lists.forget();
 }
 
 }  // namespace grouptracker

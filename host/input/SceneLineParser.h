@@ -33,7 +33,10 @@ struct SceneActor {
   std::uint32_t id = 0;
   std::optional<std::string> type;
   std::optional<BoundingBox3D> box3D;  ///< metres
-  std::vector<std::uint32_t> mobiles;  ///< ids, from the oldest to the current one
+  bool goesOn = false;      ///< the list begins with that of the line parsed before, see `IdLists`
+  bool losesFirst = false;  ///< but without the first id of that
+  std::vector<std::uint32_t> mobiles;  ///< ids, from the oldest to the current one; of a list that
+                                       ///< goes on the current one alone
 };
 
 /// One frame of a scene file: its line, taken apart and checked for types but not for meaning.
@@ -73,6 +76,10 @@ class SceneLineParser {
 
   /// Replaces `scene` by what the line says.
   void parse(const std::string& line, SceneLine& scene);
+  /// In the next line no list of mobiles goes on.
+  void forgetLists();
+  /// From the next line on none does.
+  void readWholeLists() { m_readsWholeLists = true; }
 
  private:
   struct Buffers;
@@ -81,6 +88,7 @@ class SceneLineParser {
 
   std::unique_ptr<Buffers> m_buffers;
   ScenePart m_part;
+  bool m_readsWholeLists = false;
 };
 
 }  // namespace grouptracker

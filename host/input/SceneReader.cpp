@@ -25,6 +25,10 @@ Undeclared undeclared(std::uint32_t id, const std::string& by) {
                     ", which was not declared before");
 }
 
+std::string nameOf(const SceneActor& actor) {
+  return "actor " + std::to_string(actor.id);
+}
+
 }  // namespace
 
 SceneReader::SceneReader(std::istream& in, const std::string& name,
@@ -54,6 +58,11 @@ void SceneReader::readPlacesOnly() {
   m_mobiles.keepNothing();
 }
 
+void SceneReader::planActors() {
+  m_parser.forgetLists();
+  m_actors.reset();
+}
+
 bool SceneReader::next(InputFrame& frame) {
   frame = InputFrame();
   if (!m_lines.nextFilled()) {
@@ -63,27 +72,43 @@ bool SceneReader::next(InputFrame& frame) {
   frame.place = m_lines.place();
   m_mobiles.beginFrame();
   try {
-    m_parser.parse(m_lines.line(), m_scene);
-    if (m_mostPeople && m_scene.actors.size() > *m_mostPeople) {
-      throw ValueProblem(tooMany(*m_mostPeople));
-    }
-    countFrame(frame);
-    for (const SceneMobile& mobile : m_scene.mobiles) {
-      observe(mobile, frame);
-    }
-    refuseRepeatedActors();
-    for (const SceneActor& actor : m_scene.actors) {
-      frame.actors.append(makeActor(actor));
-    }
+    read(frame);
   } catch (const Undeclared& problem) {
+    m_parser.forgetLists();
     throw UndeclaredMobile(m_lines.error(problem.what()));
   } catch (const ValueProblem& problem) {
+    m_parser.forgetLists();
     throw m_lines.error(problem.what());
+  }
+  if (m_actors) {
+    m_actors->make(frame);
   }
   if (!m_scene.image.empty()) {
     frame.imageFile = m_imageFolder / m_scene.image;
   }
   return true;
+}
+
+void SceneReader::read(InputFrame& frame) {
+  m_parser.parse(m_lines.line(), m_scene);
+  if (m_mostPeople && m_scene.actors.size() > *m_mostPeople) {
+    throw ValueProblem(tooMany(*m_mostPeople));
+  }
+  countFrame(frame);
+  for (const SceneMobile& mobile : m_scene.mobiles) {
+    observe(mobile, frame);
+  }
+  refuseRepeatedActors();
+  if (m_mobiles.hasRenamed() && !m_readsWholeLists) {
+    // The lists of the frame before may have mobiles that their ids do not name any more.
+    m_readsWholeLists = true;
+    m_parser.readWholeLists();
+    m_parser.parse(m_lines.line(), m_scene);
+  }
+  frame.plans.reserve(m_scene.actors.size());
+  for (const SceneActor& actor : m_scene.actors) {
+    frame.plans.push_back(plan(actor));
+  }
 }
 
 std::optional<std::uint64_t> SceneReader::totalFrames() {
@@ -172,34 +197,25 @@ void SceneReader::linkFathers(const SceneMobile& mobile, InputFrame& frame) {
   }
 }
 
-QSharedPointer<kelDataActor> SceneReader::makeActor(const SceneActor& scene) {
-  const std::string name = "actor " + std::to_string(scene.id);
-  auto actor = QSharedPointer<kelDataActor>::create();
-  actor->setIdent(scene.id);
-  for (const std::uint32_t id : scene.mobiles) {
+ActorPlan SceneReader::plan(const SceneActor& actor) {
+  ActorPlan plan{actor.id, actor.type, actor.box3D, actor.goesOn, actor.losesFirst, {}};
+  plan.mobiles.reserve(actor.mobiles.size());
+  for (const std::uint32_t id : actor.mobiles) {
     const MobilePointer& mobile = m_mobiles.find(id);
-    if (!mobile && m_survivesLosses && id != scene.mobiles.back()) {
+    if (!mobile && m_survivesLosses && id != actor.mobiles.back()) {
+      m_parser.forgetLists();  // which the next list would go on from
       continue;
     }
     if (!mobile) {
-      throw undeclared(id, name);
+      throw undeclared(id, nameOf(actor));
     }
-    actor->addLinkedPhysicalObject(mobile);
+    plan.mobiles.push_back(mobile);
   }
-  if (!scene.mobiles.empty()) {
-    if (!m_mobiles.isOfThisFrame(scene.mobiles.back())) {
-      throw ValueProblem("the last mobile of " + name + ", " +
-                         std::to_string(scene.mobiles.back()) + ", is not of this frame");
-    }
-    const auto& current = *actor->getLinkedPhysicalObjectList().back()->getPhysicalObject();
-    actor->setType(current.getType());
-    actor->setBoundingBox3D(current.getBoundingBox3D());
-    actor->setBoundingBox2D(current.getBoundingBox2D());
-    actor->setCurrentPosition(current.getPosition());
+  if (!actor.mobiles.empty() && !m_mobiles.isOfThisFrame(actor.mobiles.back())) {
+    throw ValueProblem("the last mobile of " + nameOf(actor) + ", " +
+                       std::to_string(actor.mobiles.back()) + ", is not of this frame");
   }
-  actor->setType(scene.type.value_or(actor->getType()));
-  actor->setBoundingBox3D(scene.box3D.value_or(actor->getBoundingBox3D()));
-  return actor;
+  return plan;
 }
 
 void SceneReader::refuseRepeatedActors() const {

@@ -4,6 +4,7 @@
 #include "host/base/LineReader.h"
 #include "host/input/MobileStore.h"
 #include "host/input/SceneLineParser.h"
+#include "host/people/ActorMaker.h"
 #include "host/people/InputFrame.h"
 
 #include <kel/kelAbstractDataCalibration.h>
@@ -41,6 +42,9 @@ class SceneReader : public FrameSource {
   /// with earlier numbers or times are a new beginning. Since it has no end, mobiles of long ago
   /// are forgotten. To be said before the first frame.
   void surviveLosses();
+  /// From the next frame on frames come with plans for their actors instead of these, for somebody
+  /// who gets each of them and makes the actors on another thread.
+  void planActors();
   /// For those who want to know where everybody is and no more: mobiles come without links, actors
   /// with their current mobile only. To be said before the first frame.
   void readPlacesOnly();
@@ -51,12 +55,13 @@ class SceneReader : public FrameSource {
   std::optional<std::uint64_t> totalFrames() override;
 
  private:
+  void read(InputFrame& frame);
   void countFrame(InputFrame& frame);
   bool isNewBeginning(const InputFrame& frame);
   void observe(const SceneMobile& mobile, InputFrame& frame);
   QSharedPointer<kelDataPhysicalObject> physicalObject(const SceneMobile& mobile) const;
   void linkFathers(const SceneMobile& mobile, InputFrame& frame);
-  QSharedPointer<kelDataActor> makeActor(const SceneActor& actor);
+  ActorPlan plan(const SceneActor& actor);
   void refuseRepeatedActors() const;
 
   std::string m_path;                 ///< empty when reading from somebody else's stream
@@ -66,13 +71,15 @@ class SceneReader : public FrameSource {
   std::filesystem::path m_imageFolder;
   Calibration m_calibration;
   bool m_survivesLosses = false;
+  bool m_readsWholeLists = false;  ///< since ids may name other mobiles than before
   std::optional<std::size_t> m_mostPeople;
   MobileStore m_mobiles;
-  SceneLine m_scene;                         ///< the current line, kept for its buffers
-  std::int64_t m_frames = 0;                 ///< lines with a frame
-  std::optional<std::int64_t> m_lastNumber;  ///< of the frame before
-  std::optional<double> m_lastTime;          ///< the latest that a line gave, seconds
-  int m_earlier = 0;                         ///< lines in a row that were earlier than these
+  std::optional<ActorMaker> m_actors = ActorMaker();  ///< none when actors are only planned
+  SceneLine m_scene;                                  ///< the current line, kept for its buffers
+  std::int64_t m_frames = 0;                          ///< lines with a frame
+  std::optional<std::int64_t> m_lastNumber;           ///< of the frame before
+  std::optional<double> m_lastTime;                   ///< the latest that a line gave, seconds
+  int m_earlier = 0;  ///< lines in a row that were earlier than these
 };
 
 }  // namespace grouptracker

@@ -2,6 +2,7 @@
 
 #include "host/base/InputError.h"
 
+#include <kel/BoundingBox3D.h>
 #include <kel/kelDataActor.h>
 #include <kel/kelDataImage.h>
 #include <kel/kelDataLinkedPhysicalObject.h>
@@ -19,12 +20,24 @@ namespace grouptracker {
 
 using MobilePointer = QSharedPointer<kelDataLinkedPhysicalObject>;
 
+/// How an actor of a frame is made. A person's list of mobiles mostly goes on from frame to frame,
+/// so that little need be said of it.
+struct ActorPlan {
+  std::uint32_t id = 0;
+  std::optional<std::string> type;     ///< none for that of the current mobile, which is the last
+  std::optional<BoundingBox3D> box3D;  ///< metres; none for that of the current mobile
+  bool goesOn = false;                 ///< the list begins with that of the frame before
+  bool losesFirst = false;             ///< but without the first mobile of that
+  std::vector<MobilePointer> mobiles;  ///< that the list gets, behind what goes on
+};
+
 /// What the process gets for one video frame, and what the host needs to know about it.
 struct InputFrame {
   std::int64_t number = 0;     ///< the number that the input itself gives to the frame
   std::optional<double> time;  ///< seconds by the input's own clock; none when it has none
   InputPlace place;            ///< where the frame stands in the input, for messages
   QList<QSharedPointer<kelDataActor>> actors;
+  std::vector<ActorPlan> plans;         ///< of actors that are yet to be made, see `ActorMaker`
   std::filesystem::path imageFile;      ///< empty when the input names no image
   QSharedPointer<kelDataImage> image;   ///< null until somebody loads the image file
   std::vector<MobilePointer> observed;  ///< the mobiles of this frame, in the input's order

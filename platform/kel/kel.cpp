@@ -3,6 +3,7 @@
 #include <kel/kelDataActor.h>
 #include <kel/kelDataLinkedPhysicalObject.h>
 
+#include <algorithm>
 #include <utility>
 
 // What the records do beyond holding values.
@@ -20,6 +21,14 @@ kelDataActor::~kelDataActor() = default;
 void kelDataActor::addLinkedPhysicalObject(
     const QSharedPointer<kelDataLinkedPhysicalObject>& object) {
   m_objects.push_back(object);
+}
+
+void kelDataActor::removeLinkedPhysicalObject(
+    const QSharedPointer<kelDataLinkedPhysicalObject>& object) {
+  const auto first = std::find(m_objects.begin(), m_objects.end(), object);
+  if (first != m_objects.end()) {
+    m_objects.erase(first);
+  }
 }
 
 kelDataLinkedPhysicalObject::kelDataLinkedPhysicalObject(

@@ -38,6 +38,8 @@ class KEL_EXPORT kelDataActor : public kelAbstractData {
 
   /// Appends a mobile to the actor's list.
   void addLinkedPhysicalObject(const QSharedPointer<kelDataLinkedPhysicalObject>& object);
+  /// Takes a mobile off the actor's list, where it stands first; nothing where it does not stand.
+  void removeLinkedPhysicalObject(const QSharedPointer<kelDataLinkedPhysicalObject>& object);
   /// The actor's mobiles; of a tracked person from the oldest to the current one.
   const std::list<QSharedPointer<kelDataLinkedPhysicalObject>>& getLinkedPhysicalObjectList()
       const {

@@ -1,6 +1,7 @@
 #include "host/camera/GroundPlaneCalibration.h"
 #include "host/input/MobileStore.h"
 #include "host/input/SceneReader.h"
+#include "host/people/ActorMaker.h"
 #include "tests/support/base/Texts.h"
 
 #include <gtest/gtest.h>
@@ -178,23 +179,39 @@ TEST(SceneReader, FindsMobilesAgainThatItKeepsOnDiskOnly) {
             "before");
 }
 
-/// The mobiles that the actors have from frame to frame, or what is wrong.
-std::string listsOf(const std::string& text) {
-  std::string lists;
-  const std::string error = errorOf([&] {
-    for (const InputFrame& frame : readAll(text, 4)) {
-      for (const auto& actor : frame.actors) {
-        lists += " " + std::to_string(actor->getIdent()) + ":";
-        for (const auto& mobile : actor->getLinkedPhysicalObjectList()) {
-          const auto& object = *mobile->getPhysicalObject();
-          lists += " " + std::to_string(mobile->getIdent()) + object.getType() +
-                   std::to_string(object.getBoundingBox2D().width);
-        }
-      }
-      lists += "\n";
+/// The actors of a frame with what their mobiles look like.
+std::string actorsOf(const InputFrame& frame) {
+  std::string actors;
+  for (const auto& actor : frame.actors) {
+    actors += " " + std::to_string(actor->getIdent()) + actor->getType() + ":";
+    for (const auto& mobile : actor->getLinkedPhysicalObjectList()) {
+      actors += " " + std::to_string(mobile->getIdent()) + mobile->getPhysicalObject()->getType();
     }
-  });
-  return lists + error;
+  }
+  return actors + "\n";
+}
+
+/// The actors from frame to frame, with what is wrong in between; `plannedFrom` is the number of
+/// frames after which somebody else makes them.
+std::string listsOf(const std::string& text, int plannedFrom = -1) {
+  std::istringstream in(text);
+  SceneReader reader(in, "s.jsonl", "scenes", {}, 4);
+  ActorMaker maker;
+  std::string lists;
+  InputFrame frame;
+  for (bool isThere = true; isThere;) {
+    if (plannedFrom-- == 0) {
+      reader.planActors();
+    }
+    const std::string error = errorOf([&] { isThere = reader.next(frame); });
+    if (!error.empty()) {
+      lists += error + "\n";
+    } else if (isThere) {
+      maker.make(frame);
+      lists += actorsOf(frame);
+    }
+  }
+  return lists;
 }
 
 // A key that no line has makes a document of it, of which every list is read whole.
@@ -216,15 +233,32 @@ TEST(SceneReader, GetsTheSameListsWhereTheyContinueThoseOfTheLineBefore) {
         seen("5", "[1, 2, 3, 4, 5]", "") + seen("6", "[1, 2, 3, 4, 5, 6]", "") +
             seen("7", "[1, 2, 3, 4, 5, 6, 7]", ""),
         seen("5", "[5]", "") + seen("6", "[6]", "") + seen("7", "[]", "") + seen("8", "[8]", ""),
-        seen("5", "[2, 3, 45]", ""), seen("5", "[3, 4, 05]", ""), seen("5", "[3, 4, 5.0]", ""),
-        seen("5", "[3, 4, 4294967301]", ""), seen("5", "[3, 4, 5,]", ""), seen("5", "[3, 4 5]", ""),
-        seen("5", "[3, 4, -5]", ""), seen("5", "[3, 4, 5}", ""), seen("5", "[3, 4, 5, 5]", ""),
-        seen("5", "[3, 4, 5]", "]"), seen("5", "[3, 4, 5]", "") + "{"}) {
+        seen("5", "[2, 3, 45]", ""),
+        seen("5", "[3, 4, 05]", ""),
+        seen("5", "[3, 4, 5.0]", ""),
+        seen("5", "[3, 4, 4294967301]", ""),
+        seen("5", "[3, 4, 5,]", ""),
+        seen("5", "[3, 4 5]", ""),
+        seen("5", "[3, 4, -5]", ""),
+        seen("5", "[3, 4, 5}", ""),
+        seen("5", "[3, 4, 5, 5]", ""),
+        seen("5", "[3, 4, 5]", "]"),
+        seen("5", "[3, 4, 5]", "") + "{",
+        seen("5", "[3, 4, 5", "") + seen("6", "[3, 4, 6]", "") + seen("8", "[3, 4, 6, 8]", ""),
+        seen("5", "[3, 4, 90]", "") + seen("6", "[4, 90, 6]", "") + seen("8", "[4, 6, 8]", ""),
+        seen("5", R"([3, 4, 5], "id": 8)", "") + seen("6", R"([4, 5, 6], "id": 8)", "") +
+            seen("9", "[4, 5, 6, 9]", ""),
+        seen("5", "[3, 4, 5]", R"(, {"id": 8, "mobiles": [4, 5]}], "actors": [)") +
+            seen("6", "[4, 5, 6]", R"(, {"id": 8, "mobiles": [4, 5, 6]})"),
+        seen("5", R"([3, 4, 5], "mobiles": [5])", "") + seen("6", "[5, 6]", "")}) {
     std::string asDocuments = begun + end;
     for (std::size_t at = 0; (at = asDocuments.find("{\"mobiles", at)) != std::string::npos; ++at) {
       asDocuments.insert(at + 1, R"("by": "hand", )");
     }
-    EXPECT_EQ(listsOf(begun + end), listsOf(asDocuments)) << end;
+    const std::string expected = listsOf(asDocuments);
+    EXPECT_EQ(listsOf(begun + end), expected) << end;
+    EXPECT_EQ(listsOf(begun + end, 0), expected) << end;
+    EXPECT_EQ(listsOf(begun + end, 3), expected) << end;
   }
 }
 
@@ -258,9 +292,9 @@ TEST(MobileArchive, FindsWhatItHoldsInMemoryAndWhatItHasWritten) {
   }
   archive.store(5, {"again", {}});
   for (std::uint32_t id = 0; id < count; ++id) {
-    const BoundingBox3D box{static_cast<float>(id), 0, 0, 0, 0, 1};
+    const BoundingBox3D seen{static_cast<float>(id), 0, 0, 0, 0, 1};
     EXPECT_EQ(archive.load(id), id == 5 ? (ArchivedMobile{"again", {}})
-                                        : (ArchivedMobile{std::string(id % 5, 'x'), box}));
+                                        : (ArchivedMobile{std::string(id % 5, 'x'), seen}));
   }
 }
 
