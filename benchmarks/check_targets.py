@@ -12,6 +12,7 @@ import json
 import os
 import pathlib
 import re
+import statistics
 import subprocess
 import tempfile
 
@@ -34,7 +35,7 @@ class WholeRun:
     the history is as long as it gets."""
 
     FILLED = 90  # frames until then
-    FRAMES = {50: 300, 200: 100, 1000: 24}
+    FRAMES = {50: 1800, 200: 600, 1000: 100}  # more; a few seconds of work
 
     def __init__(self, build, folder, people):
         self.build = build.resolve()
@@ -74,17 +75,26 @@ def run_with_everything(build):
                                                  "/dev/null")[0]
 
 
-def run_against_process(build, people, rounds=3):
-    """Processor and wall time of a frame of a plain run, without lines and dump, as multiples of the
-    processor time of process(), with which it alternates."""
+def process_ms(build, people, repetitions=5):
+    """Processor milliseconds of process() without lines and dump: the median of several processes."""
     name = f"process/{people}/off"
+    return statistics.median(measure(build, "process_benchmark", f"^{name}/")[name]["real_time"]
+                             for _ in range(repetitions))
+
+
+def run_against_process(build, people, rounds=5):
+    """Processor and wall time of a frame of a plain run, without lines and dump, as multiples of the
+    processor time of process(): medians of rounds, since the speed of a processor changes."""
     with tempfile.TemporaryDirectory() as folder:
         run = WholeRun(build, folder, people)
-        rows = [(measure(build, "process_benchmark", f"^{name}/")[name]["real_time"],
-                 *run.costs("--output", "groups.jsonl", "--diagnostics", "none", "--mobile-dump",
-                            "none", repeats=2)) for _ in range(rounds)]
-    process, processor, wall = (min(column) for column in zip(*rows))
-    return processor / process, wall / process
+        rows = []
+        for _ in range(rounds):
+            before = process_ms(build, people)
+            costs = run.costs("--output", "groups.jsonl", "--diagnostics", "none", "--mobile-dump",
+                              "none", repeats=1)
+            process = (before + process_ms(build, people)) / 2
+            rows.append([cost / process for cost in costs])
+    return [statistics.median(column) for column in zip(*rows)]
 
 
 def flatness(build, frames):
