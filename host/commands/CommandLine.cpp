@@ -56,14 +56,14 @@ class CommandConfig : public CLI::ConfigTOML {
   explicit CommandConfig(std::string command) : m_command(std::move(command)) {}
 
   std::vector<CLI::ConfigItem> from_config(std::istream& in) const override {
-    std::vector<CLI::ConfigItem> items = CLI::ConfigTOML::from_config(in);
-    for (CLI::ConfigItem& item : items) {
+    std::vector<CLI::ConfigItem> options = CLI::ConfigTOML::from_config(in);
+    for (CLI::ConfigItem& item : options) {
       if (item.name == lowerInput) {
         item.name = input;
       }
       item.parents.insert(item.parents.begin(), m_command);
     }
-    return items;
+    return options;
   }
 
   // The argument by its place has no dashes, so its name is as it is shown.
