@@ -326,8 +326,7 @@ std::vector<GroupId> GroupIdentity::originOf(const Gathering& gathering,
     }
   }
   if (isNew) {
-    origin.resize(std::min<std::size_t>(origin.size(), 1));
-    return origin;
+    return {origin.begin(), origin.empty() ? origin.end() : origin.begin() + 1};
   }
   if (origin.empty() || !isReal(*gathering.id)) {
     return {};
@@ -353,6 +352,9 @@ void GroupIdentity::dismiss(const TickBeliefs& tick, const std::vector<TickGroup
     for (const PersonId member : group.members) {
       present[member] = group.id;
     }
+  }
+  if (std::includes(present.begin(), present.end(), m_memberOf.begin(), m_memberOf.end())) {
+    return;  // nearly always
   }
   const auto isInView = [&tick](PersonId person) {
     return std::binary_search(

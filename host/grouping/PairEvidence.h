@@ -61,7 +61,7 @@ class PairEvidence {
   /// Decides the oldest undecided tick with what was added so far.
   TickBeliefs decide();
   /// The latest moments of two persons at the tick that was decided last; see `LatestOf`.
-  std::optional<LatestMoments> latestOf(PersonId a, PersonId b) const;
+  std::optional<LatestMoments> latestOf(PersonId a, PersonId b);
 
  private:
   /// Somebody who is or was in view.
@@ -69,6 +69,7 @@ class PairEvidence {
     PersonTrack track;
     double decided = 0.0;   ///< the latest decided tick at which it was in view, seconds
     std::size_t index = 0;  ///< among the people of that tick
+    std::optional<MeanStay> stay = {};  ///< in the window of that tick
   };
   struct Tick {
     double time = 0.0;
@@ -76,19 +77,18 @@ class PairEvidence {
     std::vector<Person*> persons;  ///< the same
     PlaceOrder order;
   };
-  struct Pair {
-    PairHistory history;
-    TogetherChain chain;
-    double lastNear = 0.0;  ///< when they were last less than `farApart` from each other, seconds
-  };
   /// The persons of a pair, the lower id first.
   using PairKey = std::pair<PersonId, PersonId>;
   struct WatchedPair {
     PairKey key;
-    Person* b = nullptr;         ///< the one with the higher id; is remembered longer than the pair
-    std::unique_ptr<Pair> pair;  ///< null when it is no longer watched
+    Person* b = nullptr;    ///< the one with the higher id; is remembered longer than the pair
+    double lastNear = 0.0;  ///< when they were last less than `farApart` from each other, seconds
+    TogetherChain chain = {};
+    /// Null when it is no longer watched. Lags behind as long as it is sure not to matter.
+    std::unique_ptr<PairHistory> history = {};
   };
   using WatchedPairs = std::vector<WatchedPair>;
+
   /// Somebody who is or was near another one and has a higher id.
   struct Other {
     std::size_t index = 0;         ///< among the people of the tick
@@ -99,11 +99,13 @@ class PairEvidence {
   std::vector<Person*> personsAt(double time, const std::vector<PersonAt>& people);
   void addKnownOthers(PersonId a, WatchedPairs::iterator& known, Others& others) const;
   static void addNearOthers(std::size_t a, const Tick& tick, Others& others);
-  static bool isWatched(double time, double distance, std::unique_ptr<Pair>& pair);
-  PairBelief judge(const Tick& tick, std::size_t a, std::size_t b, double distance, Pair& pair);
+  static bool isWatched(double time, double distance, WatchedPair& pair);
+  PairBelief judge(const Tick& tick, std::size_t a, std::size_t b, double distance,
+                   WatchedPair& pair);
   void watchNewPairs(WatchedPairs newPairs);
   void markArrivals(const PersonTrack& a, const PersonTrack& b, PairFeatures& features) const;
   void forget(double time);
+  const PersonTrack& trackOfA(const WatchedPair& pair) const;
 
   EvidenceModel m_model;
   double m_lookAhead;  ///< seconds

@@ -24,7 +24,8 @@ double length(const cv::Point2d& v) {
 
 }  // namespace
 
-void PairHistory::update(const PersonTrack& a, const PersonTrack& b) {
+void PairHistory::catchUp(double time, const PersonTrack& a, const PersonTrack& b) {
+  m_time = time;
   const bool isUpToDate = m_nextA + 1 == a.end() && m_nextB + 1 == b.end();
   if (isUpToDate && a.latest().time == b.latest().time) {  // nearly always
     add(a.latest(), b.latest());
@@ -91,7 +92,7 @@ void PairHistory::add(const TrackPoint& a, const TrackPoint& b) {
 
 /// Of what was before the window, as for a pair that is watched from now on, only the sums count.
 void PairHistory::remember(const TrackPoint& a, const TrackPoint& b, double apart) {
-  if (a.time < windowStart()) {
+  if (a.time < windowStart(m_time)) {
     return;
   }
   Row row{a.time, b.place - a.place, {}};
@@ -104,18 +105,13 @@ void PairHistory::remember(const TrackPoint& a, const TrackPoint& b, double apar
 }
 
 void PairHistory::moveTo(double time, const PersonTrack& a, const PersonTrack& b) {
-  m_time = time;
-  update(a, b);
-  m_rows.forgetBefore(windowStart());
-  m_peaks.forgetBefore(windowStart());
+  catchUp(time, a, b);
+  m_rows.forgetBefore(windowStart(time));
+  m_peaks.forgetBefore(windowStart(time));
   m_recent = std::max(m_recent, m_rows.firstNumber());
   while (m_rows[m_recent].time < time - recentPast - ticks::tolerance) {
     ++m_recent;
   }
-}
-
-double PairHistory::windowStart() const {
-  return m_time - windowPast - ticks::tolerance;
 }
 
 double PairHistory::meanDistance() const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/grouping/PairFeatures.h"
+#include "host/grouping/PeopleFrame.h"
 #include "host/grouping/PersonTrack.h"
 
 #include <array>
@@ -53,16 +54,22 @@ struct LatestMoments {
 };
 
 /// What two persons did at the ticks at which both were in view. Means over a stretch of time come
-/// from running sums, so that a tick costs the same however long the window is.
+/// from running sums, so that a tick costs the same however long the window is. Whether ticks are
+/// added one by one or many at a time makes no difference.
 class PairHistory {
  public:
   static constexpr double windowPast = 6.0;  ///< seconds
   static constexpr double recentPast = 1.0;  ///< seconds
   static constexpr double latestSpan = 2.0;  ///< seconds
 
-  /// Adds the ticks that both tracks have got since the last time, and moves the window to a moment
-  /// at which both are in view; moments grow from call to call. What was added last is the window's
-  /// end.
+  /// The earliest that belongs to the window of a moment, seconds.
+  static double windowStart(double time) { return time - windowPast - ticks::tolerance; }
+
+  /// Adds the ticks that both tracks have got since the last time, as those of a moment know them;
+  /// moments grow from call to call.
+  void catchUp(double time, const PersonTrack& a, const PersonTrack& b);
+  /// The same, and moves the window to the moment, at which both are in view. What was added last
+  /// is the window's end.
   void moveTo(double time, const PersonTrack& a, const PersonTrack& b);
   /// The mean distance in the window, metres: all that is needed of pairs that are far apart.
   double meanDistance() const;
@@ -71,6 +78,8 @@ class PairHistory {
   LatestMoments latest() const;
   /// When both were first in view together, seconds.
   double firstTime() const { return m_firstTime; }
+  /// The latest tick that was added, seconds; none before the first.
+  std::optional<double> lastTime() const { return m_lastTime; }
 
  private:
   /// What is summed up, each but the first as a value times the seconds that a tick stands for.
@@ -107,8 +116,6 @@ class PairHistory {
     double distance = 0.0;  ///< metres
   };
 
-  void update(const PersonTrack& a, const PersonTrack& b);
-  double windowStart() const;
   static Sums valuesOf(const TrackPoint& a, const TrackPoint& b);
   void add(const TrackPoint& a, const TrackPoint& b);
   void remember(const TrackPoint& a, const TrackPoint& b, double apart);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 namespace grouptracker {
 
@@ -75,6 +76,23 @@ double PersonTrack::stoodAtFirst() const {
   }
   const double speed = distanceBetween(m_earlyPlace, m_firstPlace) / seconds;
   return std::clamp((walkingArrival - speed) / (walkingArrival - standingArrival), 0.0, 1.0);
+}
+
+std::optional<MeanStay> PersonTrack::stayFrom(double time) const {
+  MeanStay stay{0.0, m_points.back().time, {}};
+  double seconds = 0.0;
+  for (auto point = m_points.rbegin(); point->time >= time; ++point) {
+    const auto before = std::next(point);
+    if (before == m_points.rend() ||
+        before->time < point->time - point->sinceTick - ticks::tolerance) {
+      return std::nullopt;
+    }
+    stay.first = point->time;
+    stay.mean += point->sinceTick * point->place;
+    seconds += point->sinceTick;
+  }
+  stay.mean *= 1.0 / seconds;
+  return stay;
 }
 
 cv::Point2d PersonTrack::velocityAt(const TrackPoint& point) const {

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <deque>
 #include <limits>
+#include <optional>
 
 namespace grouptracker {
 
@@ -43,6 +44,13 @@ struct TrackPoint {
   Surroundings around{};
 };
 
+/// Somebody's stay from a moment on, without a tick out of view.
+struct MeanStay {
+  double first = 0.0;  ///< tick, seconds
+  double last = 0.0;   ///< tick, seconds
+  cv::Point2d mean;    ///< place, weighted by the seconds that each tick stands for, metres
+};
+
 /// Where one person was, tick by tick, and how it came into view. The points have numbers that stay
 /// when old ones are forgotten.
 class PersonTrack {
@@ -65,6 +73,8 @@ class PersonTrack {
   /// 0 to 1: how still it stood when it was first seen. Somebody who stands there all at once was
   /// not seen coming: hidden before, or lost by the tracker.
   double stoodAtFirst() const;
+  /// Its stay from a moment on; none when it was out of view since the last tick before that.
+  std::optional<MeanStay> stayFrom(double time) const;
 
  private:
   cv::Point2d velocityAt(const TrackPoint& point) const;

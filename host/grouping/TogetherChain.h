@@ -24,6 +24,8 @@ class TogetherChain {
   /// first moment is also the first at which the two are in view together. Who is only watched
   /// later was apart before. `latest`: of any chain.
   double next(double time, double evidence, bool isFresh, Passage& latest);
+  /// Whether it was given evidence.
+  bool hasStarted() const { return m_hasStarted; }
 
  private:
   bool m_hasStarted = false;
