@@ -53,16 +53,26 @@ std::string textOf(const TrackerStep& step) {
                     : "<Step: no frame is decided yet>";
 }
 
-std::string textOf(const TrackerGroup& group) {
-  std::string members;
-  for (const std::uint32_t member : group.members) {
-    members += (members.empty() ? "" : ", ") + PersonNames::ofProgram().textOf(member);
-  }
-  return fmt::format("<Group {}: {}>", group.id, members);
-}
-
 std::string textOf(const TrackerEvent& event) {
   return fmt::format("<Event {} of group {}>", event.kind, event.group);
+}
+
+/// A list of `Group`, a named tuple of the package: of all that a step tells, callers read groups
+/// at every frame, and Python reads nothing faster.
+py::list groupList(const TrackerStep& step, const py::object& type) {
+  py::list groups(step.groups.size());
+  for (std::size_t i = 0; i < step.groups.size(); ++i) {
+    const TrackerGroup& group = step.groups[i];
+    const py::tuple fields = py::make_tuple(group.id, personList(group.members), group.since,
+                                            group.position, group.confidence, group.from);
+    auto* const made = PyTuple_Type.tp_new(reinterpret_cast<PyTypeObject*>(type.ptr()),
+                                           py::make_tuple(fields).ptr(), nullptr);
+    if (made == nullptr) {
+      throw py::error_already_set();
+    }
+    groups[i] = py::reinterpret_steal<py::object>(made);
+  }
+  return groups;
 }
 
 /// For each person the group that it is in, 0 for whoever is in none.
@@ -103,20 +113,7 @@ std::vector<TrackerStep> readGroups(const std::string& path) {
 }
 
 void bindSteps(py::module_& module) {
-  py::class_<TrackerGroup>(module, "Group", "People who belong together at one frame.")
-      .def_readonly("id", &TrackerGroup::id, "Number of the group, from 1, never used again.")
-      .def_property_readonly(
-          "members", [](const TrackerGroup& group) { return personList(group.members); },
-          "Ids of two persons or more, ascending.")
-      .def_readonly("since", &TrackerGroup::since, "First frame that lists the group.")
-      .def_readonly("position", &TrackerGroup::position,
-                    "Mean of the members on the ground, [x, y] in metres.")
-      .def_readonly("confidence", &TrackerGroup::confidence,
-                    "0 to 1, how sure it is that these belong together.")
-      .def_readonly("origin", &TrackerGroup::from,
-                    "Groups of the frame before out of which this one came by a merge or a split.")
-      .def(py::self == py::self)
-      .def("__repr__", [](const TrackerGroup& group) { return textOf(group); });
+  const py::object groupType = py::module_::import("grouptracker.group").attr("Group");
   py::class_<TrackerEvent>(module, "Event", "What happened to a group since the frame before.")
       .def_readonly("kind", &TrackerEvent::kind,
                     "'created', 'split', 'merged', 'joined', 'left', 'ended' or 'removed'.")
@@ -135,7 +132,9 @@ void bindSteps(py::module_& module) {
       .def_readonly("frame", &TrackerStep::frame,
                     "Number of the frame, None as long as none is decided.")
       .def_readonly("time", &TrackerStep::time, "Seconds, or None.")
-      .def_readonly("groups", &TrackerStep::groups, "Groups in ascending order of ids.")
+      .def_property_readonly(
+          "groups", [groupType](const TrackerStep& step) { return groupList(step, groupType); },
+          "Groups in ascending order of ids.")
       .def_property_readonly(
           "alone", [](const TrackerStep& step) { return personList(step.alone); },
           "Ids of everybody else in view, ascending.")

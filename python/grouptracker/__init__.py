@@ -27,8 +27,9 @@ are whole numbers from 0 to 4294967295, or texts. What is wrong with parameters,
 `ValueError` with the line that the program `grouptracker` prints.
 """
 
-from ._native import Event, Group, Model, Step, Truth, __version__
+from ._native import Event, Model, Step, Truth, __version__
 from .evaluation import evaluate, learn, read_truth
+from .group import Group
 from .simulation import Simulation, simulate
 from .tables import read_groups, track, track_steps
 from .tracker import Tracker

@@ -6,21 +6,9 @@ from typing import Any, Callable, Mapping, Optional, Sequence, Union
 import numpy
 import numpy.typing
 
-__version__: str
+from .group import Group
 
-class Group:
-    @property
-    def id(self) -> int: ...
-    @property
-    def members(self) -> list[Union[int, str]]: ...
-    @property
-    def since(self) -> int: ...
-    @property
-    def position(self) -> list[float]: ...
-    @property
-    def confidence(self) -> float: ...
-    @property
-    def origin(self) -> list[int]: ...
+__version__: str
 
 class Event:
     @property
