@@ -27,7 +27,8 @@ void append(Line& line, fmt::format_string<Args...> text, Args&&... args) {
 /// The shortest text that reads as exactly this number in double precision; null unless finite.
 void appendNumber(Line& line, double number);
 template <std::integral Whole>
-void appendNumber(Line& line, Whole number) {
+requires(!std::same_as<Whole, bool> && !std::same_as<Whole, char>) void appendNumber(Line& line,
+                                                                                     Whole number) {
   const fmt::format_int text(number);
   line.append(std::string_view(text.data(), text.size()));
 }

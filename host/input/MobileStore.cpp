@@ -16,12 +16,11 @@ void MobileStore::beginFrame() {
 
 bool MobileStore::declare(const MobilePointer& mobile) {
   const std::uint32_t id = mobile->getIdent();
-  Recent& recent = m_recent[id];
-  if (recent.frame == m_frame) {
+  if (isOfThisFrame(id)) {
     return false;
   }
-  m_hasRenamed = m_hasRenamed || recent.mobile || isArchived(id);
-  recent = {mobile, m_frame};
+  m_hasRenamed = m_hasRenamed || m_recent.contains(id) || isArchived(id);
+  m_recent[id] = {mobile, m_frame};
   m_idsByFrame.back().push_back(id);
   return true;
 }

@@ -15,10 +15,10 @@ namespace grouptracker {
 
 /// Reads the next frames of an input on a thread of its own while somebody works on the earlier
 /// ones, who gets them in the same order. What reading fails with comes out of `next()` behind the
-/// last frame before it, and nothing is read after it. Actors that the source plans only are made
-/// where they are used. Frames that were worked on go back to the
-/// thread that made them, since freeing their many records takes long. Not for an input that speaks
-/// to its user while it is read.
+/// last frame before it, and nothing is read after it. Actors that the source only plans are made
+/// where they are used. Frames that were worked on go back without their actors to the thread that
+/// made them, since freeing their many records takes long. Not for an input that speaks to its user
+/// while it is read.
 class ReadAhead : public FrameSource {
  public:
   /// Frames that wait at most, twice: those that are read, and those that were handed over

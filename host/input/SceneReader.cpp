@@ -82,6 +82,7 @@ bool SceneReader::next(InputFrame& frame) {
   }
   if (m_actors) {
     m_actors->make(frame);
+    frame.plans.clear();
   }
   if (!m_scene.image.empty()) {
     frame.imageFile = m_imageFolder / m_scene.image;

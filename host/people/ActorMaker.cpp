@@ -14,10 +14,15 @@ struct ActorMaker::Record {
   std::uint64_t end = 0;
 
   void listAsIn(const Track& track);
+  /// Whether nobody has added to it or taken from it.
+  bool isAsMade() const {
+    return actor.getLinkedPhysicalObjectList().size() == end - begin &&
+           actor.getSpecificProperties().isEmpty();
+  }
 };
 
-/// Actors of a person that nobody holds. They come back on whatever thread lets go of them, and
-/// perhaps when the person has left.
+/// Actors of a person that nobody holds. They come back on whatever thread lets go of them; once
+/// the person has left there is nobody to take them.
 class ActorMaker::Spares {
  public:
   std::unique_ptr<Record> take() {
@@ -29,9 +34,8 @@ class ActorMaker::Spares {
     m_records.pop_back();
     return record;
   }
-  /// An actor to which somebody added properties is not what a new one would be.
   void put(std::unique_ptr<Record> record) {
-    if (record->actor.getSpecificProperties().isEmpty()) {
+    if (record->isAsMade()) {
       const std::lock_guard lock(m_mutex);
       m_records.push_back(std::move(record));
     }
@@ -90,8 +94,11 @@ QSharedPointer<kelDataActor> ActorMaker::actorOf(const ActorPlan& plan, const Tr
   actor.setBoundingBox3D(plan.box3D.value_or(current.getBoundingBox3D()));
   actor.setBoundingBox2D(current.getBoundingBox2D());
   actor.setCurrentPosition(current.getPosition());
-  const auto giveBack = [spares = track.spares, owned = record.get()](kelDataActor* /*actor*/) {
-    spares->put(std::unique_ptr<Record>(owned));
+  const auto giveBack = [to = std::weak_ptr(track.spares), made = record.get()](kelDataActor*) {
+    std::unique_ptr<Record> owned(made);
+    if (const auto spares = to.lock()) {
+      spares->put(std::move(owned));
+    }
   };
   record.release();  // NOLINT(bugprone-unused-return-value): the pointer's deleter has it now
   return {&actor, giveBack};

@@ -37,7 +37,8 @@ struct InputFrame {
   std::optional<double> time;  ///< seconds by the input's own clock; none when it has none
   InputPlace place;            ///< where the frame stands in the input, for messages
   QList<QSharedPointer<kelDataActor>> actors;
-  std::vector<ActorPlan> plans;         ///< of actors that are yet to be made, see `ActorMaker`
+  std::vector<ActorPlan>
+      plans;  ///< of actors that are yet to be made by an `ActorMaker`; else none
   std::filesystem::path imageFile;      ///< empty when the input names no image
   QSharedPointer<kelDataImage> image;   ///< null until somebody loads the image file
   std::vector<MobilePointer> observed;  ///< the mobiles of this frame, in the input's order

@@ -1,10 +1,13 @@
 #include "host/base/InputError.h"
 #include "host/input/ReadAhead.h"
+#include "host/input/SceneReader.h"
 
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <memory>
+#include <sstream>
+#include <string>
 #include <thread>
 
 namespace grouptracker {
@@ -87,6 +90,59 @@ TEST_F(ReadsAhead, EndsWhileItWaitsForSomebodyToTakeMore) {
   ahead(many);
   const auto started = ahead(many);
   EXPECT_TRUE(started->next(m_frame));
+}
+
+/// Two people with lists that get one mobile each frame and lose theirs from the seventh on.
+std::string sceneOf(int frames) {
+  std::string text;
+  for (int frame = 0; frame < frames; ++frame) {
+    std::string mobiles;
+    std::string actors;
+    for (int person = 0; person < 2; ++person) {
+      const std::string comma = person > 0 ? ", " : "";
+      std::string list;
+      for (int seen = std::max(frame - 6, 0); seen <= frame; ++seen) {
+        list += (list.empty() ? "" : ", ") + std::to_string(2 * seen + person);
+      }
+      mobiles += comma + R"({"id": )" + std::to_string(2 * frame + person) +
+                 R"(, "type": "PERSON", "box2d": [0, 0, 1, 1], "box3d": [0, 0, 0, 0, 0, 0], )" +
+                 R"("position": [0, 0, 0]})";
+      actors += comma + R"({"id": )" + std::to_string(person) + R"(, "mobiles": [)" + list + "]}";
+    }
+    text += R"({"mobiles": [)" + mobiles + R"(], "actors": [)" + actors + "]}\n";
+  }
+  return text;
+}
+
+std::string listsOf(FrameSource& frames) {
+  std::string lists;
+  for (InputFrame frame; frames.next(frame);) {
+    for (const auto& actor : frame.actors) {
+      lists += "|";
+      for (const auto& mobile : actor->getLinkedPhysicalObjectList()) {
+        lists += std::to_string(mobile->getIdent()) + " ";
+      }
+    }
+    lists += "\n";
+  }
+  return lists;
+}
+
+TEST(ReadsAScene, MakesActorsThatAreOnlyPlannedAndLeavesOthers) {
+  const std::string scene = sceneOf(static_cast<int>(many));
+  std::istringstream plain(scene);
+  SceneReader reader(plain, "scene", "", nullptr);
+  const std::string lists = listsOf(reader);
+  EXPECT_EQ(lists.substr(0, lists.find('\n', 10)), "|0 |1 \n|0 2 |1 3 ");
+  for (const bool plans : {false, true}) {
+    std::istringstream in(scene);
+    auto source = std::make_unique<SceneReader>(in, "scene", "", nullptr);
+    if (plans) {
+      source->planActors();
+    }
+    ReadAhead ahead(std::move(source));
+    EXPECT_EQ(listsOf(ahead), lists) << plans;
+  }
 }
 
 }  // namespace

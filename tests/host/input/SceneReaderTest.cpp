@@ -204,7 +204,7 @@ std::string listsOf(const std::string& text, int plannedFrom = -1) {
       reader.planActors();
     }
     const std::string error = errorOf([&] { isThere = reader.next(frame); });
-    if (!error.empty()) {
+    if (error != "no error") {
       lists += error + "\n";
     } else if (isThere) {
       maker.make(frame);
