@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <tuple>
 #include <utility>
 
@@ -16,7 +15,6 @@ constexpr double lowestBelief = -4.0;  // log-odds; also of those who were never
 constexpr double highestBelief = 7.0;  // log-odds; one sure pair must not outvote three unsure
 constexpr double stay = 3.0;           // log-odds in favour of who is together already
 constexpr double met = 2.0;            // log-odds of those whose groups have met, at least
-constexpr double parted = 2.0;         // metres between the nearest of those who part
 constexpr double birth = 1.0;          // log-odds from which on a new group counts
 constexpr double sureBirth = 3.0;      // log-odds from which on it counts at once
 constexpr double confirmation = 0.8;   // seconds that it must last otherwise
@@ -24,7 +22,6 @@ constexpr double bridge = 15.0;        // seconds after which a group is over
 constexpr double coolDown = 2.0;       // seconds until who left may come back
 constexpr double absence = 1.0;        // seconds out of view that change nothing
 constexpr double realLife = 2.0;       // seconds that a group must live to merge or split
-constexpr std::size_t core = 2;        // members who carry an identity
 
 double limited(double belief) {
   return std::clamp(belief, lowestBelief, highestBelief);
@@ -37,13 +34,13 @@ std::vector<TickGroup> GroupIdentity::next(const TickBeliefs& tick, const Latest
   const GroupsOfPeople groupOf = groupsOf(tick.people);
   watchMeetings(tick, groupOf, latestOf);
   Gatherings gatherings = gather(tick, groupOf);
-  holdTogether(tick, gatherings);
+  m_partings.holdTogether(tick, gatherings);
   inherit(gatherings);
   nameTheRest(gatherings);
   std::vector<TickGroup> groups;
   for (const Gathering& gathering : gatherings) {
     const auto members = gathering.id ? membersOf(gathering) : std::vector<PersonId>();
-    if (members.size() >= core) {
+    if (members.size() >= Gathering::core) {
       groups.push_back({*gathering.id, members, certaintyOf(gathering.evidence), {}});
     }
   }
@@ -84,8 +81,7 @@ void GroupIdentity::watchMeetings(const TickBeliefs& tick, GroupsOfPeople groupO
   m_meetings.watch(tick, groupOf, latestOf);
 }
 
-GroupIdentity::Gatherings GroupIdentity::gather(const TickBeliefs& tick,
-                                                const GroupsOfPeople& groupOf) const {
+Gatherings GroupIdentity::gather(const TickBeliefs& tick, const GroupsOfPeople& groupOf) const {
   Gatherings gatherings;
   for (const PersonIsland& island :
        islandsOf(linksOf(tick, groupOf), tick.people.size(), lowestBelief)) {
@@ -122,87 +118,6 @@ std::vector<PersonLink> GroupIdentity::linksOf(const TickBeliefs& tick,
   return links;
 }
 
-/// The look-ahead knows that a group will split before anybody can see it.
-void GroupIdentity::holdTogether(const TickBeliefs& tick, Gatherings& gatherings) {
-  if (!doesAnyPart(gatherings)) {
-    m_parting.clear();
-    return;
-  }
-  std::map<GroupId, double> parting;
-  for (auto a = gatherings.begin(); a != gatherings.end(); ++a) {
-    for (auto b = a + 1; b != gatherings.end();) {
-      const auto group = commonOrigin(*a, *b);
-      if (group) {
-        const auto known = m_parting.find(*group);
-        parting[*group] = known == m_parting.end() ? m_time : known->second;
-      }
-      const bool isHeld = group && m_time - parting[*group] < m_lookAhead - ticks::tolerance &&
-                          distanceOf(*a, *b, tick) < parted;
-      if (!isHeld) {
-        ++b;
-        continue;
-      }
-      unite(*a, *b);
-      b = gatherings.erase(b);
-    }
-  }
-  m_parting = std::move(parting);
-}
-
-/// Whether two gatherings have a common origin.
-bool GroupIdentity::doesAnyPart(const Gatherings& gatherings) {
-  std::set<GroupId> origins;
-  for (const Gathering& gathering : gatherings) {
-    for (const auto& [group, members] : gathering.before) {
-      if (members >= core && !origins.insert(group).second) {
-        return true;
-      }
-    }
-  }
-  return false;
-}
-
-/// The group that both were part of, each with members enough to be one.
-std::optional<GroupId> GroupIdentity::commonOrigin(const Gathering& a, const Gathering& b) {
-  for (const auto& [group, members] : a.before) {
-    const auto others = b.before.find(group);
-    if (members >= core && others != b.before.end() && others->second >= core) {
-      return group;
-    }
-  }
-  return std::nullopt;
-}
-
-/// Between the nearest two, metres.
-double GroupIdentity::distanceOf(const Gathering& a, const Gathering& b, const TickBeliefs& tick) {
-  const auto isOf = [](PersonId person, const Gathering& gathering) {
-    return std::binary_search(gathering.people.begin(), gathering.people.end(), person);
-  };
-  double nearest = std::numeric_limits<double>::infinity();
-  for (const PairBelief& pair : tick.pairs) {
-    if ((isOf(pair.a, a) && isOf(pair.b, b)) || (isOf(pair.a, b) && isOf(pair.b, a))) {
-      nearest = std::min(nearest, pair.distance);
-    }
-  }
-  return nearest;
-}
-
-void GroupIdentity::unite(Gathering& gathering, const Gathering& other) {
-  const auto weightOf = [](const Gathering& one) {
-    return static_cast<double>(one.people.size() * (one.people.size() - 1));
-  };
-  const double own = weightOf(gathering);
-  const double theirs = weightOf(other);
-  gathering.evidence = (gathering.evidence * own + other.evidence * theirs) / (own + theirs);
-  const auto middle = static_cast<std::ptrdiff_t>(gathering.people.size());
-  gathering.people.insert(gathering.people.end(), other.people.begin(), other.people.end());
-  std::inplace_merge(gathering.people.begin(), gathering.people.begin() + middle,
-                     gathering.people.end());
-  for (const auto& [group, members] : other.before) {
-    gathering.before[group] += members;
-  }
-}
-
 void GroupIdentity::inherit(Gatherings& gatherings) {
   // Most members first, then the older group, the lower id, the first gathering.
   std::vector<std::tuple<std::ptrdiff_t, double, GroupId, Gathering*>> claims;
@@ -227,8 +142,9 @@ void GroupIdentity::nameTheRest(Gatherings& gatherings) {
     if (gathering.id) {
       continue;
     }
-    const bool hasSplitOff = std::any_of(gathering.before.begin(), gathering.before.end(),
-                                         [](const auto& group) { return group.second >= core; });
+    const bool hasSplitOff =
+        std::any_of(gathering.before.begin(), gathering.before.end(),
+                    [](const auto& group) { return group.second >= Gathering::core; });
     gathering.id = remembered(gathering);
     if (!gathering.id && (hasSplitOff || hasWaited(gathering))) {
       gathering.id = found();
@@ -242,7 +158,7 @@ void GroupIdentity::nameTheRest(Gatherings& gatherings) {
 
 std::optional<GroupId> GroupIdentity::remembered(const Gathering& gathering) const {
   std::optional<GroupId> best;
-  std::size_t most = core - 1;
+  std::size_t most = Gathering::core - 1;
   for (const auto& entry : m_groups) {
     const GroupId id = entry.first;
     const Group& group = entry.second;
@@ -320,7 +236,7 @@ std::vector<GroupId> GroupIdentity::originOf(const Gathering& gathering,
   const bool isNew = m_groups.at(*gathering.id).isNew;
   std::vector<GroupId> origin;
   for (const auto& [group, members] : gathering.before) {
-    const bool isSource = group != *gathering.id && members >= core && isReal(group);
+    const bool isSource = group != *gathering.id && members >= Gathering::core && isReal(group);
     if (isSource && present.contains(group) == isNew) {
       origin.push_back(group);
     }
@@ -338,7 +254,7 @@ std::vector<GroupId> GroupIdentity::originOf(const Gathering& gathering,
 
 void GroupIdentity::endAbsorbed(const Gathering& gathering, const std::set<GroupId>& present) {
   for (const auto& [group, members] : gathering.before) {
-    if (members >= core && !present.contains(group)) {
+    if (members >= Gathering::core && !present.contains(group)) {
       m_groups.at(group).hasEnded = true;
     }
   }

@@ -2,6 +2,7 @@
 
 #include "host/grouping/FrameGroups.h"
 #include "host/grouping/GroupMeetings.h"
+#include "host/grouping/GroupPartings.h"
 #include "host/grouping/PairEvidence.h"
 #include "host/grouping/Partition.h"
 
@@ -26,13 +27,13 @@ struct TickGroup {
 /// known by its members. A pause of up to 15 s, because people are out of view or seem apart, does
 /// not end it. Who belongs to a group tends to stay in it; who left it is not taken back at once; a
 /// new group has to be believed for a moment before it counts, unless it splits off another.
-/// A split is told once the parts are two metres apart, or at the end of the look-ahead.
-/// Where two groups become one, which `GroupMeetings` tells early, the one with more members there
-/// goes on and the other has ended: its id never comes back, also when the people part again.
+/// A split is told when `GroupPartings` says so. Where two groups become one, which `GroupMeetings`
+/// tells early, the one with more members there goes on and the other has ended: its id never comes
+/// back, also when the people part again.
 class GroupIdentity {
  public:
   /// `lookAhead`: seconds of the future that the evidence sees.
-  explicit GroupIdentity(double lookAhead) : m_lookAhead(lookAhead) {}
+  explicit GroupIdentity(double lookAhead) : m_partings(lookAhead) {}
 
   /// The groups at the next tick, in ascending order of ids.
   std::vector<TickGroup> next(const TickBeliefs& tick, const LatestOf& latestOf);
@@ -48,14 +49,6 @@ class GroupIdentity {
     std::size_t lastSize = 0;
     std::map<PersonId, double> memberUntil;  ///< seconds
   };
-  /// People who are together now, and the group that they are.
-  struct Gathering {
-    std::vector<PersonId> people;           ///< ascending
-    std::map<GroupId, std::size_t> before;  ///< how many were in which group
-    double evidence = 0.0;                  ///< mean of the pairs, log-odds
-    std::optional<GroupId> id;
-  };
-  using Gatherings = std::vector<Gathering>;
   using PersonPair = std::pair<PersonId, PersonId>;
   using GroupsOfPeople = GroupMeetings::GroupsOfPeople;
 
@@ -64,11 +57,6 @@ class GroupIdentity {
   void watchMeetings(const TickBeliefs& tick, GroupsOfPeople groupOf, const LatestOf& latestOf);
   Gatherings gather(const TickBeliefs& tick, const GroupsOfPeople& groupOf) const;
   std::vector<PersonLink> linksOf(const TickBeliefs& tick, const GroupsOfPeople& groupOf) const;
-  void holdTogether(const TickBeliefs& tick, Gatherings& gatherings);
-  static bool doesAnyPart(const Gatherings& gatherings);
-  static std::optional<GroupId> commonOrigin(const Gathering& a, const Gathering& b);
-  static double distanceOf(const Gathering& a, const Gathering& b, const TickBeliefs& tick);
-  static void unite(Gathering& gathering, const Gathering& other);
   void inherit(Gatherings& gatherings);
   std::optional<GroupId> remembered(const Gathering& gathering) const;
   bool hasWaited(const Gathering& gathering);
@@ -82,13 +70,12 @@ class GroupIdentity {
   void admit(const std::vector<TickGroup>& groups);
   void forget();
 
-  double m_lookAhead;  ///< seconds
   GroupMeetings m_meetings;
+  GroupPartings m_partings;
   double m_time = 0.0;  ///< of the tick, seconds
   GroupId m_lastId = 0;
   std::map<GroupId, Group> m_groups;       ///< that go on or may come back
   std::map<PersonId, GroupId> m_memberOf;  ///< also of those who are out of view for a moment
-  std::map<GroupId, double> m_parting;     ///< since when a group falls apart, seconds
   std::set<GroupId> m_taken;               ///< ids in use at this tick
   std::map<PersonPair, double> m_waiting;  ///< since when two persons could be a new group, seconds
   std::map<PersonPair, double> m_waitingNext;             ///< the same for the next tick
